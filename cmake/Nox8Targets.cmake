@@ -1,0 +1,48 @@
+# The three kinds of target of this project: a room of the product, a test program, a plain program.
+
+add_library(nox8_flags INTERFACE)
+target_compile_options(nox8_flags INTERFACE
+    -Wall -Wextra -Wpedantic
+    $<$<BOOL:${NOX8_WARNINGS_AS_ERRORS}>:-Werror>
+    $<$<BOOL:${NOX8_SANITIZE}>:-fsanitize=address,undefined -fno-sanitize-recover=undefined
+        -fno-omit-frame-pointer>)
+target_compile_definitions(nox8_flags INTERFACE
+    QT_DEPRECATED_WARNINGS
+    QT_NO_CAST_TO_ASCII
+    QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+    QT_NO_FOREACH)
+target_link_options(nox8_flags INTERFACE
+    $<$<BOOL:${NOX8_SANITIZE}>:-fsanitize=address,undefined>)
+
+# nox8_add_room(<name> SOURCES <file>... LINKS <target>...)
+#
+# A static library nox8_<name>. A room links only the rooms it may know, so an include against the
+# direction of the arrows does not link.
+function(nox8_add_room name)
+    cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+    add_library(nox8_${name} STATIC ${arg_SOURCES})
+    target_include_directories(nox8_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+    target_link_libraries(nox8_${name} PUBLIC ${arg_LINKS} PRIVATE nox8_flags)
+endfunction()
+
+# nox8_add_program(<name> SOURCES <file>... LINKS <target>...)
+function(nox8_add_program name)
+    cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE ${arg_LINKS} nox8_flags)
+endfunction()
+
+# nox8_add_test(<name> SOURCES <file>... LINKS <target>... [LABEL unit|e2e])
+#
+# A test program of QtTest. Tests labelled "unit" (the default) run once more under the sanitizers.
+function(nox8_add_test name)
+    cmake_parse_arguments(arg "" "LABEL" "SOURCES;LINKS" ${ARGN})
+    if(NOT arg_LABEL)
+        set(arg_LABEL unit)
+    endif()
+    nox8_add_program(${name} SOURCES ${arg_SOURCES} LINKS ${arg_LINKS} Qt5::Test)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES
+        LABELS ${arg_LABEL}
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0")
+endfunction()
