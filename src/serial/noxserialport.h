@@ -1,0 +1,190 @@
+#pragma once
+
+#include "serial/exchangeitems.h"
+#include "serial/linktiming.h"
+
+#include <QEventLoop>
+#include <QHash>
+#include <QObject>
+#include <QQueue>
+#include <QSet>
+#include <QStringList>
+#include <QVector>
+
+class noxSerialPortThread;
+
+/**
+ * The port multiplexer: the one object through which the program talks to its instruments.
+ *
+ * It keeps a worker per connected instrument under a `devIndex` (the smallest free number from 0),
+ * queues reads and writes per instrument, hands them to the worker one at a time with writes
+ * first, and passes on what the workers report. It lives in the GUI thread. Its signals to workers
+ * reach every worker; each acts on its own `devIndex` alone.
+ */
+class NOXSerialPort : public QObject
+{
+    Q_OBJECT
+public:
+    /** A reply held back while the events of its instrument are blocked. */
+    struct devDataReply {
+        quint8 address = 0;
+        QByteArray *buf = nullptr; ///< owned by the queue that holds it
+    };
+
+    explicit NOXSerialPort(QObject *parent = nullptr);
+    ~NOXSerialPort() override;
+
+    /** Starts a worker on a port; its `devIndex`, or -1: port missing or busy, or 255 workers. */
+    int addDev(QString portName, char devType = 0, int baudRate = 9600, quint8 measTimeout = 15);
+    /** Stops and removes a worker; spins a local event loop until it has ended, 5 s at most. */
+    void rmDev(int devIndex);
+    /** Sets the command byte of an instrument's transfers. */
+    void setDevType(int devIndex, char devType);
+    /** The port's name, "-" for an unknown device. */
+    QString getPortName(int devIndex) const;
+    /** True only if the device has had a read and none is queued now. */
+    bool isEmptyQueryQueue(int devIndex) const;
+    /** No device has a queued write. */
+    bool isSendAllData() const;
+    /** No device has a queued read or a held reply. */
+    bool isReadAllQuery() const;
+    /** Recomputes and announces the overall progress. */
+    void onExchangeProg();
+
+    /** The waits of workers added from now on. */
+    void setLinkTiming(const LinkTiming &newTiming) { timing = newTiming; }
+
+    /** True only if the device has had a write and none is queued now. */
+    bool isEmptyDataQueue(int devIndex) const;
+    /**
+     * Forgets a device's queued reads, writes and held replies, for an instrument that moves to
+     * another record. An exchange that its worker has begun is finished and changes no queue.
+     */
+    void emptyQueues(int devIndex);
+
+public slots:
+    /** Queues a block read. */
+    void sendDevQuery(int devIndex, quint8 address, quint16 size, bool showPr = false,
+                      noxQueryMode qMode = noxQueryModeNormal);
+    void sendDevQuery(int devIndex, noxSerialPortQueryItem query);
+    /** Queues a read of 8-byte records. */
+    void sendRecQuery(int devIndex, quint8 address, quint16 size, bool showPr = false,
+                      noxQueryMode qMode = noxQueryModeNormal);
+    void sendRecQuery(int devIndex, noxSerialPortQueryItem query);
+    /** Queues a read of one 4-byte word. */
+    void sendWordQuery(int devIndex, quint8 address, bool showPr = false,
+                       noxQueryMode qMode = noxQueryModeNormal);
+    void sendWordQuery(int devIndex, noxSerialPortQueryItem query);
+    /** Queues a block write; the caller keeps `buf`. */
+    void sendDevData(int devIndex, noxSerialPortDataItem data);
+    void sendDevData(int devIndex, QByteArray *buf, quint8 address, bool showPr = false,
+                     noxQueryMode qMode = noxQueryModeNormal);
+    void sendDevData(int devIndex, QByteArray buf, quint8 address, bool showPr = false,
+                     noxQueryMode qMode = noxQueryModeNormal);
+    /** Queues a write of one 4-byte word; the caller keeps `buf`. */
+    void sendDevWord(int devIndex, noxSerialPortDataItem data);
+    void sendDevWord(int devIndex, QByteArray *buf, quint8 address, bool showPr = false,
+                     noxQueryMode qMode = noxQueryModeNormal);
+    void sendDevWord(int devIndex, QByteArray buf, quint8 address, bool showPr = false,
+                     noxQueryMode qMode = noxQueryModeNormal);
+    /** Holds a device's replies back and drops its stream (true), or delivers what was held. */
+    void blockEventDev(int devIndex, bool b);
+    void blockEventAll(bool b);
+
+signals:
+    /** A raw token of the stream. */
+    void readyDevSource(int devIndex, QByteArray buf);
+    /** A measurement: value, channel from 1, unit character. */
+    void readyDevMeas(int devIndex, double meas, quint8 ch, char dim);
+    /** A status list of the stream. */
+    void readyDevStatus(int devIndex, QStringList lStr);
+    /** A reply; `buf` lives only until the receivers have returned. */
+    void readyDevReply(int devIndex, QByteArray *buf, quint8 address);
+    void readyDevReply(int devIndex, QByteArray buf, quint8 address);
+    /** The device's read queue became empty: after a reply (true) or a failure (false). */
+    void resultDevQuery(int devIndex, bool ok);
+    /** No device has reads or held replies left. */
+    void allDevQueryComplite();
+    /** A write failed (false) and further ones wait. */
+    void resultDevData(int devIndex, bool ok);
+    /** No device has writes left. */
+    void allDevDataSend();
+    /** To the workers: start this read. */
+    void readyDevQuery(int devIndex, noxSerialPortQueryItem query);
+    /** To the workers: start this write. */
+    void readyDevData(int devIndex, noxSerialPortDataItem data);
+    /** Progress of one device's exchange, as its worker gives it. */
+    void setProgress(int devIndex, int progress, int maxProgress, quint8 address);
+    /** Overall progress in exchanges; 0 of 0 when all are done. */
+    void setProgress(int progress, int maxProgress);
+    // five that nothing fires
+    void stopEvent();
+    void startEvent();
+    void blockEvent(bool b);
+    void blockEvent(int devIndex, bool b);
+    void blockStatusEvent(bool b);
+    /** To the workers: hold the stream back or let it flow. */
+    void blockStatusEvent(int devIndex, bool b);
+    /** A fault of the device: a port error, or a failed exchange with 100 or 200 added. */
+    void onDevError(int devIndex);
+    void onDevError(int devIndex, quint16 code);
+    void onDevError(int devIndex, quint16 code, QString msg);
+    /** A read failed for good: 110 to 140. */
+    void onDevQueryError(int devIndex, quint16 code, noxSerialPortQueryItem query);
+    /** A write failed for good: 210 to 240. */
+    void onDevDataError(int devIndex, quint16 code, noxSerialPortDataItem data);
+    /** The device's last queued write has been done. */
+    void doneSend(int devIndex);
+    /** One write has been done. */
+    void doneSendDevData(int devIndex, noxSerialPortDataItem data);
+    /** To the workers: settings. The last two are for tests; the program keeps the defaults. */
+    void onSetDevType(int devIndex, char devType);
+    void onSetMeasTimeout(int devIndex, quint8 sec);
+    void onSetDelayTime(int devIndex, quint16 init = 2000, quint16 queue = 5000,
+                        quint16 attempt = 3000);
+    /** The device's stream was silent for too long; true when its port could be reopened. */
+    void onMeasTimeOut(int devIndex, bool isConnect);
+
+private slots:
+    void readDevMeas(double meas, quint8 ch, char dim);
+    void readDevSource(QByteArray buf);
+    void readDevStatus(QStringList lStr);
+    void readDevReply(QByteArray *buf, quint8 address);
+    void setDevProgress(int progress, int maxProgress, quint8 address);
+    void onError(quint16 code);
+    void onSendQueryError(quint16 code, noxSerialPortQueryItem query);
+    void onSendDataError(quint16 code, noxSerialPortDataItem data);
+    void doneDevSend();
+    void devMeasTimeout(bool isConnect);
+    void purgeDevSerialPortThread();
+    void emitErrorEvent(int devIndex, quint16 code);
+
+private:
+    void connectWorker(noxSerialPortThread *worker);
+    int senderIndex() const;
+    bool isBlocked(int devIndex) const { return blockedDevices.contains(devIndex); }
+    void startQuery(int devIndex);
+    void startData(int devIndex);
+    void startNext(int devIndex);
+    void announceEmptied(bool wasReadAll, bool wasSentAll);
+    void dropHeldReplies(int devIndex);
+
+    static int progMax; ///< most exchanges pending since none was; of the whole process
+
+    QHash<int, noxSerialPortThread *> workers; ///< owned
+    QHash<int, QString> errorTexts;            ///< by code; nothing fills it
+    // By devIndex, each made at its first use; the head is the exchange in progress.
+    QHash<int, QQueue<noxSerialPortQueryItem>> queryQueues;
+    QHash<int, QQueue<noxSerialPortDataItem>> dataQueues;
+    QHash<int, QQueue<devDataReply>> heldReplies;
+    QVector<int> blockedDevices;
+    QHash<int, QEventLoop *> removalWaits; ///< loops of rmDev(), on its stack
+    // Devices whose worker already has the head of the queue. Without them a head handed over
+    // again, just when the worker has finished it, would be carried out twice.
+    QSet<int> queryHandedOver;
+    QSet<int> dataHandedOver;
+    // Devices whose queue was emptied meanwhile: the result to come takes no head off it.
+    QSet<int> queryAbandoned;
+    QSet<int> dataAbandoned;
+    LinkTiming timing;
+};

@@ -1,0 +1,141 @@
+#pragma once
+
+#include "serial/bytedialogue.h"
+#include "serial/exchangeitems.h"
+#include "serial/linktiming.h"
+#include "serial/retryschedule.h"
+#include "serial/streamparser.h"
+
+#include <QByteArray>
+#include <QSerialPort>
+#include <QStringList>
+#include <QThread>
+#include <QTimer>
+
+#include <atomic>
+#include <memory>
+
+/**
+ * Serves one instrument on one serial port: parses its measurement stream, carries out exchanges
+ * one at a time with retries, and watches the port.
+ *
+ * The object is moved to the thread that it is itself, so its slots run in the worker thread and
+ * its port and timers live there. Only the constructor, setTiming(), requestStop() and the
+ * inherited thread control may be called from outside; the rest is reached by queued signals.
+ * Every slot but rm() ignores calls for another device.
+ */
+class noxSerialPortThread : public QThread
+{
+    Q_OBJECT
+public:
+    noxSerialPortThread(int devIndex, const QString &portName, char devType = 0,
+                        int baudRate = 9600, quint8 measTimeout = 15);
+    ~noxSerialPortThread() override;
+
+    /** The waits of the link; before start(). */
+    void setTiming(const LinkTiming &newTiming) { timing = newTiming; }
+
+    /** Asks every wait to give up and ends the event loop. From any thread. */
+    void requestStop();
+
+    int index() const { return devIndex; }
+    QString name() const { return portName; }
+
+signals:
+    /** Each token of the stream, with a space appended. */
+    void readySource(QByteArray buf);
+    /** A measurement: value, channel from 1, unit character. */
+    void readyMeas(double meas, quint8 ch, char dim);
+    /** A token that carried a status list. */
+    void readyStatus(QStringList lStr);
+    /** Progress of an exchange that shows it: -1 busy, then bytes done of all; 0 of 0 ends it. */
+    void setProgress(int progress, int maxProgress, quint8 address);
+    /** Not fired. */
+    void readyQuery(QByteArray buf, quint8 address);
+    /** A read has finished; the receiver takes `buf` over. */
+    void readyQuery(QByteArray *buf, quint8 address);
+    /** A read has failed for good: 10, 20, 30 or 40. */
+    void onSendQueryError(quint16 code, noxSerialPortQueryItem query);
+    /** A write has failed for good: the same codes. */
+    void onSendDataError(quint16 code, noxSerialPortDataItem data);
+    /** The port failed: 255 minus its error. All but 252 and 254 of a retry end the worker. */
+    void onError(quint16 code);
+    /** Not fired. */
+    void onDevError(quint16 code);
+    /** A write has finished. */
+    void doneSend();
+    /** The stream was silent for too long; true when the port could be reopened. */
+    void onMeasTimeout(bool isConnect);
+
+public slots:
+    /** Accepts a read when none is in progress, else drops it; starts it after the queue delay. */
+    void sendQuery(int devIndex, noxSerialPortQueryItem query);
+    /** The same for a write. */
+    void sendData(int devIndex, noxSerialPortDataItem data);
+    /** The command byte that opens a transfer. */
+    void setDevType(int devIndex, char devType);
+    /** The period of the watchdog in seconds. */
+    void setMeasTimeout(int devIndex, quint8 sec);
+    /** The three long delays in ms. */
+    void setDelayTime(int devIndex, quint16 init = 2000, quint16 queue = 5000,
+                      quint16 attempt = 3000);
+    /** Holds the port's signals back (true), so that exchanges have the line to themselves. */
+    void blockStatusEvent(int devIndex, bool b);
+    /** Ends the worker. */
+    void rm();
+
+protected:
+    void run() override;
+
+private slots:
+    void readyRead();
+    void sendNextQuery();
+    void sendNextData();
+    void onTimerReconnect();
+    void onPortError(QSerialPort::SerialPortError error);
+    void lookForLostPort();
+
+private:
+    void sendNextQueryData();
+    void sendNextQueryRec();
+    void sendNextQueryWord();
+    void sendNextDataSync();
+    void sendNextDataWord();
+
+    void assertWorkerThread() const { Q_ASSERT(QThread::currentThread() == this); }
+
+    /** Where in the measurement stream the next byte stands. */
+    enum class StreamStart { Anew, Anywhere };
+
+    bool reConnect();
+    void endExchange(StreamStart start);
+    void publish(const StreamToken &token);
+    bool mayGoOn();
+    void finishQuery(LinkResult result, ExchangeKind kind, const QByteArray &reply);
+    void finishData(LinkResult result);
+    void failQuery(LinkResult result, ExchangeKind kind);
+    void failData(LinkResult result);
+    void showProgress(bool show, int progress, int maxProgress, quint8 address);
+    ByteDialogue::Progress progressOf(bool show, quint8 address);
+    template<typename Slot>
+    void scheduleStart(int baseDelayMs, Slot slot);
+    template<typename Slot>
+    void scheduleRetry(const RetryStep &step, Slot slot);
+
+    std::unique_ptr<QSerialPort> port;
+    int baudRate;
+    int devIndex;
+    char devType;
+    quint8 queryAttempt = 0;
+    quint8 dataAttempt = 0;
+    quint8 measTimeout; ///< seconds
+    LinkTiming timing;
+    std::atomic<bool> running{false};
+    noxSerialPortQueryItem query;
+    noxSerialPortDataItem data;
+    std::unique_ptr<QTimer> measTimer;
+    std::unique_ptr<QTimer> lostPortTimer; ///< looks at a port whose signals are held back
+    StreamParser parser;                   ///< holds the unparsed tail of the stream
+    QString portName;
+    bool exchanging = false; ///< an exchange reads the port itself; the parser stays out
+};
