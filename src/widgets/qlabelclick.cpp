@@ -1,0 +1,7 @@
+#include "widgets/qlabelclick.h"
+
+void QLabelClick::mousePressEvent(QMouseEvent *event)
+{
+    QLabel::mousePressEvent(event);
+    emit clicked();
+}

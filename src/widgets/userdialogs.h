@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QColor>
+#include <QMessageBox>
+
+#include <functional>
+
+class QWidget;
+
+/** What a message box says and offers. */
+struct Message {
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QString title;
+    QString text;
+    QMessageBox::StandardButtons buttons = QMessageBox::Ok;
+    QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
+};
+
+/**
+ * The one way in which the program asks its user something.
+ *
+ * A test replaces the three functions and so reads the questions and gives the answers.
+ */
+struct UserDialogs {
+    /** Shows a message and waits for the button pressed. */
+    std::function<QMessageBox::StandardButton(QWidget *parent, const Message &message)> ask;
+    /** Shows a message and goes on; the box lives until it is closed. */
+    std::function<void(QWidget *parent, const Message &message)> tell;
+    /** Asks for a colour; an invalid one when the user gives none. */
+    std::function<QColor(QWidget *parent, const QColor &current)> chooseColor;
+
+    /** The dialogs in effect: at first those on the screen. */
+    static UserDialogs &current();
+    /** Those on the screen. */
+    static UserDialogs onScreen();
+};
