@@ -1,0 +1,77 @@
+# What is built into the program: pictures drawn at build time and the list of built-in files.
+
+find_program(NOX8_RSVG_CONVERT rsvg-convert DOC "Renders the SVG drawings of the program")
+if(NOT NOX8_RSVG_CONVERT)
+    message(FATAL_ERROR
+        "The pictures of nox8 are rendered at build time by rsvg-convert, which was not found: "
+        "install the Debian package librsvg2-bin.")
+endif()
+
+# nox8_render_picture(<name> <width> <height>)
+#
+# Renders images/<name>.svg of the current source directory to images/<name>.png of the current
+# build directory, at the given size in pixels, and to images/<name>@2x.png at twice that size.
+function(nox8_render_picture name width height)
+    set(drawing ${CMAKE_CURRENT_SOURCE_DIR}/images/${name}.svg)
+    set(folder ${CMAKE_CURRENT_BINARY_DIR}/images)
+    file(MAKE_DIRECTORY ${folder})
+    math(EXPR doubleWidth "2 * ${width}")
+    math(EXPR doubleHeight "2 * ${height}")
+    add_custom_command(
+        OUTPUT ${folder}/${name}.png
+        COMMAND ${NOX8_RSVG_CONVERT} --width ${width} --height ${height}
+                --output ${folder}/${name}.png ${drawing}
+        DEPENDS ${drawing}
+        COMMENT "Rendering ${name}.png"
+        VERBATIM)
+    add_custom_command(
+        OUTPUT ${folder}/${name}@2x.png
+        COMMAND ${NOX8_RSVG_CONVERT} --width ${doubleWidth} --height ${doubleHeight}
+                --output ${folder}/${name}@2x.png ${drawing}
+        DEPENDS ${drawing}
+        COMMENT "Rendering ${name}@2x.png"
+        VERBATIM)
+endfunction()
+
+# nox8_list_picture(<variable> <folder> <name>)
+#
+# Appends both sizes of a rendered picture to a list variable, as nox8_add_resources() takes them.
+# The folder is the one in the program, such as /resource/images.
+function(nox8_list_picture variable folder name)
+    set(pairs ${${variable}})
+    foreach(file ${name}.png ${name}@2x.png)
+        list(APPEND pairs ${folder}/${file} ${CMAKE_CURRENT_BINARY_DIR}/images/${file})
+    endforeach()
+    set(${variable} ${pairs} PARENT_SCOPE)
+endfunction()
+
+# nox8_add_resources(<target> <path in the program> <file>...)
+#
+# An object library that carries the files, each named by its path in the program ("/resource/x" is
+# opened as ":/resource/x"). The files may be outputs of custom commands of the same directory.
+# An object library, because the linker would drop from a static one what nobody calls by name.
+function(nox8_add_resources target)
+    set(files "")
+    set(lines "")
+    set(pairs ${ARGN})
+    while(pairs)
+        list(POP_FRONT pairs path file)
+        list(APPEND files ${file})
+        string(APPEND lines "<file alias=\"${path}\">${file}</file>\n")
+    endwhile()
+
+    set(collection ${CMAKE_CURRENT_BINARY_DIR}/${target}.qrc)
+    set(code ${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp)
+    file(GENERATE OUTPUT ${collection}
+        CONTENT "<RCC><qresource prefix=\"/\">\n${lines}</qresource></RCC>\n")
+    # Format 1 stores no file times, so that equal sources give equal bytes.
+    add_custom_command(
+        OUTPUT ${code}
+        COMMAND Qt5::rcc --format-version 1 --name ${target} --output ${code} ${collection}
+        DEPENDS ${collection} ${files}
+        COMMENT "Building in the files of ${target}"
+        VERBATIM)
+    add_library(${target} OBJECT ${code})
+    set_target_properties(${target} PROPERTIES AUTOMOC OFF AUTOUIC OFF)
+    target_link_libraries(${target} PRIVATE Qt5::Core)
+endfunction()
