@@ -1,0 +1,35 @@
+#include "simulator/measurementstream.h"
+
+#include "simulator/instrumentmemory.h"
+
+namespace
+{
+
+/** Value and unit letter of a reading at this temperature. */
+QByteArray reading(quint8 measurementType, double celsius)
+{
+    switch (measurementType) {
+    case 0x00:
+        return QByteArray::number(platinumResistance(celsius), 'f', 5) + 'A';
+    case 0x20:
+        return QByteArray::number(thermocoupleVoltage(celsius), 'f', 5) + 'C';
+    default:
+        return QByteArray::number(celsius, 'f', 4) + 'B';
+    }
+}
+
+} // namespace
+
+QByteArray MeasurementStream::nextToken(const InstrumentMemory &memory, double seconds)
+{
+    const int count = memory.model().channelCount;
+    for (int tried = 0; tried < count; ++tried) {
+        m_channel = (m_channel + 1) % count;
+        if (!memory.isChannelOn(m_channel))
+            continue;
+        const double celsius = signalTemperature(m_signal, m_channel + 1, seconds);
+        return QByteArray::number(m_channel + 1) + ':' +
+               reading(memory.measurementType(m_channel), celsius) + ' ';
+    }
+    return {};
+}
