@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plot/plotrecords.h"
+#include "plot/scalechoice.h"
 #include "plot/scaletables.h"
 
 #include <QColor>
@@ -69,6 +70,8 @@ public:
 
     /** The clock that stamps points and tells which day is today; tests set their own. */
     void setClock(std::function<QDateTime()> clock);
+    /** What that clock shows. */
+    QDateTime now() const { return m_clock(); }
 
     /** Red dotted pen, 2 pixels wide: limit lines and the rubber band that places them. */
     static QPen limitPen();
@@ -227,27 +230,30 @@ signals:
 
 private:
     int resolveIndex(int qwtIndex) const { return qwtIndex < 0 ? m_mainIndex : qwtIndex; }
+    uchar resolveChannel(int qwtIndex, uchar ch) const;
     _dev *findDevice(int qwtIndex);
     const _dev *findDevice(int qwtIndex) const;
     _ch *findChannel(int qwtIndex, uchar ch);
     const _ch *findChannel(int qwtIndex, uchar ch) const;
-    uchar resolveChannel(int qwtIndex, uchar ch) const;
     bool isMainChannel(int qwtIndex, uchar ch) const;
 
-    void appendChannel(_dev &device, bool shown);
+    bool ensureChannel(int qwtIndex, uchar ch);
+    void appendChannel(int qwtIndex);
     void removeLastChannel(int qwtIndex);
     void endDifference(int qwtIndex, uchar ch);
-    bool extendDifference(_ch &channel, double val, double time) const;
+    bool extendDifference(_ch &channel) const;
     bool violatesLimit(int qwtIndex, uchar ch) const;
-    void updateVisibility(_dev &device);
-    int decimals(int qwtIndex, uchar ch, signed char precision) const;
 
+    bool keepsChosenScales(int qwtIndex, uchar ch) const;
+    void setCurrentScales(const _ch &channel);
     void scaleX(const _ch &channel);
     void scaleY(_ch &channel);
-    void recentreAxis(Axis axis, double step, int divisions);
-    void setAxis(Axis axis, double lower, double upper, double step);
+    AxisView axisView(int axis) const;
+    void setAxisView(int axis, const AxisView &view);
     void installScaleXDraw();
+    void refreshScaleYLabels();
     void scheduleReplot();
+    void paintFrame();
 
     QMap<int, _dev> m_devices;
     int m_mainIndex = -1;
@@ -257,5 +263,7 @@ private:
     uchar m_scaleX = 0; ///< row of scalesX() in effect, chosen by the user or by the data
     uchar m_scaleY = 0; ///< row of scalesY() in effect
     QwtPlotTextLabel *m_caption = nullptr; ///< owned by the plot's item list
+    uchar m_labelPrecision = 0; ///< decimals with which the Y axis was labelled last
+    QDate m_labelDay;           ///< what was today when the X axis was labelled last
     QTimer m_replotTimer;
 };
