@@ -2,7 +2,8 @@
 
 #include <cmath>
 
-namespace {
+namespace
+{
 
 /** Level of the longest block at `first` whose times all fall into one column; -1: the point. */
 int levelWithinColumn(const Series &times, int first, const PixelColumns &columns)

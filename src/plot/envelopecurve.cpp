@@ -11,7 +11,8 @@
 
 #include <cmath>
 
-namespace {
+namespace
+{
 
 PixelColumns columnsOf(const QwtScaleMap &xMap, const QRectF &canvasRect, qreal columnsPerPixel)
 {
@@ -81,8 +82,7 @@ void EnvelopeCurve::drawLines(QPainter *painter, const QwtScaleMap &xMap, const 
 }
 
 EnvelopeCurve::Strokes EnvelopeCurve::strokes(const QwtScaleMap &xMap, const QwtScaleMap &yMap,
-                                              const QRectF &canvasRect,
-                                              qreal columnsPerPixel) const
+                                              const QRectF &canvasRect, qreal columnsPerPixel) const
 {
     const auto *series = static_cast<const SeriesData *>(data());
     const auto pointAt = [&](int index) {

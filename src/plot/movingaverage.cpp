@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
+namespace
+{
 
 /** A value this much greater than what remains took digits of the others away from the sum. */
 constexpr double swamping = 1e6;

@@ -16,7 +16,8 @@
 
 // Construction, the records, and the road of a point.
 
-namespace {
+namespace
+{
 
 constexpr int frameMilliseconds = 33;
 constexpr double lowestValue = -1300; // what an instrument sends for a broken sensor
@@ -347,8 +348,8 @@ bool QwtNOX::violatesLimit(int qwtIndex, uchar ch) const
         const bool byMode = device->modeTrack == TrackRange || device->modeTrack == alone;
         return byMode && limit && limit->isVisible();
     };
-    return (isChecked(device->upperMarker, TrackUpper) && value > device->upperMarker->yValue())
-        || (isChecked(device->lowerMarker, TrackLower) && value < device->lowerMarker->yValue());
+    return (isChecked(device->upperMarker, TrackUpper) && value > device->upperMarker->yValue()) ||
+           (isChecked(device->lowerMarker, TrackLower) && value < device->lowerMarker->yValue());
 }
 
 QwtNOX::_dev *QwtNOX::findDevice(int qwtIndex)

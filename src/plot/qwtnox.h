@@ -39,7 +39,8 @@ public:
 
     // Instruments
 
-    /** The records by plot index. Whoever writes to them calls applyScale() for what is on screen. */
+    /** The records by plot index. Whoever writes to them calls applyScale() for what is on screen.
+     */
     QMap<int, _dev> &devices() { return m_devices; }
     const QMap<int, _dev> &devices() const { return m_devices; }
 
@@ -131,8 +132,7 @@ public:
     QString getChAverStr(int qwtIndex = -1, uchar ch = 255, signed char precision = -1,
                          int index = -1, bool diff = true) const;
     /** Time of a measured point in whole seconds, whatever `diff` says; "" when there is none. */
-    QString getChTimeStr(int qwtIndex = -1, uchar ch = 255, int index = -1,
-                         bool diff = true) const;
+    QString getChTimeStr(int qwtIndex = -1, uchar ch = 255, int index = -1, bool diff = true) const;
     /** Seconds between the two newest points, one decimal; "" with fewer than two. */
     QString getChDXStr(int qwtIndex = -1, uchar ch = 255) const;
     /** Change between the two newest points; "" with fewer than two. */
@@ -263,7 +263,7 @@ private:
     uchar m_scaleX = 0; ///< row of scalesX() in effect, chosen by the user or by the data
     uchar m_scaleY = 0; ///< row of scalesY() in effect
     QwtPlotTextLabel *m_caption = nullptr; ///< owned by the plot's item list
-    uchar m_labelPrecision = 0; ///< decimals with which the Y axis was labelled last
-    QDate m_labelDay;           ///< what was today when the X axis was labelled last
+    uchar m_labelPrecision = 0;            ///< decimals with which the Y axis was labelled last
+    QDate m_labelDay;                      ///< what was today when the X axis was labelled last
     QTimer m_replotTimer;
 };

@@ -9,7 +9,8 @@
 
 // Scales and modes: what the axes show and how they are labelled.
 
-namespace {
+namespace
+{
 
 constexpr int captionPoints = 15;
 

@@ -5,7 +5,8 @@
 
 // Main instrument, main channel, and what of them is visible in which colour.
 
-namespace {
+namespace
+{
 
 /** A curve is visible when its instrument, its kind and its channel all are. */
 void updateVisibility(const PlotDevice &device, const PlotChannel &channel)

@@ -4,7 +4,8 @@
 
 // Reading values off the plot, as numbers and as texts.
 
-namespace {
+namespace
+{
 
 QString noValue()
 {
@@ -32,7 +33,8 @@ double valueAt(const Series &series, int index)
     return index >= 0 && index < series.size() ? series[index] : series.last();
 }
 
-/** Decimals of a value in tables and files: those asked for, else those of the scale; 2 at least. */
+/** Decimals of a value in tables and files: those asked for, else those of the scale; 2 at least.
+ */
 int decimalsFor(int asked, int ofChannel, int ofMainChannel)
 {
     if (asked >= 0) {
@@ -58,8 +60,8 @@ uchar QwtNOX::getChCount(int qwtIndex) const
 void QwtNOX::getChDiff(uchar *diffCh, int *diffQwtIndex, int qwtIndex, uchar ch) const
 {
     const _ch *channel = findChannel(qwtIndex, ch);
-    const bool configured = channel && channel->hasDifference()
-        && channel->diffCh < getChCount(channel->diffQwtIndex);
+    const bool configured =
+        channel && channel->hasDifference() && channel->diffCh < getChCount(channel->diffQwtIndex);
     *diffCh = configured ? channel->diffCh : 255;
     *diffQwtIndex = configured ? channel->diffQwtIndex : -1;
 }

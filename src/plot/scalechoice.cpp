@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
+namespace
+{
 
 /** First row whose steps span `width` with half a step to spare, else the last row. */
 template<typename Table>
@@ -53,8 +54,7 @@ AxisView followTimes(const AxisView &current, const AxisView &wanted)
     return covered && wanted.step == current.step ? current : wanted;
 }
 
-AxisView followValues(const AxisView &current, const ValueRange &values, double step,
-                      int divisions)
+AxisView followValues(const AxisView &current, const ValueRange &values, double step, int divisions)
 {
     const bool covered = current.lower <= values.min && current.upper >= values.max;
     if (covered && current.step == step) {

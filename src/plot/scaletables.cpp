@@ -2,7 +2,8 @@
 
 #include <QCoreApplication>
 
-namespace {
+namespace
+{
 
 struct ScaleTexts {
     Q_DECLARE_TR_FUNCTIONS(QwtNOX)

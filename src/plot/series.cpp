@@ -6,7 +6,8 @@
 #include <utility>
 #include <vector>
 
-namespace {
+namespace
+{
 
 constexpr int valuesPerBlock = 64;
 constexpr int blocksPerBlock = 16;
@@ -78,7 +79,8 @@ void Series::append(double value)
     }
     if (m_storage->values.size() != static_cast<std::size_t>(m_size)) {
         // Another copy has gone on with the shared values: this one needs values of its own.
-        const std::shared_ptr<Storage> shared = std::exchange(m_storage, std::make_shared<Storage>());
+        const std::shared_ptr<Storage> shared =
+            std::exchange(m_storage, std::make_shared<Storage>());
         std::for_each(shared->values.begin(), shared->values.begin() + m_size,
                       [this](double own) { m_storage->append(own); });
     }
@@ -144,8 +146,8 @@ int Series::levelFrom(int first, int end) const
 {
     int level = -1;
     const int levels = m_storage ? static_cast<int>(m_storage->levels.size()) : 0;
-    while (level + 1 < levels && first % blockLength(level + 1) == 0
-           && blockLength(level + 1) <= end - first) {
+    while (level + 1 < levels && first % blockLength(level + 1) == 0 &&
+           blockLength(level + 1) <= end - first) {
         ++level;
     }
     return level;

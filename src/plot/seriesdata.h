@@ -2,9 +2,8 @@
 
 #include "plot/series.h"
 
-#include <qwt_series_data.h>
-
 #include <QPointF>
+#include <qwt_series_data.h>
 
 /** Shows two series, times and values, to a curve as points, without copying them. */
 class SeriesData : public QwtSeriesData<QPointF>
