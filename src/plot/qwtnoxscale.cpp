@@ -50,6 +50,16 @@ QString captionText(const PlotChannel &channel, int ch, const QString &labelX,
         .arg(QString::number(ch + 1), channel.dim, labelX, labelY);
 }
 
+/** Keeps the canvas where it is while labels gain and lose a digit; only much shorter ones move it.
+ */
+void steadyExtent(QwtScaleDraw *draw, const QFont &font)
+{
+    const double kept = draw->minimumExtent();
+    draw->setMinimumExtent(0);
+    const double needed = draw->extent(font);
+    draw->setMinimumExtent(needed > kept || needed < 0.7 * kept ? needed : kept);
+}
+
 } // namespace
 
 void QwtNOX::setDivX(uchar divisions)
@@ -126,7 +136,7 @@ void QwtNOX::setChScaleX(uchar scale, int qwtIndex, uchar ch)
         return;
     }
     ch = resolveChannel(qwtIndex, ch);
-    if (keepsChosenScales(qwtIndex, ch) && scale != m_scaleX) {
+    if (hasFreeView(qwtIndex, ch) && scale != m_scaleX) {
         m_scaleX = scale;
         const double step = scalesX()[scale].step;
         setAxisView(xBottom, notBelowZero(viewAround(axisView(xBottom).middle(), step, m_divX)));
@@ -154,7 +164,7 @@ void QwtNOX::setChScaleY(uchar scale, int qwtIndex, uchar ch)
         return;
     }
     ch = resolveChannel(qwtIndex, ch);
-    if (keepsChosenScales(qwtIndex, ch) && scale != m_scaleY) {
+    if (hasFreeView(qwtIndex, ch) && scale != m_scaleY) {
         m_scaleY = scale;
         calcPrecision(scale, qwtIndex, ch);
         setAxisView(yLeft, viewAround(axisView(yLeft).middle(), scalesY()[scale].step, m_divY));
@@ -176,7 +186,7 @@ uchar QwtNOX::getChScaleY(int qwtIndex, uchar ch) const
 }
 
 /** In the zoom, panning and limits modes a new scale changes the view, not the channel. */
-bool QwtNOX::keepsChosenScales(int qwtIndex, uchar ch) const
+bool QwtNOX::hasFreeView(int qwtIndex, uchar ch) const
 {
     const TmcMode mode = getChMode(qwtIndex, ch);
     const bool freeView = mode == ModeZoom || mode == ModeScroll || mode == ModeLimits;
@@ -266,10 +276,7 @@ void QwtNOX::setAxisView(int axis, const AxisView &view)
     }
     setAxisScale(axis, view.lower, view.upper, view.step);
     updateAxes();
-
-    // The canvas keeps its width when labels get shorter again.
-    QwtScaleDraw *draw = axisScaleDraw(axis);
-    draw->setMinimumExtent(qMax(draw->minimumExtent(), draw->extent(axisFont(axis))));
+    steadyExtent(axisScaleDraw(axis), axisFont(axis));
 }
 
 void QwtNOX::installScaleXDraw()
