@@ -142,7 +142,8 @@ void ChannelTable::addReference(ChannelState *state, const noxList::_nox &nox) c
     uchar channel = 255;
     int qwtIndex = -1;
     m_plot->getChDiff(&channel, &qwtIndex, nox.qwtIndex, uchar(state->number));
-    const noxList::_nox *reference = qwtIndex < 0 ? nullptr : m_registry->getNoxByQwtIndex(qwtIndex);
+    const noxList::_nox *reference =
+        qwtIndex < 0 ? nullptr : m_registry->getNoxByQwtIndex(qwtIndex);
     if (!reference)
         return;
     state->referenceChannel = channel;

@@ -40,8 +40,8 @@ void MainWindow::showNumbers()
         return;
     }
     const auto main = uchar(255);
-    m_panels->showNumbers(m_plot->getChMeasStr(qwtIndex, main), m_plot->getChAverStr(qwtIndex, main),
-                          m_plot->getChDim(qwtIndex, main));
+    m_panels->showNumbers(m_plot->getChMeasStr(qwtIndex, main),
+                          m_plot->getChAverStr(qwtIndex, main), m_plot->getChDim(qwtIndex, main));
 }
 
 int MainWindow::indexOnPlot(int qwtIndex) const
@@ -147,8 +147,10 @@ void MainWindow::showPoint(int qwtIndex, uchar ch)
     m_instruments->acceptPoint(indexOnPlot(qwtIndex), ch);
     if (!isCurrent(qwtIndex))
         return;
-    if (ch == m_plot->getChMain(qwtIndex))
+    if (ch == m_plot->getChMain(qwtIndex)) {
         showNumbers();
+        m_plotButtons->refresh(); // the point may have changed the scales that the plot chooses
+    }
     if (!m_channels->hasRow(ch))
         updUI();
     m_channels->acceptPoint(ch);
@@ -261,8 +263,7 @@ void MainWindow::chooseColor(uchar ch)
     const int qwtIndex = currentPlotIndex();
     if (!m_plot->getChShow(qwtIndex, ch))
         return;
-    const QColor color =
-        UserDialogs::current().chooseColor(this, m_plot->getChColor(qwtIndex, ch));
+    const QColor color = UserDialogs::current().chooseColor(this, m_plot->getChColor(qwtIndex, ch));
     // while the dialog was open, the instrument may have left the plot
     if (color.isValid() && m_registry->getQWTIndex(index) == qwtIndex)
         m_plot->setChColor(color, qwtIndex, ch);
