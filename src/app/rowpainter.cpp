@@ -53,18 +53,13 @@ void paintSwatch(QTableWidgetItem *item, const QColor &color)
     item->setIcon(color.isValid() ? swatchIcon(color) : QIcon());
 }
 
+// An item reports a change, and its cell is painted again, only where the new content differs.
 void paintCell(QTableWidgetItem *item, const CellContent &content)
 {
-    if (item->text() != content.text)
-        item->setText(content.text);
-    if (item->toolTip() != content.toolTip)
-        item->setToolTip(content.toolTip);
-    const QBrush text(content.textColor);
-    if (item->foreground() != text)
-        item->setForeground(text);
-    const QBrush background = content.background.isValid() ? QBrush(content.background) : QBrush();
-    if (item->background() != background)
-        item->setBackground(background);
+    item->setText(content.text);
+    item->setToolTip(content.toolTip);
+    item->setForeground(content.textColor);
+    item->setBackground(content.background.isValid() ? QBrush(content.background) : QBrush());
     paintSwatch(item, content.swatch);
 }
 
