@@ -1,0 +1,77 @@
+#include "app/rowpainter.h"
+
+#include <QIcon>
+#include <QPainter>
+#include <QPixmap>
+#include <QTableWidget>
+
+namespace
+{
+
+constexpr int swatchRole = Qt::UserRole;
+constexpr int swatchSize = 16;
+constexpr int swatchFrame = 2;
+
+QTableWidgetItem *itemAt(QTableWidget *table, int row, int column)
+{
+    if (QTableWidgetItem *item = table->item(row, column))
+        return item;
+    auto *item = new QTableWidgetItem;
+    item->setTextAlignment(Qt::AlignCenter);
+    table->setItem(row, column, item);
+    return item;
+}
+
+QPixmap swatchPixmap(const QColor &color, int scale)
+{
+    QPixmap pixmap(swatchSize * scale, swatchSize * scale);
+    pixmap.setDevicePixelRatio(scale);
+    pixmap.fill(color);
+    if (color.alpha() == 0)
+        return pixmap;
+    QPainter painter(&pixmap);
+    painter.setPen(QPen(Qt::white, swatchFrame, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    const int inset = swatchFrame / 2;
+    const int side = swatchSize - swatchFrame;
+    painter.drawRect(inset, inset, side, side);
+    return pixmap;
+}
+
+QIcon swatchIcon(const QColor &color)
+{
+    QIcon icon;
+    for (const int scale : {1, 2})
+        icon.addPixmap(swatchPixmap(color, scale));
+    return icon;
+}
+
+void paintSwatch(QTableWidgetItem *item, const QColor &color)
+{
+    if (item->data(swatchRole).value<QColor>() == color)
+        return;
+    item->setData(swatchRole, color);
+    item->setIcon(color.isValid() ? swatchIcon(color) : QIcon());
+}
+
+void paintCell(QTableWidgetItem *item, const CellContent &content)
+{
+    if (item->text() != content.text)
+        item->setText(content.text);
+    if (item->toolTip() != content.toolTip)
+        item->setToolTip(content.toolTip);
+    const QBrush text(content.textColor);
+    if (item->foreground() != text)
+        item->setForeground(text);
+    const QBrush background = content.background.isValid() ? QBrush(content.background) : QBrush();
+    if (item->background() != background)
+        item->setBackground(background);
+    paintSwatch(item, content.swatch);
+}
+
+} // namespace
+
+void paintRow(QTableWidget *table, int row, const RowContent &content, int first, int last)
+{
+    for (int column = first; column <= last; ++column)
+        paintCell(itemAt(table, row, column), content[size_t(column)]);
+}
