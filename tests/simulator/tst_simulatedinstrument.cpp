@@ -210,7 +210,7 @@ void TestSimulatedInstrument::streamIsCutShortBeforeTheEcho()
     QVERIFY(!end.read(1, 500).isEmpty());
     end.write("\x33");
     const QByteArray heard = end.read(1000, 300);
-    QVERIFY2(heard.endsWith("x3"), heard.constData());
+    QVERIFY2(heard.endsWith('3') && heard.size() < 50, heard.constData());
 }
 
 void TestSimulatedInstrument::streamResumesAfterAWordReadInOneGo()
