@@ -59,3 +59,6 @@ struct PlotDevice {
     QwtPlotMarker *upperMarker = nullptr;
     QwtPlotMarker *lowerMarker = nullptr;
 };
+
+/** Gives the curves of a channel what they show at present: its difference, else its values. */
+void showSeries(const PlotChannel &channel);

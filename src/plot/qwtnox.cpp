@@ -2,7 +2,6 @@
 
 #include "plot/channelcolors.h"
 #include "plot/envelopecurve.h"
-#include "plot/movingaverage.h"
 #include "plot/qwtnoxscaledraw.h"
 
 #include <qwt_plot_canvas.h>
@@ -12,15 +11,12 @@
 #include <qwt_plot_textlabel.h>
 #include <qwt_scale_widget.h>
 
-#include <cmath>
-
-// Construction, the records, and the road of a point.
+// Construction and the records: instruments and their channels.
 
 namespace
 {
 
 constexpr int frameMilliseconds = 33;
-constexpr double lowestValue = -1300; // what an instrument sends for a broken sensor
 constexpr uchar mainChannel = 255;
 constexpr int axisFontPoints = 11;
 
@@ -49,53 +45,17 @@ QwtPlotMarker *addLimitLine(QwtPlot *plot)
     return line;
 }
 
-bool isAcceptable(double val, double time)
-{
-    return std::isfinite(val) && val > lowestValue && std::isfinite(time) && time >= 0;
-}
-
-/** Gives the curves of a channel the series that they show. */
-void showSeries(const PlotChannel &channel)
-{
-    if (channel.hasDifference()) {
-        channel.measCurve->setSeries(channel.diffTime, channel.diffMeas);
-        channel.averCurve->setSeries(channel.diffTime, channel.diffAver);
-    } else {
-        channel.measCurve->setSeries(channel.time, channel.meas);
-        channel.averCurve->setSeries(channel.time, channel.aver);
-    }
-}
-
-void storePoint(PlotChannel &channel, double val, double time, const QString &dim)
-{
-    channel.dim = dim;
-    channel.dims.append(dim);
-    channel.meas.append(val);
-    channel.time.append(time);
-    channel.aver.append(movingAverage(channel.averSum, channel.meas));
-}
-
-void clearChannel(PlotChannel &channel)
-{
-    for (Series *series : {&channel.meas, &channel.aver, &channel.time, &channel.diffMeas,
-                           &channel.diffAver, &channel.diffTime}) {
-        series->clear();
-    }
-    channel.dims.clear();
-    channel.averSum = 0;
-    channel.diffAverSum = 0;
-    showSeries(channel);
-}
-
 } // namespace
 
 QwtNOX::QwtNOX(QWidget *parent)
     : QwtPlot(parent)
 {
+    // A canvas with a style sheet of its own takes its background from style sheets alone.
+    setStyleSheet(QStringLiteral("QwtPlotCanvas { background: white }"));
     canvas()->setStyleSheet(QStringLiteral("border: 0"));
-    setCanvasBackground(Qt::white);
     plotLayout()->setCanvasMargin(0);
     plotLayout()->setSpacing(0);
+    plotLayout()->setAlignCanvasToScales(true);
     addGrid(this);
     m_caption = addCaption(this);
 
@@ -172,75 +132,6 @@ QPen QwtNOX::limitPen()
     return QPen(Qt::red, 2, Qt::DotLine);
 }
 
-bool QwtNOX::addPoint(double val, const QString &dim, int qwtIndex, uchar ch)
-{
-    const _dev *device = findDevice(qwtIndex);
-    if (!device) {
-        return false;
-    }
-    const double time = static_cast<double>(device->startDateTime.msecsTo(now())) / 1000.0;
-    return addPoint(val, time, dim, qwtIndex, ch);
-}
-
-bool QwtNOX::addPoint(double val, double time, const QString &dim, int qwtIndex, uchar ch)
-{
-    qwtIndex = resolveIndex(qwtIndex);
-    if (!ensureChannel(qwtIndex, ch)) {
-        return false;
-    }
-    _ch &channel = *findChannel(qwtIndex, ch);
-    if (!isAcceptable(val, time)) {
-        channel.error = true;
-        emit onErrorAddPoint(qwtIndex, ch);
-        return false;
-    }
-    storePoint(channel, val, time, dim);
-    if (!extendDifference(channel)) {
-        emit onErrorAddPoint(qwtIndex, ch);
-        return false;
-    }
-    showSeries(channel);
-    channel.error = false;
-    if (isMainChannel(qwtIndex, ch)) {
-        applyScale();
-    } else {
-        scheduleReplot();
-    }
-
-    // Whoever hears of the point may change the records: nothing found before holds after this.
-    emit onAddPoint(qwtIndex, ch);
-    if (violatesLimit(qwtIndex, ch)) {
-        emit onPointTrackOff(qwtIndex, ch);
-    }
-    return true;
-}
-
-void QwtNOX::clear(int qwtIndex)
-{
-    _dev *device = findDevice(qwtIndex);
-    if (!device) {
-        return;
-    }
-    for (_ch &channel : device->ch) {
-        clearChannel(channel);
-    }
-    applyScale();
-}
-
-void QwtNOX::prepareMeas(int qwtIndex, const QDateTime &start)
-{
-    qwtIndex = resolveIndex(qwtIndex);
-    _dev *device = findDevice(qwtIndex);
-    if (!device) {
-        return;
-    }
-    clear(qwtIndex);
-    device->startDateTime = start;
-    installScaleXDraw();
-    emit onChange(qwtIndex);
-    applyScale();
-}
-
 void QwtNOX::setChCount(uchar count, int qwtIndex)
 {
     qwtIndex = resolveIndex(qwtIndex);
@@ -263,18 +154,6 @@ void QwtNOX::setChCount(uchar count, int qwtIndex)
     }
     applyScale();
     emit onChange(qwtIndex);
-}
-
-bool QwtNOX::ensureChannel(int qwtIndex, uchar ch)
-{
-    const _dev *device = findDevice(qwtIndex);
-    if (!device || ch == mainChannel) {
-        return false;
-    }
-    if (ch >= device->ch.size() && device->fixedChCount == 0) {
-        setChCount(static_cast<uchar>(ch + 1), qwtIndex);
-    }
-    return ch < getChCount(qwtIndex);
 }
 
 void QwtNOX::appendChannel(int qwtIndex)
@@ -316,40 +195,6 @@ void QwtNOX::endDifference(int qwtIndex, uchar ch)
     channel.diffQwtIndex = -1;
     showSeries(channel);
     setChMode(ModeFollow, qwtIndex, ch);
-}
-
-/** Adds the difference of the newest point; false when the reference channel has nothing fresh. */
-bool QwtNOX::extendDifference(_ch &channel) const
-{
-    const _ch *reference =
-        channel.hasDifference() ? findChannel(channel.diffQwtIndex, channel.diffCh) : nullptr;
-    if (!reference || reference->meas.isEmpty()) {
-        return true;
-    }
-    const bool isStale =
-        !channel.diffTime.isEmpty() && reference->time.last() <= channel.diffTime.last();
-    if (isStale || reference->error) {
-        return false;
-    }
-    channel.diffTime.append(channel.time.last());
-    channel.diffMeas.append(channel.meas.last() - reference->meas.last());
-    channel.diffAver.append(movingAverage(channel.diffAverSum, channel.diffMeas));
-    return true;
-}
-
-bool QwtNOX::violatesLimit(int qwtIndex, uchar ch) const
-{
-    const _dev *device = findDevice(qwtIndex);
-    if (!device) {
-        return false;
-    }
-    const double value = getChMeas(qwtIndex, ch);
-    const auto isChecked = [device](const QwtPlotMarker *limit, TmcTrackingMode alone) {
-        const bool byMode = device->modeTrack == TrackRange || device->modeTrack == alone;
-        return byMode && limit && limit->isVisible();
-    };
-    return (isChecked(device->upperMarker, TrackUpper) && value > device->upperMarker->yValue()) ||
-           (isChecked(device->lowerMarker, TrackLower) && value < device->lowerMarker->yValue());
 }
 
 QwtNOX::_dev *QwtNOX::findDevice(int qwtIndex)

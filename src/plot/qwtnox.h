@@ -244,7 +244,7 @@ private:
     bool extendDifference(_ch &channel) const;
     bool violatesLimit(int qwtIndex, uchar ch) const;
 
-    bool keepsChosenScales(int qwtIndex, uchar ch) const;
+    bool hasFreeView(int qwtIndex, uchar ch) const;
     void setCurrentScales(const _ch &channel);
     void scaleX(const _ch &channel);
     void scaleY(_ch &channel);

@@ -1,56 +1,6 @@
-#include "plot/envelopecurve.h"
 #include "plot/qwtnox.h"
-#include "plot/qwtnoxscaledraw.h"
 
-#include <qwt_plot_textlabel.h>
-#include <qwt_scale_div.h>
-#include <qwt_scale_widget.h>
-#include <qwt_text.h>
-
-// Scales and modes: what the axes show and how they are labelled.
-
-namespace
-{
-
-constexpr int captionPoints = 15;
-
-/** Modes in which the axes go with the data. */
-bool followsData(TmcMode mode)
-{
-    return mode == ModeAuto || mode == ModeFollow || mode == ModeLimits;
-}
-
-const Series &shownTimes(const PlotChannel &channel)
-{
-    return channel.hasDifference() ? channel.diffTime : channel.time;
-}
-
-/** The series of the curve that decides on the Y scale: of the visible ones, values first. */
-const Series &decidingValues(const PlotChannel &channel)
-{
-    const bool byAverage = channel.averCurve->isVisible() && !channel.measCurve->isVisible();
-    if (channel.hasDifference()) {
-        return byAverage ? channel.diffAver : channel.diffMeas;
-    }
-    return byAverage ? channel.aver : channel.meas;
-}
-
-/** Range of the newest values, back to the first time left of the view. */
-ValueRange valuesInView(const PlotChannel &channel, double leftTime)
-{
-    const int before = leftTime > 0 ? shownTimes(channel).lastBelow(leftTime) : -1;
-    const Series &values = decidingValues(channel);
-    return values.range(before + 1, values.size());
-}
-
-QString captionText(const PlotChannel &channel, int ch, const QString &labelX,
-                    const QString &labelY)
-{
-    return QwtNOX::tr("Кн. № %1 [%2], dX: %3, dY: %4")
-        .arg(QString::number(ch + 1), channel.dim, labelX, labelY);
-}
-
-} // namespace
+// Choosing scales and modes.
 
 void QwtNOX::setDivX(uchar divisions)
 {
@@ -126,7 +76,7 @@ void QwtNOX::setChScaleX(uchar scale, int qwtIndex, uchar ch)
         return;
     }
     ch = resolveChannel(qwtIndex, ch);
-    if (keepsChosenScales(qwtIndex, ch) && scale != m_scaleX) {
+    if (hasFreeView(qwtIndex, ch) && scale != m_scaleX) {
         m_scaleX = scale;
         const double step = scalesX()[scale].step;
         setAxisView(xBottom, notBelowZero(viewAround(axisView(xBottom).middle(), step, m_divX)));
@@ -154,7 +104,7 @@ void QwtNOX::setChScaleY(uchar scale, int qwtIndex, uchar ch)
         return;
     }
     ch = resolveChannel(qwtIndex, ch);
-    if (keepsChosenScales(qwtIndex, ch) && scale != m_scaleY) {
+    if (hasFreeView(qwtIndex, ch) && scale != m_scaleY) {
         m_scaleY = scale;
         calcPrecision(scale, qwtIndex, ch);
         setAxisView(yLeft, viewAround(axisView(yLeft).middle(), scalesY()[scale].step, m_divY));
@@ -176,7 +126,7 @@ uchar QwtNOX::getChScaleY(int qwtIndex, uchar ch) const
 }
 
 /** In the zoom, panning and limits modes a new scale changes the view, not the channel. */
-bool QwtNOX::keepsChosenScales(int qwtIndex, uchar ch) const
+bool QwtNOX::hasFreeView(int qwtIndex, uchar ch) const
 {
     const TmcMode mode = getChMode(qwtIndex, ch);
     const bool freeView = mode == ModeZoom || mode == ModeScroll || mode == ModeLimits;
@@ -211,125 +161,6 @@ void QwtNOX::changeScaleY(int indexY)
     if (indexY >= 0 && indexY < scalesY().size()) {
         setChScaleY(static_cast<uchar>(indexY));
     }
-}
-
-void QwtNOX::applyScale()
-{
-    _ch *channel = findChannel(m_mainIndex, 255);
-    if (channel && followsData(channel->mode) && !shownTimes(*channel).isEmpty()) {
-        setCurrentScales(*channel);
-        scaleX(*channel);
-        scaleY(*channel);
-    }
-    refreshScaleYLabels();
-    updLabelScale();
-    scheduleReplot();
-}
-
-void QwtNOX::scaleX(const _ch &channel)
-{
-    const Series &times = shownTimes(channel);
-    const bool isAutomatic = channel.mode == ModeAuto || m_scaleX == 0;
-    if (isAutomatic) {
-        m_scaleX = static_cast<uchar>(rowForTimes(times[0], times.last(), m_divX));
-    }
-    const double step = scalesX()[m_scaleX].step;
-    const AxisView wanted =
-        isAutomatic ? viewFrom(times[0], step, m_divX) : viewUpTo(times.last(), step, m_divX);
-    setAxisView(xBottom, followTimes(axisView(xBottom), wanted));
-}
-
-void QwtNOX::scaleY(_ch &channel)
-{
-    ValueRange values;
-    if (channel.mode == ModeAuto || m_scaleY == 0) {
-        values = valuesInView(channel, axisView(xBottom).lower);
-        m_scaleY = static_cast<uchar>(rowForValues(values, m_divY));
-    } else {
-        values.include(decidingValues(channel).last());
-    }
-    channel.precision = static_cast<uchar>(decimalsForRow(m_scaleY));
-    const double step = scalesY()[m_scaleY].step;
-    setAxisView(yLeft, followValues(axisView(yLeft), values, step, m_divY));
-}
-
-AxisView QwtNOX::axisView(int axis) const
-{
-    const QwtInterval interval = axisInterval(axis);
-    return {interval.minValue(), interval.maxValue(), axisStepSize(axis)};
-}
-
-void QwtNOX::setAxisView(int axis, const AxisView &view)
-{
-    if (!view.isValid() || view == axisView(axis)) {
-        return;
-    }
-    setAxisScale(axis, view.lower, view.upper, view.step);
-    updateAxes();
-
-    // The canvas keeps its width when labels get shorter again.
-    QwtScaleDraw *draw = axisScaleDraw(axis);
-    draw->setMinimumExtent(qMax(draw->minimumExtent(), draw->extent(axisFont(axis))));
-}
-
-void QwtNOX::installScaleXDraw()
-{
-    m_labelDay = now().date();
-    switch (getChModeX()) {
-    case ModeXSeconds:
-        setAxisScaleDraw(xBottom, new QwtNOXScaleXDrawMode0);
-        break;
-    case ModeXRelative:
-        setAxisScaleDraw(xBottom, new QwtNOXScaleXDrawMode1(this));
-        break;
-    case ModeXAbsolute:
-        setAxisScaleDraw(xBottom, new QwtNOXScaleXDrawMode2(this));
-        break;
-    }
-}
-
-/** Labels are kept per value: other decimals need new ones though the axis stays. */
-void QwtNOX::refreshScaleYLabels()
-{
-    if (m_labelPrecision == getPrecision()) {
-        return;
-    }
-    m_labelPrecision = getPrecision();
-    QwtScaleDraw *draw = axisScaleDraw(yLeft);
-    draw->setScaleDiv(QwtScaleDiv(draw->scaleDiv())); // drops the labels
-    axisWidget(yLeft)->update();
-}
-
-void QwtNOX::scheduleReplot()
-{
-    if (!m_replotTimer.isActive()) {
-        m_replotTimer.start();
-    }
-}
-
-void QwtNOX::paintFrame()
-{
-    if (m_labelDay != now().date()) {
-        installScaleXDraw(); // what was today now needs its date
-    }
-    replot();
-}
-
-void QwtNOX::updLabelScale()
-{
-    const _ch *channel = findChannel(m_mainIndex, 255);
-    const QString text = channel ? captionText(*channel, resolveChannel(m_mainIndex, 255),
-                                               getScaleXLabel(), getScaleYLabel())
-                                 : QString();
-    if (text == m_caption->text().text()) {
-        return;
-    }
-    QwtText caption(text);
-    QFont font = caption.font();
-    font.setPointSize(captionPoints);
-    caption.setFont(font);
-    caption.setRenderFlags(Qt::AlignRight | Qt::AlignTop);
-    m_caption->setText(caption);
 }
 
 QString QwtNOX::getScaleXLabel() const

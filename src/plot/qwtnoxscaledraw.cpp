@@ -1,7 +1,46 @@
 #include "plot/qwtnoxscaledraw.h"
 
 #include "plot/qwtnox.h"
+#include "plot/scalechoice.h"
 #include "plot/timetext.h"
+
+#include <QPainter>
+#include <qwt_scale_div.h>
+#include <qwt_scale_map.h>
+
+#include <cmath>
+
+namespace
+{
+
+constexpr double labelGap = 10; // pixels that stay free between two labels
+
+} // namespace
+
+void QwtNOXScaleXDraw::drawLabel(QPainter *painter, double value) const
+{
+    const QList<double> ticks = scaleDiv().ticks(QwtScaleDiv::MajorTick);
+    if (ticks.size() > 1) {
+        // Counted from zero, not from the edge: labels keep their tick while the view moves.
+        const double tick = std::round(value / (ticks[1] - ticks[0]));
+        if (std::fmod(tick, stride(painter->font())) != 0) {
+            return;
+        }
+    }
+    QwtScaleDraw::drawLabel(painter, value);
+}
+
+/** Every how many ticks there is room for a label. */
+int QwtNOXScaleXDraw::stride(const QFont &font) const
+{
+    const QList<double> ticks = scaleDiv().ticks(QwtScaleDiv::MajorTick);
+    double widest = 0;
+    for (const double tick : ticks) {
+        widest = std::max(widest, labelSize(font, tick).width());
+    }
+    const double distance = scaleMap().transform(ticks[1]) - scaleMap().transform(ticks[0]);
+    return labelStride(widest, distance, labelGap);
+}
 
 QwtText QwtNOXScaleXDrawMode0::label(double value) const
 {

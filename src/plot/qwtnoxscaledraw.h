@@ -5,15 +5,25 @@
 
 class QwtNOX;
 
+/** A time axis that leaves out labels where they would run into each other. */
+class QwtNOXScaleXDraw : public QwtScaleDraw
+{
+protected:
+    void drawLabel(QPainter *painter, double value) const override;
+
+private:
+    int stride(const QFont &font) const;
+};
+
 /** Labels of the time axis in seconds. */
-class QwtNOXScaleXDrawMode0 : public QwtScaleDraw
+class QwtNOXScaleXDrawMode0 : public QwtNOXScaleXDraw
 {
 public:
     QwtText label(double value) const override;
 };
 
 /** Labels of the time axis as a duration since the time origin. */
-class QwtNOXScaleXDrawMode1 : public QwtScaleDraw
+class QwtNOXScaleXDrawMode1 : public QwtNOXScaleXDraw
 {
 public:
     /** `plot`, whose axis this is, tells the step. */
@@ -25,7 +35,7 @@ private:
 };
 
 /** Labels of the time axis as the time of day, with the date unless it is today. */
-class QwtNOXScaleXDrawMode2 : public QwtScaleDraw
+class QwtNOXScaleXDrawMode2 : public QwtNOXScaleXDraw
 {
 public:
     /** `plot`, whose axis this is, tells the time origin, the step and which day is today. */

@@ -76,6 +76,12 @@ AxisView notBelowZero(const AxisView &view)
     return view.lower < 0 ? AxisView{0, view.upper - view.lower, view.step} : view;
 }
 
+int labelStride(double widestLabel, double tickDistance, double gap)
+{
+    const double fitting = std::ceil((widestLabel + gap) / std::max(1.0, tickDistance));
+    return static_cast<int>(std::clamp(fitting, 1.0, 100.0));
+}
+
 int decimalsForRow(int row)
 {
     // Three rows share a power of ten: 0.000001, 0.000002 and 0.000005 are written with 6 decimals.

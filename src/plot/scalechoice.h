@@ -44,5 +44,8 @@ AxisView viewAround(double centre, double step, int divisions);
 /** The view moved to begin at 0 when it begins below. */
 AxisView notBelowZero(const AxisView &view);
 
+/** Every how many ticks there is room for a label, all in pixels; 1 to 100. */
+int labelStride(double widestLabel, double tickDistance, double gap);
+
 /** Decimals that suit a row of scalesY(). */
 int decimalsForRow(int row);

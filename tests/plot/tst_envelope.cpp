@@ -88,6 +88,7 @@ private slots:
     void stepsStayFewInALongHistory();
     void denseColumnsFillTheirSpan();
     void sparsePointsAreJoinedByLines();
+    void sparseAndDensePointsAreJoined();
     void survivesExtremeNumbers();
 };
 
@@ -199,6 +200,22 @@ void TestEnvelope::sparsePointsAreJoinedByLines()
         QVERIFY2(isBlack(image, x, 49) && isBlack(image, x, 50),
                  qPrintable(QString("column %1 has a hole").arg(x)));
     }
+}
+
+void TestEnvelope::sparseAndDensePointsAreJoined()
+{
+    Series times;
+    Series values;
+    for (const double time : {50.5, 150.2, 150.4, 150.6, 190.5}) {
+        times.append(time);
+        values.append(times.size() == 1 ? 2 : 8);
+    }
+    PaintedCurve curve(2);
+    curve.setSeries(times, values);
+    const QImage image = curve.paint(0, 200, 0, 10);
+    QVERIFY2(isBlack(image, 100, 50), "no line leads up to the dense column");
+    QVERIFY2(!isBlack(image, 150, 50), "the dense column reaches down to the point before");
+    QVERIFY2(isBlack(image, 170, 20), "no line leads away from the dense column");
 }
 
 void TestEnvelope::survivesExtremeNumbers()

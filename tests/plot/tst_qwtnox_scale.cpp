@@ -43,6 +43,7 @@ private slots:
     void labelsTheTimeAxis();
     void labelsChangeWithTheDay();
     void labelsTheValueAxisByPrecision();
+    void canvasStaysWhileDigitsChange();
     void captionNamesChannelAndScales();
     void stepsBackInTimeAreShown();
     void hugeValuesLeaveAUsableAxis();
@@ -334,8 +335,28 @@ void TestQwtNOXScale::labelsTheValueAxisByPrecision()
 {
     m_plot->setChScaleY(oneTenth);
     QCOMPARE(m_plot->axisScaleDraw(QwtPlot::yLeft)->label(20).text(), QString("20.0"));
-    m_plot->setChScaleY(10);
+    const auto width = [this] {
+        return m_plot->axisScaleDraw(QwtPlot::yLeft)->extent(m_plot->axisFont(QwtPlot::yLeft));
+    };
+    const double withOneDecimal = width();
+    m_plot->setChScaleY(10); // without points the axis stays, its labels do not
     QCOMPARE(m_plot->axisScaleDraw(QwtPlot::yLeft)->label(20).text(), QString("20.000"));
+    QVERIFY(width() > withOneDecimal);
+}
+
+void TestQwtNOXScale::canvasStaysWhileDigitsChange()
+{
+    const auto extent = [this] { return m_plot->axisScaleDraw(QwtPlot::yLeft)->minimumExtent(); };
+    m_plot->setChScaleY(oneTenth);
+    add(12, 0);
+    const double twoDigits = extent();
+    add(8, 1); // labels lose a digit
+    QCOMPARE(extent(), twoDigits);
+    add(-1234, 2);
+    const double fourDigits = extent();
+    QVERIFY(fourDigits > twoDigits);
+    add(8, 3); // far shorter labels give the room back
+    QVERIFY(extent() < fourDigits);
 }
 
 void TestQwtNOXScale::captionNamesChannelAndScales()

@@ -20,6 +20,7 @@ private slots:
     void centresTheValueView_data();
     void centresTheValueView();
     void decimalsSuitTheStep();
+    void labelsLeaveEachOtherRoom();
 };
 
 void TestScaleChoice::tablesRiseAndSayTheirStep()
@@ -155,6 +156,14 @@ void TestScaleChoice::decimalsSuitTheStep()
         decimals.append(decimalsForRow(row));
     }
     QCOMPARE(decimals, expected);
+}
+
+void TestScaleChoice::labelsLeaveEachOtherRoom()
+{
+    QCOMPARE(labelStride(40, 50, 10), 1);
+    QCOMPARE(labelStride(41, 50, 10), 2);
+    QCOMPARE(labelStride(130, 50, 10), 3);
+    QCOMPARE(labelStride(130, 0, 10), 100); // a canvas without width
 }
 
 QTEST_APPLESS_MAIN(TestScaleChoice)
