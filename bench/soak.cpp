@@ -3,11 +3,13 @@
 /// The instruments play in a process of their own, so that the processor time printed is the
 /// program's alone.
 
-#include <cstdio>
-
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "app/mainwindow.h"
+#include "plot/qwtnox.h"
+#include "registry/noxlist.h"
+#include "serial/noxserialport.h"
+#include "serial/portcatalog.h"
+#include "simulator/instrumenthost.h"
+#include "simulator/instrumentmodel.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -17,15 +19,13 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
-#include "app/mainwindow.h"
-#include "plot/qwtnox.h"
-#include "registry/noxlist.h"
-#include "serial/noxserialport.h"
-#include "serial/portcatalog.h"
-#include "simulator/instrumenthost.h"
-#include "simulator/instrumentmodel.h"
+#include <cstdio>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-namespace {
+namespace
+{
 
 constexpr int drainMs = 3000; ///< from the last token sent to the count of those received
 
@@ -144,7 +144,8 @@ int runProgram(const Load &load, Pipe &toFleet, Pipe &fromFleet)
     QVector<int> indexOf;
     for (int i = 0; i < load.instruments; ++i) {
         const int devIndex = window.serialPort()->addDev(portName(i));
-        const noxList::_nox *nox = devIndex < 0 ? nullptr : window.registry()->newNox(devIndex, true);
+        const noxList::_nox *nox =
+            devIndex < 0 ? nullptr : window.registry()->newNox(devIndex, true);
         if (!nox) {
             std::fprintf(stderr, "%s was refused\n", qPrintable(portName(i)));
             return 1;

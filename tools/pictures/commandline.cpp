@@ -23,9 +23,8 @@ PictureOrder readPictureOrder()
                                   "1280x800");
     const QCommandLineOption seconds("seconds", "How long to measure (default: 45).", "count",
                                      "45");
-    const QCommandLineOption connect("connect",
-                                     "Ports to connect, further ones as arguments (default: all).",
-                                     "name");
+    const QCommandLineOption connect(
+        "connect", "Ports to connect, further ones as arguments (default: all).", "name");
     const QCommandLineOption showAll("show-all", "Show the curves of all instruments.");
 
     QCommandLineParser parser;

@@ -4,6 +4,7 @@
 #include "app/rowcontent.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPushButton>
