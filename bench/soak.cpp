@@ -135,22 +135,22 @@ int runProgram(const Load &load, Pipe &toFleet, Pipe &fromFleet)
     window.resize(1280, 800);
     window.show();
 
-    QHash<int, qint64> received; // by registry index
+    QHash<int, qint64> received; // by devIndex
     qint64 drawn = 0;
-    QObject::connect(window.registry(), &noxList::onReadMeas, &window,
-                     [&received](int index) { ++received[index]; });
+    QObject::connect(window.serialPort(), &NOXSerialPort::readyDevMeas, &window,
+                     [&received](int devIndex) { ++received[devIndex]; });
     QObject::connect(window.plot(), &QwtNOX::onAddPoint, &window, [&drawn] { ++drawn; });
 
-    QVector<int> indexOf;
+    QVector<int> devices;
     for (int i = 0; i < load.instruments; ++i) {
         const int devIndex = window.serialPort()->addDev(portName(i));
-        const noxList::_nox *nox =
-            devIndex < 0 ? nullptr : window.registry()->newNox(devIndex, true);
-        if (!nox) {
+        if (devIndex < 0) {
             std::fprintf(stderr, "%s was refused\n", qPrintable(portName(i)));
             return 1;
         }
-        indexOf.append(nox->index);
+        // by hand the registry takes one instrument less than there are ports
+        window.registry()->newNox(devIndex, true);
+        devices.append(devIndex);
     }
 
     const double processorBefore = processorSeconds();
@@ -168,8 +168,8 @@ int runProgram(const Load &load, Pipe &toFleet, Pipe &fromFleet)
         qint64 sent = -1;
         fromFleet.read(&sent, sizeof sent);
         sentInAll += sent;
-        receivedInAll += received.value(indexOf.at(i));
-        unequal += sent != received.value(indexOf.at(i));
+        receivedInAll += received.value(devices.at(i));
+        unequal += sent != received.value(devices.at(i));
     }
     std::printf("%11d %9.1f %7d %9lld %9lld %7lld %6lld %9d %8.1f %% %7ld\n", load.instruments,
                 load.tokensPerSecond, load.seconds, static_cast<long long>(sentInAll),
