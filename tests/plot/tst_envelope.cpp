@@ -76,6 +76,9 @@ bool isBlack(const QImage &image, int x, int y)
 
 } // namespace
 
+Q_DECLARE_METATYPE(History)
+Q_DECLARE_METATYPE(PixelColumns)
+
 class TestEnvelope : public QObject
 {
     Q_OBJECT
@@ -88,6 +91,7 @@ private slots:
     void stepsStayFewInALongHistory();
     void denseColumnsFillTheirSpan();
     void sparsePointsAreJoinedByLines();
+    void sparseAndDensePointsAreJoined();
     void survivesExtremeNumbers();
 };
 
@@ -201,6 +205,22 @@ void TestEnvelope::sparsePointsAreJoinedByLines()
     }
 }
 
+void TestEnvelope::sparseAndDensePointsAreJoined()
+{
+    Series times;
+    Series values;
+    for (const double time : {50.5, 150.2, 150.4, 150.6, 190.5}) {
+        times.append(time);
+        values.append(times.size() == 1 ? 2 : 8);
+    }
+    PaintedCurve curve(2);
+    curve.setSeries(times, values);
+    const QImage image = curve.paint(0, 200, 0, 10);
+    QVERIFY2(isBlack(image, 100, 50), "no line leads up to the dense column");
+    QVERIFY2(!isBlack(image, 150, 50), "the dense column reaches down to the point before");
+    QVERIFY2(isBlack(image, 170, 20), "no line leads away from the dense column");
+}
+
 void TestEnvelope::survivesExtremeNumbers()
 {
     const double infinity = std::numeric_limits<double>::infinity();
@@ -221,9 +241,6 @@ void TestEnvelope::survivesExtremeNumbers()
     QVERIFY2(marked, "the line from far below to 5.0 is missing");
     curve.paint(0, 1e-9, -1e300, 1e300); // points all but one beyond the canvas
 }
-
-Q_DECLARE_METATYPE(History)
-Q_DECLARE_METATYPE(PixelColumns)
 
 QTEST_MAIN(TestEnvelope)
 #include "tst_envelope.moc"

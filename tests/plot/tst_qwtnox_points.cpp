@@ -224,6 +224,11 @@ void TestQwtNOXPoints::differenceNeedsAFreshReference()
     QCOMPARE(m_log->take(), QStringList("onErrorAddPoint 0 0"));
     QCOMPARE(m_plot->getChMeasCount(0, 0, false), 2);
     QCOMPARE(m_plot->getChMeasCount(0, 0, true), 1);
+
+    m_plot->addPoint(10, 1.5, "°C", 0, 1); // no newer than the latest difference
+    QVERIFY(!m_plot->addPoint(32, 3.5, "°C", 0, 0));
+    m_plot->addPoint(10, 1.6, "°C", 0, 1);
+    QVERIFY(m_plot->addPoint(33, 4.5, "°C", 0, 0));
 }
 
 void TestQwtNOXPoints::differenceNeedsASoundReference()

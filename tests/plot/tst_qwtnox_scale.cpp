@@ -335,8 +335,13 @@ void TestQwtNOXScale::labelsTheValueAxisByPrecision()
 {
     m_plot->setChScaleY(oneTenth);
     QCOMPARE(m_plot->axisScaleDraw(QwtPlot::yLeft)->label(20).text(), QString("20.0"));
-    m_plot->setChScaleY(10);
+    const auto width = [this] {
+        return m_plot->axisScaleDraw(QwtPlot::yLeft)->extent(m_plot->axisFont(QwtPlot::yLeft));
+    };
+    const double withOneDecimal = width();
+    m_plot->setChScaleY(10); // without points the axis stays, its labels do not
     QCOMPARE(m_plot->axisScaleDraw(QwtPlot::yLeft)->label(20).text(), QString("20.000"));
+    QVERIFY(width() > withOneDecimal);
 }
 
 void TestQwtNOXScale::canvasStaysWhileDigitsChange()

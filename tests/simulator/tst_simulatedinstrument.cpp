@@ -104,6 +104,8 @@ private slots:
     void lineIsRawForEveryListener();
     void silentWhileNobodyListens();
     void streamPausesForTheDialogue();
+    void streamIsCutShortBeforeTheEcho();
+    void streamResumesAfterAWordReadInOneGo();
     void streamReachesTheHostWhole();
     void pacedBytesTakeTheirTime();
     void unpluggedLineHangsUpAndReturns();
@@ -195,6 +197,33 @@ void TestSimulatedInstrument::streamPausesForTheDialogue()
     const QByteArray afterwards = end.read(5, 1000);
     QVERIFY2(QRegularExpression("^[1-8]:2[0-9]\\.").match(afterwards).hasMatch(),
              afterwards.constData());
+}
+
+void TestSimulatedInstrument::streamIsCutShortBeforeTheEcho()
+{
+    m_options.paced = true;
+    m_options.tokensPerSecond = 2.0;
+    add(m_options);
+    FarEnd end(link());
+    QVERIFY(!end.read(10, 1500).isEmpty());
+    m_host->sendRaw("port", QByteArray(1000, 'x')); // more than a second at 9600 baud
+    QVERIFY(!end.read(1, 500).isEmpty());
+    end.write("\x33");
+    const QByteArray heard = end.read(1000, 300);
+    QVERIFY2(heard.endsWith('3') && heard.size() < 50, heard.constData());
+}
+
+void TestSimulatedInstrument::streamResumesAfterAWordReadInOneGo()
+{
+    m_options.tokensPerSecond = 10.0;
+    m_options.dialogue.wordAddresses = {3};
+    add(m_options);
+    FarEnd end(link());
+    QVERIFY(!end.read(11, 1000).isEmpty());
+    end.write("\x03\x0F");
+    QCOMPARE(end.read(5, 500).toHex(), QByteArray("0341a00000"));
+    const QByteArray afterwards = end.read(2, 1000);
+    QVERIFY2(QRegularExpression("^[1-8]:").match(afterwards).hasMatch(), afterwards.constData());
 }
 
 void TestSimulatedInstrument::streamReachesTheHostWhole()

@@ -204,6 +204,8 @@ const QVector<Option> &signalOptions()
          number(&Signal::setPointCelsius, -200, 850)},
         {"start", "celsius", "Temperature at which bath and ramp start (default: 21).",
          number(&Signal::startCelsius, -200, 850)},
+        {"settling", "seconds", "Time constant of the bath (default: 120).",
+         number(&Signal::settlingSeconds, 0.1, 1.0e6)},
         {"noise", "millikelvin", "Standard deviation of a reading (default: 1).",
          number(&Signal::noiseMillikelvin, 0, 1.0e6)},
         {"spread", "millikelvin", "Difference from channel to channel (default: 8).",
