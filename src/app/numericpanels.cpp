@@ -8,6 +8,7 @@
 namespace
 {
 
+constexpr int sideMargin = 8;
 constexpr int unitWidth = 75;
 constexpr int valuePoints = 42;
 constexpr int averagePoints = 28;
@@ -52,8 +53,10 @@ QString numberStyle(bool shown)
 NumericPanels::NumericPanels(QFrame *valueFrame, QFrame *averageFrame, QObject *parent)
     : QObject(parent)
 {
-    for (QFrame *frame : {valueFrame, averageFrame})
-        new QHBoxLayout(frame);
+    for (QFrame *frame : {valueFrame, averageFrame}) {
+        auto *row = new QHBoxLayout(frame);
+        row->setContentsMargins(sideMargin, 0, sideMargin, 0);
+    }
     m_value = addNumber(valueFrame, QStringLiteral("mainMeasLabel"), valuePoints, true);
     m_unit = addUnit(valueFrame, QStringLiteral("mainDimLabel"));
     m_average = addNumber(averageFrame, QStringLiteral("mainAverLabel"), averagePoints, false);

@@ -90,6 +90,7 @@ RowContent instrumentRow(const InstrumentState &state)
         cell.background = state.current ? currentColor() : QColor();
     }
     row[Name].text = state.name;
+    row[Name].toolTip = state.name; // the column may be too narrow for it
     row[Number].text = state.number;
     row[Value].text = state.marks.rejected ? missingValue() : state.value;
     row[Unit].text = state.unit;
