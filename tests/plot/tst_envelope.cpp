@@ -76,6 +76,9 @@ bool isBlack(const QImage &image, int x, int y)
 
 } // namespace
 
+Q_DECLARE_METATYPE(History)
+Q_DECLARE_METATYPE(PixelColumns)
+
 class TestEnvelope : public QObject
 {
     Q_OBJECT
@@ -238,9 +241,6 @@ void TestEnvelope::survivesExtremeNumbers()
     QVERIFY2(marked, "the line from far below to 5.0 is missing");
     curve.paint(0, 1e-9, -1e300, 1e300); // points all but one beyond the canvas
 }
-
-Q_DECLARE_METATYPE(History)
-Q_DECLARE_METATYPE(PixelColumns)
 
 QTEST_MAIN(TestEnvelope)
 #include "tst_envelope.moc"
