@@ -31,9 +31,10 @@ int PixelColumns::columnOf(double time) const
 }
 
 QVector<ColumnRun> columnRuns(const Series &times, const Series &values,
-                              const PixelColumns &columns)
+                              const PixelColumns &columns, int *blocksRead)
 {
     QVector<ColumnRun> runs;
+    int steps = 0;
     for (int i = 0; i < times.size();) {
         const int level = levelWithinColumn(times, i, columns);
         const int column = columns.columnOf(times[i]);
@@ -43,6 +44,9 @@ QVector<ColumnRun> columnRuns(const Series &times, const Series &values,
         runs.last().last = i + Series::blockLength(level) - 1;
         runs.last().values.include(values.block(level, i));
         i += Series::blockLength(level);
+        ++steps;
     }
+    if (blocksRead)
+        *blocksRead = steps;
     return runs;
 }

@@ -29,7 +29,8 @@ struct ColumnRun {
  * through all points paints, it paints through the first, least, greatest and last of every run.
  *
  * Costs a few steps per column, however many points there are. Times may step back: the runs then
- * return to columns that were passed before. Both series have the same length.
+ * return to columns that were passed before. Both series have the same length. `blocksRead`, if
+ * given, receives the number of steps.
  */
 QVector<ColumnRun> columnRuns(const Series &times, const Series &values,
-                              const PixelColumns &columns);
+                              const PixelColumns &columns, int *blocksRead = nullptr);
