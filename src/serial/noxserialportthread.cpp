@@ -57,6 +57,7 @@ void noxSerialPortThread::requestStop()
 void noxSerialPortThread::run()
 {
     port = std::make_unique<QSerialPort>();
+    dialogue = std::make_unique<ByteDialogue>(*port, running, timing);
     if (reConnect()) {
         running = true;
 
@@ -75,6 +76,7 @@ void noxSerialPortThread::run()
     running = false;
     measTimer.reset();
     lostPortTimer.reset();
+    dialogue.reset();
     port.reset();
 }
 
@@ -196,9 +198,8 @@ void noxSerialPortThread::sendNextQueryData()
 {
     QByteArray reply;
     showProgress(query.showPr, -1, 0, query.address);
-    const LinkResult result = ByteDialogue(*port, running, timing)
-                                  .readBlock(query.address, query.size, devType, &reply,
-                                             progressOf(query.showPr, query.address));
+    const LinkResult result = dialogue->readBlock(query.address, query.size, devType, &reply,
+                                                  progressOf(query.showPr, query.address));
     finishQuery(result, ExchangeKind::BlockRead, reply);
 }
 
@@ -206,16 +207,15 @@ void noxSerialPortThread::sendNextQueryRec()
 {
     QByteArray reply;
     showProgress(query.showPr, -1, 0, query.address);
-    const LinkResult result = ByteDialogue(*port, running, timing)
-                                  .readRecords(query.address, query.size, devType, &reply,
-                                               progressOf(query.showPr, query.address));
+    const LinkResult result = dialogue->readRecords(query.address, query.size, devType, &reply,
+                                                    progressOf(query.showPr, query.address));
     finishQuery(result, ExchangeKind::RecordRead, reply);
 }
 
 void noxSerialPortThread::sendNextQueryWord()
 {
     QByteArray reply;
-    const LinkResult result = ByteDialogue(*port, running, timing).readWord(query.address, &reply);
+    const LinkResult result = dialogue->readWord(query.address, &reply);
     finishQuery(result, ExchangeKind::WordRead, reply);
 }
 
@@ -234,14 +234,13 @@ void noxSerialPortThread::sendNextData()
 void noxSerialPortThread::sendNextDataSync()
 {
     showProgress(data.showPr, -1, 0, data.address);
-    finishData(
-        ByteDialogue(*port, running, timing)
-            .writeBlock(data.address, data.data, devType, progressOf(data.showPr, data.address)));
+    finishData(dialogue->writeBlock(data.address, data.data, devType,
+                                    progressOf(data.showPr, data.address)));
 }
 
 void noxSerialPortThread::sendNextDataWord()
 {
-    finishData(ByteDialogue(*port, running, timing).writeWord(data.address, data.data));
+    finishData(dialogue->writeWord(data.address, data.data));
 }
 
 void noxSerialPortThread::finishQuery(LinkResult result, ExchangeKind kind, const QByteArray &reply)
@@ -316,7 +315,7 @@ void noxSerialPortThread::failData(LinkResult result)
 /** Leaves the line empty and tells the parser where in the stream the next byte will stand. */
 void noxSerialPortThread::endExchange(StreamStart start)
 {
-    ByteDialogue(*port, running, timing).clear();
+    dialogue->clear();
     // After a complete dialogue the instrument begins its stream anew; after a failed one the
     // clearing may have cut a token anywhere.
     if (start == StreamStart::Anew)
@@ -334,7 +333,7 @@ bool noxSerialPortThread::mayGoOn()
     if (running)
         lookForLostPort();
     if (!running)
-        ByteDialogue(*port, running, timing).clear();
+        dialogue->clear();
     return running;
 }
 
@@ -409,7 +408,8 @@ ByteDialogue::Progress noxSerialPortThread::progressOf(bool show, quint8 address
 template<typename Slot>
 void noxSerialPortThread::scheduleStart(int baseDelayMs, Slot slot)
 {
-    QTimer::singleShot(startDelay(timing, baseDelayMs), this, slot);
+    // a coarse timer, Qt's choice from 2 s on, would fire up to a twentieth too early
+    QTimer::singleShot(startDelay(timing, baseDelayMs), Qt::PreciseTimer, this, slot);
 }
 
 template<typename Slot>

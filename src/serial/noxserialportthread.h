@@ -123,6 +123,7 @@ private:
     void scheduleRetry(const RetryStep &step, Slot slot);
 
     std::unique_ptr<QSerialPort> port;
+    std::unique_ptr<ByteDialogue> dialogue; ///< knows what it wrote last: one for all exchanges
     int baudRate;
     int devIndex;
     char devType;
