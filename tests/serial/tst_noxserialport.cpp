@@ -205,6 +205,7 @@ void TestNoxSerialPort::failedRead()
     QFETCH(int, mode);
     QFETCH(int, deafAddressings);
     QFETCH(QStringList, expected);
+    emit port->onSetDelayTime(device, 100, 20, 100);
     bench->host.setFaults("a", deafFor(deafAddressings));
     bench->host.setStreaming("a", true);
     port->sendDevQuery(device, reference, referenceSize, false, noxQueryMode(mode));
@@ -240,6 +241,7 @@ void TestNoxSerialPort::failedWrite()
 {
     QFETCH(int, mode);
     QFETCH(QStringList, expected);
+    emit port->onSetDelayTime(device, 100, 20, 100);
     bench->host.setFaults("a", deafFor(12));
     port->sendDevData(device, clockBytes('x'), clockWrite, false, noxQueryMode(mode));
     port->sendDevData(device, clockBytes('y'), clockWrite);
