@@ -176,17 +176,22 @@ LinkResult ByteDialogue::writeWord(quint8 address, const QByteArray &data)
     return LinkResult::Done;
 }
 
-void ByteDialogue::clear()
+bool ByteDialogue::clear()
 {
     // clearing a port that is closed would raise an error of its own
     if (!port.isOpen())
-        return;
+        return true;
     if (port.bytesToWrite() > 0)
         port.flush();
+    letBytesLeave();
+    // what still stands in the driver counts as arrived
+    port.waitForReadyRead(0);
+    const bool wasEmpty = port.bytesAvailable() == 0;
     char discarded = 0;
     while (port.bytesAvailable() > 0 && port.read(&discarded, 1) == 1) {
     }
-    clearBuffers();
+    port.clear();
+    return wasEmpty;
 }
 
 /** Sends the block's address until the instrument echoes it alone, then confirms. */

@@ -51,8 +51,8 @@ public:
     /** Writes the first four bytes of `data`. */
     LinkResult writeWord(quint8 address, const QByteArray &data);
 
-    /** Sends what waits to be sent, then throws away whatever has arrived. */
-    void clear();
+    /** Sends what waits to be sent, then throws away what has arrived; true if nothing had. */
+    bool clear();
 
 private:
     LinkResult address(quint8 address);

@@ -315,10 +315,10 @@ void noxSerialPortThread::failData(LinkResult result)
 /** Leaves the line empty and tells the parser where in the stream the next byte will stand. */
 void noxSerialPortThread::endExchange(StreamStart start)
 {
-    dialogue->clear();
-    // After a complete dialogue the instrument begins its stream anew; after a failed one the
-    // clearing may have cut a token anywhere.
-    if (start == StreamStart::Anew)
+    // After a complete dialogue the instrument begins its stream anew. After a failed one, or when
+    // the stream was quicker than the clearing, a token has been cut.
+    const bool nothingLost = dialogue->clear();
+    if (start == StreamStart::Anew && nothingLost)
         parser.restart();
     else
         parser.skipToNextToken();

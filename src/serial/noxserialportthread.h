@@ -123,7 +123,7 @@ private:
     void scheduleRetry(const RetryStep &step, Slot slot);
 
     std::unique_ptr<QSerialPort> port;
-    std::unique_ptr<ByteDialogue> dialogue; ///< knows what it wrote last: one for all exchanges
+    std::unique_ptr<ByteDialogue> dialogue; ///< on `port`; it remembers what it wrote last
     int baudRate;
     int devIndex;
     char devType;

@@ -212,8 +212,8 @@ void TestLinkStream::spoiltBytesNeverMakeAWrongBlock()
     InstrumentBench bench;
     SimulatedInstrumentOptions options = bench.steadyInstrument();
     options.streaming = false;
-    options.faults.garbleProbability = 0.01;
-    options.faults.lossProbability = 0.005;
+    options.faults.garbleProbability = 0.008;
+    options.faults.lossProbability = 0.004;
     NOXSerialPort port;
     LinkTiming timing = shortTiming();
     timing.unitTimeout = 500;

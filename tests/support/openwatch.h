@@ -1,12 +1,17 @@
 #pragma once
 
-#include <QString>
+#include <QByteArray>
 
-/** Counts how often a device file is opened, by whatever process, from its construction on. */
+/**
+ * Counts how often QSerialPort opens a device, from its construction on.
+ *
+ * It looks at the lock files, because a simulated instrument opens its own device now and then.
+ */
 class OpenWatch
 {
 public:
-    explicit OpenWatch(const QString &path);
+    /** `device` is a path under /dev. */
+    explicit OpenWatch(const QString &device);
     ~OpenWatch();
     Q_DISABLE_COPY(OpenWatch)
 
@@ -14,6 +19,7 @@ public:
     int opens();
 
 private:
+    QByteArray lockName;
     int notifier = -1;
     int counted = 0;
 };

@@ -33,11 +33,11 @@ struct FaultPlan {
     int wrongPatterns = 0;           ///< patterns of synchronisation with a wrong byte
 
     // transfer of blocks
-    int missingConfirmations = 0;  ///< blocks left without the byte 0x0F
-    int wrongConfirmations = 0;    ///< blocks confirmed with another byte
-    int shortBlocks = 0;           ///< blocks, words or records that end two bytes early
-    int wrongBlockEchoes = 0;      ///< written blocks or words echoed with a wrong byte
-    int silentAfterBlocks = -1;    ///< blocks or records, then silence until the time-out; -1 never
+    int missingConfirmations = 0; ///< blocks left without the byte 0x0F
+    int wrongConfirmations = 0;   ///< blocks confirmed with another byte
+    int shortBlocks = 0;          ///< blocks, words or records that end two bytes early
+    int wrongBlockEchoes = 0;     ///< written blocks or words echoed with a wrong byte
+    int silentAfterBlocks = -1;   ///< blocks or records, then silence until the time-out; -1 never
     int silentDialogues = always; ///< dialogues that fall silent so
 
     // measurement stream

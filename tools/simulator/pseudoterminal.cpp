@@ -41,6 +41,16 @@ bool prepareFarEnd(const char *path)
     return ready;
 }
 
+/** Forgets what the last host left unread, so that the next one does not begin with its remains. */
+void flushFarEnd(const QString &path)
+{
+    const int slave = ::open(QFile::encodeName(path).constData(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (slave < 0)
+        return;
+    ::tcflush(slave, TCIFLUSH);
+    ::close(slave);
+}
+
 } // namespace
 
 PseudoTerminal::PseudoTerminal(QObject *parent)
@@ -152,6 +162,7 @@ void PseudoTerminal::setListener(bool listening)
     } else {
         m_listenerTimer.start();
         discardUnsent();
+        flushFarEnd(m_devicePath);
     }
     emit listenerChanged(listening);
 }

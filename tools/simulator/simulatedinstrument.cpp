@@ -116,7 +116,8 @@ void SimulatedInstrument::elapse()
 
 void SimulatedInstrument::conduct(const QByteArray &answer, bool wasBusy)
 {
-    if (!wasBusy && !answer.isEmpty()) {
+    const bool tookPart = wasBusy || !answer.isEmpty();
+    if (tookPart && !wasBusy) {
         // the host demands an echo of exactly one byte: nothing of the stream may go before it
         m_line.discardUnsent();
         m_tokenUnderway = false;
@@ -129,7 +130,7 @@ void SimulatedInstrument::conduct(const QByteArray &answer, bool wasBusy)
     if (m_dialogue.isBusy())
         m_dialogueTimer.start(
             int(qMax(qint64(0), m_dialogue.nextDeadlineMs() - simulatorClockMs())));
-    else if (wasBusy)
+    else if (tookPart)
         resumeStream();
 }
 

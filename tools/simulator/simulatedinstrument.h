@@ -56,7 +56,7 @@ public:
     void setFaults(const FaultPlan &faults);
     /** Switches the measurement stream on or off. */
     void setStreaming(bool streaming);
-    /** Sends `bytes` as they are, as if they were part of the stream. */
+    /** Sends `bytes` as they are, as if they were part of the stream; lost if nobody listens. */
     void sendRaw(const QByteArray &bytes) { m_line.send(bytes); }
 
     InstrumentMemory &memory() { return m_memory; }

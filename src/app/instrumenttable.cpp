@@ -1,0 +1,173 @@
+#include "app/instrumenttable.h"
+
+#include "app/rowpainter.h"
+#include "app/tablesetup.h"
+#include "plot/qwtnox.h"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QSignalBlocker>
+#include <QTableWidget>
+
+namespace
+{
+
+constexpr char indexProperty[] = "noxIndex";
+
+QCheckBox *showBoxAt(const QTableWidget *table, int row)
+{
+    return table->cellWidget(row, InstrumentColumn::Show)->findChild<QCheckBox *>();
+}
+
+QVector<TableColumn> columns()
+{
+    return {{QString(), QStringLiteral(":/resource/images/line_graph.png"), 50},
+            {InstrumentTable::tr("Имя/тип"), QString(), 0},
+            {InstrumentTable::tr("Номер"), QString(), 75},
+            {InstrumentTable::tr("Результат"), QString(), 0},
+            {InstrumentTable::tr("Разм."), QString(), 50},
+            {InstrumentTable::tr("Канал"), QString(), 55},
+            {QString(), QStringLiteral(":/resource/images/settings_32.png"), 50}};
+}
+
+} // namespace
+
+InstrumentTable::InstrumentTable(QTableWidget *table, const noxList *registry, const QwtNOX *plot,
+                                 QObject *parent)
+    : QObject(parent)
+    , m_table(table)
+    , m_registry(registry)
+    , m_plot(plot)
+    , m_hover(table, {InstrumentColumn::Menu})
+{
+    setUpTable(m_table, columns());
+    connect(&m_hover, &RowHover::moved, this, [this](int from, int to) {
+        paintMark(from);
+        paintMark(to);
+    });
+}
+
+void InstrumentTable::refresh(int currentIndex)
+{
+    m_current = currentIndex;
+    m_indices = m_registry->indices().toVector();
+    const auto isGone = [this](auto latest) { return !m_indices.contains(latest.key()); };
+    for (auto latest = m_latest.begin(); latest != m_latest.end();)
+        latest = isGone(latest) ? m_latest.erase(latest) : std::next(latest);
+
+    setRowCount(m_indices.size());
+    for (int row = 1; row <= m_indices.size(); ++row) {
+        const int index = m_indices.at(row - 1);
+        const noxList::_nox &nox = *m_registry->getNoxByIndex(index);
+        ValueMarks &marks = m_latest[index].marks;
+        marks.fresh = false;
+        if (nox.devIndex < 0)
+            marks = {};
+        bindShowBox(row, nox);
+        paintRow(m_table, row, instrumentRow(stateOf(nox)));
+    }
+    selectTableRow(m_table, rowOf(m_current));
+}
+
+void InstrumentTable::refreshValue(int index)
+{
+    const int row = rowOf(index);
+    const noxList::_nox *nox = m_registry->getNoxByIndex(index);
+    if (row < 1 || !nox)
+        return;
+    paintRow(m_table, row, instrumentRow(stateOf(*nox)), InstrumentColumn::Value,
+             InstrumentColumn::Channel);
+}
+
+void InstrumentTable::acceptPoint(int index, uchar ch)
+{
+    mark(index, ch, {true, false, false});
+}
+
+void InstrumentTable::rejectPoint(int index, uchar ch)
+{
+    mark(index, ch, {false, false, true});
+}
+
+void InstrumentTable::raiseAlarm(int index, uchar ch)
+{
+    mark(index, ch, {false, true, false});
+}
+
+void InstrumentTable::mark(int index, uchar ch, const ValueMarks &marks)
+{
+    if (rowOf(index) < 1)
+        return;
+    m_latest[index] = {ch, marks};
+    refreshValue(index);
+}
+
+int InstrumentTable::indexAt(int row) const
+{
+    return row < 1 ? -1 : m_indices.value(row - 1, -1);
+}
+
+void InstrumentTable::setRowCount(int instruments)
+{
+    const int before = m_table->rowCount();
+    m_table->setRowCount(instruments + 1);
+    for (int row = before; row <= instruments; ++row)
+        addShowBox(row);
+}
+
+void InstrumentTable::addShowBox(int row)
+{
+    auto *holder = new QWidget;
+    auto *box = new QCheckBox;
+    auto *layout = new QHBoxLayout(holder);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(box, 0, Qt::AlignCenter);
+    connect(box, &QCheckBox::toggled, this, [this, box](bool shown) {
+        emit showToggled(box->property(indexProperty).toInt(), shown);
+    });
+    m_table->setCellWidget(row, InstrumentColumn::Show, holder);
+}
+
+/** Makes the box of a row speak for an instrument: rows move up when one above is removed. */
+void InstrumentTable::bindShowBox(int row, const noxList::_nox &nox)
+{
+    QCheckBox *box = showBoxAt(m_table, row);
+    const QSignalBlocker blocker(box);
+    box->setProperty(indexProperty, nox.index);
+    const auto device = m_plot->devices().constFind(nox.qwtIndex);
+    const bool onPlot = device != m_plot->devices().constEnd();
+    box->setEnabled(onPlot);
+    box->setChecked(onPlot && device->devShow);
+}
+
+void InstrumentTable::paintMark(int row)
+{
+    const noxList::_nox *nox = m_registry->getNoxByIndex(indexAt(row));
+    if (nox)
+        paintRow(m_table, row, instrumentRow(stateOf(*nox)), InstrumentColumn::Menu,
+                 InstrumentColumn::Menu);
+}
+
+InstrumentState InstrumentTable::stateOf(const noxList::_nox &nox) const
+{
+    const Latest latest = m_latest.value(nox.index);
+    InstrumentState state;
+    state.name = nox.opt->getDevName(false);
+    state.number = nox.opt->getDevNumberStr();
+    state.value = QStringLiteral("--");
+    state.attached = nox.devIndex >= 0;
+    state.current = nox.index == m_current;
+    state.hovered = indexAt(m_hover.row()) == nox.index;
+    state.marks = latest.marks;
+    // below 0 the plot would answer for its main instrument
+    const int channel = latest.channel >= 0 ? latest.channel : m_plot->getChMain(nox.qwtIndex);
+    if (nox.qwtIndex < 0 || channel < 0)
+        return state;
+    const auto ch = uchar(channel);
+    state.channel = channel;
+    state.value = m_plot->getChMeasStr(nox.qwtIndex, ch);
+    state.unit = m_plot->getChDim(nox.qwtIndex, ch);
+    if (state.unit.isEmpty())
+        state.unit = nox.opt->getChMeasTypeName(ch);
+    return state;
+}

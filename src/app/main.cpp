@@ -1,0 +1,51 @@
+#include "app/mainwindow.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QSplashScreen>
+#include <QStyleFactory>
+#include <QTranslator>
+
+namespace
+{
+
+constexpr int buildNumber = 110;
+constexpr char buildDate[] = "Mar  5 2024";
+
+void setIdentity()
+{
+    QCoreApplication::setOrganizationName(QStringLiteral("Tavrel"));
+    QCoreApplication::setApplicationName(QStringLiteral("nox8"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("%1.%2.%3").arg(3).arg(4).arg(6));
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    setIdentity();
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+
+    const QApplication application(argc, argv);
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/resource/images/nox8.svg")));
+
+    QSplashScreen splash(QPixmap(QStringLiteral(":/resource/images/splash3.png")));
+    splash.show();
+    QApplication::processEvents();
+
+    QTranslator translator;
+    translator.load(QStringLiteral("qt_") + QLocale::system().name(),
+                    QLibraryInfo::location(QLibraryInfo::TranslationsPath));
+    QApplication::installTranslator(&translator);
+
+    MainWindow window;
+    window.setProperty("BUILD_NUMBER", buildNumber);
+    window.setProperty("BUILD_DATE", QString::fromLatin1(buildDate));
+    window.showMaximized();
+    splash.finish(&window);
+    return QApplication::exec();
+}

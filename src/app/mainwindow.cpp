@@ -1,0 +1,292 @@
+#include "app/mainwindow.h"
+
+#include "app/channeltable.h"
+#include "app/instrumenttable.h"
+#include "app/instrumenttitle.h"
+#include "app/numericpanels.h"
+#include "app/plotbuttons.h"
+#include "app/plotplaces.h"
+#include "plot/qwtnox.h"
+#include "serial/noxserialport.h"
+#include "ui_mainwindow.h"
+#include "widgets/userdialogs.h"
+
+#include <QCloseEvent>
+#include <QDateTime>
+#include <QGuiApplication>
+
+// What the main window does when the registry, the plot or the user reports something.
+
+void MainWindow::updUI()
+{
+    m_instruments->refresh(m_current);
+    m_channels->refresh(m_current);
+    showTitle();
+    showNumbers();
+}
+
+void MainWindow::showTitle()
+{
+    const noxList::_nox *nox = m_registry->getNoxByIndex(m_current);
+    m_ui->lcdGroupBox->setTitle(nox ? instrumentTitle(*nox->opt) : QStringLiteral("-"));
+}
+
+/** The panels show the main channel of the current instrument. */
+void MainWindow::showNumbers()
+{
+    const int qwtIndex = currentPlotIndex();
+    if (qwtIndex < 0) {
+        m_panels->showNumbers(QStringLiteral("--"), QStringLiteral("--"), QString());
+        return;
+    }
+    const auto main = uchar(255);
+    m_panels->showNumbers(m_plot->getChMeasStr(qwtIndex, main),
+                          m_plot->getChAverStr(qwtIndex, main), m_plot->getChDim(qwtIndex, main));
+}
+
+int MainWindow::indexOnPlot(int qwtIndex) const
+{
+    const noxList::_nox *nox = qwtIndex < 0 ? nullptr : m_registry->getNoxByQwtIndex(qwtIndex);
+    return nox ? nox->index : -1;
+}
+
+// Instruments come and go
+
+void MainWindow::attachInstrument(int index)
+{
+    noxList::_nox *nox = m_registry->getNoxByIndex(index);
+    if (!nox)
+        return;
+    if (!m_registry->getNoxByIndex(m_current))
+        m_current = index;
+    nox->qwtIndex = attachToPlot(m_plot.get(), nox->opt->getDevChCount());
+    updUI();
+    m_plotButtons->refresh();
+}
+
+void MainWindow::detachInstrument(int index, int qwtIndex)
+{
+    m_plot->removeDev(qwtIndex);
+    const QList<int> remaining = m_registry->indices();
+    if (remaining.isEmpty()) {
+        m_current = -1;
+        m_plot->setDevMain(-1);
+        updUI();
+    } else if (index != m_current) {
+        updUI();
+    } else {
+        makeCurrent(remaining.last());
+    }
+    m_plotButtons->refresh();
+}
+
+void MainWindow::adoptModel(int index)
+{
+    const noxList::_nox *nox = m_registry->getNoxByIndex(index);
+    if (!nox)
+        return;
+    const quint8 channels = nox->opt->getDevChCount();
+    if (channels > 0 && nox->qwtIndex >= 0)
+        m_plot->setChCount(channels, nox->qwtIndex);
+    updUI();
+}
+
+void MainWindow::makeCurrent(int index)
+{
+    m_current = index;
+    m_plot->setDevMain(currentPlotIndex());
+    updUI();
+}
+
+void MainWindow::connectPort(const QString &portName)
+{
+    const int devIndex = m_serialPort->addDev(portName);
+    if (!m_registry->newNox(devIndex, true))
+        m_serialPort->rmDev(devIndex); // the registry is full: nobody would ever end the link
+}
+
+void MainWindow::showFault(int index, quint8 code, const QString &reason)
+{
+    const noxList::_nox *nox = m_registry->getNoxByIndex(index);
+    if (!nox)
+        return;
+    Message message;
+    message.icon = QMessageBox::Warning;
+    message.title = tr("Неисправность прибора");
+    message.text = tr("ОШИБКА №%1\nНеисправность прибора %2\n%3")
+                       .arg(QString::number(code), instrumentTitle(*nox->opt), reason);
+    UserDialogs::current().tell(this, message);
+}
+
+// Values
+
+void MainWindow::addMeasurement(int index, double value, quint8 ch, const QString &unit)
+{
+    const int qwtIndex = m_registry->getQWTIndex(index);
+    if (qwtIndex >= 0)
+        m_plot->addPoint(value, unit, qwtIndex, ch);
+}
+
+void MainWindow::addRecords(int index, const QMap<quint8, QVector<optionsNOX8::_recItem>> &records,
+                            const QDateTime &start)
+{
+    const int qwtIndex = m_registry->getQWTIndex(index);
+    if (qwtIndex < 0)
+        return;
+    m_plot->prepareMeas(qwtIndex, start);
+    for (auto channel = records.cbegin(); channel != records.cend(); ++channel) {
+        for (const optionsNOX8::_recItem &record : channel.value()) {
+            m_plot->addPoint(double(record.value), double(record.time), record.dim, qwtIndex,
+                             channel.key());
+        }
+    }
+}
+
+void MainWindow::showPoint(int qwtIndex, uchar ch)
+{
+    m_instruments->acceptPoint(indexOnPlot(qwtIndex), ch);
+    if (!isCurrent(qwtIndex))
+        return;
+    if (ch == m_plot->getChMain(qwtIndex)) {
+        showNumbers();
+        m_plotButtons->refresh(); // the point may have changed the scales that the plot chooses
+    }
+    if (!m_channels->hasRow(ch))
+        updUI();
+    m_channels->acceptPoint(ch);
+}
+
+void MainWindow::showRejected(int qwtIndex, uchar ch)
+{
+    m_instruments->rejectPoint(indexOnPlot(qwtIndex), ch);
+    if (!isCurrent(qwtIndex))
+        return;
+    if (ch == m_plot->getChMain(qwtIndex))
+        showNumbers();
+    if (!m_channels->hasRow(ch))
+        updUI();
+    m_channels->rejectPoint(ch);
+}
+
+void MainWindow::showAlarm(int qwtIndex, uchar ch)
+{
+    m_instruments->raiseAlarm(indexOnPlot(qwtIndex), ch);
+    if (!isCurrent(qwtIndex))
+        return;
+    if (!m_channels->hasRow(ch))
+        updUI();
+    m_channels->raiseAlarm(ch);
+}
+
+// The plot
+
+void MainWindow::showMainInstrument(int qwtIndex)
+{
+    if (isCurrent(qwtIndex))
+        m_channels->resetBackgrounds();
+}
+
+void MainWindow::showPlotSettings(int qwtIndex)
+{
+    if (!isCurrent(qwtIndex))
+        return;
+    m_panels->showCurveKinds(m_plot->getMeasShow(), m_plot->getAverShow());
+    m_plotButtons->refresh();
+    m_channels->refreshMain();
+    m_instruments->refreshValue(m_current);
+}
+
+void MainWindow::clearPlot(int qwtIndex)
+{
+    Message question;
+    question.icon = QMessageBox::Warning;
+    question.title = windowTitle();
+    question.text = tr("Очистить график?");
+    question.buttons = QMessageBox::Yes | QMessageBox::No;
+    question.defaultButton = QMessageBox::No;
+    if (UserDialogs::current().ask(this, question) != QMessageBox::Yes)
+        return;
+    const QDateTime now = QDateTime::currentDateTime();
+    const QList<int> chosen = qwtIndex < 0 ? m_plot->devices().keys() : QList<int>{qwtIndex};
+    for (const int cleared : chosen)
+        m_plot->prepareMeas(cleared, now);
+    updUI();
+}
+
+// The user
+
+void MainWindow::on_devTable_cellPressed(int row, int column)
+{
+    const int index = m_instruments->indexAt(row);
+    if (index >= 0 && column != InstrumentColumn::Menu)
+        makeCurrent(index);
+}
+
+void MainWindow::on_devTable_cellEntered(int row, int column)
+{
+    m_instruments->hover(row, column);
+}
+
+void MainWindow::on_chTable_cellPressed(int row, int column)
+{
+    const int ch = m_channels->channelAt(row);
+    if (ch >= 0 && currentPlotIndex() >= 0) {
+        pressChannel(uchar(ch), column);
+        updUI();
+    }
+}
+
+void MainWindow::pressChannel(uchar ch, int column)
+{
+    const int qwtIndex = currentPlotIndex();
+    switch (column) {
+    case ChannelColumn::Number:
+        if (QGuiApplication::mouseButtons() & Qt::RightButton)
+            chooseColor(ch);
+        else
+            m_plot->setChShow(!m_plot->getChShow(qwtIndex, ch), qwtIndex, ch);
+        break;
+    case ChannelColumn::Value:
+    case ChannelColumn::Unit:
+    case ChannelColumn::DeltaX:
+    case ChannelColumn::DeltaY:
+        m_plot->setChMain(ch, qwtIndex);
+        break;
+    default:
+        break;
+    }
+}
+
+void MainWindow::chooseColor(uchar ch)
+{
+    const int index = m_current;
+    const int qwtIndex = currentPlotIndex();
+    if (!m_plot->getChShow(qwtIndex, ch))
+        return;
+    const QColor color = UserDialogs::current().chooseColor(this, m_plot->getChColor(qwtIndex, ch));
+    // while the dialog was open, the instrument may have left the plot
+    if (color.isValid() && m_registry->getQWTIndex(index) == qwtIndex)
+        m_plot->setChColor(color, qwtIndex, ch);
+}
+
+void MainWindow::on_chTable_cellEntered(int row, int column)
+{
+    m_channels->hover(row, column);
+}
+
+void MainWindow::on_wideViewBtn_clicked()
+{
+    const bool wide = m_ui->widget->isVisible();
+    m_ui->widget->setVisible(!wide);
+    m_ui->wideViewBtn->setArrowType(wide ? Qt::RightArrow : Qt::LeftArrow);
+}
+
+void MainWindow::on_exitBtm_clicked()
+{
+    close();
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    event->accept();
+}

@@ -1,0 +1,147 @@
+#include "app/channeltable.h"
+#include "app/clearmenu.h"
+#include "app/connectmenu.h"
+#include "app/instrumenttable.h"
+#include "app/mainwindow.h"
+#include "app/numericpanels.h"
+#include "app/plotbuttons.h"
+#include "plot/qwtnox.h"
+#include "serial/noxserialport.h"
+#include "ui_mainwindow.h"
+
+#include <QFile>
+#include <QLocale>
+
+// How the main window is put together, and how it is taken apart.
+
+namespace
+{
+
+constexpr uchar plotDivisions = 10;
+
+/** A style sheet that is built in; empty when it is missing. */
+QString readStyleSheet(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray text = file.readAll();
+    return QString::fromUtf8(text.constData()); // up to the first zero byte
+}
+
+} // namespace
+
+MainWindow::MainWindow(QWidget *parent)
+    : QMainWindow(parent)
+    , m_ui(std::make_unique<Ui::MainWindow>())
+{
+    buildForm();
+    buildInstruments();
+    buildPlot();
+    buildDisplays();
+    connectRegistry();
+    connectPlot();
+    buildMenus();
+    updUI();
+}
+
+MainWindow::~MainWindow()
+{
+    // The workers are waited for in a local event loop: neither what they still report nor the user
+    // may reach a window that is half taken apart.
+    hide();
+    m_registry->disconnect(this);
+    m_plot->disconnect(this);
+}
+
+void MainWindow::buildForm()
+{
+    m_ui->setupUi(this);
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::AnyCountry));
+    setStyleSheet(readStyleSheet(QStringLiteral(":/resource/nox8.css")));
+}
+
+void MainWindow::buildInstruments()
+{
+    m_serialPort = std::make_unique<NOXSerialPort>();
+    registerExchangeItems();
+    m_registry = std::make_unique<noxList>(m_serialPort.get(), nullptr);
+}
+
+void MainWindow::buildPlot()
+{
+    m_plot = std::make_unique<QwtNOX>(this);
+    m_ui->qwtWidgetLayout->insertWidget(0, m_plot.get(), 1);
+    m_plot->setDivX(plotDivisions);
+    m_plot->setDivY(plotDivisions);
+    m_plot->applyScale();
+}
+
+void MainWindow::buildDisplays()
+{
+    m_panels = std::make_unique<NumericPanels>(m_ui->frameMainLCDMeas, m_ui->frameMainLCDAver);
+    connect(m_panels.get(), &NumericPanels::valueClicked, m_plot.get(),
+            [this] { m_plot->toggleMeasShow(); });
+    connect(m_panels.get(), &NumericPanels::averageClicked, m_plot.get(),
+            [this] { m_plot->toggleAverShow(); });
+
+    m_channels = std::make_unique<ChannelTable>(m_ui->chTable, m_registry.get(), m_plot.get());
+    m_instruments =
+        std::make_unique<InstrumentTable>(m_ui->devTable, m_registry.get(), m_plot.get());
+    connect(m_instruments.get(), &InstrumentTable::showToggled, this,
+            [this](int index, bool shown) {
+                const int qwtIndex = m_registry->getQWTIndex(index);
+                if (qwtIndex >= 0)
+                    m_plot->setDevShow(shown, qwtIndex);
+            });
+}
+
+void MainWindow::connectRegistry()
+{
+    const noxList *registry = m_registry.get();
+    connect(registry, &noxList::onAddNox, this, &MainWindow::attachInstrument);
+    connect(registry, &noxList::onChange, this, &MainWindow::updUI);
+    connect(registry, &noxList::onIdentChange, this, &MainWindow::adoptModel);
+    connect(registry, &noxList::onDevChange, this, &MainWindow::adoptModel);
+    connect(registry, &noxList::onChChange, this, [this](int index) {
+        if (index == m_current)
+            updUI();
+    });
+    connect(registry, &noxList::onReadMeas, this, &MainWindow::addMeasurement);
+    connect(registry, &noxList::onReadRec, this, &MainWindow::addRecords);
+    connect(registry, &noxList::onRmNox, this, &MainWindow::detachInstrument);
+    connect(registry, &noxList::onDevError, this, &MainWindow::showFault);
+    connect(registry, &noxList::doClearQwt, m_plot.get(), [this](int qwtIndex) {
+        if (qwtIndex >= 0) // below 0 the plot would clear its main instrument
+            m_plot->clear(qwtIndex);
+    });
+}
+
+void MainWindow::connectPlot()
+{
+    const QwtNOX *plot = m_plot.get();
+    connect(plot, &QwtNOX::onAddPoint, this, &MainWindow::showPoint);
+    connect(plot, &QwtNOX::onPointTrackOff, this, &MainWindow::showAlarm);
+    connect(plot, &QwtNOX::onErrorAddPoint, this, &MainWindow::showRejected);
+    connect(plot, &QwtNOX::onChColorChange, this, &MainWindow::updUI);
+    connect(plot, &QwtNOX::onDevChange, this, &MainWindow::showMainInstrument);
+    connect(plot, &QwtNOX::onChange, this, &MainWindow::showPlotSettings);
+}
+
+void MainWindow::buildMenus()
+{
+    const PlotButtons::Buttons buttons = {m_ui->dXBtn,      m_ui->dYBtn,      m_ui->modeXBtn,
+                                          m_ui->modeBtn,    m_ui->qwtZoomBtn, m_ui->qwtScrollBtn,
+                                          m_ui->qwtMeasBtn, m_ui->trackBtn};
+    m_plotButtons = std::make_unique<PlotButtons>(buttons, m_plot.get());
+
+    m_connectMenu = std::make_unique<ConnectMenu>(this);
+    m_ui->addDevBtn->setMenu(m_connectMenu.get());
+    connect(m_connectMenu.get(), &ConnectMenu::noPortChosen, this,
+            [this] { m_registry->newNox(-1, true); });
+    connect(m_connectMenu.get(), &ConnectMenu::portChosen, this, &MainWindow::connectPort);
+
+    m_clearMenu = std::make_unique<ClearMenu>(m_registry.get(), this);
+    m_ui->clearBtn->setMenu(m_clearMenu.get());
+    connect(m_clearMenu.get(), &ClearMenu::chosen, this, &MainWindow::clearPlot);
+}

@@ -1,0 +1,94 @@
+#include "app/numericpanels.h"
+
+#include "widgets/fittedlabel.h"
+
+#include <QFrame>
+#include <QHBoxLayout>
+
+namespace
+{
+
+constexpr int sideMargin = 8;
+constexpr int unitWidth = 75;
+constexpr int valuePoints = 42;
+constexpr int averagePoints = 28;
+
+FittedLabel *addNumber(QFrame *frame, const QString &name, int points, bool bold)
+{
+    auto *label = new FittedLabel(points);
+    label->setObjectName(name);
+    QFont font = label->font();
+    font.setBold(bold);
+    label->setFont(font);
+    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    label->setCursor(Qt::PointingHandCursor);
+    label->showText(QStringLiteral("--"));
+    frame->layout()->addWidget(label);
+    return label;
+}
+
+QLabel *addUnit(QFrame *frame, const QString &name)
+{
+    auto *label = new QLabelClick;
+    label->setObjectName(name);
+    label->setFixedWidth(unitWidth);
+    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    frame->layout()->addWidget(label);
+    return label;
+}
+
+void setStyle(QWidget *widget, const QString &style)
+{
+    if (widget->styleSheet() != style)
+        widget->setStyleSheet(style);
+}
+
+QString numberStyle(bool shown)
+{
+    return shown ? QStringLiteral("color: #215767;") : QStringLiteral("color: gray;");
+}
+
+} // namespace
+
+NumericPanels::NumericPanels(QFrame *valueFrame, QFrame *averageFrame, QObject *parent)
+    : QObject(parent)
+{
+    for (QFrame *frame : {valueFrame, averageFrame}) {
+        auto *row = new QHBoxLayout(frame);
+        row->setContentsMargins(sideMargin, 0, sideMargin, 0);
+    }
+    m_value = addNumber(valueFrame, QStringLiteral("mainMeasLabel"), valuePoints, true);
+    m_unit = addUnit(valueFrame, QStringLiteral("mainDimLabel"));
+    m_average = addNumber(averageFrame, QStringLiteral("mainAverLabel"), averagePoints, false);
+    addUnit(averageFrame, QStringLiteral("mainAverDimLabel"));
+    m_unit->setStyleSheet(unitStyle(QString()));
+    showCurveKinds(true, true);
+    connect(m_value, &QLabelClick::clicked, this, &NumericPanels::valueClicked);
+    connect(m_average, &QLabelClick::clicked, this, &NumericPanels::averageClicked);
+}
+
+void NumericPanels::showNumbers(const QString &value, const QString &average, const QString &unit)
+{
+    m_value->showText(value);
+    m_average->showText(average);
+    if (m_unit->text() == unit)
+        return;
+    m_unit->setText(unit);
+    setStyle(m_unit, unitStyle(unit));
+}
+
+void NumericPanels::showCurveKinds(bool values, bool averages)
+{
+    setStyle(m_value, numberStyle(values));
+    setStyle(m_average, numberStyle(averages));
+}
+
+QString NumericPanels::unitStyle(const QString &unit)
+{
+    constexpr int largest = 32;
+    constexpr int longestAtLargest = 2;
+    constexpr int shrinkFrom = 30;
+    const int length = unit.length();
+    const int points = length > longestAtLargest ? shrinkFrom - length : largest;
+    return QStringLiteral("font: %1pt;").arg(points);
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+class FittedLabel;
+class QFrame;
+class QLabel;
+
+/**
+ * The two numeric panels: value and unit above, moving average below. Both numbers end at the same
+ * position.
+ */
+class NumericPanels : public QObject
+{
+    Q_OBJECT
+public:
+    /** Fills the two frames, which own the labels. */
+    NumericPanels(QFrame *valueFrame, QFrame *averageFrame, QObject *parent = nullptr);
+
+    /** Shows the numbers; touches only what changed. */
+    void showNumbers(const QString &value, const QString &average, const QString &unit);
+    /** Colours a number by whether its kind of curve is on the plot. */
+    void showCurveKinds(bool values, bool averages);
+
+    /** Style of the unit label: the longer the unit, the smaller. */
+    static QString unitStyle(const QString &unit);
+
+signals:
+    void valueClicked();
+    void averageClicked();
+
+private:
+    FittedLabel *m_value;
+    QLabel *m_unit;
+    FittedLabel *m_average;
+};

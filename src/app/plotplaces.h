@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QList>
+
+class QwtNOX;
+
+/** The smallest plot index from 0 that is not in use; -1 when more than 254 are. */
+int freePlotIndex(const QList<int> &used);
+
+/**
+ * Gives an instrument a place on the plot; the first one there becomes the main instrument.
+ * `channelCount` is that of its model, 0 when that is unknown. Returns the plot index, -1 when the
+ * plot is full.
+ */
+int attachToPlot(QwtNOX *plot, uchar channelCount);

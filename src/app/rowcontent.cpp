@@ -1,0 +1,128 @@
+#include "app/rowcontent.h"
+
+#include <QCoreApplication>
+
+namespace
+{
+
+QString missingValue()
+{
+    return QStringLiteral("--");
+}
+
+QString nothing()
+{
+    return QStringLiteral("-");
+}
+
+QString translated(const char *text)
+{
+    return QCoreApplication::translate("MainWindow", text);
+}
+
+/** The mark of the last column: the current row, or the row whose menu a click would open. */
+QString menuMark(bool current, bool hovered)
+{
+    if (current)
+        return QStringLiteral("<");
+    return hovered ? QStringLiteral("☰") : QString();
+}
+
+QColor textColor(bool active)
+{
+    return active ? Qt::black : Qt::lightGray;
+}
+
+QString sourceText(const InstrumentState &state)
+{
+    if (state.channel < 0)
+        return nothing();
+    const QString number = QString::number(state.channel + 1);
+    return state.marks.alarm ? number + QStringLiteral(" (!)") : number;
+}
+
+void markInstrumentValue(CellContent &cell, const ValueMarks &marks)
+{
+    if (!marks.fresh && !marks.alarm && !marks.rejected)
+        return;
+    cell.textColor = marks.alarm ? Qt::red : Qt::black;
+    cell.background = marks.rejected ? QColor(Qt::yellow) : QColor();
+}
+
+void markChannelCell(CellContent &cell, const ChannelState &state)
+{
+    cell.textColor = state.marks.alarm ? QColor(Qt::red) : textColor(!state.inactive);
+    if (state.marks.rejected)
+        cell.background = Qt::yellow;
+    else if (state.marks.fresh)
+        cell.background = freshColor();
+}
+
+void describeReference(CellContent &cell, const ChannelState &state)
+{
+    if (state.referenceChannel < 0) {
+        cell.text = nothing();
+        cell.toolTip = translated("Измерение разности выключено");
+        return;
+    }
+    cell.text = QString::number(state.referenceChannel + 1);
+    cell.toolTip = translated("Разность с %1, канал №%2").arg(state.referenceInstrument, cell.text);
+}
+
+} // namespace
+
+QColor currentColor()
+{
+    return {173, 216, 230};
+}
+
+QColor freshColor()
+{
+    return {144, 238, 144, 128};
+}
+
+RowContent instrumentRow(const InstrumentState &state)
+{
+    using namespace InstrumentColumn;
+    RowContent row;
+    for (CellContent &cell : row) {
+        cell.textColor = textColor(state.attached);
+        cell.background = state.current ? currentColor() : QColor();
+    }
+    row[Name].text = state.name;
+    row[Name].toolTip = state.name; // the column may be too narrow for it
+    row[Number].text = state.number;
+    row[Value].text = state.marks.rejected ? missingValue() : state.value;
+    row[Unit].text = state.unit;
+    row[Channel].text = sourceText(state);
+    row[Menu].text = menuMark(state.current, state.hovered);
+    for (const int column : {Value, Unit, Channel})
+        markInstrumentValue(row[column], state.marks);
+    return row;
+}
+
+RowContent channelRow(const ChannelState &state)
+{
+    using namespace ChannelColumn;
+    RowContent row;
+    row[Number].text = QString::number(state.number + 1);
+    row[Number].swatch = state.shown ? state.color : QColor(Qt::transparent);
+    row[Value].text = state.value;
+    row[Unit].text = state.unit;
+    row[DeltaX].text = state.deltaX;
+    row[DeltaY].text = state.deltaY;
+    describeReference(row[Reference], state);
+    row[Menu].text = menuMark(state.main, state.hovered);
+
+    for (const int column : {Value, Unit, DeltaX, DeltaY, Reference})
+        markChannelCell(row[column], state);
+    if (state.marks.rejected) {
+        for (const int column : {Value, Unit, DeltaX, DeltaY})
+            row[column].text = missingValue();
+    }
+    if (state.main) {
+        row[Number].background = currentColor();
+        row[Menu].background = currentColor();
+    }
+    return row;
+}

@@ -1,0 +1,179 @@
+#include "plot/envelopecurve.h"
+#include "plot/qwtnox.h"
+#include "plot/qwtnoxscaledraw.h"
+
+#include <qwt_plot_textlabel.h>
+#include <qwt_scale_div.h>
+#include <qwt_scale_widget.h>
+#include <qwt_text.h>
+
+// The axes: what they show, how they are labelled, and when that is painted.
+
+namespace
+{
+
+constexpr int captionPoints = 15;
+
+/** Modes in which the axes go with the data. */
+bool followsData(TmcMode mode)
+{
+    return mode == ModeAuto || mode == ModeFollow || mode == ModeLimits;
+}
+
+const Series &shownTimes(const PlotChannel &channel)
+{
+    return channel.hasDifference() ? channel.diffTime : channel.time;
+}
+
+/** The series of the curve that decides on the Y scale: of the visible ones, values first. */
+const Series &decidingValues(const PlotChannel &channel)
+{
+    const bool byAverage = channel.averCurve->isVisible() && !channel.measCurve->isVisible();
+    if (channel.hasDifference()) {
+        return byAverage ? channel.diffAver : channel.diffMeas;
+    }
+    return byAverage ? channel.aver : channel.meas;
+}
+
+/** Range of the newest values, back to the first time left of the view. */
+ValueRange valuesInView(const PlotChannel &channel, double leftTime)
+{
+    const int before = leftTime > 0 ? shownTimes(channel).lastBelow(leftTime) : -1;
+    const Series &values = decidingValues(channel);
+    return values.range(before + 1, values.size());
+}
+
+QString captionText(const PlotChannel &channel, int ch, const QString &labelX,
+                    const QString &labelY)
+{
+    return QwtNOX::tr("Кн. № %1 [%2], dX: %3, dY: %4")
+        .arg(QString::number(ch + 1), channel.dim, labelX, labelY);
+}
+
+/** Keeps the canvas where it is while labels gain and lose a digit; only much shorter ones move it.
+ */
+void steadyExtent(QwtScaleDraw *draw, const QFont &font)
+{
+    const double kept = draw->minimumExtent();
+    draw->setMinimumExtent(0);
+    const double needed = draw->extent(font);
+    draw->setMinimumExtent(needed > kept || needed < 0.7 * kept ? needed : kept);
+}
+
+} // namespace
+
+void QwtNOX::applyScale()
+{
+    _ch *channel = findChannel(m_mainIndex, 255);
+    if (channel && followsData(channel->mode) && !shownTimes(*channel).isEmpty()) {
+        setCurrentScales(*channel);
+        scaleX(*channel);
+        scaleY(*channel);
+    }
+    refreshScaleYLabels();
+    updLabelScale();
+    scheduleReplot();
+}
+
+void QwtNOX::scaleX(const _ch &channel)
+{
+    const Series &times = shownTimes(channel);
+    const bool isAutomatic = channel.mode == ModeAuto || m_scaleX == 0;
+    if (isAutomatic) {
+        m_scaleX = static_cast<uchar>(rowForTimes(times[0], times.last(), m_divX));
+    }
+    const double step = scalesX()[m_scaleX].step;
+    const AxisView wanted =
+        isAutomatic ? viewFrom(times[0], step, m_divX) : viewUpTo(times.last(), step, m_divX);
+    setAxisView(xBottom, followTimes(axisView(xBottom), wanted));
+}
+
+void QwtNOX::scaleY(_ch &channel)
+{
+    ValueRange values;
+    if (channel.mode == ModeAuto || m_scaleY == 0) {
+        values = valuesInView(channel, axisView(xBottom).lower);
+        m_scaleY = static_cast<uchar>(rowForValues(values, m_divY));
+    } else {
+        values.include(decidingValues(channel).last());
+    }
+    channel.precision = static_cast<uchar>(decimalsForRow(m_scaleY));
+    const double step = scalesY()[m_scaleY].step;
+    setAxisView(yLeft, followValues(axisView(yLeft), values, step, m_divY));
+}
+
+AxisView QwtNOX::axisView(int axis) const
+{
+    const QwtInterval interval = axisInterval(axis);
+    return {interval.minValue(), interval.maxValue(), axisStepSize(axis)};
+}
+
+void QwtNOX::setAxisView(int axis, const AxisView &view)
+{
+    if (!view.isValid() || view == axisView(axis)) {
+        return;
+    }
+    setAxisScale(axis, view.lower, view.upper, view.step);
+    updateAxes();
+    steadyExtent(axisScaleDraw(axis), axisFont(axis));
+}
+
+void QwtNOX::installScaleXDraw()
+{
+    m_labelDay = now().date();
+    switch (getChModeX()) {
+    case ModeXSeconds:
+        setAxisScaleDraw(xBottom, new QwtNOXScaleXDrawMode0);
+        break;
+    case ModeXRelative:
+        setAxisScaleDraw(xBottom, new QwtNOXScaleXDrawMode1(this));
+        break;
+    case ModeXAbsolute:
+        setAxisScaleDraw(xBottom, new QwtNOXScaleXDrawMode2(this));
+        break;
+    }
+}
+
+/** Labels are kept per value: other decimals need new ones though the axis stays. */
+void QwtNOX::refreshScaleYLabels()
+{
+    if (m_labelPrecision == getPrecision()) {
+        return;
+    }
+    m_labelPrecision = getPrecision();
+    QwtScaleDraw *draw = axisScaleDraw(yLeft);
+    draw->setScaleDiv(QwtScaleDiv(draw->scaleDiv())); // drops the labels
+    axisWidget(yLeft)->update();
+}
+
+void QwtNOX::scheduleReplot()
+{
+    if (!m_replotTimer.isActive()) {
+        m_replotTimer.start();
+    }
+}
+
+void QwtNOX::paintFrame()
+{
+    if (m_labelDay != now().date()) {
+        installScaleXDraw(); // what was today now needs its date
+    }
+    replot();
+}
+
+void QwtNOX::updLabelScale()
+{
+    const _ch *channel = findChannel(m_mainIndex, 255);
+    const QString text = channel ? captionText(*channel, resolveChannel(m_mainIndex, 255),
+                                               getScaleXLabel(), getScaleYLabel())
+                                 : QString();
+    if (text == m_caption->text().text()) {
+        return;
+    }
+    QwtText caption(text);
+    QFont font = caption.font();
+    font.setPointSize(captionPoints);
+    caption.setFont(font);
+    caption.setRenderFlags(Qt::AlignRight | Qt::AlignTop);
+    m_caption->setText(caption);
+}

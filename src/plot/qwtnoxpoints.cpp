@@ -1,0 +1,156 @@
+#include "plot/movingaverage.h"
+#include "plot/qwtnox.h"
+
+#include <qwt_plot_marker.h>
+
+#include <cmath>
+
+// The road of a point: from the instrument into the series, past the limits.
+
+namespace
+{
+
+constexpr double lowestValue = -1300; // what an instrument sends for a broken sensor
+
+bool isAcceptable(double val, double time)
+{
+    return std::isfinite(val) && val > lowestValue && std::isfinite(time) && time >= 0;
+}
+
+void storePoint(PlotChannel &channel, double val, double time, const QString &dim)
+{
+    channel.dim = dim;
+    channel.dims.append(dim);
+    channel.meas.append(val);
+    channel.time.append(time);
+    channel.aver.append(movingAverage(channel.averSum, channel.meas));
+}
+
+void clearChannel(PlotChannel &channel)
+{
+    for (Series *series : {&channel.meas, &channel.aver, &channel.time, &channel.diffMeas,
+                           &channel.diffAver, &channel.diffTime}) {
+        series->clear();
+    }
+    channel.dims.clear();
+    channel.averSum = 0;
+    channel.diffAverSum = 0;
+    showSeries(channel);
+}
+
+} // namespace
+
+bool QwtNOX::addPoint(double val, const QString &dim, int qwtIndex, uchar ch)
+{
+    const _dev *device = findDevice(qwtIndex);
+    if (!device) {
+        return false;
+    }
+    const double time = static_cast<double>(device->startDateTime.msecsTo(now())) / 1000.0;
+    return addPoint(val, time, dim, qwtIndex, ch);
+}
+
+bool QwtNOX::addPoint(double val, double time, const QString &dim, int qwtIndex, uchar ch)
+{
+    qwtIndex = resolveIndex(qwtIndex);
+    if (!ensureChannel(qwtIndex, ch)) {
+        return false;
+    }
+    _ch &channel = *findChannel(qwtIndex, ch);
+    if (!isAcceptable(val, time)) {
+        channel.error = true;
+        emit onErrorAddPoint(qwtIndex, ch);
+        return false;
+    }
+    storePoint(channel, val, time, dim);
+    if (!extendDifference(channel)) {
+        emit onErrorAddPoint(qwtIndex, ch);
+        return false;
+    }
+    showSeries(channel);
+    channel.error = false;
+    if (isMainChannel(qwtIndex, ch)) {
+        applyScale();
+    } else {
+        scheduleReplot();
+    }
+
+    // Whoever hears of the point may change the records: nothing found before holds after this.
+    emit onAddPoint(qwtIndex, ch);
+    if (violatesLimit(qwtIndex, ch)) {
+        emit onPointTrackOff(qwtIndex, ch);
+    }
+    return true;
+}
+
+void QwtNOX::clear(int qwtIndex)
+{
+    _dev *device = findDevice(qwtIndex);
+    if (!device) {
+        return;
+    }
+    for (_ch &channel : device->ch) {
+        clearChannel(channel);
+    }
+    applyScale();
+}
+
+void QwtNOX::prepareMeas(int qwtIndex, const QDateTime &start)
+{
+    qwtIndex = resolveIndex(qwtIndex);
+    _dev *device = findDevice(qwtIndex);
+    if (!device) {
+        return;
+    }
+    clear(qwtIndex);
+    device->startDateTime = start;
+    installScaleXDraw();
+    emit onChange(qwtIndex);
+    applyScale();
+}
+
+bool QwtNOX::ensureChannel(int qwtIndex, uchar ch)
+{
+    const _dev *device = findDevice(qwtIndex);
+    if (!device || ch == 255) {
+        return false;
+    }
+    if (ch >= device->ch.size() && device->fixedChCount == 0) {
+        setChCount(static_cast<uchar>(ch + 1), qwtIndex);
+    }
+    return ch < getChCount(qwtIndex);
+}
+
+/** Adds the difference of the newest point; false when the reference channel has nothing fresh. */
+bool QwtNOX::extendDifference(_ch &channel) const
+{
+    const _ch *reference =
+        channel.hasDifference() ? findChannel(channel.diffQwtIndex, channel.diffCh) : nullptr;
+    if (!reference || reference->meas.isEmpty()) {
+        return true;
+    }
+    const bool isStale =
+        !channel.diffTime.isEmpty() && reference->time.last() <= channel.diffTime.last();
+    if (isStale || reference->error) {
+        return false;
+    }
+    channel.diffTime.append(channel.time.last());
+    channel.diffMeas.append(channel.meas.last() - reference->meas.last());
+    channel.diffAver.append(movingAverage(channel.diffAverSum, channel.diffMeas));
+    return true;
+}
+
+bool QwtNOX::violatesLimit(int qwtIndex, uchar ch) const
+{
+    const _dev *device = findDevice(qwtIndex);
+    if (!device) {
+        return false;
+    }
+    const double value = getChMeas(qwtIndex, ch);
+    const auto isChecked = [device](const QwtPlotMarker *limit, TmcTrackingMode alone) {
+        const bool byMode = device->modeTrack == TrackRange || device->modeTrack == alone;
+        return byMode && limit && limit->isVisible();
+    };
+    return (isChecked(device->upperMarker, TrackUpper) && value > device->upperMarker->yValue()) ||
+           (isChecked(device->lowerMarker, TrackLower) && value < device->lowerMarker->yValue());
+}
