@@ -3,6 +3,7 @@
 #include "serial/noxserialportthread.h"
 #include "serial/portcatalog.h"
 
+#include <QAbstractEventDispatcher>
 #include <QTimer>
 
 #include <algorithm>
@@ -138,6 +139,9 @@ void NOXSerialPort::rmDev(int devIndex)
     removalWaits.insert(devIndex, &loop);
     QTimer::singleShot(removalTimeoutMs, &loop, &QEventLoop::quit);
     workers.value(devIndex)->requestStop();
+    // Called while an event is delivered, the loop would sleep over those that wait behind it (so
+    // does glib's dispatcher), and one of them may tell that the worker has ended already.
+    QAbstractEventDispatcher::instance()->wakeUp();
     loop.exec();
     removalWaits.remove(devIndex);
 

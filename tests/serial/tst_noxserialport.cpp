@@ -58,6 +58,7 @@ private slots:
     void refusesTheDeviceAfterTheLast();
     void removalWhileBusyIsPromptAndDropsTheQueues();
     void removalOfADeviceWhosePortVanished();
+    void removalFromWithinAnErrorIsPrompt();
     void removalFromWithinAResult();
     void silentStreamReopensThePort();
 
@@ -409,6 +410,25 @@ void TestNoxSerialPort::removalOfADeviceWhosePortVanished()
     QTRY_COMPARE(port->getPortName(device), QString("-"));
     port->rmDev(device);
     QVERIFY(journal->linesOf("error 24").size() >= 1);
+}
+
+void TestNoxSerialPort::removalFromWithinAnErrorIsPrompt()
+{
+    bench->host.setStreaming("a", true);
+    QTRY_VERIFY(!journal->measurements.isEmpty());
+    qint64 removalMs = -1;
+    connect(port.get(), QOverload<int>::of(&NOXSerialPort::onDevError), this, [&](int index) {
+        QElapsedTimer clock;
+        clock.start();
+        port->rmDev(index);
+        removalMs = clock.elapsed();
+    });
+    // this thread looks away until the worker has ended: its error and its end wait side by side
+    bench->host.unplug("a");
+    QThread::msleep(300);
+    QTRY_VERIFY_WITH_TIMEOUT(removalMs >= 0, 10000);
+    QVERIFY2(removalMs < 2000, qPrintable(QString("%1 ms").arg(removalMs)));
+    QCOMPARE(port->getPortName(device), QString("-"));
 }
 
 void TestNoxSerialPort::removalFromWithinAResult()
