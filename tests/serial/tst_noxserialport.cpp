@@ -53,6 +53,7 @@ private slots:
     void wordWritesReachTheInstrument();
     void commandByteFollowsTheDeviceType();
     void heldRepliesAreDeliveredInOrder();
+    void removalFromWithinAHeldReply();
     void smallestFreeIndexIsGiven();
     void refusesMissingAndBusyPorts();
     void refusesTheDeviceAfterTheLast();
@@ -333,6 +334,25 @@ void TestNoxSerialPort::heldRepliesAreDeliveredInOrder()
     QCOMPARE(journal->lines,
              (QStringList{"reply @3 72 bytes", "reply @51 8 bytes", "all queries done"}));
     QTRY_VERIFY(!journal->measurements.isEmpty());
+}
+
+void TestNoxSerialPort::removalFromWithinAHeldReply()
+{
+    const QByteArray block = bench->host.block("a", reference);
+    port->blockEventDev(device, true);
+    port->sendDevQuery(device, reference, referenceSize);
+    port->sendDevQuery(device, identification, identificationSize);
+    QTRY_VERIFY(port->isEmptyQueryQueue(device));
+    connect(port.get(), QOverload<int, QByteArray, quint8>::of(&NOXSerialPort::readyDevReply), this,
+            [this](int index) { port->rmDev(index); });
+    QVector<QByteArray> byPointer;
+    const QObject listener;
+    connect(port.get(), QOverload<int, QByteArray *, quint8>::of(&NOXSerialPort::readyDevReply),
+            &listener, [&byPointer](int, const QByteArray *buf) { byPointer << *buf; });
+    port->blockEventDev(device, false);
+    // the reply that is being delivered outlives its device; the other one goes with it
+    QCOMPARE(byPointer, QVector<QByteArray>{block});
+    QVERIFY(port->isReadAllQuery());
 }
 
 void TestNoxSerialPort::smallestFreeIndexIsGiven()
