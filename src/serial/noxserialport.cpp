@@ -3,6 +3,7 @@
 #include "serial/noxserialportthread.h"
 #include "serial/portcatalog.h"
 
+#include <QAbstractEventDispatcher>
 #include <QTimer>
 
 #include <algorithm>
@@ -138,6 +139,9 @@ void NOXSerialPort::rmDev(int devIndex)
     removalWaits.insert(devIndex, &loop);
     QTimer::singleShot(removalTimeoutMs, &loop, &QEventLoop::quit);
     workers.value(devIndex)->requestStop();
+    // Called while an event is delivered, the loop would sleep over those that wait behind it (so
+    // does glib's dispatcher), and one of them may tell that the worker has ended already.
+    QAbstractEventDispatcher::instance()->wakeUp();
     loop.exec();
     removalWaits.remove(devIndex);
 
@@ -510,13 +514,11 @@ void NOXSerialPort::blockEventDev(int devIndex, bool b)
     if (!isBlocked(devIndex))
         return;
     while (!heldReplies.value(devIndex).isEmpty()) {
-        const devDataReply reply = heldReplies[devIndex].head();
-        emit readyDevReply(devIndex, *reply.buf, reply.address);
-        emit readyDevReply(devIndex, reply.buf, reply.address);
-        // a receiver may have removed the device, and the reply with it
-        if (heldReplies.value(devIndex).isEmpty())
-            break;
-        delete heldReplies[devIndex].dequeue().buf;
+        const devDataReply reply = heldReplies[devIndex].dequeue();
+        // out of the queue first: a receiver may remove the device with all that is held
+        const std::unique_ptr<QByteArray> buf(reply.buf);
+        emit readyDevReply(devIndex, *buf, reply.address);
+        emit readyDevReply(devIndex, buf.get(), reply.address);
     }
     if (isReadAllQuery())
         emit allDevQueryComplite();

@@ -408,7 +408,8 @@ ByteDialogue::Progress noxSerialPortThread::progressOf(bool show, quint8 address
 template<typename Slot>
 void noxSerialPortThread::scheduleStart(int baseDelayMs, Slot slot)
 {
-    QTimer::singleShot(startDelay(timing, baseDelayMs), this, slot);
+    // a coarse timer, Qt's choice from 2 s on, would fire up to a twentieth too early
+    QTimer::singleShot(startDelay(timing, baseDelayMs), Qt::PreciseTimer, this, slot);
 }
 
 template<typename Slot>

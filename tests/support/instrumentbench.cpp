@@ -1,0 +1,85 @@
+#include "support/instrumentbench.h"
+
+#include "serial/portcatalog.h"
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr int steadyChannels = 8;
+constexpr double steadyRate = 40.0; // tokens per second
+
+ThermometrySignal steadySignal()
+{
+    ThermometrySignal signal;
+    signal.startCelsius = signal.setPointCelsius = 21.5432;
+    signal.channelSpreadMillikelvin = 11111.1;
+    signal.noiseMillikelvin = 0.0;
+    return signal;
+}
+
+} // namespace
+
+InstrumentBench::InstrumentBench()
+{
+    PortCatalog::setCurrent(std::make_unique<VirtualPortCatalog>(directory.path()));
+}
+
+InstrumentBench::~InstrumentBench()
+{
+    PortCatalog::setCurrent(nullptr);
+}
+
+SimulatedInstrumentOptions InstrumentBench::steadyInstrument() const
+{
+    SimulatedInstrumentOptions options;
+    options.signal = steadySignal();
+    options.tokensPerSecond = steadyRate;
+    options.portsDirectory = directory.path();
+    options.identity.loggerMarks = 2;
+    return options;
+}
+
+bool InstrumentBench::add(const QString &portName, const SimulatedInstrumentOptions &options)
+{
+    return !host.add(options, portName).isEmpty();
+}
+
+int InstrumentBench::addressings(const QString &portName, quint8 address)
+{
+    const auto events = host.exchanges(portName);
+    return int(std::count_if(events.begin(), events.end(), [address](const ExchangeEvent &event) {
+        return event.kind == ExchangeEvent::AddressReceived && event.address == address;
+    }));
+}
+
+int InstrumentBench::steps(const QString &portName, ExchangeEvent::Kind kind)
+{
+    const auto events = host.exchanges(portName);
+    return int(std::count_if(events.begin(), events.end(),
+                             [kind](const ExchangeEvent &event) { return event.kind == kind; }));
+}
+
+bool isSteadyMeasurement(const ChannelValue &measurement)
+{
+    if (measurement.first < 1 || measurement.first > steadyChannels)
+        return false;
+    const double sent = signalTemperature(steadySignal(), measurement.first, 0.0);
+    // as far as a token tells it: four decimals
+    return qAbs(measurement.second - sent) < 0.0001;
+}
+
+LinkTiming shortTiming()
+{
+    LinkTiming timing;
+    timing.initDelay = 300;
+    timing.queueDelay = 20;
+    timing.attemptDelay = 200;
+    timing.unitTimeout = 100;
+    timing.confirmTimeout = 100;
+    timing.commandPause = 10;
+    timing.startBase = 50;
+    timing.startSpread = 0;
+    return timing;
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "serial/linktiming.h"
+#include "simulator/instrumenthost.h"
+
+#include <QHash>
+#include <QPair>
+#include <QTemporaryDir>
+#include <QVector>
+
+/** A channel (from 1) and its value, as one measurement gives them. */
+using ChannelValue = QPair<int, double>;
+
+/**
+ * Simulated instruments on the ports of a temporary catalogue, which is in effect while the bench
+ * stands. Build the links after it, so that they end before it.
+ */
+class InstrumentBench
+{
+public:
+    InstrumentBench();
+    ~InstrumentBench();
+    Q_DISABLE_COPY(InstrumentBench)
+
+    /**
+     * An instrument of 8 channels whose readings never change and differ between any two channels,
+     * so that a measurement that it did not send can be told.
+     */
+    SimulatedInstrumentOptions steadyInstrument() const;
+
+    /** Plugs an instrument in; false if the system refuses. */
+    bool add(const QString &portName, const SimulatedInstrumentOptions &options);
+    bool add(const QString &portName) { return add(portName, steadyInstrument()); }
+
+    /** Address bytes that the instrument has received for a block. */
+    int addressings(const QString &portName, quint8 address);
+    /** The steps of one kind in the instrument's log. */
+    int steps(const QString &portName, ExchangeEvent::Kind kind);
+
+    InstrumentHost host;
+
+private:
+    QTemporaryDir directory;
+};
+
+/** Whether a steady instrument sends this measurement. */
+bool isSteadyMeasurement(const ChannelValue &measurement);
+
+/** Short waits without a random part; those of a unit leave a busy machine its time. */
+LinkTiming shortTiming();
