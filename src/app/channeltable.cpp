@@ -85,10 +85,9 @@ void ChannelTable::acceptPoint(uchar ch)
 {
     if (!hasRow(ch))
         return;
-    for (int other = 0; other < m_marks.size(); ++other) {
+    for (int other = 0; other < m_marks.size(); ++other)
         if (std::exchange(m_marks[other].fresh, false) && other != ch)
             paint(other);
-    }
     m_marks[ch] = {true, false, false};
     paint(ch);
 }

@@ -116,10 +116,9 @@ RowContent channelRow(const ChannelState &state)
 
     for (const int column : {Value, Unit, DeltaX, DeltaY, Reference})
         markChannelCell(row[column], state);
-    if (state.marks.rejected) {
+    if (state.marks.rejected)
         for (const int column : {Value, Unit, DeltaX, DeltaY})
             row[column].text = missingValue();
-    }
     if (state.main) {
         row[Number].background = currentColor();
         row[Menu].background = currentColor();

@@ -19,7 +19,7 @@ const QString &unknownText()
 
 optionsNOX8::optionsNOX8(QObject *parent)
     : QObject(parent)
-    , channels(channelRecords)
+    , m_channels(channelRecords)
 {
 }
 
@@ -71,14 +71,14 @@ QString optionsNOX8::getDevName(bool withNumber) const
 
 optionsNOX8::_ch optionsNOX8::getCh(quint8 ch) const
 {
-    return ch < getDevChCount() ? channels.at(ch) : _ch();
+    return ch < getDevChCount() ? m_channels.at(ch) : _ch();
 }
 
 QString optionsNOX8::getChMeasTypeName(quint8 ch) const
 {
     if (ch >= getDevChCount())
         return unknownText();
-    const _ch &channel = channels.at(ch);
+    const _ch &channel = m_channels.at(ch);
     return channel.measType == measTemperatureCustom ? channel.dimCust
                                                      : getChMeasTypeName(channel.measType);
 }
@@ -90,7 +90,7 @@ QString optionsNOX8::getChMeasTypeName(_chMeasType type) const
 
 QString optionsNOX8::getChDimCust(quint8 ch) const
 {
-    return ch < getDevChCount() ? channels.at(ch).dimCust : unknownText();
+    return ch < getDevChCount() ? m_channels.at(ch).dimCust : unknownText();
 }
 
 QString optionsNOX8::getDim(char letter) const
@@ -144,9 +144,9 @@ void optionsNOX8::setDevNumber(quint16 number)
 
 void optionsNOX8::setChOnOff(quint8 ch, _chOnOff onOff)
 {
-    if (ch >= getDevChCount() || channels.at(ch).onOff == onOff)
+    if (ch >= getDevChCount() || m_channels.at(ch).onOff == onOff)
         return;
-    channels[ch].onOff = onOff;
+    m_channels[ch].onOff = onOff;
     emit onChChange(ch);
 }
 
@@ -155,7 +155,7 @@ void optionsNOX8::setChMeasType(quint8 ch, _chMeasType type, QString dim)
     if (ch >= getDevChCount())
         return;
     dim = dim.trimmed().left(longestUnit);
-    _ch &channel = channels[ch];
+    _ch &channel = m_channels[ch];
     if (channel.measType == type && channel.dimCust == dim)
         return;
     if (!dim.isEmpty() && type == measTemperatureCustom)
@@ -167,8 +167,8 @@ void optionsNOX8::setChMeasType(quint8 ch, _chMeasType type, QString dim)
 void optionsNOX8::setChDimCust(quint8 ch, QString dim)
 {
     dim = dim.trimmed().left(longestUnit);
-    if (ch >= getDevChCount() || channels.at(ch).dimCust == dim)
+    if (ch >= getDevChCount() || m_channels.at(ch).dimCust == dim)
         return;
-    channels[ch].dimCust = dim;
+    m_channels[ch].dimCust = dim;
     emit onChChange(ch);
 }

@@ -119,5 +119,5 @@ signals:
     void onRecData(QMap<quint8, QVector<optionsNOX8::_recItem>> records, QDateTime start);
 
 private:
-    QVector<_ch> channels;
+    QVector<_ch> m_channels;
 };

@@ -63,27 +63,24 @@ const InstrumentModel *findModel(quint32 typeCode)
 QMap<quint32, QString> typeNames(bool withRev)
 {
     QMap<quint32, QString> names;
-    for (const InstrumentModel &model : models) {
+    for (const InstrumentModel &model : models)
         if (withRev || !model.extended)
             names.insert(model.typeCode, translated(model.name));
-    }
     return names;
 }
 
 QString streamUnit(char letter)
 {
-    for (const StreamUnit &unit : streamUnits) {
+    for (const StreamUnit &unit : streamUnits)
         if (unit.letter == letter)
             return measurementUnit(unit.measurementType);
-    }
     return QStringLiteral("-");
 }
 
 QString measurementUnit(int measurementType)
 {
-    for (const MeasurementUnit &unit : measurementUnits) {
+    for (const MeasurementUnit &unit : measurementUnits)
         if (unit.measurementType == measurementType)
             return translated(unit.text);
-    }
     return QStringLiteral("-");
 }

@@ -11,9 +11,8 @@ int levelWithinColumn(const Series &times, int first, const PixelColumns &column
     int level = times.levelFrom(first, times.size());
     while (level >= 0) {
         const ValueRange span = times.block(level, first);
-        if (columns.columnOf(span.min) == columns.columnOf(span.max)) {
+        if (columns.columnOf(span.min) == columns.columnOf(span.max))
             break;
-        }
         --level;
     }
     return level;
@@ -24,9 +23,8 @@ int levelWithinColumn(const Series &times, int first, const PixelColumns &column
 int PixelColumns::columnOf(double time) const
 {
     const double column = std::floor((time - leftTime) / secondsPerColumn);
-    if (!(column >= 0)) {
+    if (!(column >= 0))
         return -1;
-    }
     return column < count ? static_cast<int>(column) : count;
 }
 
@@ -38,9 +36,8 @@ QVector<ColumnRun> columnRuns(const Series &times, const Series &values,
     for (int i = 0; i < times.size();) {
         const int level = levelWithinColumn(times, i, columns);
         const int column = columns.columnOf(times[i]);
-        if (runs.isEmpty() || runs.last().column != column) {
+        if (runs.isEmpty() || runs.last().column != column)
             runs.append({column, i, i, {}});
-        }
         runs.last().last = i + Series::blockLength(level) - 1;
         runs.last().values.include(values.block(level, i));
         i += Series::blockLength(level);

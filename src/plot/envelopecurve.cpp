@@ -31,13 +31,11 @@ void appendClipped(QVector<QLineF> &lines, const QPointF &from, const QPointF &t
         lines.append({from, to});
         return;
     }
-    if (!std::isfinite(from.y()) || !std::isfinite(to.y())) {
+    if (!std::isfinite(from.y()) || !std::isfinite(to.y()))
         return;
-    }
     const QPolygonF clipped = QwtClipper::clipPolygonF(near, QVector<QPointF>{from, to}, false);
-    if (clipped.size() >= 2) {
+    if (clipped.size() >= 2)
         lines.append({clipped.first(), clipped.last()});
-    }
 }
 
 /** A bar as wide and at least as high as the pen, on whole device pixels, inside `near`. */
@@ -76,9 +74,8 @@ void EnvelopeCurve::drawLines(QPainter *painter, const QwtScaleMap &xMap, const 
     const qreal columnsPerPixel = std::max(1.0, painter->deviceTransform().m11());
     const Strokes found = strokes(xMap, yMap, canvasRect, columnsPerPixel);
     painter->drawLines(found.lines);
-    for (const QRectF &bar : found.bars) {
+    for (const QRectF &bar : found.bars)
         painter->fillRect(bar, painter->pen().color());
-    }
 }
 
 EnvelopeCurve::Strokes EnvelopeCurve::strokes(const QwtScaleMap &xMap, const QwtScaleMap &yMap,
@@ -100,18 +97,16 @@ EnvelopeCurve::Strokes EnvelopeCurve::strokes(const QwtScaleMap &xMap, const Qwt
         const bool onCanvas = run.column >= 0 && run.column < columns.count;
         const bool isBar = onCanvas && run.first < run.last;
         ValueRange span = run.values;
-        if (previous && isBar && previous->column == run.column - 1) {
+        if (previous && isBar && previous->column == run.column - 1)
             span.include(series->values()[previous->last]); // the step from the next column
-        } else if (previous) {
+        else if (previous)
             appendClipped(strokes.lines, pointAt(previous->last), pointAt(run.first), near);
-        }
         if (isBar) {
             const qreal x = canvasRect.left() + (run.column + 0.5) / columnsPerPixel;
             const QRectF bar =
                 barAt(x, yMap.transform(span.max), yMap.transform(span.min), penWidth, near);
-            if (!bar.isEmpty()) {
+            if (!bar.isEmpty())
                 strokes.bars.append(bar);
-            }
         }
         previous = &run;
     }

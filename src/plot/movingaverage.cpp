@@ -14,9 +14,8 @@ constexpr double swamping = 1e6;
 double sumOfWindow(const Series &values)
 {
     double sum = 0;
-    for (int i = std::max(0, values.size() - averagingWindow); i < values.size(); ++i) {
+    for (int i = std::max(0, values.size() - averagingWindow); i < values.size(); ++i)
         sum += values[i];
-    }
     return sum;
 }
 
@@ -29,9 +28,8 @@ double movingAverage(double &sum, const Series &values)
     if (count > averagingWindow) {
         const double leaving = values[count - averagingWindow - 1];
         sum -= leaving;
-        if (!(std::abs(leaving) < swamping * std::abs(sum))) {
+        if (!(std::abs(leaving) < swamping * std::abs(sum)))
             sum = sumOfWindow(values);
-        }
     }
     return sum / std::min(count, averagingWindow);
 }

@@ -80,9 +80,8 @@ QwtNOX::~QwtNOX() = default;
 
 void QwtNOX::addDev(int qwtIndex, uchar fixedChCount)
 {
-    if (qwtIndex < 0 || m_devices.contains(qwtIndex)) {
+    if (qwtIndex < 0 || m_devices.contains(qwtIndex))
         return;
-    }
     _dev device;
     device.fixedChCount = fixedChCount;
     device.startDateTime = m_devices.isEmpty() ? now() : m_devices.first().startDateTime;
@@ -94,9 +93,8 @@ void QwtNOX::addDev(int qwtIndex, uchar fixedChCount)
 
 void QwtNOX::removeDev(int qwtIndex)
 {
-    if (!m_devices.contains(qwtIndex)) {
+    if (!m_devices.contains(qwtIndex))
         return;
-    }
     for (_dev &device : m_devices) {
         for (_ch &channel : device.ch) {
             if (channel.diffQwtIndex == qwtIndex) {
@@ -135,23 +133,18 @@ QPen QwtNOX::limitPen()
 void QwtNOX::setChCount(uchar count, int qwtIndex)
 {
     qwtIndex = resolveIndex(qwtIndex);
-    if (!m_devices.contains(qwtIndex) || count == 255) {
+    if (!m_devices.contains(qwtIndex) || count == 255)
         return;
-    }
     const int before = getChCount(qwtIndex);
-    while (getChCount(qwtIndex) < count) {
+    while (getChCount(qwtIndex) < count)
         appendChannel(qwtIndex);
-    }
-    for (int ch = count - 1; ch >= before; --ch) {
+    for (int ch = count - 1; ch >= before; --ch)
         emit onAddCh(qwtIndex, static_cast<uchar>(ch));
-    }
-    while (getChCount(qwtIndex) > count) {
+    while (getChCount(qwtIndex) > count)
         removeLastChannel(qwtIndex);
-    }
     const _dev *device = findDevice(qwtIndex);
-    if (device && count > 0 && device->mainCh >= count) {
+    if (device && count > 0 && device->mainCh >= count)
         setChMain(0, qwtIndex);
-    }
     applyScale();
     emit onChange(qwtIndex);
 }
@@ -180,11 +173,9 @@ void QwtNOX::removeLastChannel(int qwtIndex)
     device.ch.removeLast();
 
     for (auto other = m_devices.cbegin(); other != m_devices.cend(); ++other) {
-        for (int ch = 0; ch < other->ch.size(); ++ch) {
-            if (other->ch[ch].diffQwtIndex == qwtIndex && other->ch[ch].diffCh == removed) {
+        for (int ch = 0; ch < other->ch.size(); ++ch)
+            if (other->ch[ch].diffQwtIndex == qwtIndex && other->ch[ch].diffCh == removed)
                 endDifference(other.key(), static_cast<uchar>(ch));
-            }
-        }
     }
 }
 
@@ -227,9 +218,8 @@ const QwtNOX::_ch *QwtNOX::findChannel(int qwtIndex, uchar ch) const
 uchar QwtNOX::resolveChannel(int qwtIndex, uchar ch) const
 {
     const _dev *device = findDevice(qwtIndex);
-    if (ch != mainChannel || !device) {
+    if (ch != mainChannel || !device)
         return ch;
-    }
     return device->mainCh < device->ch.size() ? device->mainCh : 0;
 }
 

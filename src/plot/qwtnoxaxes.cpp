@@ -29,9 +29,8 @@ const Series &shownTimes(const PlotChannel &channel)
 const Series &decidingValues(const PlotChannel &channel)
 {
     const bool byAverage = channel.averCurve->isVisible() && !channel.measCurve->isVisible();
-    if (channel.hasDifference()) {
+    if (channel.hasDifference())
         return byAverage ? channel.diffAver : channel.diffMeas;
-    }
     return byAverage ? channel.aver : channel.meas;
 }
 
@@ -79,9 +78,8 @@ void QwtNOX::scaleX(const _ch &channel)
 {
     const Series &times = shownTimes(channel);
     const bool isAutomatic = channel.mode == ModeAuto || m_scaleX == 0;
-    if (isAutomatic) {
+    if (isAutomatic)
         m_scaleX = static_cast<uchar>(rowForTimes(times[0], times.last(), m_divX));
-    }
     const double step = scalesX()[m_scaleX].step;
     const AxisView wanted =
         isAutomatic ? viewFrom(times[0], step, m_divX) : viewUpTo(times.last(), step, m_divX);
@@ -110,9 +108,8 @@ AxisView QwtNOX::axisView(int axis) const
 
 void QwtNOX::setAxisView(int axis, const AxisView &view)
 {
-    if (!view.isValid() || view == axisView(axis)) {
+    if (!view.isValid() || view == axisView(axis))
         return;
-    }
     setAxisScale(axis, view.lower, view.upper, view.step);
     updateAxes();
     steadyExtent(axisScaleDraw(axis), axisFont(axis));
@@ -137,9 +134,8 @@ void QwtNOX::installScaleXDraw()
 /** Labels are kept per value: other decimals need new ones though the axis stays. */
 void QwtNOX::refreshScaleYLabels()
 {
-    if (m_labelPrecision == getPrecision()) {
+    if (m_labelPrecision == getPrecision())
         return;
-    }
     m_labelPrecision = getPrecision();
     QwtScaleDraw *draw = axisScaleDraw(yLeft);
     draw->setScaleDiv(QwtScaleDiv(draw->scaleDiv())); // drops the labels
@@ -148,16 +144,14 @@ void QwtNOX::refreshScaleYLabels()
 
 void QwtNOX::scheduleReplot()
 {
-    if (!m_replotTimer.isActive()) {
+    if (!m_replotTimer.isActive())
         m_replotTimer.start();
-    }
 }
 
 void QwtNOX::paintFrame()
 {
-    if (m_labelDay != now().date()) {
+    if (m_labelDay != now().date())
         installScaleXDraw(); // what was today now needs its date
-    }
     replot();
 }
 
@@ -167,9 +161,8 @@ void QwtNOX::updLabelScale()
     const QString text = channel ? captionText(*channel, resolveChannel(m_mainIndex, 255),
                                                getScaleXLabel(), getScaleYLabel())
                                  : QString();
-    if (text == m_caption->text().text()) {
+    if (text == m_caption->text().text())
         return;
-    }
     QwtText caption(text);
     QFont font = caption.font();
     font.setPointSize(captionPoints);

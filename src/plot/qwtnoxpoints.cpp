@@ -29,9 +29,8 @@ void storePoint(PlotChannel &channel, double val, double time, const QString &di
 void clearChannel(PlotChannel &channel)
 {
     for (Series *series : {&channel.meas, &channel.aver, &channel.time, &channel.diffMeas,
-                           &channel.diffAver, &channel.diffTime}) {
+                           &channel.diffAver, &channel.diffTime})
         series->clear();
-    }
     channel.dims.clear();
     channel.averSum = 0;
     channel.diffAverSum = 0;
@@ -43,9 +42,8 @@ void clearChannel(PlotChannel &channel)
 bool QwtNOX::addPoint(double val, const QString &dim, int qwtIndex, uchar ch)
 {
     const _dev *device = findDevice(qwtIndex);
-    if (!device) {
+    if (!device)
         return false;
-    }
     const double time = static_cast<double>(device->startDateTime.msecsTo(now())) / 1000.0;
     return addPoint(val, time, dim, qwtIndex, ch);
 }
@@ -53,9 +51,8 @@ bool QwtNOX::addPoint(double val, const QString &dim, int qwtIndex, uchar ch)
 bool QwtNOX::addPoint(double val, double time, const QString &dim, int qwtIndex, uchar ch)
 {
     qwtIndex = resolveIndex(qwtIndex);
-    if (!ensureChannel(qwtIndex, ch)) {
+    if (!ensureChannel(qwtIndex, ch))
         return false;
-    }
     _ch &channel = *findChannel(qwtIndex, ch);
     if (!isAcceptable(val, time)) {
         channel.error = true;
@@ -69,29 +66,25 @@ bool QwtNOX::addPoint(double val, double time, const QString &dim, int qwtIndex,
     }
     showSeries(channel);
     channel.error = false;
-    if (isMainChannel(qwtIndex, ch)) {
+    if (isMainChannel(qwtIndex, ch))
         applyScale();
-    } else {
+    else
         scheduleReplot();
-    }
 
     // Whoever hears of the point may change the records: nothing found before holds after this.
     emit onAddPoint(qwtIndex, ch);
-    if (violatesLimit(qwtIndex, ch)) {
+    if (violatesLimit(qwtIndex, ch))
         emit onPointTrackOff(qwtIndex, ch);
-    }
     return true;
 }
 
 void QwtNOX::clear(int qwtIndex)
 {
     _dev *device = findDevice(qwtIndex);
-    if (!device) {
+    if (!device)
         return;
-    }
-    for (_ch &channel : device->ch) {
+    for (_ch &channel : device->ch)
         clearChannel(channel);
-    }
     applyScale();
 }
 
@@ -99,9 +92,8 @@ void QwtNOX::prepareMeas(int qwtIndex, const QDateTime &start)
 {
     qwtIndex = resolveIndex(qwtIndex);
     _dev *device = findDevice(qwtIndex);
-    if (!device) {
+    if (!device)
         return;
-    }
     clear(qwtIndex);
     device->startDateTime = start;
     installScaleXDraw();
@@ -112,12 +104,10 @@ void QwtNOX::prepareMeas(int qwtIndex, const QDateTime &start)
 bool QwtNOX::ensureChannel(int qwtIndex, uchar ch)
 {
     const _dev *device = findDevice(qwtIndex);
-    if (!device || ch == 255) {
+    if (!device || ch == 255)
         return false;
-    }
-    if (ch >= device->ch.size() && device->fixedChCount == 0) {
+    if (ch >= device->ch.size() && device->fixedChCount == 0)
         setChCount(static_cast<uchar>(ch + 1), qwtIndex);
-    }
     return ch < getChCount(qwtIndex);
 }
 
@@ -126,14 +116,12 @@ bool QwtNOX::extendDifference(_ch &channel) const
 {
     const _ch *reference =
         channel.hasDifference() ? findChannel(channel.diffQwtIndex, channel.diffCh) : nullptr;
-    if (!reference || reference->meas.isEmpty()) {
+    if (!reference || reference->meas.isEmpty())
         return true;
-    }
     const bool isStale =
         !channel.diffTime.isEmpty() && reference->time.last() <= channel.diffTime.last();
-    if (isStale || reference->error) {
+    if (isStale || reference->error)
         return false;
-    }
     channel.diffTime.append(channel.time.last());
     channel.diffMeas.append(channel.meas.last() - reference->meas.last());
     channel.diffAver.append(movingAverage(channel.diffAverSum, channel.diffMeas));
@@ -143,9 +131,8 @@ bool QwtNOX::extendDifference(_ch &channel) const
 bool QwtNOX::violatesLimit(int qwtIndex, uchar ch) const
 {
     const _dev *device = findDevice(qwtIndex);
-    if (!device) {
+    if (!device)
         return false;
-    }
     const double value = getChMeas(qwtIndex, ch);
     const auto isChecked = [device](const QwtPlotMarker *limit, TmcTrackingMode alone) {
         const bool byMode = device->modeTrack == TrackRange || device->modeTrack == alone;

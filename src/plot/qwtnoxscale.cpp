@@ -15,24 +15,21 @@ void QwtNOX::setDivY(uchar divisions)
 void QwtNOX::calcPrecision(uchar scaleY, int qwtIndex, uchar ch)
 {
     _ch *channel = findChannel(qwtIndex, ch);
-    if (channel && scaleY < scalesY().size()) {
+    if (channel && scaleY < scalesY().size())
         channel->precision = static_cast<uchar>(decimalsForRow(scaleY));
-    }
 }
 
 void QwtNOX::setChMode(TmcMode mode, int qwtIndex, uchar ch)
 {
     qwtIndex = resolveIndex(qwtIndex);
     _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel || mode < ModeAuto || mode > ModeLimits) {
+    if (!channel || mode < ModeAuto || mode > ModeLimits)
         return;
-    }
     ch = resolveChannel(qwtIndex, ch);
     if (mode == ModeAuto || mode == ModeFollow) {
         calcPrecision(channel->scaleY, qwtIndex, ch);
-        if (isMainChannel(qwtIndex, ch)) {
+        if (isMainChannel(qwtIndex, ch))
             setCurrentScales(*channel);
-        }
     }
     channel->mode = mode;
     emit onChange(qwtIndex);
@@ -50,9 +47,8 @@ void QwtNOX::setChModeX(TmcModeX mode, int qwtIndex, uchar ch)
 {
     qwtIndex = resolveIndex(qwtIndex);
     _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel || mode < ModeXSeconds || mode > ModeXAbsolute) {
+    if (!channel || mode < ModeXSeconds || mode > ModeXAbsolute)
         return;
-    }
     if (channel->modeX != mode) {
         channel->modeX = mode;
         emit onChange(qwtIndex);
@@ -72,9 +68,8 @@ void QwtNOX::setChScaleX(uchar scale, int qwtIndex, uchar ch)
 {
     qwtIndex = resolveIndex(qwtIndex);
     _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel || scale >= scalesX().size()) {
+    if (!channel || scale >= scalesX().size())
         return;
-    }
     ch = resolveChannel(qwtIndex, ch);
     if (hasFreeView(qwtIndex, ch) && scale != m_scaleX) {
         m_scaleX = scale;
@@ -100,9 +95,8 @@ void QwtNOX::setChScaleY(uchar scale, int qwtIndex, uchar ch)
 {
     qwtIndex = resolveIndex(qwtIndex);
     _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel || scale >= scalesY().size()) {
+    if (!channel || scale >= scalesY().size())
         return;
-    }
     ch = resolveChannel(qwtIndex, ch);
     if (hasFreeView(qwtIndex, ch) && scale != m_scaleY) {
         m_scaleY = scale;
@@ -151,16 +145,14 @@ void QwtNOX::changeModeX(int mode)
 
 void QwtNOX::changeScaleX(int indexX)
 {
-    if (indexX >= 0 && indexX < scalesX().size()) {
+    if (indexX >= 0 && indexX < scalesX().size())
         setChScaleX(static_cast<uchar>(indexX));
-    }
 }
 
 void QwtNOX::changeScaleY(int indexY)
 {
-    if (indexY >= 0 && indexY < scalesY().size()) {
+    if (indexY >= 0 && indexY < scalesY().size())
         setChScaleY(static_cast<uchar>(indexY));
-    }
 }
 
 QString QwtNOX::getScaleXLabel() const

@@ -23,9 +23,8 @@ void QwtNOXScaleXDraw::drawLabel(QPainter *painter, double value) const
     if (ticks.size() > 1) {
         // Counted from zero, not from the edge: labels keep their tick while the view moves.
         const double tick = std::round(value / (ticks[1] - ticks[0]));
-        if (std::fmod(tick, stride(painter->font())) != 0) {
+        if (std::fmod(tick, stride(painter->font())) != 0)
             return;
-        }
     }
     QwtScaleDraw::drawLabel(painter, value);
 }
@@ -35,9 +34,8 @@ int QwtNOXScaleXDraw::stride(const QFont &font) const
 {
     const QList<double> ticks = scaleDiv().ticks(QwtScaleDiv::MajorTick);
     double widest = 0;
-    for (const double tick : ticks) {
+    for (const double tick : ticks)
         widest = std::max(widest, labelSize(font, tick).width());
-    }
     const double distance = scaleMap().transform(ticks[1]) - scaleMap().transform(ticks[0]);
     return labelStride(widest, distance, labelGap);
 }

@@ -18,19 +18,16 @@ void updateVisibility(const PlotDevice &device, const PlotChannel &channel)
 
 void updateVisibility(const PlotDevice &device)
 {
-    for (const PlotChannel &channel : device.ch) {
+    for (const PlotChannel &channel : device.ch)
         updateVisibility(device, channel);
-    }
 }
 
 void showLimits(const PlotDevice &device, TmcTrackingMode mode)
 {
-    if (device.upperMarker) {
+    if (device.upperMarker)
         device.upperMarker->setVisible(mode == TrackRange || mode == TrackUpper);
-    }
-    if (device.lowerMarker) {
+    if (device.lowerMarker)
         device.lowerMarker->setVisible(mode == TrackRange || mode == TrackLower);
-    }
 }
 
 /** Leaves one channel of the instrument on show, and that only on the main instrument. */
@@ -49,9 +46,8 @@ void showOnly(PlotDevice &device, int shownCh, bool isMainDevice)
 void QwtNOX::setDevMain(int qwtIndex)
 {
     qwtIndex = resolveIndex(qwtIndex);
-    if (qwtIndex >= 0 && !m_devices.contains(qwtIndex)) {
+    if (qwtIndex >= 0 && !m_devices.contains(qwtIndex))
         return;
-    }
     m_mainIndex = qwtIndex;
     for (auto device = m_devices.begin(); device != m_devices.end(); ++device) {
         const bool isMain = device.key() == qwtIndex;
@@ -74,9 +70,8 @@ void QwtNOX::setChMain(uchar ch, int qwtIndex)
 {
     qwtIndex = resolveIndex(qwtIndex);
     const _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel) {
+    if (!channel)
         return;
-    }
     _dev *device = findDevice(qwtIndex);
     ch = resolveChannel(qwtIndex, ch);
     showOnly(*device, ch, qwtIndex == m_mainIndex);
@@ -110,12 +105,10 @@ void QwtNOX::setChShow(bool show, int qwtIndex, uchar ch)
 {
     qwtIndex = resolveIndex(qwtIndex);
     _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel) {
+    if (!channel)
         return;
-    }
-    if (!findDevice(qwtIndex)->devShow) {
+    if (!findDevice(qwtIndex)->devShow)
         setDevShow(true, qwtIndex);
-    }
     channel->show = show;
     updateVisibility(*findDevice(qwtIndex), *channel);
     scheduleReplot();
@@ -132,9 +125,8 @@ void QwtNOX::setMeasShow(bool show, int qwtIndex)
 {
     qwtIndex = resolveIndex(qwtIndex);
     _dev *device = findDevice(qwtIndex);
-    if (!device || device->measShow == show) {
+    if (!device || device->measShow == show)
         return;
-    }
     device->measShow = show;
     updateVisibility(*device);
     emit onChange(qwtIndex);
@@ -158,9 +150,8 @@ void QwtNOX::setAverShow(bool show, int qwtIndex)
 {
     qwtIndex = resolveIndex(qwtIndex);
     _dev *device = findDevice(qwtIndex);
-    if (!device || device->averShow == show) {
+    if (!device || device->averShow == show)
         return;
-    }
     device->averShow = show;
     updateVisibility(*device);
     emit onChange(qwtIndex);
@@ -184,9 +175,8 @@ void QwtNOX::setChColor(const QColor &color, int qwtIndex, uchar ch)
 {
     qwtIndex = resolveIndex(qwtIndex);
     const _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel || !color.isValid()) {
+    if (!channel || !color.isValid())
         return;
-    }
     channel->measCurve->setColor(color);
     channel->averCurve->setColor(color);
     scheduleReplot();

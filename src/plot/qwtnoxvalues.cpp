@@ -37,9 +37,8 @@ double valueAt(const Series &series, int index)
  */
 int decimalsFor(int asked, int ofChannel, int ofMainChannel)
 {
-    if (asked >= 0) {
+    if (asked >= 0)
         return qMax(2, asked);
-    }
     return qMax(2, ofChannel != 0 ? ofChannel : ofMainChannel);
 }
 
@@ -75,18 +74,16 @@ int QwtNOX::getChMeasCount(int qwtIndex, uchar ch, bool diff) const
 double QwtNOX::getChMeas(int qwtIndex, uchar ch, int index, bool diff) const
 {
     const _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel || valuesOf(*channel, diff).isEmpty()) {
+    if (!channel || valuesOf(*channel, diff).isEmpty())
         return 0;
-    }
     return valueAt(valuesOf(*channel, diff), index);
 }
 
 double QwtNOX::getChTime(int qwtIndex, uchar ch, int index, bool diff) const
 {
     const _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel || timesOf(*channel, diff).isEmpty()) {
+    if (!channel || timesOf(*channel, diff).isEmpty())
         return 0;
-    }
     return valueAt(timesOf(*channel, diff), index);
 }
 
@@ -94,9 +91,8 @@ QString QwtNOX::getChMeasStr(int qwtIndex, uchar ch, signed char precision, int 
                              bool diff) const
 {
     const _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel || channel->error || valuesOf(*channel, diff).isEmpty()) {
+    if (!channel || channel->error || valuesOf(*channel, diff).isEmpty())
         return noValue();
-    }
     const int decimals = decimalsFor(precision, channel->precision, getPrecision(qwtIndex));
     return QString::number(valueAt(valuesOf(*channel, diff), index), 'f', decimals);
 }
@@ -104,16 +100,13 @@ QString QwtNOX::getChMeasStr(int qwtIndex, uchar ch, signed char precision, int 
 QString QwtNOX::getChAverStr(int qwtIndex, uchar ch, signed char precision, int index, bool) const
 {
     const _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel) {
+    if (!channel)
         return {};
-    }
-    if (channel->error) {
+    if (channel->error)
         return noValue();
-    }
     const Series &averages = channel->hasDifference() ? channel->diffAver : channel->aver;
-    if (averages.isEmpty()) {
+    if (averages.isEmpty())
         return {};
-    }
     const int decimals = decimalsFor(precision, channel->precision, getPrecision(qwtIndex));
     return QString::number(valueAt(averages, index), 'f', decimals);
 }
@@ -121,27 +114,24 @@ QString QwtNOX::getChAverStr(int qwtIndex, uchar ch, signed char precision, int 
 QString QwtNOX::getChTimeStr(int qwtIndex, uchar ch, int index, bool) const
 {
     const _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel || channel->time.isEmpty()) {
+    if (!channel || channel->time.isEmpty())
         return {};
-    }
     return QString::number(std::round(valueAt(channel->time, index)), 'g', 6);
 }
 
 QString QwtNOX::getChDXStr(int qwtIndex, uchar ch) const
 {
     const _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel || timesOf(*channel, true).size() < 2) {
+    if (!channel || timesOf(*channel, true).size() < 2)
         return {};
-    }
     return QString::number(newestStep(timesOf(*channel, true)), 'f', 1);
 }
 
 QString QwtNOX::getChDYStr(int qwtIndex, uchar ch) const
 {
     const _ch *channel = findChannel(qwtIndex, ch);
-    if (!channel || valuesOf(*channel, true).size() < 2) {
+    if (!channel || valuesOf(*channel, true).size() < 2)
         return {};
-    }
     const int ofMainChannel = getPrecision(qwtIndex) != 0 ? getPrecision(qwtIndex) : 2;
     const int decimals = channel->precision != 0 ? channel->precision : ofMainChannel;
     return QString::number(newestStep(valuesOf(*channel, true)), 'f', decimals);

@@ -57,9 +57,8 @@ AxisView followTimes(const AxisView &current, const AxisView &wanted)
 AxisView followValues(const AxisView &current, const ValueRange &values, double step, int divisions)
 {
     const bool covered = current.lower <= values.min && current.upper >= values.max;
-    if (covered && current.step == step) {
+    if (covered && current.step == step)
         return current;
-    }
     const int half = divisions / 2;
     const double centre = std::round(((values.max - values.min) * 0.5 + values.min) / step);
     return {centre * step - half * step, centre * step + half * step, step};

@@ -25,9 +25,8 @@ struct Series::Storage {
 void Series::Storage::append(double value)
 {
     values.push_back(value);
-    if (values.size() % valuesPerBlock != 0) {
+    if (values.size() % valuesPerBlock != 0)
         return;
-    }
     ValueRange range;
     std::for_each(values.end() - valuesPerBlock, values.end(),
                   [&range](double sealed) { range.include(sealed); });
@@ -36,13 +35,11 @@ void Series::Storage::append(double value)
 
 void Series::Storage::seal(std::size_t level, const ValueRange &range)
 {
-    if (level == levels.size()) {
+    if (level == levels.size())
         levels.emplace_back();
-    }
     levels[level].push_back(range);
-    if (levels[level].size() % blocksPerBlock != 0) {
+    if (levels[level].size() % blocksPerBlock != 0)
         return;
-    }
     ValueRange upper;
     std::for_each(levels[level].end() - blocksPerBlock, levels[level].end(),
                   [&upper](const ValueRange &sealed) { upper.include(sealed); });
@@ -74,9 +71,8 @@ double Series::operator[](int index) const
 
 void Series::append(double value)
 {
-    if (!m_storage) {
+    if (!m_storage)
         m_storage = std::make_shared<Storage>();
-    }
     if (m_storage->values.size() != static_cast<std::size_t>(m_size)) {
         // Another copy has gone on with the shared values: this one needs values of its own.
         const std::shared_ptr<Storage> shared =
@@ -110,12 +106,10 @@ int Series::firstNotBelow(double bound) const
 {
     for (int i = 0; i < m_size;) {
         int level = levelFrom(i, m_size);
-        while (level >= 0 && block(level, i).max >= bound) {
+        while (level >= 0 && block(level, i).max >= bound)
             --level;
-        }
-        if (level < 0 && (*this)[i] >= bound) {
+        if (level < 0 && (*this)[i] >= bound)
             return i;
-        }
         i += blockLength(level);
     }
     return m_size;
@@ -125,12 +119,10 @@ int Series::lastBelow(double bound) const
 {
     for (int end = m_size; end > 0;) {
         int level = levelBefore(end);
-        while (level >= 0 && block(level, end - blockLength(level)).min < bound) {
+        while (level >= 0 && block(level, end - blockLength(level)).min < bound)
             --level;
-        }
-        if (level < 0 && (*this)[end - 1] < bound) {
+        if (level < 0 && (*this)[end - 1] < bound)
             return end - 1;
-        }
         end -= blockLength(level);
     }
     return -1;
@@ -147,9 +139,8 @@ int Series::levelFrom(int first, int end) const
     int level = -1;
     const int levels = m_storage ? static_cast<int>(m_storage->levels.size()) : 0;
     while (level + 1 < levels && first % blockLength(level + 1) == 0 &&
-           blockLength(level + 1) <= end - first) {
+           blockLength(level + 1) <= end - first)
         ++level;
-    }
     return level;
 }
 
@@ -157,9 +148,8 @@ int Series::levelBefore(int end) const
 {
     int level = -1;
     const int levels = m_storage ? static_cast<int>(m_storage->levels.size()) : 0;
-    while (level + 1 < levels && end % blockLength(level + 1) == 0) {
+    while (level + 1 < levels && end % blockLength(level + 1) == 0)
         ++level;
-    }
     return level;
 }
 

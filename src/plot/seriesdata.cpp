@@ -19,9 +19,8 @@ QPointF SeriesData::sample(std::size_t index) const
 
 QRectF SeriesData::boundingRect() const
 {
-    if (m_times.isEmpty()) {
+    if (m_times.isEmpty())
         return {0.0, 0.0, -1.0, -1.0}; // Qwt's sign for nothing to show
-    }
     const ValueRange x = m_times.range(0, m_times.size());
     const ValueRange y = m_values.range(0, m_values.size());
     return {x.min, y.min, x.max - x.min, y.max - y.min};

@@ -14,21 +14,18 @@ constexpr double greatestSeconds = 1e12;
 
 qint64 wholeSeconds(double seconds)
 {
-    if (std::isnan(seconds)) {
+    if (std::isnan(seconds))
         return 0;
-    }
     return static_cast<qint64>(qBound(-greatestSeconds, seconds, greatestSeconds));
 }
 
 QString clockFormat(double stepSeconds)
 {
     QString format = QStringLiteral("hh:mm");
-    if (stepSeconds < 60) {
+    if (stepSeconds < 60)
         format += QStringLiteral(":ss");
-    }
-    if (stepSeconds < 1) {
+    if (stepSeconds < 1)
         format += QStringLiteral(":zzz");
-    }
     return format;
 }
 

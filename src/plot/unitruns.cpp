@@ -11,9 +11,8 @@ QString UnitRuns::at(int index) const
 
 void UnitRuns::append(const QString &unit)
 {
-    if (m_runs.isEmpty() || m_runs.last().unit != unit) {
+    if (m_runs.isEmpty() || m_runs.last().unit != unit)
         m_runs.append({m_size, unit});
-    }
     ++m_size;
 }
 

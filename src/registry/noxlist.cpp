@@ -14,24 +14,24 @@ constexpr quint8 connectionLostCode = 200;
 } // namespace
 
 noxList::noxList(NOXSerialPort *serialPort, noxSql *database)
-    : serialPort(serialPort)
-    , database(database)
+    : m_serialPort(serialPort)
+    , m_database(database)
 {
 }
 
 noxList::~noxList()
 {
-    const auto all = std::exchange(records, {});
+    const auto all = std::exchange(m_records, {});
     for (_nox *nox : all) {
         nox->opt->disconnect(this);
-        serialPort->rmDev(nox->devIndex);
+        m_serialPort->rmDev(nox->devIndex);
         delete nox;
     }
 }
 
 noxList::_nox *noxList::newNox(int devIndex, bool wire)
 {
-    if (records.size() >= mostRecords - 1) {
+    if (m_records.size() >= mostRecords - 1) {
         emit onAddNox(-1, false);
         return nullptr;
     }
@@ -39,14 +39,14 @@ noxList::_nox *noxList::newNox(int devIndex, bool wire)
     nox->index = nextIndex();
     nox->devIndex = devIndex;
     nox->opt = std::make_unique<optionsNOX8>();
-    nox->portName = serialPort->getPortName(devIndex);
+    nox->portName = m_serialPort->getPortName(devIndex);
     nox->processed = devIndex >= 0;
     nox->txTimer = std::make_unique<QTimer>();
     nox->txTimer->setSingleShot(true);
     nox->txTimer->setInterval(writeDelayMs);
 
     _nox *record = nox.release();
-    records.insert(record->index, record);
+    m_records.insert(record->index, record);
     if (wire) {
         setSignal(record);
     } else {
@@ -60,13 +60,13 @@ noxList::_nox *noxList::newNox(int devIndex, bool wire)
 
 int noxList::nextIndex() const
 {
-    return records.isEmpty() ? 0 : records.lastKey() + 1;
+    return m_records.isEmpty() ? 0 : m_records.lastKey() + 1;
 }
 
 /** Connects what a record of this registry reports and, with the first one, the multiplexer. */
 void noxList::setSignal(_nox *nox)
 {
-    if (records.size() == 1)
+    if (m_records.size() == 1)
         connectSerialPort();
 
     const int index = nox->index;
@@ -91,28 +91,28 @@ void noxList::setSignal(_nox *nox)
 
 void noxList::connectSerialPort()
 {
-    connect(serialPort, &NOXSerialPort::readyDevMeas, this, &noxList::onReadyDevMeas);
-    connect(serialPort, QOverload<int, quint16>::of(&NOXSerialPort::onDevError), this,
+    connect(m_serialPort, &NOXSerialPort::readyDevMeas, this, &noxList::onReadyDevMeas);
+    connect(m_serialPort, QOverload<int, quint16>::of(&NOXSerialPort::onDevError), this,
             &noxList::onLinkError);
 }
 
 void noxList::setCommandByte(const _nox *nox)
 {
-    serialPort->setDevType(nox->devIndex, nox->opt->getDevFamily());
+    m_serialPort->setDevType(nox->devIndex, nox->opt->getDevFamily());
 }
 
 void noxList::rmByIndex(int index)
 {
-    if (!records.contains(index))
+    if (!m_records.contains(index))
         return;
     disConnByIndex(index);
     // while the worker was ending, the record may have been removed by somebody else
-    const std::unique_ptr<_nox> nox(records.take(index));
+    const std::unique_ptr<_nox> nox(m_records.take(index));
     if (!nox)
         return;
     nox->opt->disconnect(this);
-    if (records.isEmpty())
-        serialPort->disconnect(this);
+    if (m_records.isEmpty())
+        m_serialPort->disconnect(this);
     emit onRmNox(index, nox->qwtIndex);
 }
 
@@ -122,7 +122,7 @@ void noxList::disConnByIndex(int index)
     if (!nox)
         return;
     // first of all: what the worker still reports while it ends is no concern of the record's
-    serialPort->rmDev(std::exchange(nox->devIndex, -1));
+    m_serialPort->rmDev(std::exchange(nox->devIndex, -1));
     emit onChange();
 }
 
@@ -141,24 +141,22 @@ void noxList::setProccesed(int index, bool on, bool clearOnResume)
 
 noxList::_nox *noxList::getNoxByIndex(int index) const
 {
-    return records.value(index);
+    return m_records.value(index);
 }
 
 noxList::_nox *noxList::getNoxByDevIndex(int devIndex) const
 {
-    for (_nox *nox : records) {
+    for (_nox *nox : m_records)
         if (nox->devIndex == devIndex)
             return nox;
-    }
     return nullptr;
 }
 
 noxList::_nox *noxList::getNoxByQwtIndex(int qwtIndex) const
 {
-    for (_nox *nox : records) {
+    for (_nox *nox : m_records)
         if (nox->qwtIndex == qwtIndex)
             return nox;
-    }
     return nullptr;
 }
 
@@ -187,7 +185,7 @@ bool noxList::isDevIndex(int devIndex) const
 
 QList<int> noxList::indices() const
 {
-    return records.keys();
+    return m_records.keys();
 }
 
 void noxList::onReadyDevMeas(int devIndex, double meas, quint8 ch, char dim)

@@ -113,7 +113,7 @@ private:
     void connectSerialPort();
     QString unitText(const _nox &nox, quint8 ch, char dim) const;
 
-    NOXSerialPort *serialPort; ///< not owned
-    noxSql *database;          ///< not owned
-    QMap<int, _nox *> records; ///< owned, by registry index
+    NOXSerialPort *m_serialPort; ///< not owned
+    noxSql *m_database;          ///< not owned
+    QMap<int, _nox *> m_records; ///< owned, by registry index
 };

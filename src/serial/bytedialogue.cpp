@@ -51,9 +51,9 @@ bool isFatalPortError(int serialPortError)
 
 ByteDialogue::ByteDialogue(QSerialPort &port, const std::atomic<bool> &running,
                            const LinkTiming &timing)
-    : port(port)
-    , running(running)
-    , timing(timing)
+    : m_port(port)
+    , m_running(running)
+    , m_timing(timing)
 {
 }
 
@@ -100,7 +100,7 @@ LinkResult ByteDialogue::readRecords(quint8 address, int size, char command, QBy
     QByteArray records;
     progress(0, size);
     while (records.size() < size) {
-        const QByteArray record = read(recordLength, timing.unitTimeout);
+        const QByteArray record = read(recordLength, m_timing.unitTimeout);
         if (record.size() < recordLength) {
             clearBuffers();
             return LinkResult::TransferFailed;
@@ -118,7 +118,7 @@ LinkResult ByteDialogue::readWord(quint8 address, QByteArray *reply)
 {
     if (const LinkResult result = this->address(address); result != LinkResult::Done)
         return result;
-    *reply = read(unitLength, timing.unitTimeout);
+    *reply = read(unitLength, m_timing.unitTimeout);
     return reply->size() == unitLength ? LinkResult::Done : LinkResult::TransferFailed;
 }
 
@@ -131,7 +131,7 @@ LinkResult ByteDialogue::writeBlock(quint8 address, const QByteArray &data, char
     if (const LinkResult result = synchronise(address); result != LinkResult::Done)
         return result;
     write(command);
-    pause(timing.commandPause);
+    pause(m_timing.commandPause);
 
     progress(0, data.size());
     int sent = 0;
@@ -142,10 +142,10 @@ LinkResult ByteDialogue::writeBlock(quint8 address, const QByteArray &data, char
         const QByteArray unit = data.mid(sent, unitLength);
         clearInput();
         write(unit);
-        if (read(unitLength, timing.unitTimeout) == unit) {
+        if (read(unitLength, m_timing.unitTimeout) == unit) {
             write(confirmation);
             // the instrument answers with one byte of its own choice
-            read(1, timing.initDelay);
+            read(1, m_timing.initDelay);
             failures = 0;
             sent += unitLength;
             progress(sent, data.size());
@@ -168,7 +168,7 @@ LinkResult ByteDialogue::writeWord(quint8 address, const QByteArray &data)
         return result;
     const QByteArray word = data.left(unitLength);
     write(word);
-    if (read(unitLength, timing.unitTimeout) != word) {
+    if (read(unitLength, m_timing.unitTimeout) != word) {
         clearBuffers();
         return LinkResult::TransferFailed;
     }
@@ -179,18 +179,18 @@ LinkResult ByteDialogue::writeWord(quint8 address, const QByteArray &data)
 bool ByteDialogue::clear()
 {
     // clearing a port that is closed would raise an error of its own
-    if (!port.isOpen())
+    if (!m_port.isOpen())
         return true;
-    if (port.bytesToWrite() > 0)
-        port.flush();
+    if (m_port.bytesToWrite() > 0)
+        m_port.flush();
     letBytesLeave();
     // what still stands in the driver counts as arrived
-    port.waitForReadyRead(0);
-    const bool wasEmpty = port.bytesAvailable() == 0;
+    m_port.waitForReadyRead(0);
+    const bool wasEmpty = m_port.bytesAvailable() == 0;
     char discarded = 0;
-    while (port.bytesAvailable() > 0 && port.read(&discarded, 1) == 1) {
+    while (m_port.bytesAvailable() > 0 && m_port.read(&discarded, 1) == 1) {
     }
-    port.clear();
+    clearBuffers();
     return wasEmpty;
 }
 
@@ -203,8 +203,9 @@ LinkResult ByteDialogue::address(quint8 address)
         clear();
         write(char(address));
         // a second byte beside the echo is a stream that has not stopped yet
-        waitForBytes(1, timing.initDelay);
-        if (port.bytesAvailable() == 1 && read(1, 0) == QByteArray(1, char(address)) && goesOn()) {
+        waitForBytes(1, m_timing.initDelay);
+        if (m_port.bytesAvailable() == 1 && read(1, 0) == QByteArray(1, char(address)) &&
+            goesOn()) {
             write(confirmation);
             return LinkResult::Done;
         }
@@ -218,15 +219,15 @@ LinkResult ByteDialogue::synchronise(quint8 address)
 {
     if (const LinkResult result = this->address(address); result != LinkResult::Done)
         return result;
-    waitForBytes(1, timing.initDelay);
-    QByteArray pattern = read(unitLength, timing.initDelay);
+    waitForBytes(1, m_timing.initDelay);
+    QByteArray pattern = read(unitLength, m_timing.initDelay);
     for (int reads = 1; pattern != synchronisationPattern(); ++reads) {
         if (reads == synchronisationReads)
             return LinkResult::NotSynchronised;
         if (!goesOn())
             return LinkResult::LinkClosed;
         clear();
-        pattern = read(unitLength, timing.unitTimeout);
+        pattern = read(unitLength, m_timing.unitTimeout);
     }
     return LinkResult::Done;
 }
@@ -234,14 +235,14 @@ LinkResult ByteDialogue::synchronise(quint8 address)
 /** Reads one unit, returns it to the instrument and waits for the confirmation. */
 bool ByteDialogue::readUnit(QByteArray *unit)
 {
-    *unit = read(unitLength, timing.unitTimeout);
+    *unit = read(unitLength, m_timing.unitTimeout);
     write(*unit);
     return unit->size() == unitLength && confirmed();
 }
 
 bool ByteDialogue::confirmed()
 {
-    return read(1, timing.confirmTimeout) == QByteArray(1, confirmation);
+    return read(1, m_timing.confirmTimeout) == QByteArray(1, confirmation);
 }
 
 /** Tells the instrument how often in a row its echo was wrong. */
@@ -249,13 +250,13 @@ void ByteDialogue::rejectUnit(int failures)
 {
     clearBuffers();
     write(char(failures));
-    pause(timing.commandPause);
+    pause(m_timing.commandPause);
 }
 
 /** False once the worker is to stop or the port is lost, whatever its signals could say. */
 bool ByteDialogue::goesOn() const
 {
-    return running && port.isOpen() && !isFatalPortError(port.error());
+    return m_running && m_port.isOpen() && !isFatalPortError(m_port.error());
 }
 
 void ByteDialogue::write(const QByteArray &bytes)
@@ -263,19 +264,19 @@ void ByteDialogue::write(const QByteArray &bytes)
     // waiting for nothing to be written would take the whole delay
     if (bytes.isEmpty() || !goesOn())
         return;
-    port.write(bytes);
+    m_port.write(bytes);
     QElapsedTimer waited;
     waited.start();
-    while (port.bytesToWrite() > 0 && goesOn() && waited.elapsed() < timing.initDelay)
-        port.waitForBytesWritten(pollMs);
-    sinceWrite.start();
-    lastWriteLength = bytes.size();
+    while (m_port.bytesToWrite() > 0 && goesOn() && waited.elapsed() < m_timing.initDelay)
+        m_port.waitForBytesWritten(pollMs);
+    m_sinceWrite.start();
+    m_lastWriteLength = bytes.size();
 }
 
 QByteArray ByteDialogue::read(int count, int timeoutMs)
 {
     waitForBytes(count, timeoutMs);
-    return port.isOpen() ? port.read(count) : QByteArray();
+    return m_port.isOpen() ? m_port.read(count) : QByteArray();
 }
 
 void ByteDialogue::waitForBytes(int count, int timeoutMs)
@@ -283,26 +284,28 @@ void ByteDialogue::waitForBytes(int count, int timeoutMs)
     // bounded by the clock: on a lost port each wait returns at once
     QElapsedTimer waited;
     waited.start();
-    while (port.bytesAvailable() < count && goesOn()) {
+    while (m_port.bytesAvailable() < count && goesOn()) {
         const qint64 left = timeoutMs - waited.elapsed();
         if (left <= 0)
             return;
-        port.waitForReadyRead(int(std::min<qint64>(left, pollMs)));
+        m_port.waitForReadyRead(int(std::min<qint64>(left, pollMs)));
     }
 }
 
 void ByteDialogue::clearInput()
 {
-    if (port.isOpen())
-        port.clear(QSerialPort::Input);
+    if (m_port.isOpen())
+        m_port.clear(QSerialPort::Input);
 }
 
 void ByteDialogue::clearBuffers()
 {
-    if (!port.isOpen())
+    if (!m_port.isOpen())
         return;
     letBytesLeave();
-    port.clear();
+    // Output that has left needs no clearing, and on a pseudo-terminal it would be taken back from
+    // a peer that has not read it yet.
+    m_port.clear(m_port.bytesToWrite() > 0 ? QSerialPort::AllDirections : QSerialPort::Input);
 }
 
 void ByteDialogue::pause(int milliseconds)
@@ -320,12 +323,12 @@ void ByteDialogue::pause(int milliseconds)
 /** Clearing the output takes back bytes that still stand in the driver: wait until they are out. */
 void ByteDialogue::letBytesLeave()
 {
-    if (lastWriteLength == 0)
+    if (m_lastWriteLength == 0)
         return;
     const qint64 onTheLineMs =
-        1 + qint64(lastWriteLength) * bitsPerByte * 1000 / std::max(1, port.baudRate()) + 1;
-    const qint64 left = onTheLineMs - sinceWrite.elapsed();
+        1 + qint64(m_lastWriteLength) * bitsPerByte * 1000 / std::max(1, m_port.baudRate()) + 1;
+    const qint64 left = onTheLineMs - m_sinceWrite.elapsed();
     if (left > 0)
         QThread::msleep(ulong(left));
-    lastWriteLength = 0;
+    m_lastWriteLength = 0;
 }

@@ -71,9 +71,9 @@ private:
     void pause(int milliseconds);
     void letBytesLeave();
 
-    QSerialPort &port;
-    const std::atomic<bool> &running;
-    const LinkTiming &timing;
-    QElapsedTimer sinceWrite; ///< runs from the last write
-    int lastWriteLength = 0;  ///< its bytes; 0 once they have surely left
+    QSerialPort &m_port;
+    const std::atomic<bool> &m_running;
+    const LinkTiming &m_timing;
+    QElapsedTimer m_sinceWrite; ///< runs from the last write
+    int m_lastWriteLength = 0;  ///< its bytes; 0 once they have surely left
 };

@@ -73,29 +73,29 @@ NOXSerialPort::NOXSerialPort(QObject *parent)
 
 NOXSerialPort::~NOXSerialPort()
 {
-    const auto devices = workers.keys();
+    const auto devices = m_workers.keys();
     for (int devIndex : devices) {
         rmDev(devIndex);
         dropHeldReplies(devIndex);
     }
     // a worker that outlived its removal time still has to end before it may be deleted
-    qDeleteAll(workers);
+    qDeleteAll(m_workers);
 }
 
 int NOXSerialPort::addDev(QString portName, char devType, int baudRate, quint8 measTimeout)
 {
-    if (workers.size() >= mostDevices)
+    if (m_workers.size() >= mostDevices)
         return -1;
     const SerialPortEntry entry = PortCatalog::current().find(portName);
     if (entry.name.isEmpty() || entry.busy)
         return -1;
 
     int devIndex = 0;
-    while (workers.contains(devIndex))
+    while (m_workers.contains(devIndex))
         ++devIndex;
     auto *worker = new noxSerialPortThread(devIndex, portName, devType, baudRate, measTimeout);
-    worker->setTiming(timing);
-    workers.insert(devIndex, worker);
+    worker->setTiming(m_timing);
+    m_workers.insert(devIndex, worker);
     connectWorker(worker);
     worker->start(QThread::InheritPriority);
     return devIndex;
@@ -130,20 +130,20 @@ void NOXSerialPort::connectWorker(noxSerialPortThread *worker)
 void NOXSerialPort::rmDev(int devIndex)
 {
     // called again while its own loop runs, it has nothing to add
-    if (!workers.contains(devIndex) || removalWaits.contains(devIndex))
+    if (!m_workers.contains(devIndex) || m_removalWaits.contains(devIndex))
         return;
     const bool wasReadAll = isReadAllQuery();
     const bool wasSentAll = isSendAllData();
 
     QEventLoop loop;
-    removalWaits.insert(devIndex, &loop);
+    m_removalWaits.insert(devIndex, &loop);
     QTimer::singleShot(removalTimeoutMs, &loop, &QEventLoop::quit);
-    workers.value(devIndex)->requestStop();
+    m_workers.value(devIndex)->requestStop();
     // Called while an event is delivered, the loop would sleep over those that wait behind it (so
     // does glib's dispatcher), and one of them may tell that the worker has ended already.
     QAbstractEventDispatcher::instance()->wakeUp();
     loop.exec();
-    removalWaits.remove(devIndex);
+    m_removalWaits.remove(devIndex);
 
     announceEmptied(wasReadAll, wasSentAll);
 }
@@ -161,84 +161,85 @@ void NOXSerialPort::purgeDevSerialPortThread()
     const int devIndex = senderIndex();
     if (devIndex < 0)
         return;
-    const std::unique_ptr<noxSerialPortThread> worker(workers.value(devIndex));
+    const std::unique_ptr<noxSerialPortThread> worker(m_workers.value(devIndex));
     worker->disconnect();
     disconnect(worker.get());
 
-    queryQueues.remove(devIndex);
-    dataQueues.remove(devIndex);
-    for (QSet<int> *state : {&queryHandedOver, &dataHandedOver, &queryAbandoned, &dataAbandoned})
+    m_queryQueues.remove(devIndex);
+    m_dataQueues.remove(devIndex);
+    for (QSet<int> *state :
+         {&m_queryHandedOver, &m_dataHandedOver, &m_queryAbandoned, &m_dataAbandoned})
         state->remove(devIndex);
     onExchangeProg();
     dropHeldReplies(devIndex);
-    blockedDevices.removeAll(devIndex);
+    m_blockedDevices.removeAll(devIndex);
 
-    workers.remove(devIndex);
-    if (QEventLoop *loop = removalWaits.value(devIndex))
+    m_workers.remove(devIndex);
+    if (QEventLoop *loop = m_removalWaits.value(devIndex))
         loop->quit();
 }
 
 void NOXSerialPort::emptyQueues(int devIndex)
 {
-    if (!workers.contains(devIndex))
+    if (!m_workers.contains(devIndex))
         return;
     const bool wasReadAll = isReadAllQuery();
     const bool wasSentAll = isSendAllData();
-    queryQueues[devIndex].clear();
-    dataQueues[devIndex].clear();
+    m_queryQueues[devIndex].clear();
+    m_dataQueues[devIndex].clear();
     dropHeldReplies(devIndex);
-    if (queryHandedOver.contains(devIndex))
-        queryAbandoned.insert(devIndex);
-    if (dataHandedOver.contains(devIndex))
-        dataAbandoned.insert(devIndex);
+    if (m_queryHandedOver.contains(devIndex))
+        m_queryAbandoned.insert(devIndex);
+    if (m_dataHandedOver.contains(devIndex))
+        m_dataAbandoned.insert(devIndex);
     onExchangeProg();
     announceEmptied(wasReadAll, wasSentAll);
 }
 
 void NOXSerialPort::dropHeldReplies(int devIndex)
 {
-    const auto replies = heldReplies.take(devIndex);
+    const auto replies = m_heldReplies.take(devIndex);
     for (const devDataReply &reply : replies)
         delete reply.buf;
 }
 
 void NOXSerialPort::setDevType(int devIndex, char devType)
 {
-    if (workers.contains(devIndex))
+    if (m_workers.contains(devIndex))
         emit onSetDevType(devIndex, devType);
 }
 
 QString NOXSerialPort::getPortName(int devIndex) const
 {
-    const noxSerialPortThread *worker = workers.value(devIndex);
+    const noxSerialPortThread *worker = m_workers.value(devIndex);
     return worker ? worker->name() : QStringLiteral("-");
 }
 
 bool NOXSerialPort::isEmptyQueryQueue(int devIndex) const
 {
-    const auto queue = queryQueues.constFind(devIndex);
-    return queue != queryQueues.constEnd() && queue->isEmpty();
+    const auto queue = m_queryQueues.constFind(devIndex);
+    return queue != m_queryQueues.constEnd() && queue->isEmpty();
 }
 
 bool NOXSerialPort::isEmptyDataQueue(int devIndex) const
 {
-    const auto queue = dataQueues.constFind(devIndex);
-    return queue != dataQueues.constEnd() && queue->isEmpty();
+    const auto queue = m_dataQueues.constFind(devIndex);
+    return queue != m_dataQueues.constEnd() && queue->isEmpty();
 }
 
 bool NOXSerialPort::isSendAllData() const
 {
-    return allEmpty(dataQueues);
+    return allEmpty(m_dataQueues);
 }
 
 bool NOXSerialPort::isReadAllQuery() const
 {
-    return allEmpty(queryQueues) && allEmpty(heldReplies);
+    return allEmpty(m_queryQueues) && allEmpty(m_heldReplies);
 }
 
 void NOXSerialPort::onExchangeProg()
 {
-    const int pending = pendingItems(queryQueues) + pendingItems(dataQueues);
+    const int pending = pendingItems(m_queryQueues) + pendingItems(m_dataQueues);
     if (progMax > pending) {
         if (pending > 0) {
             emit setProgress(progMax - pending, progMax);
@@ -262,12 +263,12 @@ void NOXSerialPort::sendDevQuery(int devIndex, quint8 address, quint16 size, boo
 void NOXSerialPort::sendDevQuery(int devIndex, noxSerialPortQueryItem query)
 {
     // a read of nothing would never be answered and hold the stream back for good
-    if (!workers.contains(devIndex) || query.size == 0)
+    if (!m_workers.contains(devIndex) || query.size == 0)
         return;
     emit blockStatusEvent(devIndex, true);
     onExchangeProg();
-    QQueue<noxSerialPortQueryItem> &queue = queryQueues[devIndex];
-    if (!dataQueues.value(devIndex).isEmpty()) {
+    QQueue<noxSerialPortQueryItem> &queue = m_queryQueues[devIndex];
+    if (!m_dataQueues.value(devIndex).isEmpty()) {
         queue.enqueue(query);
         return;
     }
@@ -302,10 +303,10 @@ void NOXSerialPort::sendWordQuery(int devIndex, noxSerialPortQueryItem query)
 
 void NOXSerialPort::sendDevData(int devIndex, noxSerialPortDataItem data)
 {
-    if (!workers.contains(devIndex) || data.data.isEmpty())
+    if (!m_workers.contains(devIndex) || data.data.isEmpty())
         return;
     emit blockStatusEvent(devIndex, true);
-    QQueue<noxSerialPortDataItem> &queue = dataQueues[devIndex];
+    QQueue<noxSerialPortDataItem> &queue = m_dataQueues[devIndex];
     enqueueOnce(queue, data);
     if (queue.size() == 1)
         startData(devIndex);
@@ -344,29 +345,29 @@ void NOXSerialPort::sendDevWord(int devIndex, QByteArray buf, quint8 address, bo
 /** Hands the head of the read queue to the worker, unless it has it already. */
 void NOXSerialPort::startQuery(int devIndex)
 {
-    if (queryHandedOver.contains(devIndex))
+    if (m_queryHandedOver.contains(devIndex))
         return;
-    queryHandedOver.insert(devIndex);
-    emit readyDevQuery(devIndex, queryQueues[devIndex].head());
+    m_queryHandedOver.insert(devIndex);
+    emit readyDevQuery(devIndex, m_queryQueues[devIndex].head());
 }
 
 void NOXSerialPort::startData(int devIndex)
 {
-    if (dataHandedOver.contains(devIndex))
+    if (m_dataHandedOver.contains(devIndex))
         return;
-    dataHandedOver.insert(devIndex);
-    emit readyDevData(devIndex, dataQueues[devIndex].head());
+    m_dataHandedOver.insert(devIndex);
+    emit readyDevData(devIndex, m_dataQueues[devIndex].head());
 }
 
 /** Chooses a device's next exchange: a write, else a read, else its stream flows again. */
 void NOXSerialPort::startNext(int devIndex)
 {
     // whoever received a result may have removed the device
-    if (!workers.contains(devIndex))
+    if (!m_workers.contains(devIndex))
         return;
-    if (!dataQueues.value(devIndex).isEmpty())
+    if (!m_dataQueues.value(devIndex).isEmpty())
         startData(devIndex);
-    else if (!queryQueues.value(devIndex).isEmpty())
+    else if (!m_queryQueues.value(devIndex).isEmpty())
         startQuery(devIndex);
     else
         emit blockStatusEvent(devIndex, false);
@@ -378,13 +379,13 @@ void NOXSerialPort::readDevReply(QByteArray *buf, quint8 address)
     const int devIndex = senderIndex();
     if (devIndex < 0)
         return;
-    queryHandedOver.remove(devIndex);
-    if (!queryAbandoned.remove(devIndex) && !queryQueues[devIndex].isEmpty())
-        queryQueues[devIndex].dequeue();
+    m_queryHandedOver.remove(devIndex);
+    if (!m_queryAbandoned.remove(devIndex) && !m_queryQueues[devIndex].isEmpty())
+        m_queryQueues[devIndex].dequeue();
     onExchangeProg();
 
     if (isBlocked(devIndex)) {
-        heldReplies[devIndex].enqueue({address, reply.release()});
+        m_heldReplies[devIndex].enqueue({address, reply.release()});
     } else {
         emit readyDevReply(devIndex, reply.get(), address);
         emit readyDevReply(devIndex, *reply, address);
@@ -401,14 +402,14 @@ void NOXSerialPort::onSendQueryError(quint16 code, noxSerialPortQueryItem query)
     const int devIndex = senderIndex();
     if (devIndex < 0)
         return;
-    queryHandedOver.remove(devIndex);
-    dropFailed(queryQueues[devIndex], query.qMode, queryAbandoned.remove(devIndex));
+    m_queryHandedOver.remove(devIndex);
+    dropFailed(m_queryQueues[devIndex], query.qMode, m_queryAbandoned.remove(devIndex));
     onExchangeProg();
     emit onDevQueryError(devIndex, code + queryCodeOffset, query);
     emitErrorEvent(devIndex, code + queryCodeOffset);
     if (isReadAllQuery())
         emit allDevQueryComplite();
-    if (queryQueues.value(devIndex).isEmpty())
+    if (m_queryQueues.value(devIndex).isEmpty())
         emit resultDevQuery(devIndex, false);
     startNext(devIndex);
 }
@@ -418,17 +419,17 @@ void NOXSerialPort::doneDevSend()
     const int devIndex = senderIndex();
     if (devIndex < 0)
         return;
-    dataHandedOver.remove(devIndex);
-    if (dataAbandoned.remove(devIndex)) {
+    m_dataHandedOver.remove(devIndex);
+    if (m_dataAbandoned.remove(devIndex)) {
         startNext(devIndex);
         return;
     }
-    if (dataQueues.value(devIndex).isEmpty())
+    if (m_dataQueues.value(devIndex).isEmpty())
         return;
-    const noxSerialPortDataItem done = dataQueues[devIndex].dequeue();
+    const noxSerialPortDataItem done = m_dataQueues[devIndex].dequeue();
     onExchangeProg();
     emit doneSendDevData(devIndex, done);
-    const bool moreWrites = !dataQueues.value(devIndex).isEmpty();
+    const bool moreWrites = !m_dataQueues.value(devIndex).isEmpty();
     startNext(devIndex);
     if (!moreWrites)
         emit doneSend(devIndex);
@@ -441,14 +442,14 @@ void NOXSerialPort::onSendDataError(quint16 code, noxSerialPortDataItem data)
     const int devIndex = senderIndex();
     if (devIndex < 0)
         return;
-    dataHandedOver.remove(devIndex);
-    dropFailed(dataQueues[devIndex], data.qMode, dataAbandoned.remove(devIndex));
+    m_dataHandedOver.remove(devIndex);
+    dropFailed(m_dataQueues[devIndex], data.qMode, m_dataAbandoned.remove(devIndex));
     onExchangeProg();
     emit onDevDataError(devIndex, code + dataCodeOffset, data);
     emitErrorEvent(devIndex, code + dataCodeOffset);
     if (isSendAllData())
         emit allDevDataSend();
-    if (!dataQueues.value(devIndex).isEmpty())
+    if (!m_dataQueues.value(devIndex).isEmpty())
         emit resultDevData(devIndex, false);
     startNext(devIndex);
 }
@@ -460,9 +461,9 @@ void NOXSerialPort::onError(quint16 code)
 
 void NOXSerialPort::emitErrorEvent(int devIndex, quint16 code)
 {
-    if (!workers.contains(devIndex))
+    if (!m_workers.contains(devIndex))
         return;
-    const QString msg = errorTexts.value(code, QStringLiteral("Unknown error"));
+    const QString msg = m_errorTexts.value(code, QStringLiteral("Unknown error"));
     emit onDevError(devIndex, code, msg);
     emit onDevError(devIndex, code);
     emit onDevError(devIndex);
@@ -505,16 +506,16 @@ void NOXSerialPort::devMeasTimeout(bool isConnect)
 
 void NOXSerialPort::blockEventDev(int devIndex, bool b)
 {
-    if (!workers.contains(devIndex))
+    if (!m_workers.contains(devIndex))
         return;
     if (b) {
-        blockedDevices.append(devIndex);
+        m_blockedDevices.append(devIndex);
         return;
     }
     if (!isBlocked(devIndex))
         return;
-    while (!heldReplies.value(devIndex).isEmpty()) {
-        const devDataReply reply = heldReplies[devIndex].dequeue();
+    while (!m_heldReplies.value(devIndex).isEmpty()) {
+        const devDataReply reply = m_heldReplies[devIndex].dequeue();
         // out of the queue first: a receiver may remove the device with all that is held
         const std::unique_ptr<QByteArray> buf(reply.buf);
         emit readyDevReply(devIndex, *buf, reply.address);
@@ -522,12 +523,12 @@ void NOXSerialPort::blockEventDev(int devIndex, bool b)
     }
     if (isReadAllQuery())
         emit allDevQueryComplite();
-    blockedDevices.removeOne(devIndex);
+    m_blockedDevices.removeOne(devIndex);
 }
 
 void NOXSerialPort::blockEventAll(bool b)
 {
-    const auto devices = workers.keys();
+    const auto devices = m_workers.keys();
     for (int devIndex : devices)
         blockEventDev(devIndex, b);
 }
@@ -535,5 +536,5 @@ void NOXSerialPort::blockEventAll(bool b)
 /** The device of the worker whose signal is being received; -1 when it has been purged. */
 int NOXSerialPort::senderIndex() const
 {
-    return workers.key(static_cast<noxSerialPortThread *>(sender()), -1);
+    return m_workers.key(static_cast<noxSerialPortThread *>(sender()), -1);
 }

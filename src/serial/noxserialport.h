@@ -52,7 +52,7 @@ public:
     void onExchangeProg();
 
     /** The waits of workers added from now on. */
-    void setLinkTiming(const LinkTiming &newTiming) { timing = newTiming; }
+    void setLinkTiming(const LinkTiming &newTiming) { m_timing = newTiming; }
 
     /** True only if the device has had a write and none is queued now. */
     bool isEmptyDataQueue(int devIndex) const;
@@ -162,7 +162,7 @@ private slots:
 private:
     void connectWorker(noxSerialPortThread *worker);
     int senderIndex() const;
-    bool isBlocked(int devIndex) const { return blockedDevices.contains(devIndex); }
+    bool isBlocked(int devIndex) const { return m_blockedDevices.contains(devIndex); }
     void startQuery(int devIndex);
     void startData(int devIndex);
     void startNext(int devIndex);
@@ -171,20 +171,20 @@ private:
 
     static int progMax; ///< most exchanges pending since none was; of the whole process
 
-    QHash<int, noxSerialPortThread *> workers; ///< owned
-    QHash<int, QString> errorTexts;            ///< by code; nothing fills it
+    QHash<int, noxSerialPortThread *> m_workers; ///< owned
+    QHash<int, QString> m_errorTexts;            ///< by code; nothing fills it
     // By devIndex, each made at its first use; the head is the exchange in progress.
-    QHash<int, QQueue<noxSerialPortQueryItem>> queryQueues;
-    QHash<int, QQueue<noxSerialPortDataItem>> dataQueues;
-    QHash<int, QQueue<devDataReply>> heldReplies;
-    QVector<int> blockedDevices;
-    QHash<int, QEventLoop *> removalWaits; ///< loops of rmDev(), on its stack
+    QHash<int, QQueue<noxSerialPortQueryItem>> m_queryQueues;
+    QHash<int, QQueue<noxSerialPortDataItem>> m_dataQueues;
+    QHash<int, QQueue<devDataReply>> m_heldReplies;
+    QVector<int> m_blockedDevices;
+    QHash<int, QEventLoop *> m_removalWaits; ///< loops of rmDev(), on its stack
     // Devices whose worker already has the head of the queue. Without them a head handed over
     // again, just when the worker has finished it, would be carried out twice.
-    QSet<int> queryHandedOver;
-    QSet<int> dataHandedOver;
+    QSet<int> m_queryHandedOver;
+    QSet<int> m_dataHandedOver;
     // Devices whose queue was emptied meanwhile: the result to come takes no head off it.
-    QSet<int> queryAbandoned;
-    QSet<int> dataAbandoned;
-    LinkTiming timing;
+    QSet<int> m_queryAbandoned;
+    QSet<int> m_dataAbandoned;
+    LinkTiming m_timing;
 };

@@ -29,14 +29,14 @@ private:
 
 noxSerialPortThread::noxSerialPortThread(int devIndex, const QString &portName, char devType,
                                          int baudRate, quint8 measTimeout)
-    : baudRate(baudRate)
-    , devIndex(devIndex)
-    , devType(devType)
-    , measTimeout(measTimeout)
-    , portName(portName)
+    : m_baudRate(baudRate)
+    , m_devIndex(devIndex)
+    , m_devType(devType)
+    , m_measTimeout(measTimeout)
+    , m_portName(portName)
 {
-    query.address = noAddress;
-    data.address = noAddress;
+    m_query.address = noAddress;
+    m_data.address = noAddress;
     // A QThread lives where it was created; only here its slots and single-shot callbacks come to
     // run in the thread that it starts, where the port is.
     moveToThread(this);
@@ -50,100 +50,101 @@ noxSerialPortThread::~noxSerialPortThread()
 
 void noxSerialPortThread::requestStop()
 {
-    running = false;
+    m_running = false;
     quit();
 }
 
 void noxSerialPortThread::run()
 {
-    port = std::make_unique<QSerialPort>();
-    dialogue = std::make_unique<ByteDialogue>(*port, running, timing);
+    m_port = std::make_unique<QSerialPort>();
+    m_dialogue = std::make_unique<ByteDialogue>(*m_port, m_running, m_timing);
     if (reConnect()) {
-        running = true;
+        m_running = true;
 
-        measTimer = std::make_unique<QTimer>();
-        measTimer->setSingleShot(true);
-        measTimer->setInterval(measTimeout * 1000);
-        connect(measTimer.get(), &QTimer::timeout, this, &noxSerialPortThread::onTimerReconnect);
-        measTimer->start();
+        m_measTimer = std::make_unique<QTimer>();
+        m_measTimer->setSingleShot(true);
+        m_measTimer->setInterval(m_measTimeout * 1000);
+        connect(m_measTimer.get(), &QTimer::timeout, this, &noxSerialPortThread::onTimerReconnect);
+        m_measTimer->start();
 
-        lostPortTimer = std::make_unique<QTimer>();
-        lostPortTimer->setInterval(lostPortPeriodMs);
-        connect(lostPortTimer.get(), &QTimer::timeout, this, &noxSerialPortThread::lookForLostPort);
+        m_lostPortTimer = std::make_unique<QTimer>();
+        m_lostPortTimer->setInterval(lostPortPeriodMs);
+        connect(m_lostPortTimer.get(), &QTimer::timeout, this,
+                &noxSerialPortThread::lookForLostPort);
 
         exec();
     }
-    running = false;
-    measTimer.reset();
-    lostPortTimer.reset();
-    dialogue.reset();
-    port.reset();
+    m_running = false;
+    m_measTimer.reset();
+    m_lostPortTimer.reset();
+    m_dialogue.reset();
+    m_port.reset();
 }
 
 void noxSerialPortThread::sendQuery(int devIndex, noxSerialPortQueryItem newQuery)
 {
     assertWorkerThread();
-    if (devIndex != this->devIndex || !running || query.address != noAddress)
+    if (devIndex != m_devIndex || !m_running || m_query.address != noAddress)
         return;
-    measTimer->stop();
-    query = newQuery;
-    queryAttempt = 0;
-    scheduleStart(timing.queueDelay, &noxSerialPortThread::sendNextQuery);
+    m_measTimer->stop();
+    m_query = newQuery;
+    m_queryAttempt = 0;
+    scheduleStart(m_timing.queueDelay, &noxSerialPortThread::sendNextQuery);
 }
 
 void noxSerialPortThread::sendData(int devIndex, noxSerialPortDataItem newData)
 {
     assertWorkerThread();
-    if (devIndex != this->devIndex || !running || data.address != noAddress)
+    if (devIndex != m_devIndex || !m_running || m_data.address != noAddress)
         return;
-    measTimer->stop();
-    data = newData;
-    dataAttempt = 0;
-    scheduleStart(timing.queueDelay, &noxSerialPortThread::sendNextData);
+    m_measTimer->stop();
+    m_data = newData;
+    m_dataAttempt = 0;
+    scheduleStart(m_timing.queueDelay, &noxSerialPortThread::sendNextData);
 }
 
 void noxSerialPortThread::setDevType(int devIndex, char newDevType)
 {
     assertWorkerThread();
-    if (devIndex == this->devIndex)
-        devType = newDevType;
+    if (devIndex == m_devIndex)
+        m_devType = newDevType;
 }
 
 void noxSerialPortThread::setMeasTimeout(int devIndex, quint8 sec)
 {
     assertWorkerThread();
-    if (devIndex != this->devIndex)
+    if (devIndex != m_devIndex)
         return;
-    const bool wasRunning = measTimer->isActive();
-    measTimer->stop();
-    measTimeout = sec;
-    measTimer->setInterval(sec * 1000);
+    const bool wasRunning = m_measTimer->isActive();
+    m_measTimer->stop();
+    m_measTimeout = sec;
+    m_measTimer->setInterval(sec * 1000);
     if (wasRunning)
-        measTimer->start();
+        m_measTimer->start();
 }
 
 void noxSerialPortThread::setDelayTime(int devIndex, quint16 init, quint16 queue, quint16 attempt)
 {
     assertWorkerThread();
-    if (devIndex != this->devIndex)
+    if (devIndex != m_devIndex)
         return;
-    timing.initDelay = init;
-    timing.queueDelay = queue;
-    timing.attemptDelay = attempt;
+    m_timing.initDelay = init;
+    m_timing.queueDelay = queue;
+    m_timing.attemptDelay = attempt;
 }
 
 void noxSerialPortThread::blockStatusEvent(int devIndex, bool b)
 {
     assertWorkerThread();
-    if (devIndex != this->devIndex || port->signalsBlocked() == b)
+    if (devIndex != m_devIndex || m_port->signalsBlocked() == b)
         return;
-    port->blockSignals(b);
+    m_port->blockSignals(b);
     if (b) {
-        parser.dropOpenToken();
+        m_parser.dropOpenToken();
         // a port that is lost while it cannot say so would keep the thread spinning
-        lostPortTimer->start();
+        m_lostPortTimer->start();
     } else {
-        lostPortTimer->stop();
+        m_lostPortTimer->stop();
         // What came meanwhile waits in the port, and only the next byte would announce it. It is
         // read from a timer: reading in a queued slot gives spurious errors under glib.
         QTimer::singleShot(0, this, &noxSerialPortThread::readyRead);
@@ -160,18 +161,18 @@ void noxSerialPortThread::readyRead()
 {
     assertWorkerThread();
     // the waits of an exchange announce its bytes here too; they are not the stream's
-    if (exchanging || port->signalsBlocked() || port->bytesAvailable() == 0)
+    if (m_exchanging || m_port->signalsBlocked() || m_port->bytesAvailable() == 0)
         return;
-    measTimer->stop();
+    m_measTimer->stop();
     const bool tokensCame =
-        parser.feed(port->readAll(), [this](const StreamToken &token) { publish(token); });
+        m_parser.feed(m_port->readAll(), [this](const StreamToken &token) { publish(token); });
     if (tokensCame)
-        measTimer->start();
+        m_measTimer->start();
 }
 
 void noxSerialPortThread::publish(const StreamToken &token)
 {
-    if (!running)
+    if (!m_running)
         return;
     emit readySource(token.source);
     if (token.kind == StreamToken::Status)
@@ -183,12 +184,12 @@ void noxSerialPortThread::publish(const StreamToken &token)
 void noxSerialPortThread::sendNextQuery()
 {
     assertWorkerThread();
-    if (query.size == 0 || !mayGoOn())
+    if (m_query.size == 0 || !mayGoOn())
         return;
-    const FlagScope scope(exchanging);
-    if (query.rec)
+    const FlagScope scope(m_exchanging);
+    if (m_query.rec)
         sendNextQueryRec();
-    else if (query.word)
+    else if (m_query.word)
         sendNextQueryWord();
     else
         sendNextQueryData();
@@ -197,35 +198,37 @@ void noxSerialPortThread::sendNextQuery()
 void noxSerialPortThread::sendNextQueryData()
 {
     QByteArray reply;
-    showProgress(query.showPr, -1, 0, query.address);
-    const LinkResult result = dialogue->readBlock(query.address, query.size, devType, &reply,
-                                                  progressOf(query.showPr, query.address));
+    showProgress(m_query.showPr, -1, 0, m_query.address);
+    const LinkResult result =
+        m_dialogue->readBlock(m_query.address, m_query.size, m_devType, &reply,
+                              progressOf(m_query.showPr, m_query.address));
     finishQuery(result, ExchangeKind::BlockRead, reply);
 }
 
 void noxSerialPortThread::sendNextQueryRec()
 {
     QByteArray reply;
-    showProgress(query.showPr, -1, 0, query.address);
-    const LinkResult result = dialogue->readRecords(query.address, query.size, devType, &reply,
-                                                    progressOf(query.showPr, query.address));
+    showProgress(m_query.showPr, -1, 0, m_query.address);
+    const LinkResult result =
+        m_dialogue->readRecords(m_query.address, m_query.size, m_devType, &reply,
+                                progressOf(m_query.showPr, m_query.address));
     finishQuery(result, ExchangeKind::RecordRead, reply);
 }
 
 void noxSerialPortThread::sendNextQueryWord()
 {
     QByteArray reply;
-    const LinkResult result = dialogue->readWord(query.address, &reply);
+    const LinkResult result = m_dialogue->readWord(m_query.address, &reply);
     finishQuery(result, ExchangeKind::WordRead, reply);
 }
 
 void noxSerialPortThread::sendNextData()
 {
     assertWorkerThread();
-    if (data.data.isEmpty() || !mayGoOn())
+    if (m_data.data.isEmpty() || !mayGoOn())
         return;
-    const FlagScope scope(exchanging);
-    if (data.word)
+    const FlagScope scope(m_exchanging);
+    if (m_data.word)
         sendNextDataWord();
     else
         sendNextDataSync();
@@ -233,14 +236,14 @@ void noxSerialPortThread::sendNextData()
 
 void noxSerialPortThread::sendNextDataSync()
 {
-    showProgress(data.showPr, -1, 0, data.address);
-    finishData(dialogue->writeBlock(data.address, data.data, devType,
-                                    progressOf(data.showPr, data.address)));
+    showProgress(m_data.showPr, -1, 0, m_data.address);
+    finishData(m_dialogue->writeBlock(m_data.address, m_data.data, m_devType,
+                                      progressOf(m_data.showPr, m_data.address)));
 }
 
 void noxSerialPortThread::sendNextDataWord()
 {
-    finishData(dialogue->writeWord(data.address, data.data));
+    finishData(m_dialogue->writeWord(m_data.address, m_data.data));
 }
 
 void noxSerialPortThread::finishQuery(LinkResult result, ExchangeKind kind, const QByteArray &reply)
@@ -251,31 +254,31 @@ void noxSerialPortThread::finishQuery(LinkResult result, ExchangeKind kind, cons
         failQuery(result, kind);
         return;
     }
-    showProgress(query.showPr, -1, 0, query.address);
-    emit readyQuery(new QByteArray(reply), query.address);
-    query.address = noAddress;
-    queryAttempt = 0;
-    showProgress(query.showPr, 0, 0, noAddress);
-    measTimer->start();
+    showProgress(m_query.showPr, -1, 0, m_query.address);
+    emit readyQuery(new QByteArray(reply), m_query.address);
+    m_query.address = noAddress;
+    m_queryAttempt = 0;
+    showProgress(m_query.showPr, 0, 0, noAddress);
+    m_measTimer->start();
     endExchange(StreamStart::Anew);
 }
 
 void noxSerialPortThread::failQuery(LinkResult result, ExchangeKind kind)
 {
-    showProgress(query.showPr, -1, 0, query.address);
-    const RetryStep step = nextRetryStep(kind, query.qMode, queryAttempt);
-    queryAttempt = step.attempts;
+    showProgress(m_query.showPr, -1, 0, m_query.address);
+    const RetryStep step = nextRetryStep(kind, m_query.qMode, m_queryAttempt);
+    m_queryAttempt = step.attempts;
     if (step.action != RetryStep::GiveUp) {
         scheduleRetry(step, &noxSerialPortThread::sendNextQuery);
         return;
     }
-    showProgress(query.showPr, 0, 0, query.address);
-    if (deliversEmptyReply(kind, query.qMode))
-        emit readyQuery(new QByteArray, query.address);
+    showProgress(m_query.showPr, 0, 0, m_query.address);
+    if (deliversEmptyReply(kind, m_query.qMode))
+        emit readyQuery(new QByteArray, m_query.address);
     else
-        emit onSendQueryError(quint16(result), query);
-    query.address = noAddress;
-    measTimer->start();
+        emit onSendQueryError(quint16(result), m_query);
+    m_query.address = noAddress;
+    m_measTimer->start();
     endExchange(StreamStart::Anywhere);
 }
 
@@ -287,27 +290,27 @@ void noxSerialPortThread::finishData(LinkResult result)
         failData(result);
         return;
     }
-    showProgress(data.showPr, -1, 0, data.address);
-    data.address = noAddress;
+    showProgress(m_data.showPr, -1, 0, m_data.address);
+    m_data.address = noAddress;
     emit doneSend();
-    dataAttempt = 0;
-    showProgress(data.showPr, 0, 0, noAddress);
-    measTimer->start();
+    m_dataAttempt = 0;
+    showProgress(m_data.showPr, 0, 0, noAddress);
+    m_measTimer->start();
     endExchange(StreamStart::Anew);
 }
 
 void noxSerialPortThread::failData(LinkResult result)
 {
-    showProgress(data.showPr, -1, 0, data.address);
-    const RetryStep step = nextRetryStep(ExchangeKind::Write, data.qMode, dataAttempt);
-    dataAttempt = step.attempts;
+    showProgress(m_data.showPr, -1, 0, m_data.address);
+    const RetryStep step = nextRetryStep(ExchangeKind::Write, m_data.qMode, m_dataAttempt);
+    m_dataAttempt = step.attempts;
     if (step.action != RetryStep::GiveUp) {
         scheduleRetry(step, &noxSerialPortThread::sendNextData);
         return;
     }
-    showProgress(data.showPr, 0, 0, data.address);
-    emit onSendDataError(quint16(result), data);
-    data.address = noAddress;
+    showProgress(m_data.showPr, 0, 0, m_data.address);
+    emit onSendDataError(quint16(result), m_data);
+    m_data.address = noAddress;
     // the watchdog starts again with the stream
     endExchange(StreamStart::Anywhere);
 }
@@ -315,13 +318,13 @@ void noxSerialPortThread::failData(LinkResult result)
 /** Leaves the line empty and tells the parser where in the stream the next byte will stand. */
 void noxSerialPortThread::endExchange(StreamStart start)
 {
-    // After a complete dialogue the instrument begins its stream anew. After a failed one, or when
-    // the stream was quicker than the clearing, a token has been cut.
-    const bool nothingLost = dialogue->clear();
+    // After a complete dialogue the instrument begins its stream anew. After a failed one, or
+    // when the stream was quicker than the clearing, a token has been cut.
+    const bool nothingLost = m_dialogue->clear();
     if (start == StreamStart::Anew && nothingLost)
-        parser.restart();
+        m_parser.restart();
     else
-        parser.skipToNextToken();
+        m_parser.skipToNextToken();
 }
 
 /**
@@ -330,17 +333,17 @@ void noxSerialPortThread::endExchange(StreamStart start)
  */
 bool noxSerialPortThread::mayGoOn()
 {
-    if (running)
+    if (m_running)
         lookForLostPort();
-    if (!running)
-        dialogue->clear();
-    return running;
+    if (!m_running)
+        m_dialogue->clear();
+    return m_running;
 }
 
 void noxSerialPortThread::lookForLostPort()
 {
-    if (port->isOpen())
-        onPortError(port->error());
+    if (m_port->isOpen())
+        onPortError(m_port->error());
 }
 
 void noxSerialPortThread::onPortError(QSerialPort::SerialPortError error)
@@ -348,11 +351,11 @@ void noxSerialPortThread::onPortError(QSerialPort::SerialPortError error)
     assertWorkerThread();
     if (!isFatalPortError(error)) {
         if (error != QSerialPort::NoError)
-            port->clearError();
+            m_port->clearError();
         return;
     }
     // a lost port raises its error again and again until it is closed: report it once
-    if (!running.exchange(false))
+    if (!m_running.exchange(false))
         return;
     emit onError(quint16(portErrorBase - error));
     quit();
@@ -369,28 +372,28 @@ void noxSerialPortThread::onTimerReconnect()
 
 bool noxSerialPortThread::reConnect()
 {
-    if (portName.isEmpty()) {
+    if (m_portName.isEmpty()) {
         emit onError(portNameEmptyCode);
         return false;
     }
     // closing a port that is closed raises an error of its own
-    if (port->isOpen())
-        port->close();
-    port->disconnect();
-    parser.dropOpenToken();
+    if (m_port->isOpen())
+        m_port->close();
+    m_port->disconnect();
+    m_parser.dropOpenToken();
     // asked anew each time: an instrument that comes back may stand behind another device
-    port->setPortName(PortCatalog::current().find(portName).device);
-    if (!port->open(QIODevice::ReadWrite)) {
+    m_port->setPortName(PortCatalog::current().find(m_portName).device);
+    if (!m_port->open(QIODevice::ReadWrite)) {
         emit onError(portOpenFailedCode);
         return false;
     }
-    port->setBaudRate(baudRate, QSerialPort::AllDirections);
-    port->setDataBits(QSerialPort::Data8);
-    port->setParity(QSerialPort::NoParity);
-    port->setStopBits(QSerialPort::OneStop);
-    port->setFlowControl(QSerialPort::NoFlowControl);
-    connect(port.get(), &QSerialPort::readyRead, this, &noxSerialPortThread::readyRead);
-    connect(port.get(), &QSerialPort::errorOccurred, this, &noxSerialPortThread::onPortError);
+    m_port->setBaudRate(m_baudRate, QSerialPort::AllDirections);
+    m_port->setDataBits(QSerialPort::Data8);
+    m_port->setParity(QSerialPort::NoParity);
+    m_port->setStopBits(QSerialPort::OneStop);
+    m_port->setFlowControl(QSerialPort::NoFlowControl);
+    connect(m_port.get(), &QSerialPort::readyRead, this, &noxSerialPortThread::readyRead);
+    connect(m_port.get(), &QSerialPort::errorOccurred, this, &noxSerialPortThread::onPortError);
     return true;
 }
 
@@ -409,7 +412,7 @@ template<typename Slot>
 void noxSerialPortThread::scheduleStart(int baseDelayMs, Slot slot)
 {
     // a coarse timer, Qt's choice from 2 s on, would fire up to a twentieth too early
-    QTimer::singleShot(startDelay(timing, baseDelayMs), Qt::PreciseTimer, this, slot);
+    QTimer::singleShot(startDelay(m_timing, baseDelayMs), Qt::PreciseTimer, this, slot);
 }
 
 template<typename Slot>
@@ -420,12 +423,12 @@ void noxSerialPortThread::scheduleRetry(const RetryStep &step, Slot slot)
         scheduleStart(0, slot);
         break;
     case RetryStep::Retry:
-        scheduleStart(timing.attemptDelay, slot);
+        scheduleStart(m_timing.attemptDelay, slot);
         break;
     case RetryStep::ReopenAndRetry:
         // when it cannot be reopened the retry ends here; the error has been reported
         if (reConnect())
-            scheduleStart(2 * timing.attemptDelay, slot);
+            scheduleStart(2 * m_timing.attemptDelay, slot);
         break;
     case RetryStep::GiveUp:
         break;

@@ -33,13 +33,13 @@ public:
     ~noxSerialPortThread() override;
 
     /** The waits of the link; before start(). */
-    void setTiming(const LinkTiming &newTiming) { timing = newTiming; }
+    void setTiming(const LinkTiming &newTiming) { m_timing = newTiming; }
 
     /** Asks every wait to give up and ends the event loop. From any thread. */
     void requestStop();
 
-    int index() const { return devIndex; }
-    QString name() const { return portName; }
+    int index() const { return m_devIndex; }
+    QString name() const { return m_portName; }
 
 signals:
     /** Each token of the stream, with a space appended. */
@@ -122,21 +122,21 @@ private:
     template<typename Slot>
     void scheduleRetry(const RetryStep &step, Slot slot);
 
-    std::unique_ptr<QSerialPort> port;
-    std::unique_ptr<ByteDialogue> dialogue; ///< on `port`; it remembers what it wrote last
-    int baudRate;
-    int devIndex;
-    char devType;
-    quint8 queryAttempt = 0;
-    quint8 dataAttempt = 0;
-    quint8 measTimeout; ///< seconds
-    LinkTiming timing;
-    std::atomic<bool> running{false};
-    noxSerialPortQueryItem query;
-    noxSerialPortDataItem data;
-    std::unique_ptr<QTimer> measTimer;
-    std::unique_ptr<QTimer> lostPortTimer; ///< looks at a port whose signals are held back
-    StreamParser parser;                   ///< holds the unparsed tail of the stream
-    QString portName;
-    bool exchanging = false; ///< an exchange reads the port itself; the parser stays out
+    std::unique_ptr<QSerialPort> m_port;
+    std::unique_ptr<ByteDialogue> m_dialogue; ///< on `m_port`; it remembers what it wrote last
+    int m_baudRate;
+    int m_devIndex;
+    char m_devType;
+    quint8 m_queryAttempt = 0;
+    quint8 m_dataAttempt = 0;
+    quint8 m_measTimeout; ///< seconds
+    LinkTiming m_timing;
+    std::atomic<bool> m_running{false};
+    noxSerialPortQueryItem m_query;
+    noxSerialPortDataItem m_data;
+    std::unique_ptr<QTimer> m_measTimer;
+    std::unique_ptr<QTimer> m_lostPortTimer; ///< looks at a port whose signals are held back
+    StreamParser m_parser;                   ///< holds the unparsed tail of the stream
+    QString m_portName;
+    bool m_exchanging = false; ///< an exchange reads the port itself; the parser stays out
 };

@@ -60,14 +60,14 @@ void PortCatalog::setCurrent(std::unique_ptr<PortCatalog> catalog)
 }
 
 VirtualPortCatalog::VirtualPortCatalog(const QString &directory)
-    : directory(directory)
+    : m_directory(directory)
 {
 }
 
 QVector<SerialPortEntry> VirtualPortCatalog::ports() const
 {
     QVector<SerialPortEntry> entries;
-    const auto links = QDir(directory).entryInfoList(QDir::Files | QDir::System, QDir::Name);
+    const auto links = QDir(m_directory).entryInfoList(QDir::Files | QDir::System, QDir::Name);
     for (const QFileInfo &link : links) {
         if (!link.isSymLink() || !link.exists())
             continue;

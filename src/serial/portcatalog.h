@@ -48,7 +48,7 @@ public:
     static QString defaultDirectory();
 
 private:
-    QString directory;
+    QString m_directory;
 };
 
 /** The ports of this machine: those of the system and, beside them, the virtual ones. */

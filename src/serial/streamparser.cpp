@@ -68,23 +68,23 @@ StreamToken parseStreamToken(const QByteArray &piece)
 bool StreamParser::feed(const QByteArray &bytes, const TokenHandler &handler)
 {
     int start = 0;
-    if (skipping) {
+    if (m_skipping) {
         start = bytes.indexOf(' ') + 1;
         if (start == 0)
             return false;
-        skipping = false;
+        m_skipping = false;
     }
-    tail.append(bytes.constData() + start, bytes.size() - start);
+    m_tail.append(bytes.constData() + start, bytes.size() - start);
 
-    const int lastSpace = tail.lastIndexOf(' ');
+    const int lastSpace = m_tail.lastIndexOf(' ');
     if (lastSpace < 0) {
-        if (tail.size() > longestTail)
-            tail.clear();
+        if (m_tail.size() > longestTail)
+            m_tail.clear();
         return start > 0;
     }
 
-    const QByteArray batch = tail.left(lastSpace + 1);
-    tail = tail.mid(lastSpace + 1).trimmed();
+    const QByteArray batch = m_tail.left(lastSpace + 1);
+    m_tail = m_tail.mid(lastSpace + 1).trimmed();
     for (int from = 0; from <= lastSpace;) {
         const int space = batch.indexOf(' ', from);
         if (space > from)
@@ -97,18 +97,18 @@ bool StreamParser::feed(const QByteArray &bytes, const TokenHandler &handler)
 
 void StreamParser::dropOpenToken()
 {
-    if (!tail.isEmpty())
+    if (!m_tail.isEmpty())
         skipToNextToken();
 }
 
 void StreamParser::skipToNextToken()
 {
-    tail.clear();
-    skipping = true;
+    m_tail.clear();
+    m_skipping = true;
 }
 
 void StreamParser::restart()
 {
-    tail.clear();
-    skipping = false;
+    m_tail.clear();
+    m_skipping = false;
 }

@@ -45,11 +45,11 @@ public:
     void restart();
 
     /** Bytes kept for the next batch. */
-    int tailLength() const { return tail.size(); }
+    int tailLength() const { return m_tail.size(); }
 
 private:
-    QByteArray tail;
-    bool skipping = false;
+    QByteArray m_tail;
+    bool m_skipping = false;
 };
 
 /** The meaning of one token without its space, at least one byte long. */

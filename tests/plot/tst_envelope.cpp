@@ -34,9 +34,8 @@ QVector<ColumnRun> runsPointByPoint(const History &history, const PixelColumns &
     QVector<ColumnRun> runs;
     for (int i = 0; i < history.times.size(); ++i) {
         const int column = columns.columnOf(history.times[i]);
-        if (runs.isEmpty() || runs.last().column != column) {
+        if (runs.isEmpty() || runs.last().column != column)
             runs.append({column, i, i, {}});
-        }
         runs.last().last = i;
         runs.last().values.include(history.values[i]);
     }
@@ -238,9 +237,8 @@ void TestEnvelope::survivesExtremeNumbers()
     curve.setSeries(times, values);
     const QImage image = curve.paint(0, 200, 4.999999, 5.000001);
     bool marked = false;
-    for (int y = 0; y < 100; ++y) {
+    for (int y = 0; y < 100; ++y)
         marked = marked || isBlack(image, 50, y);
-    }
     QVERIFY2(marked, "the line from far below to 5.0 is missing");
     curve.paint(0, 1e-9, -1e300, 1e300); // points all but one beyond the canvas
 }

@@ -14,9 +14,8 @@ namespace
 void addPoints(QwtNOX &plot, int qwtIndex, uchar ch, const QVector<double> &values,
                double firstSecond = 0)
 {
-    for (int i = 0; i < values.size(); ++i) {
+    for (int i = 0; i < values.size(); ++i)
         plot.addPoint(values[i], firstSecond + i, "°C", qwtIndex, ch);
-    }
 }
 
 void refer(QwtNOX &plot, int qwtIndex, int ch, int diffQwtIndex, uchar diffCh)
@@ -28,9 +27,8 @@ void refer(QwtNOX &plot, int qwtIndex, int ch, int diffQwtIndex, uchar diffCh)
 QVector<double> toVector(const Series &series)
 {
     QVector<double> values;
-    for (int i = 0; i < series.size(); ++i) {
+    for (int i = 0; i < series.size(); ++i)
         values.append(series[i]);
-    }
     return values;
 }
 
@@ -273,9 +271,8 @@ void TestQwtNOXPoints::checksLimits()
     device.lowerMarker->setVisible(true);
     QVERIFY(m_plot->addPoint(value, 1, "°C", 0, 1));
     QStringList expected("onAddPoint 0 1");
-    if (alarm) {
+    if (alarm)
         expected += "onPointTrackOff 0 1";
-    }
     QCOMPARE(m_log->take(), expected);
 }
 

@@ -95,9 +95,8 @@ void TestQwtNOXScale::startsWithATidyView()
 
 void TestQwtNOXScale::automaticSpansAllData()
 {
-    for (int second = 0; second <= 65; ++second) {
+    for (int second = 0; second <= 65; ++second)
         add(20 + second * 0.01, second);
-    }
     QVERIFY(shows(QwtPlot::xBottom, 0, 100));
     QCOMPARE(step(QwtPlot::xBottom), 10.0);
     QCOMPARE(m_plot->getScaleXLabel(), QString("10 сек."));
@@ -159,18 +158,16 @@ void TestQwtNOXScale::automaticValuesLookAtTheWindowOnly()
 {
     QFETCH(int, seconds);
     m_plot->setChScaleX(oneMinute);
-    for (int second = 0; second <= seconds; ++second) {
+    for (int second = 0; second <= seconds; ++second)
         add(second == 50 ? 1500 : 20 + second % 7 * 0.001, second);
-    }
     QTEST(m_plot->getScaleYLabel(), "scaleY");
 }
 
 void TestQwtNOXScale::averagesDecideWhenAlone()
 {
     m_plot->setMeasShow(false);
-    for (int second = 0; second < 40; ++second) {
+    for (int second = 0; second < 40; ++second)
         add(second % 2 ? 100 : 0, second);
-    }
     QCOMPARE(m_plot->getScaleYLabel(), QString("10")); // the averages end at 50 and began at 0
     m_plot->setMeasShow(true);
     QCOMPARE(m_plot->getScaleYLabel(), QString("20"));
@@ -237,9 +234,8 @@ void TestQwtNOXScale::choosingScalesAnnounces()
 
 void TestQwtNOXScale::freeViewIsRecentred()
 {
-    for (int second = 0; second <= 400; ++second) {
+    for (int second = 0; second <= 400; ++second)
         add(20 + second * 0.001, second);
-    }
     m_plot->setChMode(ModeScroll);
     QVERIFY(shows(QwtPlot::xBottom, 0, 600)); // middle 300
     m_plot->setChScaleX(4);
@@ -414,9 +410,8 @@ void TestQwtNOXScale::paintingWaitsForTheFrame()
     QVERIFY(QTest::qWaitForWindowExposed(m_plot.get()));
     QTest::qWait(100);
     m_plot->canvas()->installEventFilter(&counter);
-    for (int second = 0; second < 50; ++second) {
-        add(20 + second, second); // all within a moment
-    }
+    for (int second = 0; second < 50; ++second)
+        add(20 + second, second);          // all within a moment
     QVERIFY(upper(QwtPlot::xBottom) > 50); // what is shown is decided at once
     QTest::qWait(200);
     QVERIFY2(counter.paints >= 1 && counter.paints <= 3,

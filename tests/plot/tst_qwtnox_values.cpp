@@ -87,9 +87,8 @@ void TestQwtNOXValues::readsByIndex()
 {
     QFETCH(int, index);
     QFETCH(double, value);
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 3; ++i)
         m_plot->addPoint(10 + i, 100 + i, "°C", 0, 0);
-    }
     QCOMPARE(m_plot->getChMeas(-1, 255, index), value);
     QCOMPARE(m_plot->getChTime(-1, 255, index), value + 90);
     QCOMPARE(m_plot->getChMeasStr(-1, 255, 2, index), QString::number(value, 'f', 2));

@@ -30,9 +30,8 @@ void TestScaleChoice::tablesRiseAndSayTheirStep()
     QCOMPARE(scalesX()[7].label, QString("1 мин."));
     QCOMPARE(scalesX()[18].step, 30 * 3600);
     QCOMPARE(scalesY().size(), 30);
-    for (int row = 1; row < scalesX().size(); ++row) {
+    for (int row = 1; row < scalesX().size(); ++row)
         QVERIFY(scalesX()[row - 1].step < scalesX()[row].step);
-    }
     for (int row = 1; row < scalesY().size(); ++row) {
         QVERIFY(scalesY()[row - 1].step < scalesY()[row].step);
         QCOMPARE(scalesY()[row].label.toDouble(), scalesY()[row].step);
@@ -152,9 +151,8 @@ void TestScaleChoice::decimalsSuitTheStep()
     const QVector<int> expected = {0, 6, 6, 6, 5, 5, 5, 4, 4, 4, 3, 3, 3, 2, 2,
                                    2, 1, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
     QVector<int> decimals;
-    for (int row = 0; row < scalesY().size(); ++row) {
+    for (int row = 0; row < scalesY().size(); ++row)
         decimals.append(decimalsForRow(row));
-    }
     QCOMPARE(decimals, expected);
 }
 

@@ -17,9 +17,8 @@ using Values = std::vector<double>;
 Series seriesOf(const Values &values)
 {
     Series series;
-    for (const double value : values) {
+    for (const double value : values)
         series.append(value);
-    }
     return series;
 }
 
@@ -27,18 +26,16 @@ Values generate(int count, const std::function<double(int, QRandomGenerator &)> 
 {
     QRandomGenerator random(20260101);
     Values values;
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < count; ++i)
         values.push_back(next(i, random));
-    }
     return values;
 }
 
 ValueRange plainRange(const Values &values, int first, int end)
 {
     ValueRange range;
-    for (int i = first; i < end; ++i) {
+    for (int i = first; i < end; ++i)
         range.include(values[i]);
-    }
     return range;
 }
 
@@ -132,9 +129,8 @@ void TestSeries::appendsMoveNoValue()
     // A copy taken early reads on while the original grows far beyond it.
     Series series = seriesOf({4.0, 5.0});
     const Series early = series;
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0; i < 100000; ++i)
         series.append(i);
-    }
     QCOMPARE(early.size(), 2);
     QCOMPARE(early[1], 5.0);
     QCOMPARE(early.range(0, 2), (ValueRange{4.0, 5.0}));
@@ -153,13 +149,11 @@ void TestSeries::keepsUnitsOfEveryPoint()
 {
     const QStringList units = {"°C", "°C", "Ом", "°C", "°C", "", "мВ", "мВ"};
     UnitRuns runs;
-    for (const QString &unit : units) {
+    for (const QString &unit : units)
         runs.append(unit);
-    }
     QStringList read;
-    for (int i = 0; i < runs.size(); ++i) {
+    for (int i = 0; i < runs.size(); ++i)
         read.append(runs.at(i));
-    }
     QCOMPARE(read, units);
     runs.clear();
     QVERIFY(runs.isEmpty());

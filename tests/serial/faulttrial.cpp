@@ -91,10 +91,9 @@ QVector<qint64> FaultTrial::addressedMs()
 {
     QVector<qint64> times;
     const auto events = bench.host.exchanges(portName);
-    for (const ExchangeEvent &event : events) {
+    for (const ExchangeEvent &event : events)
         if (event.kind == ExchangeEvent::AddressReceived && event.address == address())
             times << event.atMs;
-    }
     return times;
 }
 

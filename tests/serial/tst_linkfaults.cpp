@@ -102,10 +102,9 @@ void TestLinkFaults::refusedUnitsAreCounted()
     });
     QByteArray counts;
     const auto events = bench.host.exchanges((*refused)->portName);
-    for (const ExchangeEvent &event : events) {
+    for (const ExchangeEvent &event : events)
         if (event.kind == ExchangeEvent::WriteBlockRefused)
             counts += char(event.value);
-    }
     QCOMPARE(counts.toHex(), QByteArray("0102030405060708090a"));
     QCOMPARE(bench.steps((*refused)->portName, ExchangeEvent::Aborted), 1);
 }

@@ -98,11 +98,10 @@ QVector<int> TestNoxSerialPort::exchanged()
 {
     QVector<int> addresses;
     const auto events = bench->host.exchanges("a");
-    for (const ExchangeEvent &event : events) {
+    for (const ExchangeEvent &event : events)
         if (event.kind == ExchangeEvent::ReadCompleted ||
             event.kind == ExchangeEvent::WriteCompleted)
             addresses << event.address;
-    }
     return addresses;
 }
 
@@ -311,10 +310,9 @@ void TestNoxSerialPort::commandByteFollowsTheDeviceType()
     QTRY_VERIFY(port->isReadAllQuery());
     QVector<int> commands;
     const auto events = bench->host.exchanges("a");
-    for (const ExchangeEvent &event : events) {
+    for (const ExchangeEvent &event : events)
         if (event.kind == ExchangeEvent::CommandReceived)
             commands << event.value;
-    }
     QCOMPARE(commands, QVector<int>{0x04});
 }
 

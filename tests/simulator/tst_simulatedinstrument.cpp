@@ -296,10 +296,9 @@ void TestSimulatedInstrument::ignoredAttemptsAreLogged()
     const qint64 before = simulatorClockMs();
     QCOMPARE(end.synchronise(3), 3);
     QVector<qint64> attempts;
-    for (const ExchangeEvent &event : m_host->exchanges("port")) {
+    for (const ExchangeEvent &event : m_host->exchanges("port"))
         if (event.kind == ExchangeEvent::AddressReceived)
             attempts += event.atMs;
-    }
     QCOMPARE(attempts.size(), 3);
     QVERIFY(attempts.at(0) >= before);
     QVERIFY(attempts.at(2) - attempts.at(1) >= 50);

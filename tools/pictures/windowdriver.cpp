@@ -48,10 +48,9 @@ WindowDriver::WindowDriver(MainWindow *window)
 void WindowDriver::connectPorts(const QStringList &names)
 {
     m_asked = names.isEmpty() ? offeredPorts() : names;
-    for (const QString &name : qAsConst(m_asked)) {
+    for (const QString &name : qAsConst(m_asked))
         if (!choosePort(name))
             qWarning("%s is not in the menu", qPrintable(name));
-    }
 }
 
 QStringList WindowDriver::offeredPorts()
@@ -92,18 +91,16 @@ void WindowDriver::showAllInstruments()
 {
     const auto *table = m_window->findChild<QTableWidget *>(QStringLiteral("devTable"));
     const auto boxes = table->findChildren<QCheckBox *>();
-    for (QCheckBox *box : boxes) {
+    for (QCheckBox *box : boxes)
         if (!box->isChecked())
             box->click();
-    }
 }
 
 QStringList WindowDriver::silentPorts() const
 {
     QStringList silent;
-    for (const QString &name : m_asked) {
+    for (const QString &name : m_asked)
         if (!m_delivered.contains(name))
             silent << name;
-    }
     return silent;
 }

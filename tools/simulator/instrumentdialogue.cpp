@@ -56,10 +56,9 @@ QByteArray InstrumentDialogue::receive(const QByteArray &bytes, qint64 nowMs)
 {
     m_nowMs = nowMs;
     m_heardMs = nowMs;
-    for (const char byte : bytes) {
+    for (const char byte : bytes)
         if (!m_unplug)
             receiveByte(quint8(byte));
-    }
     return std::exchange(m_outbox, {});
 }
 
