@@ -340,6 +340,7 @@ void TestNoxList::liveMeasurementsArriveOnceAfterRemovalAndReturn()
     const int device = connectInstrument("a");
     for (int round = 0; round < 3; ++round) {
         const noxList::_nox *nox = onPlot(device);
+        const noxList::_nox *other = onPlot(-1);
         measured.clear();
         streamed.clear();
         QTRY_VERIFY(measured.size() > 8);
@@ -347,6 +348,7 @@ void TestNoxList::liveMeasurementsArriveOnceAfterRemovalAndReturn()
         for (const QVariantList &arguments : measured)
             QVERIFY(isSteadyMeasurement({arguments.at(2).toInt() + 1, arguments.at(1).toDouble()}));
         list->rmByIndex(nox->index);
+        list->rmByIndex(other->index);
         QCOMPARE(port->addDev("a"), device);
         // nobody listens while the registry is empty
         measured.clear();

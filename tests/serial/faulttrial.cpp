@@ -3,10 +3,21 @@
 namespace
 {
 
-constexpr int dialogueTimeoutMs = 1300; // of the instrument: longer than ten bad units of a host
-constexpr int attemptDelayMs = 1700;    // longer than that, so that the instrument is idle again
+constexpr int initDelayMs = 500;
+constexpr int attemptDelayMs = 1000;
 constexpr int startBaseMs = 100;
 constexpr int measurementsAfter = 12;
+
+/**
+ * How long the instrument waits for a silent host: longer than the host is silent within an
+ * attempt, and over before its next one.
+ */
+int patienceMs(const FaultRow &row)
+{
+    const bool hostFallsSilent =
+        row.exchange == Exchange::BlockRead && row.faults.silentAfterBlocks >= 0;
+    return row.unitTimeoutMs * (hostFallsSilent ? 12 : 4);
+}
 
 /** Plugs the instrument in and tells its device. */
 QString pluggedIn(InstrumentBench &bench, const QString &portName,
@@ -40,7 +51,7 @@ FaultTrial::FaultTrial(InstrumentBench &bench, const FaultRow &row)
 SimulatedInstrumentOptions FaultTrial::instrument() const
 {
     SimulatedInstrumentOptions options = bench.steadyInstrument();
-    options.dialogue.timeoutMs = dialogueTimeoutMs;
+    options.dialogue.timeoutMs = patienceMs(row);
     if (isWord())
         options.dialogue.wordAddresses = {address()};
     return options;
@@ -49,6 +60,7 @@ SimulatedInstrumentOptions FaultTrial::instrument() const
 LinkTiming FaultTrial::timing(const FaultRow &row)
 {
     LinkTiming timing = shortTiming();
+    timing.initDelay = initDelayMs;
     timing.attemptDelay = attemptDelayMs;
     timing.startBase = startBaseMs;
     timing.unitTimeout = quint16(row.unitTimeoutMs);
@@ -95,6 +107,29 @@ QVector<qint64> FaultTrial::addressedMs()
         if (event.kind == ExchangeEvent::AddressReceived && event.address == address())
             times << event.atMs;
     return times;
+}
+
+bool FaultTrial::isAsExpected()
+{
+    return journal.lines == expectedLines() && scheduleFault().isEmpty();
+}
+
+QString FaultTrial::scheduleFault()
+{
+    const QVector<qint64> addressed = addressedMs();
+    int before = 0;
+    for (int i = 0; i + 1 < row.attempts.size(); ++i) {
+        before += row.attempts.at(i).addressings;
+        if (before >= addressed.size())
+            return QString("attempt %1 is missing").arg(i + 2);
+        const qint64 pause = addressed.at(before) - addressed.at(before - 1);
+        if (pause < leastPauseMs(i))
+            return QString("attempt %1 came after %2 ms").arg(i + 2).arg(pause);
+    }
+    const int expected = before + row.attempts.last().addressings;
+    if (addressed.size() != expected)
+        return QString("%1 addressings for %2").arg(addressed.size()).arg(expected);
+    return {};
 }
 
 QStringList FaultTrial::expectedLines() const

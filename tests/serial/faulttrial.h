@@ -21,7 +21,7 @@ struct FaultRow {
     QVector<Attempt> attempts;
     int code = 0;                           ///< reported in the end; 0 for success
     noxQueryMode mode = noxQueryModeNormal; ///< of the item
-    int unitTimeoutMs = 100;                ///< how long the link waits for a unit
+    int unitTimeoutMs = 200;                ///< how long the link waits for a unit
     bool emptyReply = false;                ///< an empty reply stands for the error
 };
 
@@ -43,13 +43,13 @@ public:
     FaultRow row;
     QString portName;
 
-    /** Times of the address bytes, ms. */
-    QVector<qint64> addressedMs();
+    /** What the instrument found wrong with number and times of the address bytes; else empty. */
+    QString scheduleFault();
     int opens() { return openWatch.opens(); }
+    /** Whether both ends saw exactly what they were to see. */
+    bool isAsExpected();
     /** Every line that is to be fired, in order. */
     QStringList expectedLines() const;
-    /** The least time between the last address byte of a failed attempt (from 0) and the next. */
-    int leastPauseMs(int attempt) const;
     int expectedReopenings() const;
     /** What the instrument holds where the exchange reads or writes. */
     QByteArray instrumentBlock();
@@ -62,6 +62,10 @@ public:
 
 private:
     SimulatedInstrumentOptions instrument() const;
+    /** Times of the address bytes, ms. */
+    QVector<qint64> addressedMs();
+    /** The least time between the last address byte of a failed attempt (from 0) and the next. */
+    int leastPauseMs(int attempt) const;
     QStringList attemptLines(const Attempt &attempt) const;
     QStringList endLines() const;
     quint8 address() const;

@@ -10,6 +10,7 @@ namespace
 
 constexpr int longWaitMs = 20000; // far beyond any patience of these tests
 constexpr int promptMs = 100;
+constexpr int entryMs = 15000; // how long a machine that is busy elsewhere may take
 constexpr quint8 readAddress = 3;
 constexpr quint8 logAddress = 5;
 constexpr quint8 writeAddress = 1;
@@ -46,7 +47,7 @@ LinkTiming longQueueTiming()
 LinkTiming longRetryTiming()
 {
     LinkTiming timing = longTiming();
-    timing.initDelay = 20;
+    timing.initDelay = 200;
     return timing;
 }
 
@@ -148,7 +149,7 @@ std::unique_ptr<WorkerBench> TestLinkEnd::enter(const Stage &stage)
     bench.add("a", options);
 
     auto link = std::make_unique<WorkerBench>("a", stage.timing);
-    const bool streamed = QTest::qWaitFor([&] { return link->measurements > 2; });
+    const bool streamed = QTest::qWaitFor([&] { return link->measurements > 2; }, entryMs);
     bench.host.setStreaming("a", false);
     bench.host.setFaults("a", stage.faults);
     link->hold(true);
@@ -157,7 +158,7 @@ std::unique_ptr<WorkerBench> TestLinkEnd::enter(const Stage &stage)
     if (!stage.data.data.isEmpty())
         link->write(stage.data);
     const bool entered =
-        QTest::qWaitFor([&] { return bench.steps("a", stage.sign) >= stage.signs; });
+        QTest::qWaitFor([&] { return bench.steps("a", stage.sign) >= stage.signs; }, entryMs);
     QTest::qWait(100); // for the step after the sign
     return streamed && entered ? std::move(link) : nullptr;
 }

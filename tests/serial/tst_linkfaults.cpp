@@ -1,10 +1,20 @@
 #include "faulttrial.h"
+#include "support/linewatch.h"
 
 #include <QtTest>
 
 #include <algorithm>
 #include <memory>
+#include <numeric>
 #include <vector>
+
+namespace
+{
+
+constexpr int heldUpMs = 20; // far below the waits of a link under trial
+constexpr int mostRepetitions = 6;
+
+} // namespace
 
 /**
  * Faults in every stage of every exchange, seen from both ends: what the multiplexer fires and what
@@ -24,6 +34,7 @@ private slots:
     void refusedUnitsAreCounted();
 
 private:
+    void run(const std::vector<size_t> &due);
     void trialRows();
     FaultTrial &trial() { return *trials.at(size_t(index)); }
 
@@ -37,15 +48,39 @@ void TestLinkFaults::initTestCase()
     const auto rows = faultRows();
     for (const FaultRow &row : rows)
         trials.push_back(std::make_unique<FaultTrial>(bench, row));
-    const auto countOf = [this](auto isTrue) {
-        return std::count_if(trials.begin(), trials.end(),
-                             [&](const auto &one) { return isTrue(*one); });
+    LineWatch line;
+    std::vector<size_t> due(trials.size());
+    std::iota(due.begin(), due.end(), 0);
+    run(due);
+
+    // what was seen while the system held bytes up tells nothing; else it is the last word
+    for (int i = 0; i < mostRepetitions && line.takeSlowestMs() >= heldUpMs; ++i) {
+        due.erase(std::remove_if(due.begin(), due.end(),
+                                 [this](size_t one) { return trials.at(one)->isAsExpected(); }),
+                  due.end());
+        if (due.empty())
+            return;
+        qInfo("bytes were held up, %d trials once more", int(due.size()));
+        for (size_t one : due)
+            trials.at(one) = std::make_unique<FaultTrial>(bench, FaultRow(trials.at(one)->row));
+        line.takeSlowestMs();
+        run(due);
+    }
+}
+
+/** Runs the trials of these numbers side by side. */
+void TestLinkFaults::run(const std::vector<size_t> &due)
+{
+    const auto countOf = [&](auto isTrue) {
+        return std::count_if(due.begin(), due.end(),
+                             [&](size_t one) { return isTrue(*trials.at(one)); });
     };
-    QTRY_COMPARE(countOf([](FaultTrial &one) { return one.isStreaming(); }), rows.size());
-    for (const auto &one : trials)
-        one->start();
-    QTRY_COMPARE_WITH_TIMEOUT(countOf([](FaultTrial &one) { return one.isOver(); }), rows.size(),
-                              60000);
+    const auto all = std::ptrdiff_t(due.size());
+    QTRY_COMPARE_WITH_TIMEOUT(countOf([](FaultTrial &one) { return one.isStreaming(); }), all,
+                              30000);
+    for (size_t one : due)
+        trials.at(one)->start();
+    QTRY_COMPARE_WITH_TIMEOUT(countOf([](FaultTrial &one) { return one.isOver(); }), all, 60000);
 }
 
 void TestLinkFaults::trialRows()
@@ -71,16 +106,7 @@ void TestLinkFaults::repeatsOnSchedule()
 {
     QFETCH(int, trialIndex);
     index = trialIndex;
-    const QVector<qint64> addressed = trial().addressedMs();
-    int before = 0;
-    for (int i = 0; i + 1 < trial().row.attempts.size(); ++i) {
-        before += trial().row.attempts.at(i).addressings;
-        QVERIFY2(before < addressed.size(), "an attempt is missing");
-        const qint64 pause = addressed.at(before) - addressed.at(before - 1);
-        QVERIFY2(pause >= trial().leastPauseMs(i),
-                 qPrintable(QString("attempt %1 after %2 ms").arg(i + 2).arg(pause)));
-    }
-    QCOMPARE(addressed.size(), before + trial().row.attempts.last().addressings);
+    QCOMPARE(trial().scheduleFault(), QString());
     QCOMPARE(trial().opens(), 1 + trial().expectedReopenings());
 }
 
