@@ -50,7 +50,8 @@ void ChannelTable::refresh(int index)
 {
     const noxList::_nox *nox = m_registry->getNoxByIndex(index);
     const bool onPlot = nox && nox->qwtIndex >= 0;
-    if (std::exchange(m_index, index) != index)
+    // what marks a value goes with the link, as it does in the table of the instruments
+    if (std::exchange(m_index, index) != index || !nox || nox->devIndex < 0)
         m_marks.clear();
     m_marks.resize(onPlot ? m_plot->getChCount(nox->qwtIndex) : 0);
     m_main = onPlot ? m_plot->getChMain(nox->qwtIndex) : -1;

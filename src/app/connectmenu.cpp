@@ -18,8 +18,9 @@ void ConnectMenu::refill()
         if (port.busy)
             continue;
         // an ampersand of the name is no mnemonic
-        const QAction *action =
+        QAction *action =
             addAction(QString(port.name).replace(QLatin1Char('&'), QLatin1String("&&")));
+        action->setData(port.name);
         connect(action, &QAction::triggered, this,
                 [this, name = port.name] { emit portChosen(name); });
     }

@@ -150,7 +150,10 @@ void InstrumentTable::paintMark(int row)
 
 InstrumentState InstrumentTable::stateOf(const noxList::_nox &nox) const
 {
-    const Latest latest = m_latest.value(nox.index);
+    Latest latest = m_latest.value(nox.index);
+    // a model with fewer channels may have taken the place of the one that measured
+    if (latest.channel >= m_plot->getChCount(nox.qwtIndex))
+        latest = {};
     InstrumentState state;
     state.name = nox.opt->getDevName(false);
     state.number = nox.opt->getDevNumberStr();

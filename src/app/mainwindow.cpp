@@ -14,6 +14,7 @@
 #include <QCloseEvent>
 #include <QDateTime>
 #include <QGuiApplication>
+#include <QPointer>
 
 // What the main window does when the registry, the plot or the user reports something.
 
@@ -34,6 +35,7 @@ void MainWindow::showTitle()
 /** The panels show the main channel of the current instrument. */
 void MainWindow::showNumbers()
 {
+    m_panels->showCurveKinds(m_plot->getMeasShow(), m_plot->getAverShow());
     const int qwtIndex = currentPlotIndex();
     if (qwtIndex < 0) {
         m_panels->showNumbers(QStringLiteral("--"), QStringLiteral("--"), QString());
@@ -48,6 +50,13 @@ int MainWindow::indexOnPlot(int qwtIndex) const
 {
     const noxList::_nox *nox = qwtIndex < 0 ? nullptr : m_registry->getNoxByQwtIndex(qwtIndex);
     return nox ? nox->index : -1;
+}
+
+/** Tells instruments apart where both indices may have been given to another one; may be null. */
+optionsNOX8 *MainWindow::imageOnPlot(int qwtIndex) const
+{
+    const noxList::_nox *nox = m_registry->getNoxByIndex(indexOnPlot(qwtIndex));
+    return nox ? nox->opt.get() : nullptr;
 }
 
 // Instruments come and go
@@ -190,7 +199,7 @@ void MainWindow::showPlotSettings(int qwtIndex)
 {
     if (!isCurrent(qwtIndex))
         return;
-    m_panels->showCurveKinds(m_plot->getMeasShow(), m_plot->getAverShow());
+    showNumbers();
     m_plotButtons->refresh();
     m_channels->refreshMain();
     m_instruments->refreshValue(m_current);
@@ -204,9 +213,13 @@ void MainWindow::clearPlot(int qwtIndex)
     question.text = tr("Очистить график?");
     question.buttons = QMessageBox::Yes | QMessageBox::No;
     question.defaultButton = QMessageBox::No;
+    const QPointer<optionsNOX8> image = imageOnPlot(qwtIndex);
     if (UserDialogs::current().ask(this, question) != QMessageBox::Yes)
         return;
-    const QDateTime now = QDateTime::currentDateTime();
+    // while the question was open, the instrument may have left its place to another one
+    if (qwtIndex >= 0 && (!image || imageOnPlot(qwtIndex) != image))
+        return;
+    const QDateTime now = m_plot->now();
     const QList<int> chosen = qwtIndex < 0 ? m_plot->devices().keys() : QList<int>{qwtIndex};
     for (const int cleared : chosen)
         m_plot->prepareMeas(cleared, now);
@@ -243,7 +256,7 @@ void MainWindow::pressChannel(uchar ch, int column)
     case ChannelColumn::Number:
         if (QGuiApplication::mouseButtons() & Qt::RightButton)
             chooseColor(ch);
-        else
+        else if (QGuiApplication::mouseButtons() & Qt::LeftButton)
             m_plot->setChShow(!m_plot->getChShow(qwtIndex, ch), qwtIndex, ch);
         break;
     case ChannelColumn::Value:
@@ -259,13 +272,13 @@ void MainWindow::pressChannel(uchar ch, int column)
 
 void MainWindow::chooseColor(uchar ch)
 {
-    const int index = m_current;
     const int qwtIndex = currentPlotIndex();
     if (!m_plot->getChShow(qwtIndex, ch))
         return;
+    const QPointer<optionsNOX8> image = imageOnPlot(qwtIndex);
     const QColor color = UserDialogs::current().chooseColor(this, m_plot->getChColor(qwtIndex, ch));
     // while the dialog was open, the instrument may have left the plot
-    if (color.isValid() && m_registry->getQWTIndex(index) == qwtIndex)
+    if (color.isValid() && image && imageOnPlot(qwtIndex) == image)
         m_plot->setChColor(color, qwtIndex, ch);
 }
 

@@ -89,6 +89,7 @@ private:
     void pressChannel(uchar ch, int column);
 
     int indexOnPlot(int qwtIndex) const;
+    optionsNOX8 *imageOnPlot(int qwtIndex) const;
     int currentPlotIndex() const { return m_registry->getQWTIndex(m_current); }
     bool isCurrent(int qwtIndex) const { return qwtIndex >= 0 && qwtIndex == currentPlotIndex(); }
     void showNumbers();

@@ -31,6 +31,7 @@ QLabel *addUnit(QFrame *frame, const QString &name)
 {
     auto *label = new QLabelClick;
     label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText); // a unit is the user's own text
     label->setFixedWidth(unitWidth);
     label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     frame->layout()->addWidget(label);

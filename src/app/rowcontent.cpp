@@ -1,6 +1,7 @@
 #include "app/rowcontent.h"
 
 #include <QCoreApplication>
+#include <QTextDocument>
 
 namespace
 {
@@ -15,10 +16,9 @@ QString nothing()
     return QStringLiteral("-");
 }
 
-QString translated(const char *text)
-{
-    return QCoreApplication::translate("MainWindow", text);
-}
+struct RowTexts {
+    Q_DECLARE_TR_FUNCTIONS(MainWindow)
+};
 
 /** The mark of the last column: the current row, or the row whose menu a click would open. */
 QString menuMark(bool current, bool hovered)
@@ -26,6 +26,12 @@ QString menuMark(bool current, bool hovered)
     if (current)
         return QStringLiteral("<");
     return hovered ? QStringLiteral("☰") : QString();
+}
+
+/** A text of the user's own: what looks like markup in it is none. */
+QString asToolTip(const QString &text)
+{
+    return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
 }
 
 QColor textColor(bool active)
@@ -62,11 +68,12 @@ void describeReference(CellContent &cell, const ChannelState &state)
 {
     if (state.referenceChannel < 0) {
         cell.text = nothing();
-        cell.toolTip = translated("Измерение разности выключено");
+        cell.toolTip = RowTexts::tr("Измерение разности выключено");
         return;
     }
     cell.text = QString::number(state.referenceChannel + 1);
-    cell.toolTip = translated("Разность с %1, канал №%2").arg(state.referenceInstrument, cell.text);
+    cell.toolTip =
+        RowTexts::tr("Разность с %1, канал №%2").arg(state.referenceInstrument, cell.text);
 }
 
 } // namespace
@@ -90,7 +97,7 @@ RowContent instrumentRow(const InstrumentState &state)
         cell.background = state.current ? currentColor() : QColor();
     }
     row[Name].text = state.name;
-    row[Name].toolTip = state.name; // the column may be too narrow for it
+    row[Name].toolTip = asToolTip(state.name); // the column may be too narrow for it
     row[Number].text = state.number;
     row[Value].text = state.marks.rejected ? missingValue() : state.value;
     row[Unit].text = state.unit;

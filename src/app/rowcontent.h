@@ -62,7 +62,7 @@ struct ChannelState {
     QString deltaX;
     QString deltaY;
     int referenceChannel = -1;   ///< from 0; -1: no difference is measured
-    QString referenceInstrument; ///< its title
+    QString referenceInstrument; ///< type and number, as the tool tip names it
     bool inactive = false;       ///< the instrument does not measure it
     bool main = false;
     bool hovered = false; ///< the mouse is over the row

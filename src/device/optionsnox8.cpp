@@ -51,7 +51,7 @@ QString optionsNOX8::getDevTypeStr(bool withRev) const
     const InstrumentModel *model = findModel(devType);
     if (!model)
         return withRev ? unknownText() : QString();
-    return typeNames(true).value(withRev ? model->typeCode : model->baseTypeCode);
+    return modelName(withRev ? *model : *findModel(model->baseTypeCode));
 }
 
 QString optionsNOX8::getDevNumberStr() const

@@ -60,12 +60,17 @@ const InstrumentModel *findModel(quint32 typeCode)
     return found == std::end(models) ? nullptr : found;
 }
 
+QString modelName(const InstrumentModel &model)
+{
+    return translated(model.name);
+}
+
 QMap<quint32, QString> typeNames(bool withRev)
 {
     QMap<quint32, QString> names;
     for (const InstrumentModel &model : models)
         if (withRev || !model.extended)
-            names.insert(model.typeCode, translated(model.name));
+            names.insert(model.typeCode, modelName(model));
     return names;
 }
 

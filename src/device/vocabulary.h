@@ -20,6 +20,9 @@ struct InstrumentModel {
 /** The model of a type code; null when the code is not in the table. Code 0 is a row of it. */
 const InstrumentModel *findModel(quint32 typeCode);
 
+/** The name of a model as the user reads it. */
+QString modelName(const InstrumentModel &model);
+
 /** Type code to model name; extended models only when `withRev`. */
 QMap<quint32, QString> typeNames(bool withRev);
 

@@ -28,7 +28,7 @@ double movingAverage(double &sum, const Series &values)
     if (count > averagingWindow) {
         const double leaving = values[count - averagingWindow - 1];
         sum -= leaving;
-        if (!(std::abs(leaving) < swamping * std::abs(sum)))
+        if (!std::isfinite(sum) || std::abs(leaving) >= swamping * std::abs(sum))
             sum = sumOfWindow(values);
     }
     return sum / std::min(count, averagingWindow);

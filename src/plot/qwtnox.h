@@ -84,7 +84,8 @@ public:
 
     /**
      * Adds a point. Values of -1300 or less, negative times and numbers that are not finite are
-     * rejected (onErrorAddPoint). Channel 255 is refused, as is a channel that the model lacks.
+     * rejected (onErrorAddPoint). Channel 255 is refused, as is a channel that the model lacks, and
+     * 254 where the model is unknown (a channel count of 255 does not exist).
      */
     bool addPoint(double val, double time, const QString &dim, int qwtIndex, uchar ch);
 

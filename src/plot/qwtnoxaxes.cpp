@@ -163,7 +163,7 @@ void QwtNOX::updLabelScale()
                                  : QString();
     if (text == m_caption->text().text())
         return;
-    QwtText caption(text);
+    QwtText caption(text, QwtText::PlainText); // a unit is the user's own text
     QFont font = caption.font();
     font.setPointSize(captionPoints);
     caption.setFont(font);

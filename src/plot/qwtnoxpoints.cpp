@@ -55,7 +55,7 @@ bool QwtNOX::addPoint(double val, double time, const QString &dim, int qwtIndex,
         return false;
     _ch &channel = *findChannel(qwtIndex, ch);
     if (!isAcceptable(val, time)) {
-        channel.error = true;
+        channel.error = true; // first, so that whoever hears of it reads "--"
         emit onErrorAddPoint(qwtIndex, ch);
         return false;
     }

@@ -33,7 +33,7 @@ public:
         int qwtIndex = -1;  ///< on the plot; -1 while it is not there
         quint8 mainCh = 0;  ///< main channel last written to the instrument
         std::unique_ptr<optionsNOX8> opt;
-        QString portName;           ///< "-" when not connected
+        QString portName;           ///< as given when the record was made; "-" if it had no port
         QString fileName;           ///< last settings file
         bool processed = true;      ///< its measurements are passed on
         bool clearOnResume = false; ///< clear the plot when they are again

@@ -101,8 +101,11 @@ void TestMainWindow::growsWithTheModel()
     QCOMPARE(fixture->title(), QString("NOX CM1 № 0007"));
 
     optionsNOX8 *options = fixture->registry().getNoxByIndex(index)->opt.get();
+    fixture->measure(index, 20, 12);
+    QCOMPARE(fixture->text(fixture->instruments(), 1, InstrumentColumn::Channel), QString("13"));
     options->setDevType(0x11);
     QCOMPARE(fixture->channels()->rowCount(), 9);
+    QCOMPARE(fixture->text(fixture->instruments(), 1, InstrumentColumn::Channel), QString("1"));
     options->setChMeasType(2, optionsNOX8::measTemperature, {});
     QCOMPARE(fixture->text(fixture->channels(), 3, ChannelColumn::Unit), QString("°С"));
 }

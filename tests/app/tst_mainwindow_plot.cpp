@@ -28,6 +28,7 @@ private slots:
     void changesScalesAndModes();
     void clearsThePlot_data();
     void clearsThePlot();
+    void clearsNobodyElseInItsPlace();
 
 private:
     QColor ground(int channel, int column) const
@@ -55,9 +56,9 @@ void TestMainWindowPlot::showsAPoint()
 
     QCOMPARE(fixture->label("mainMeasLabel"), QString("21.50"));
     QCOMPARE(fixture->label("mainAverLabel"), QString("21.00"));
-    QCOMPARE(fixture->label("mainDimLabel"), QString("°C"));
+    QCOMPARE(fixture->label("mainDimLabel"), QString("°С"));
     QCOMPARE(instrumentText(1, InstrumentColumn::Value), QString("23.25"));
-    QCOMPARE(instrumentText(1, InstrumentColumn::Unit), QString("°C"));
+    QCOMPARE(instrumentText(1, InstrumentColumn::Unit), QString("°С"));
     QCOMPARE(instrumentText(1, InstrumentColumn::Channel), QString("3"));
 
     QCOMPARE(channelText(0, ChannelColumn::Value), QString("21.50"));
@@ -112,7 +113,7 @@ void TestMainWindowPlot::showsARejectedPointUntilTheNext()
     QCOMPARE(ground(1, ChannelColumn::Value), freshColor());
     fixture->measure(index, 21.5, 0);
     QCOMPARE(ground(0, ChannelColumn::Value), freshColor());
-    QCOMPARE(channelText(0, ChannelColumn::Unit), QString("°C"));
+    QCOMPARE(channelText(0, ChannelColumn::Unit), QString("°С"));
     fixture->registry().getNoxByIndex(index)->devIndex = -1;
 }
 
@@ -171,7 +172,7 @@ void TestMainWindowPlot::readsTheLoggerBack()
     fixture->measure(index, 1, 0);
     const QDateTime start(QDate(2024, 3, 5), QTime(12, 0));
     emit fixture->registry().onReadRec(
-        index, {{0, {{0, 20, "°C"}, {10, -2000, "°C"}, {20, 22, "°C"}}}, {3, {{5, 19, "мВ"}}}},
+        index, {{0, {{0, 20, "°С"}, {10, -2000, "°С"}, {20, 22, "°С"}}}, {3, {{5, 19, "мВ"}}}},
         start);
     QCOMPARE(fixture->plot().getStartDateTime(0), start);
     QCOMPARE(fixture->plot().getChMeasCount(0, 0), 2);
@@ -219,6 +220,8 @@ void TestMainWindowPlot::hidesAChannel()
     fixture->click(fixture->channels(), 2, ChannelColumn::Number);
     QVERIFY(!fixture->plot().getChShow(0, 1));
     QCOMPARE(pixel().alpha(), 0);
+    fixture->click(fixture->channels(), 2, ChannelColumn::Number, Qt::MiddleButton);
+    QVERIFY(!fixture->plot().getChShow(0, 1));
     fixture->click(fixture->channels(), 2, ChannelColumn::Number);
     QVERIFY(fixture->plot().getChShow(0, 1));
     QCOMPARE(pixel(), QColor(Qt::blue));
@@ -246,7 +249,7 @@ void TestMainWindowPlot::choosesAColour()
 
 void TestMainWindowPlot::switchesCurveKindsByThePanels()
 {
-    fixture->add(0x11, 1);
+    const int index = fixture->add();
     auto *value = fixture->find<QLabel>("mainMeasLabel");
     QTest::mouseClick(value, Qt::LeftButton);
     QVERIFY(!fixture->plot().getMeasShow());
@@ -260,6 +263,12 @@ void TestMainWindowPlot::switchesCurveKindsByThePanels()
     QVERIFY(!fixture->plot().getAverShow());
     QVERIFY(fixture->plot().getMeasShow());
     QCOMPARE(average->styleSheet(), QString("color: gray;"));
+
+    // the next instrument has both kinds switched on
+    fixture->registry().rmByIndex(index);
+    QCOMPARE(average->styleSheet(), QString("color: #215767;"));
+    fixture->add();
+    QCOMPARE(average->styleSheet(), QString("color: #215767;"));
 }
 
 void TestMainWindowPlot::showsTheScalesInEffect()
@@ -339,6 +348,21 @@ void TestMainWindowPlot::clearsThePlot()
     QTEST(fixture->plot().getChMeasCount(0, 0), "firstLeft");
     QTEST(fixture->plot().getChMeasCount(1, 0), "secondLeft");
     QCOMPARE(instrumentText(2, InstrumentColumn::Value) == "--", yes);
+}
+
+void TestMainWindowPlot::clearsNobodyElseInItsPlace()
+{
+    const int index = fixture->add(0x11, 1);
+    QMenu *menu = fixture->find<QToolButton>("clearBtn")->menu();
+    emit menu->aboutToShow();
+    // while the question is open, another instrument takes the place on the plot
+    UserDialogs::current().ask = [this, index](QWidget *, const Message &) {
+        fixture->registry().rmByIndex(index);
+        fixture->measure(fixture->add(0x11, 2), 21, 0);
+        return QMessageBox::Yes;
+    };
+    menu->actions().last()->trigger();
+    QCOMPARE(fixture->plot().getChMeasCount(0, 0), 1);
 }
 
 QTEST_MAIN(TestMainWindowPlot)

@@ -60,7 +60,7 @@ void TestNumericPanels::endsBothNumbersAtTheSamePosition()
         frame->show();
         QCOMPARE(label(*frame, 0)->text(), QString("--"));
     }
-    panels.showNumbers("-21.123456", "21.1", "°C");
+    panels.showNumbers("-21.123456", "21.1", "°С");
     QCOMPARE(label(value, 0)->geometry().right(), label(average, 0)->geometry().right());
     for (const QFrame *frame : {&value, &average})
         QVERIFY(label(*frame, 0)->alignment() & Qt::AlignRight);

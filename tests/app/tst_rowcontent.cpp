@@ -17,7 +17,7 @@ InstrumentState instrument()
     state.name = QStringLiteral("NOX B");
     state.number = QStringLiteral("1234");
     state.value = QStringLiteral("21.50");
-    state.unit = QStringLiteral("°C");
+    state.unit = QStringLiteral("°С");
     state.channel = 2;
     state.attached = true;
     return state;
@@ -29,7 +29,7 @@ ChannelState channel()
     state.number = 4;
     state.color = Qt::blue;
     state.value = QStringLiteral("21.50");
-    state.unit = QStringLiteral("°C");
+    state.unit = QStringLiteral("°С");
     state.deltaX = QStringLiteral("2.0");
     state.deltaY = QStringLiteral("0.01");
     return state;
@@ -69,23 +69,23 @@ void TestRowContent::writesAnInstrument_data()
     QTest::addColumn<QStringList>("expected");
 
     InstrumentState state = instrument();
-    QTest::newRow("ordinary") << state << QStringList{"", "NOX B", "1234", "21.50", "°C", "3", ""};
+    QTest::newRow("ordinary") << state << QStringList{"", "NOX B", "1234", "21.50", "°С", "3", ""};
     state.hovered = true;
     QTest::newRow("under the mouse")
-        << state << QStringList{"", "NOX B", "1234", "21.50", "°C", "3", "☰"};
+        << state << QStringList{"", "NOX B", "1234", "21.50", "°С", "3", "☰"};
     state.current = true;
     QTest::newRow("current, under the mouse")
-        << state << QStringList{"", "NOX B", "1234", "21.50", "°C", "3", "<"};
+        << state << QStringList{"", "NOX B", "1234", "21.50", "°С", "3", "<"};
     state = instrument();
     state.channel = -1;
     QTest::newRow("without channels")
-        << state << QStringList{"", "NOX B", "1234", "21.50", "°C", "-", ""};
+        << state << QStringList{"", "NOX B", "1234", "21.50", "°С", "-", ""};
     state = instrument();
     state.marks.rejected = true;
-    QTest::newRow("rejected") << state << QStringList{"", "NOX B", "1234", "--", "°C", "3", ""};
+    QTest::newRow("rejected") << state << QStringList{"", "NOX B", "1234", "--", "°С", "3", ""};
     state = instrument();
     state.marks.alarm = true;
-    QTest::newRow("alarm") << state << QStringList{"", "NOX B", "1234", "21.50", "°C", "3 (!)", ""};
+    QTest::newRow("alarm") << state << QStringList{"", "NOX B", "1234", "21.50", "°С", "3 (!)", ""};
 }
 
 void TestRowContent::writesAnInstrument()
@@ -145,18 +145,18 @@ void TestRowContent::writesAChannel_data()
 
     const QString off = "Измерение разности выключено";
     ChannelState state = channel();
-    QTest::newRow("ordinary") << state << QStringList{"5", "21.50", "°C", "2.0", "0.01", "-", ""}
+    QTest::newRow("ordinary") << state << QStringList{"5", "21.50", "°С", "2.0", "0.01", "-", ""}
                               << off;
     state.hovered = true;
     QTest::newRow("under the mouse")
-        << state << QStringList{"5", "21.50", "°C", "2.0", "0.01", "-", "☰"} << off;
+        << state << QStringList{"5", "21.50", "°С", "2.0", "0.01", "-", "☰"} << off;
     state.main = true;
     QTest::newRow("main, under the mouse")
-        << state << QStringList{"5", "21.50", "°C", "2.0", "0.01", "-", "<"} << off;
+        << state << QStringList{"5", "21.50", "°С", "2.0", "0.01", "-", "<"} << off;
     state = channel();
     state.referenceChannel = 1;
     state.referenceInstrument = "NOX B №1234";
-    QTest::newRow("difference") << state << QStringList{"5", "21.50", "°C", "2.0", "0.01", "2", ""}
+    QTest::newRow("difference") << state << QStringList{"5", "21.50", "°С", "2.0", "0.01", "2", ""}
                                 << "Разность с NOX B №1234, канал №2";
     state = channel();
     state.marks.rejected = true;

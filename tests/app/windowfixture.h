@@ -82,7 +82,7 @@ public:
     }
     void measure(int index, double value, quint8 ch) const
     {
-        emit registry().onReadMeas(index, value, ch, QStringLiteral("°C"));
+        emit registry().onReadMeas(index, value, ch, QStringLiteral("°С"));
     }
 
     template<typename Widget>

@@ -15,7 +15,7 @@ void addPoints(QwtNOX &plot, int qwtIndex, uchar ch, const QVector<double> &valu
                double firstSecond = 0)
 {
     for (int i = 0; i < values.size(); ++i)
-        plot.addPoint(values[i], firstSecond + i, "°C", qwtIndex, ch);
+        plot.addPoint(values[i], firstSecond + i, "°С", qwtIndex, ch);
 }
 
 void refer(QwtNOX &plot, int qwtIndex, int ch, int diffQwtIndex, uchar diffCh)
@@ -49,6 +49,7 @@ private slots:
     void growsOnDemand();
     void stampsPointsByTheClock();
     void storesWithUnitAndAverage();
+    void averageRecoversFromHugeValues();
     void curvesShowTheRecord();
     void formsDifferences();
     void differenceNeedsAFreshReference();
@@ -110,7 +111,7 @@ void TestQwtNOXPoints::acceptsOrRejects()
     QFETCH(double, value);
     QFETCH(double, time);
     QFETCH(bool, accepted);
-    QCOMPARE(m_plot->addPoint(value, time, "°C", 0, 1), accepted);
+    QCOMPARE(m_plot->addPoint(value, time, "°С", 0, 1), accepted);
     QCOMPARE(m_log->take(), QStringList(accepted ? "onAddPoint 0 1" : "onErrorAddPoint 0 1"));
     QCOMPARE(m_plot->getChMeasCount(0, 1), accepted ? 1 : 0);
 }
@@ -141,7 +142,7 @@ void TestQwtNOXPoints::refusesUnknownPlaces()
     QFETCH(int, ch);
     m_plot->addDev(1, 0);
     m_log->take();
-    QVERIFY(!m_plot->addPoint(20, 1, "°C", qwtIndex, static_cast<uchar>(ch)));
+    QVERIFY(!m_plot->addPoint(20, 1, "°С", qwtIndex, static_cast<uchar>(ch)));
     QCOMPARE(m_log->take(), QStringList());
     QCOMPARE(int(m_plot->getChCount(0)), 2);
     QCOMPARE(int(m_plot->getChCount(1)), 0);
@@ -152,7 +153,7 @@ void TestQwtNOXPoints::growsOnDemand()
     m_plot->addDev(1, 0);
     m_plot->setChCount(2, 1);
     m_log->take();
-    QVERIFY(m_plot->addPoint(20, 1, "°C", 1, 5));
+    QVERIFY(m_plot->addPoint(20, 1, "°С", 1, 5));
     QCOMPARE(m_log->take(), QStringList({"onAddCh 1 5", "onAddCh 1 4", "onAddCh 1 3", "onAddCh 1 2",
                                          "onChange 1", "onAddPoint 1 5"}));
     QCOMPARE(m_plot->getChColor(1, 5), QColor(Qt::darkCyan));
@@ -162,23 +163,30 @@ void TestQwtNOXPoints::growsOnDemand()
 void TestQwtNOXPoints::stampsPointsByTheClock()
 {
     m_now = m_start.addMSecs(1234);
-    QVERIFY(m_plot->addPoint(20, "°C", -1, 0));
+    QVERIFY(m_plot->addPoint(20, "°С", -1, 0));
     QCOMPARE(m_plot->getChTime(0, 0), 1.234);
     m_now = m_start.addMSecs(-1);
-    QVERIFY(!m_plot->addPoint(20, "°C", -1, 0));
-    QVERIFY(!m_plot->addPoint(20, "°C", 9, 0));
+    QVERIFY(!m_plot->addPoint(20, "°С", -1, 0));
+    QVERIFY(!m_plot->addPoint(20, "°С", 9, 0));
 }
 
 void TestQwtNOXPoints::storesWithUnitAndAverage()
 {
-    m_plot->addPoint(10, 1, "°C", 0, 0);
+    m_plot->addPoint(10, 1, "°С", 0, 0);
     m_plot->addPoint(20, 2, "Ом", 0, 0);
     const QwtNOX::_ch &channel = m_plot->devices()[0].ch[0];
     QCOMPARE(toVector(channel.meas), QVector<double>({10, 20}));
     QCOMPARE(toVector(channel.time), QVector<double>({1, 2}));
     QCOMPARE(toVector(channel.aver), QVector<double>({10, 15}));
-    QCOMPARE(channel.dims.at(0), QString("°C"));
+    QCOMPARE(channel.dims.at(0), QString("°С"));
     QCOMPARE(m_plot->getChDim(0, 0), QString("Ом"));
+}
+
+void TestQwtNOXPoints::averageRecoversFromHugeValues()
+{
+    addPoints(*m_plot, 0, 0, {1.7e308, 1.7e308});
+    addPoints(*m_plot, 0, 0, QVector<double>(10, 20.0), 2);
+    QCOMPARE(m_plot->devices()[0].ch[0].aver.last(), 20.0);
 }
 
 void TestQwtNOXPoints::curvesShowTheRecord()
@@ -195,11 +203,11 @@ void TestQwtNOXPoints::curvesShowTheRecord()
 void TestQwtNOXPoints::formsDifferences()
 {
     refer(*m_plot, 0, 0, 0, 1);
-    m_plot->addPoint(30, 0.5, "°C", 0,
+    m_plot->addPoint(30, 0.5, "°С", 0,
                      0); // the reference has no point yet: no difference, no error
     for (int second = 1; second <= 11; ++second) {
-        m_plot->addPoint(10, second, "°C", 0, 1);
-        m_plot->addPoint(30 + second, second + 0.5, "°C", 0, 0);
+        m_plot->addPoint(10, second, "°С", 0, 1);
+        m_plot->addPoint(30 + second, second + 0.5, "°С", 0, 0);
     }
     const QwtNOX::_ch &channel = m_plot->devices()[0].ch[0];
     QCOMPARE(channel.meas.size(), 12);
@@ -215,18 +223,18 @@ void TestQwtNOXPoints::formsDifferences()
 void TestQwtNOXPoints::differenceNeedsAFreshReference()
 {
     refer(*m_plot, 0, 0, 0, 1);
-    m_plot->addPoint(10, 1, "°C", 0, 1);
-    QVERIFY(m_plot->addPoint(30, 1.5, "°C", 0, 0));
+    m_plot->addPoint(10, 1, "°С", 0, 1);
+    QVERIFY(m_plot->addPoint(30, 1.5, "°С", 0, 0));
     m_log->take();
-    QVERIFY(!m_plot->addPoint(31, 2.5, "°C", 0, 0));
+    QVERIFY(!m_plot->addPoint(31, 2.5, "°С", 0, 0));
     QCOMPARE(m_log->take(), QStringList("onErrorAddPoint 0 0"));
     QCOMPARE(m_plot->getChMeasCount(0, 0, false), 2);
     QCOMPARE(m_plot->getChMeasCount(0, 0, true), 1);
 
-    m_plot->addPoint(10, 1.5, "°C", 0, 1); // no newer than the latest difference
-    QVERIFY(!m_plot->addPoint(32, 3.5, "°C", 0, 0));
-    m_plot->addPoint(10, 1.6, "°C", 0, 1);
-    QVERIFY(m_plot->addPoint(33, 4.5, "°C", 0, 0));
+    m_plot->addPoint(10, 1.5, "°С", 0, 1); // no newer than the latest difference
+    QVERIFY(!m_plot->addPoint(32, 3.5, "°С", 0, 0));
+    m_plot->addPoint(10, 1.6, "°С", 0, 1);
+    QVERIFY(m_plot->addPoint(33, 4.5, "°С", 0, 0));
 }
 
 void TestQwtNOXPoints::differenceNeedsASoundReference()
@@ -234,11 +242,11 @@ void TestQwtNOXPoints::differenceNeedsASoundReference()
     refer(*m_plot, 0, 0, 0, 1);
     addPoints(*m_plot, 0, 1, {10, -1300}, 1);
     m_log->take();
-    QVERIFY(!m_plot->addPoint(30, 2.5, "°C", 0, 0));
+    QVERIFY(!m_plot->addPoint(30, 2.5, "°С", 0, 0));
     QCOMPARE(m_log->take(), QStringList("onErrorAddPoint 0 0"));
 
     refer(*m_plot, 0, 0, 0, 9); // a channel that does not exist gives no difference and no error
-    QVERIFY(m_plot->addPoint(30, 3, "°C", 0, 0));
+    QVERIFY(m_plot->addPoint(30, 3, "°С", 0, 0));
     QCOMPARE(m_plot->getChMeasCount(0, 0, true), 0);
 }
 
@@ -269,7 +277,7 @@ void TestQwtNOXPoints::checksLimits()
     device.lowerMarker->setYValue(10);
     device.upperMarker->setVisible(true);
     device.lowerMarker->setVisible(true);
-    QVERIFY(m_plot->addPoint(value, 1, "°C", 0, 1));
+    QVERIFY(m_plot->addPoint(value, 1, "°С", 0, 1));
     QStringList expected("onAddPoint 0 1");
     if (alarm)
         expected += "onPointTrackOff 0 1";
@@ -280,7 +288,7 @@ void TestQwtNOXPoints::hiddenLimitsAreNotChecked()
 {
     m_plot->devices()[0].modeTrack = TrackRange;
     m_plot->devices()[0].upperMarker->setYValue(30);
-    m_plot->addPoint(99, 1, "°C", 0, 1);
+    m_plot->addPoint(99, 1, "°С", 0, 1);
     QCOMPARE(m_log->take(), QStringList("onAddPoint 0 1"));
 }
 
@@ -355,7 +363,7 @@ void TestQwtNOXPoints::preparingMovesTheTimeOrigin()
     QCOMPARE(m_log->take(), QStringList("onChange 0"));
     QCOMPARE(m_plot->getChMeasCount(0, 0), 0);
     QCOMPARE(m_plot->getStartDateTime(0), m_start.addDays(-1));
-    m_plot->addPoint(20, "°C", 0, 0);
+    m_plot->addPoint(20, "°С", 0, 0);
     QCOMPARE(m_plot->getChTime(0, 0), 86400.0);
     m_plot->prepareMeas(5, m_start);
     QCOMPARE(m_log->take(), QStringList("onAddPoint 0 0"));
@@ -366,15 +374,15 @@ void TestQwtNOXPoints::removingADeviceLeavesNothingBehind()
 {
     m_plot->addDev(1, 2);
     refer(*m_plot, 1, 0, 0, 1);
-    m_plot->addPoint(20, 1, "°C", 0, 1);
-    m_plot->addPoint(30, 2, "°C", 1, 0);
+    m_plot->addPoint(20, 1, "°С", 0, 1);
+    m_plot->addPoint(30, 2, "°С", 1, 0);
     m_plot->removeDev(0);
     QVERIFY(!m_plot->devices().contains(0));
     QCOMPARE(m_plot->getDevMain(), -1);
     QVERIFY(!m_plot->devices()[1].ch[0].hasDifference());
     QCOMPARE(m_plot->itemList(QwtPlotItem::Rtti_PlotCurve).size(), 4);
     QCOMPARE(m_plot->itemList(QwtPlotItem::Rtti_PlotMarker).size(), 2);
-    m_plot->addPoint(31, 3, "°C", 1, 0);
+    m_plot->addPoint(31, 3, "°С", 1, 0);
     QCOMPARE(m_plot->devices()[1].ch[0].measCurve->sample(1), QPointF(3, 31));
     m_plot->replot();
 }
@@ -393,7 +401,7 @@ void TestQwtNOXPoints::secondDeviceSharesTheTimeOrigin()
 void TestQwtNOXPoints::listenerMayRemoveTheDevice()
 {
     connect(m_plot.get(), &QwtNOX::onAddPoint, m_plot.get(), [this] { m_plot->removeDev(0); });
-    QVERIFY(m_plot->addPoint(20, 1, "°C", 0, 0));
+    QVERIFY(m_plot->addPoint(20, 1, "°С", 0, 0));
     QVERIFY(m_plot->devices().isEmpty());
 }
 

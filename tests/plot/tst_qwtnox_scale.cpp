@@ -59,7 +59,7 @@ private:
     }
     void add(double value, double time, uchar ch = 0)
     {
-        m_plot->addPoint(value, time, "°C", 0, ch);
+        m_plot->addPoint(value, time, "°С", 0, ch);
     }
 
     QDateTime m_now;
@@ -200,7 +200,7 @@ void TestQwtNOXScale::otherChannelsLeaveTheAxes()
 {
     add(20, 0);
     add(500, 5000, 1);
-    m_plot->addPoint(500, 5000, "°C", 1, 0);
+    m_plot->addPoint(500, 5000, "°С", 1, 0);
     QVERIFY(shows(QwtPlot::xBottom, 0, 10));
 }
 

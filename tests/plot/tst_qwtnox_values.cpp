@@ -51,7 +51,7 @@ void TestQwtNOXValues::writesValues()
     QFETCH(int, asked);
     QFETCH(int, ofChannel);
     QFETCH(int, ofMainChannel);
-    m_plot->addPoint(21.5, 1, "°C", 0, 1);
+    m_plot->addPoint(21.5, 1, "°С", 0, 1);
     m_plot->devices()[0].ch[1].precision = static_cast<uchar>(ofChannel);
     m_plot->devices()[0].ch[0].precision = static_cast<uchar>(ofMainChannel);
     QTEST(m_plot->getChMeasStr(0, 1, static_cast<signed char>(asked)), "text");
@@ -61,12 +61,12 @@ void TestQwtNOXValues::writesValues()
 void TestQwtNOXValues::writesAverages()
 {
     QCOMPARE(m_plot->getChAverStr(0, 1), QString("--")); // no point has arrived yet
-    m_plot->addPoint(10, 1, "°C", 0, 1);
-    m_plot->addPoint(11, 2, "°C", 0, 1);
+    m_plot->addPoint(10, 1, "°С", 0, 1);
+    m_plot->addPoint(11, 2, "°С", 0, 1);
     QCOMPARE(m_plot->getChAverStr(0, 1), QString("10.50"));
-    m_plot->addPoint(-2000, 3, "°C", 0, 1);
+    m_plot->addPoint(-2000, 3, "°С", 0, 1);
     QCOMPARE(m_plot->getChAverStr(0, 1), QString("--"));
-    m_plot->addPoint(12, 4, "°C", 0, 1);
+    m_plot->addPoint(12, 4, "°С", 0, 1);
     m_plot->clear(0);
     QCOMPARE(m_plot->getChAverStr(0, 1), QString());
     QCOMPARE(m_plot->getChMeasStr(0, 1), QString("--"));
@@ -88,7 +88,7 @@ void TestQwtNOXValues::readsByIndex()
     QFETCH(int, index);
     QFETCH(double, value);
     for (int i = 0; i < 3; ++i)
-        m_plot->addPoint(10 + i, 100 + i, "°C", 0, 0);
+        m_plot->addPoint(10 + i, 100 + i, "°С", 0, 0);
     QCOMPARE(m_plot->getChMeas(-1, 255, index), value);
     QCOMPARE(m_plot->getChTime(-1, 255, index), value + 90);
     QCOMPARE(m_plot->getChMeasStr(-1, 255, 2, index), QString::number(value, 'f', 2));
@@ -108,7 +108,7 @@ void TestQwtNOXValues::writesWholeSeconds_data()
 void TestQwtNOXValues::writesWholeSeconds()
 {
     QFETCH(double, time);
-    m_plot->addPoint(20, time, "°C", 0, 0);
+    m_plot->addPoint(20, time, "°С", 0, 0);
     QTEST(m_plot->getChTimeStr(0, 0), "text");
 }
 
@@ -126,9 +126,9 @@ void TestQwtNOXValues::writesTheNewestSteps()
 {
     QFETCH(int, ofChannel);
     QFETCH(int, ofMainChannel);
-    m_plot->addPoint(20, 1, "°C", 0, 1);
+    m_plot->addPoint(20, 1, "°С", 0, 1);
     QCOMPARE(m_plot->getChDXStr(0, 1) + m_plot->getChDYStr(0, 1), QString());
-    m_plot->addPoint(19.7, 2.26, "°C", 0, 1);
+    m_plot->addPoint(19.7, 2.26, "°С", 0, 1);
     m_plot->devices()[0].ch[1].precision = static_cast<uchar>(ofChannel);
     m_plot->devices()[0].ch[0].precision = static_cast<uchar>(ofMainChannel);
     QCOMPARE(m_plot->getChDXStr(0, 1), QString("1.3"));
@@ -141,8 +141,8 @@ void TestQwtNOXValues::writesTheDifference()
     m_plot->devices()[0].ch[1].diffCh = 2;
     QCOMPARE(m_plot->getChMeasStr(0, 1), QString("--"));
     for (int i = 1; i <= 2; ++i) {
-        m_plot->addPoint(5, 10 * i, "°C", 0, 2);
-        m_plot->addPoint(20 + i, 10 * i + 1, "°C", 0, 1);
+        m_plot->addPoint(5, 10 * i, "°С", 0, 2);
+        m_plot->addPoint(20 + i, 10 * i + 1, "°С", 0, 1);
     }
     QCOMPARE(m_plot->getChMeasStr(0, 1), QString("17.00"));
     QCOMPARE(m_plot->getChMeasStr(0, 1, -1, -1, false), QString("22.00"));

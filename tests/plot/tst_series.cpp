@@ -147,7 +147,7 @@ void TestSeries::describesItselfToACurve()
 
 void TestSeries::keepsUnitsOfEveryPoint()
 {
-    const QStringList units = {"°C", "°C", "Ом", "°C", "°C", "", "мВ", "мВ"};
+    const QStringList units = {"°С", "°С", "Ом", "°С", "°С", "", "мВ", "мВ"};
     UnitRuns runs;
     for (const QString &unit : units)
         runs.append(unit);

@@ -60,7 +60,7 @@ QStringList WindowDriver::offeredPorts()
     QMenu *menu = openMenu(m_window, QStringLiteral("addDevBtn"));
     const auto actions = menu->actions().mid(entriesBeforePorts);
     for (const QAction *action : actions)
-        names << action->text();
+        names << action->data().toString();
     menu->close();
     return names;
 }
@@ -71,7 +71,7 @@ bool WindowDriver::choosePort(const QString &name)
     const auto actions = menu->actions();
     menu->close();
     for (QAction *action : actions) {
-        if (action->text() == name) {
+        if (action->data().toString() == name) {
             action->trigger();
             return true;
         }
