@@ -1,5 +1,7 @@
 #include "device/optionsnox8.h"
 
+#include "device/nibbles.h"
+#include "device/settingsfile.h"
 #include "device/vocabulary.h"
 
 namespace
@@ -9,49 +11,105 @@ constexpr quint16 extendedRevision = 0xAA0F;
 constexpr int longestUnit = 10;
 constexpr int shortestNumber = 4;
 
-const QString &unknownText()
+QString unknownText()
 {
-    static const QString text = QStringLiteral("-");
-    return text;
+    return QStringLiteral("-");
+}
+
+QString entryOf(const QStringList &list, int index)
+{
+    return list.value(index, unknownText());
+}
+
+/** Whether an index means something: in a standard list, or, where there is none, in four bits. */
+bool isIndexOf(bool isStandard, const QStringList &list, int index)
+{
+    return isStandard ? index < list.size() : fitsNibble(index);
 }
 
 } // namespace
 
 optionsNOX8::optionsNOX8(QObject *parent)
     : QObject(parent)
-    , m_channels(channelRecords)
+    , channels(channelRecords)
+    , m_resistanceThermometers(standardResistanceThermometers())
+    , m_thermocouples(standardThermocouples())
 {
+    for (int i = 0; i < channelRecords; ++i) {
+        auto *const feature = new featureNOX8(this);
+        connect(feature, &featureNOX8::onChange, this, &optionsNOX8::onDevChange,
+                Qt::DirectConnection);
+        features << feature;
+    }
 }
 
-QMap<quint32, QString> optionsNOX8::getTypeList(bool withRev) const
+// What the models of the family have
+
+QMap<quint32, QString> optionsNOX8::getTypeList(bool withRev)
 {
     return typeNames(withRev);
 }
 
+QStringList optionsNOX8::getDevCurrentList(quint32 type)
+{
+    return excitationCurrents(type);
+}
+
+QStringList optionsNOX8::getDevResistList(quint32 type)
+{
+    return resistorChoices(type);
+}
+
+QString optionsNOX8::getChMeasTypeName(_chMeasType type)
+{
+    return measurementUnit(type);
+}
+
+QString optionsNOX8::getDim(char letter)
+{
+    return streamUnit(letter);
+}
+
+// What this instrument is
+
+/** The row of the type code; that of no model when it is in no row. */
+const InstrumentModel &optionsNOX8::model() const
+{
+    const InstrumentModel *found = findModel(devType);
+    return found ? *found : *findModel(0);
+}
+
 quint8 optionsNOX8::getDevChCount() const
 {
-    const InstrumentModel *model = findModel(devType);
-    return model ? model->channels : 0;
+    return model().channels;
+}
+
+quint8 optionsNOX8::getDevResistCount() const
+{
+    return model().resistors;
 }
 
 quint16 optionsNOX8::getDevRev() const
 {
-    const InstrumentModel *model = findModel(devType);
-    return model && model->extended ? extendedRevision : 0;
+    return model().extended ? extendedRevision : 0;
+}
+
+int optionsNOX8::getDevDataSize(quint8) const
+{
+    return configurationSize(model());
 }
 
 char optionsNOX8::getDevFamily() const
 {
-    const InstrumentModel *model = findModel(devType);
-    return model ? char(model->familyCode) : char(0);
+    return char(model().familyCode);
 }
 
 QString optionsNOX8::getDevTypeStr(bool withRev) const
 {
-    const InstrumentModel *model = findModel(devType);
-    if (!model)
+    const InstrumentModel *found = findModel(devType);
+    if (!found)
         return withRev ? unknownText() : QString();
-    return modelName(withRev ? *model : *findModel(model->baseTypeCode));
+    return modelName(withRev ? *found : *findModel(found->baseTypeCode));
 }
 
 QString optionsNOX8::getDevNumberStr() const
@@ -63,51 +121,103 @@ QString optionsNOX8::getDevNumberStr() const
 
 QString optionsNOX8::getDevName(bool withNumber) const
 {
-    if (getDevRev() != 0 && !devName.isEmpty())
+    if (model().extended && !devName.isEmpty())
         return devName;
     const QString type = getDevTypeStr(true);
     return withNumber ? type + QStringLiteral(" № ") + getDevNumberStr() : type;
 }
 
+// What a channel is set to
+
 optionsNOX8::_ch optionsNOX8::getCh(quint8 ch) const
 {
-    return ch < getDevChCount() ? m_channels.at(ch) : _ch();
+    return ch < getDevChCount() ? channels.at(ch) : _ch();
+}
+
+featureNOX8 *optionsNOX8::getFeature(quint8 ch) const
+{
+    return ch < getDevChCount() ? features.at(ch) : nullptr;
+}
+
+QStringList optionsNOX8::getFeatureInfStrList() const
+{
+    QStringList names;
+    for (int i = 0; i < getDevChCount(); ++i)
+        names << features.at(i)->name;
+    return names;
 }
 
 QString optionsNOX8::getChMeasTypeName(quint8 ch) const
 {
     if (ch >= getDevChCount())
         return unknownText();
-    const _ch &channel = m_channels.at(ch);
+    const _ch &channel = channels.at(ch);
     return channel.measType == measTemperatureCustom ? channel.dimCust
                                                      : getChMeasTypeName(channel.measType);
 }
 
-QString optionsNOX8::getChMeasTypeName(_chMeasType type) const
-{
-    return measurementUnit(type);
-}
-
 QString optionsNOX8::getChDimCust(quint8 ch) const
 {
-    return ch < getDevChCount() ? m_channels.at(ch).dimCust : unknownText();
+    return ch < getDevChCount() ? channels.at(ch).dimCust : unknownText();
 }
 
-QString optionsNOX8::getDim(char letter) const
+QString optionsNOX8::getChCurrentStr(quint8 ch) const
 {
-    return streamUnit(letter);
+    return entryOf(getDevCurrentList(devType), getCh(ch).current);
 }
+
+QString optionsNOX8::individualName(quint8 index) const
+{
+    return index < features.size() ? features.at(index)->name : unknownText();
+}
+
+QString optionsNOX8::getChFeatureName(quint8 ch) const
+{
+    if (ch >= getDevChCount())
+        return unknownText();
+    const _ch &channel = channels.at(ch);
+    switch (channel.featureType) {
+    case featureThermocouple:
+        return entryOf(m_thermocouples, channel.feature);
+    case featureResistanceThermometer:
+        return entryOf(m_resistanceThermometers, channel.feature);
+    case featureIndividual:
+        return individualName(channel.feature);
+    case featureNone:
+        break;
+    }
+    return {};
+}
+
+QString optionsNOX8::getChFeatureCompesTPName(quint8 ch) const
+{
+    if (ch >= getDevChCount())
+        return unknownText();
+    const _ch &channel = channels.at(ch);
+    switch (channel.featureTypeCompensTP) {
+    case compensThermocouple:
+        return entryOf(m_thermocouples, channel.featureCompensTP);
+    case compensResistanceThermometer:
+        return entryOf(m_resistanceThermometers, channel.featureCompensTP);
+    case compensIndividual:
+        return individualName(channel.featureCompensTP);
+    case compensNone:
+        break;
+    }
+    return unknownText();
+}
+
+// Changes of the instrument
 
 bool optionsNOX8::setDevType(quint32 type)
 {
-    const InstrumentModel *model = findModel(type);
-    if (!model)
+    if (!findModel(type))
         return false;
     if (type == devType)
         return type != 0;
 
     devType = type;
-    if (!model->hasShortCircuit) {
+    if (!model().hasShortCircuit) {
         devZakorotka = 0;
         if (devCompensTP == 2)
             devCompensTP = 1;
@@ -130,7 +240,7 @@ void optionsNOX8::setDevNumber(quint16 number)
         devNumber = number;
         if (identValid && number != 0 && devType != 0) {
             identApplyPending = false;
-            if (getDevRev() != 0)
+            if (model().extended)
                 emit onSNApply();
             else
                 emit onIdentApply();
@@ -142,33 +252,132 @@ void optionsNOX8::setDevNumber(quint16 number)
     emit onDevChange();
 }
 
+void optionsNOX8::setDevZakorotka(_devZakorotka code)
+{
+    const _devZakorotka allowed = model().hasShortCircuit ? code : 0;
+    if (allowed == devZakorotka || !fitsNibble(allowed))
+        return;
+    devZakorotka = allowed;
+    emit onDevChange();
+}
+
+// Changes of a channel
+
+/** The settings of a channel that the model has; null for any other. */
+optionsNOX8::_ch *optionsNOX8::usedChannel(quint8 ch)
+{
+    return ch < getDevChCount() ? &channels[ch] : nullptr;
+}
+
+template<typename Value>
+void optionsNOX8::change(quint8 ch, Value _ch::*member, Value value)
+{
+    _ch *const channel = usedChannel(ch);
+    if (!channel || channel->*member == value)
+        return;
+    channel->*member = value;
+    emit onChChange(ch);
+}
+
 void optionsNOX8::setChOnOff(quint8 ch, _chOnOff onOff)
 {
-    if (ch >= getDevChCount() || m_channels.at(ch).onOff == onOff)
-        return;
-    m_channels[ch].onOff = onOff;
-    emit onChChange(ch);
+    change(ch, &_ch::onOff, onOff);
 }
 
 void optionsNOX8::setChMeasType(quint8 ch, _chMeasType type, QString dim)
 {
-    if (ch >= getDevChCount())
-        return;
+    _ch *const channel = usedChannel(ch);
     dim = dim.trimmed().left(longestUnit);
-    _ch &channel = m_channels[ch];
-    if (channel.measType == type && channel.dimCust == dim)
+    if (!channel || (channel->measType == type && channel->dimCust == dim))
         return;
     if (!dim.isEmpty() && type == measTemperatureCustom)
-        channel.dimCust = dim;
-    channel.measType = type;
+        channel->dimCust = dim;
+    channel->measType = type;
     emit onChChange(ch);
 }
 
 void optionsNOX8::setChDimCust(quint8 ch, QString dim)
 {
-    dim = dim.trimmed().left(longestUnit);
-    if (ch >= getDevChCount() || m_channels.at(ch).dimCust == dim)
+    change(ch, &_ch::dimCust, dim.trimmed().left(longestUnit));
+}
+
+void optionsNOX8::setChCurrent(quint8 ch, quint8 index)
+{
+    if (fitsNibble(index))
+        change(ch, &_ch::current, index);
+}
+
+void optionsNOX8::setChResist(quint8 ch, quint8 index)
+{
+    if (fitsNibble(index))
+        change(ch, &_ch::resist, index);
+}
+
+void optionsNOX8::setChFeature(quint8 ch, _chFeatureType type, quint8 index)
+{
+    _ch *const channel = usedChannel(ch);
+    const bool isThermocouple = type == featureThermocouple;
+    const bool isStandard = isThermocouple || type == featureResistanceThermometer;
+    if (!channel || (channel->feature == index && channel->featureType == type) ||
+        !isIndexOf(isStandard, isThermocouple ? m_thermocouples : m_resistanceThermometers, index))
         return;
-    m_channels[ch].dimCust = dim;
+    channel->feature = index;
+    channel->featureType = type;
     emit onChChange(ch);
+}
+
+void optionsNOX8::setChFeatureCompesTP(quint8 ch, _chFeatureTypeCompensTP type, quint8 index)
+{
+    _ch *const channel = usedChannel(ch);
+    const bool isThermocouple = type == compensThermocouple;
+    const bool isStandard = isThermocouple || type == compensResistanceThermometer;
+    if (!channel || (channel->featureCompensTP == index && channel->featureTypeCompensTP == type) ||
+        !isIndexOf(isStandard, isThermocouple ? m_thermocouples : m_resistanceThermometers, index))
+        return;
+    channel->featureCompensTP = index;
+    channel->featureTypeCompensTP = type;
+    emit onChChange(ch);
+}
+
+// Asking for a write
+
+void optionsNOX8::triggerChChange(quint8 ch)
+{
+    if (devType != 0 && ch < getDevChCount())
+        emit onChApply(ch);
+}
+
+void optionsNOX8::triggerDevChange()
+{
+    if (devType == 0)
+        return;
+    if (identApplyPending) {
+        identApplyPending = false;
+        emit onIdentApply();
+    }
+    emit onDevApply();
+}
+
+void optionsNOX8::triggerRefChange()
+{
+    if (devType != 0)
+        emit onRefApply();
+}
+
+void optionsNOX8::triggerRefShiftChange()
+{
+    if (devType != 0)
+        emit onRefShiftApply();
+}
+
+// Settings files
+
+bool optionsNOX8::saveToFile(const QString &fileName, const QString &) const
+{
+    return saveSettingsFile(*this, fileName);
+}
+
+bool optionsNOX8::loadFromFile(const QString &fileName)
+{
+    return loadSettingsFile(fileName, *this);
 }

@@ -203,7 +203,7 @@ QString noxList::unitText(const _nox &nox, quint8 ch, char dim) const
 {
     const optionsNOX8::_ch channel = nox.opt->getCh(ch);
     const bool custom =
-        channel.measType == optionsNOX8::measTemperatureCustom && channel.onOff != 0;
+        channel.measType == measTemperatureCustom && channel.onOff != 0;
     return custom ? nox.opt->getChMeasTypeName(ch) : nox.opt->getDim(dim);
 }
 

@@ -106,7 +106,7 @@ void TestMainWindow::growsWithTheModel()
     options->setDevType(0x11);
     QCOMPARE(fixture->channels()->rowCount(), 9);
     QCOMPARE(fixture->text(fixture->instruments(), 1, InstrumentColumn::Channel), QString("1"));
-    options->setChMeasType(2, optionsNOX8::measTemperature, {});
+    options->setChMeasType(2, measTemperature, {});
     QCOMPARE(fixture->text(fixture->channels(), 3, ChannelColumn::Unit), QString("°С"));
 }
 

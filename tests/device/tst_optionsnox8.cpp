@@ -104,7 +104,7 @@ void TestOptionsNox8::units()
     image.setDevType(0x11);
     QCOMPARE(image.getChMeasTypeName(quint8(7)), QStringLiteral("Ω"));
     QCOMPARE(image.getChMeasTypeName(quint8(8)), QStringLiteral("-"));
-    image.setChMeasType(2, optionsNOX8::measTemperatureCustom, "  K and more text ");
+    image.setChMeasType(2, measTemperatureCustom, "  K and more text ");
     QCOMPARE(image.getChMeasTypeName(quint8(2)), QStringLiteral("K and more"));
 }
 

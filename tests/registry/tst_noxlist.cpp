@@ -181,8 +181,8 @@ void TestNoxList::measurementIsMapped_data()
     QTest::addColumn<char>("dim");
     QTest::addColumn<QString>("unit");
 
-    const auto custom = optionsNOX8::measTemperatureCustom;
-    const auto plain = optionsNOX8::measTemperature;
+    const auto custom = measTemperatureCustom;
+    const auto plain = measTemperature;
     QTest::newRow("ohm") << typeB << plain << 1 << 2 << 'A' << "Ω";
     QTest::newRow("degree") << typeB << plain << 1 << 2 << 'B' << "°С";
     QTest::newRow("millivolt") << typeB << plain << 1 << 2 << 'C' << "мВ";

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <array>
+
+/**
+ * A platinum thermometer after Callendar and Van Dusen (IEC 60751), and the range of use.
+ *
+ * R = R0 (1 + A T + B T²), and below 0 °C R0 C (T - 100) T³ more.
+ */
+struct CallendarVanDusen {
+    double r0 = 0; ///< resistance at 0 °C, Ω
+    double a = 0;
+    double b = 0;
+    double c = 0;
+    double lowest = 0;  ///< °C
+    double highest = 0; ///< °C
+
+    /** Resistance in Ω at a temperature in °C. */
+    double resistance(double celsius) const;
+};
+
+/** Coefficients C0 to C9 of T = Σ Ck·R^k, °C and Ω. */
+using TemperaturePolynomial = std::array<double, 10>;
+
+/**
+ * The polynomial that fits the thermometer over its range by least squares.
+ *
+ * The fit is over 100 temperatures from the lowest on, equally spaced, the highest not among them.
+ * A range or coefficients without a solution give coefficients that are not finite.
+ */
+TemperaturePolynomial fitTemperaturePolynomial(const CallendarVanDusen &thermometer);
+
+/** The temperature in °C that the polynomial gives for a resistance in Ω. */
+double evaluate(const TemperaturePolynomial &polynomial, double resistance);

@@ -1,0 +1,290 @@
+#include "device/settingsreader.h"
+
+#include "device/nibbles.h"
+#include "device/optionsnox8.h"
+#include "device/settingscodes.h"
+#include "device/settingslayout.h"
+#include "device/vocabulary.h"
+
+#include <QVector>
+
+namespace
+{
+
+constexpr int revisionTextSize = 4; // of "rev3"
+constexpr int longestTimeCode = 8;
+
+/** The name in the line that names the model; empty when there is none. */
+QString modelNameIn(const QStringList &lines)
+{
+    for (const int channels : {8, 16}) {
+        const QString line = lines.value(SettingsLayout(channels, false).modelLine());
+        if (line.contains(QStringLiteral("rev3")))
+            return line.chopped(revisionTextSize).trimmed();
+    }
+    return {};
+}
+
+/** Reads the lines of one known model, section by section. */
+class SettingsReader
+{
+public:
+    SettingsReader(const QStringList &lines, const InstrumentModel &model, optionsNOX8 &image)
+        : m_lines(lines)
+        , m_model(model)
+        , m_layout(model.channels, model.hasShortCircuit)
+        , m_image(image)
+    {
+    }
+
+    bool read()
+    {
+        readReferences();
+        readOperatingSettings();
+        for (quint8 ch = 0; ch < m_model.channels; ++ch)
+            readChannel(ch);
+        for (quint8 ch = 0; ch < m_model.channels && m_accepted; ++ch)
+            readCharacteristic(ch);
+        readMeasurementTime();
+        readCorrections();
+        readReversal();
+        if (m_model.hasShortCircuit)
+            readCompensation();
+        emit m_image.onRefChange();
+        readUnits();
+        if (m_lines.value(m_layout.extendedPart()) == QStringLiteral("rev4"))
+            readExtendedPart();
+        return m_accepted && m_complete;
+    }
+
+private:
+    /** Whether the line is there; the result of the reading is false if it is not. */
+    bool has(int line)
+    {
+        m_complete = m_complete && line < m_lines.size();
+        return line < m_lines.size();
+    }
+
+    /** Remembers that something was not taken. */
+    void refuse() { m_complete = false; }
+
+    /** Takes a number that four bits can hold. */
+    template<typename Store>
+    void takeNibble(int number, Store store)
+    {
+        if (fitsNibble(number))
+            store(quint8(number));
+        else
+            refuse();
+    }
+
+    /** Takes a number, unless one before it was not accepted. */
+    void readNumber(int line, bFloat &number)
+    {
+        if (m_accepted && has(line))
+            m_accepted = number.setFloat(m_lines.at(line));
+    }
+
+    void readReference(int line, bFloat &number)
+    {
+        if (m_lines.at(line) != QStringLiteral("-"))
+            readNumber(line, number);
+    }
+
+    void readReferences()
+    {
+        int line = SettingsLayout::resistorLine;
+        for (ReferenceTriple &resistor : m_image.refR)
+            readReference(line++, resistor.value);
+        readReference(SettingsLayout::voltageLine, m_image.refU.value);
+    }
+
+    void setOperatingSetting(quint8 OperatingSettings::*setting, quint8 value)
+    {
+        if (m_image.*setting == value)
+            return;
+        m_image.*setting = value;
+        emit m_image.onDevChange();
+    }
+
+    void readOperatingSettings()
+    {
+        takeNibble(m_lines.at(SettingsLayout::modeLine).toInt(), [this](quint8 code) {
+            setOperatingSetting(&OperatingSettings::devMeasMode, code);
+        });
+        takeNibble(m_lines.at(SettingsLayout::roundingLine).toInt(), [this](quint8 code) {
+            setOperatingSetting(&OperatingSettings::devMeasRound, quint8(code << 4));
+        });
+        takeNibble(m_lines.at(SettingsLayout::compensationModeLine).toInt(), [this](quint8 code) {
+            setOperatingSetting(&OperatingSettings::devCompensTP, code);
+        });
+    }
+
+    void readChannel(quint8 ch)
+    {
+        const QStringList lines =
+            m_lines.mid(m_layout.channelLine(ch), SettingsLayout::linesOfChannel);
+        m_image.setChOnOff(ch, isSwitchedOn(lines.at(0)) ? 1 : 0);
+        if (const auto type = unitFromText(lines.at(1)))
+            m_image.setChMeasType(ch, *type, {});
+        takeNibble(lines.at(2).split(' ').at(0).toInt() - 1,
+                   [this, ch](quint8 index) { m_image.setChCurrent(ch, index); });
+        takeNibble(lines.at(3).split(' ').value(1).toInt() - 1,
+                   [this, ch](quint8 index) { m_image.setChResist(ch, index); });
+        const int code = lines.at(4).toInt();
+        if (const auto choice = characteristicFromCode(code))
+            m_image.setChFeature(ch, choice->source, choice->index);
+        else if (code <= lastCharacteristicCode)
+            refuse();
+    }
+
+    void readCharacteristic(quint8 ch)
+    {
+        if (!has(m_layout.formLine(ch)))
+            return;
+        const int type = typeFromFormCode(m_lines.at(m_layout.formLine(ch)).toInt());
+        emit m_image.onDevChange();
+        m_accepted = m_image.features.at(ch)->setFeature(FeatureRecord::_featureIndType(type),
+                                                         m_lines.at(m_layout.nameLine(ch)),
+                                                         characteristicTexts(type, ch)) != 0;
+    }
+
+    QStringList characteristicTexts(int type, quint8 ch) const
+    {
+        const QStringList entries = m_lines.mid(m_layout.entryLine(ch), SettingsLayout::entryLines);
+        switch (type) {
+        case FeatureRecord::polynomial:
+            return entries.mid(0, 10);
+        case FeatureRecord::callendarVanDusen:
+            return m_lines.mid(m_layout.coefficientLine(ch), 6);
+        case FeatureRecord::its90:
+            return entries.mid(0, 9);
+        case FeatureRecord::temperatureOfVoltage:
+            break;
+        default:
+            return {};
+        }
+        QStringList texts;
+        for (const QString &entry : entries)
+            texts << textsFromTableLine(entry);
+        return texts;
+    }
+
+    void readMeasurementTime()
+    {
+        if (!has(m_layout.timeLine()))
+            return;
+        const QString text = m_lines.at(m_layout.timeLine());
+        const int code = text.isEmpty() ? -1 : text.at(0).unicode() - 1;
+        if (code >= 0 && code <= longestTimeCode)
+            setOperatingSetting(&OperatingSettings::devMeasTime, quint8(code));
+        else
+            refuse();
+    }
+
+    void readCorrections()
+    {
+        readNumber(m_layout.temperatureLine(), m_image.refT0);
+        int line = m_layout.correctionLine();
+        const auto readCorrection = [&](ReferenceTriple &triple) {
+            readNumber(line++, triple.a);
+            readNumber(line++, triple.b);
+        };
+        for (ReferenceTriple &resistor : m_image.refR)
+            readCorrection(resistor);
+        readCorrection(m_image.refU);
+    }
+
+    void readReversal()
+    {
+        const int line = m_layout.reversalLine();
+        if (has(line))
+            setOperatingSetting(&OperatingSettings::devChRevers,
+                                m_lines.at(line) == QStringLiteral("1") ? 0x10 : 0x00);
+    }
+
+    void readCompensation()
+    {
+        for (quint8 ch = 0; ch < m_model.channels; ++ch)
+            if (has(m_layout.compensationLine(ch)))
+                readCompensation(ch, m_lines.at(m_layout.compensationLine(ch)));
+        const int line = m_layout.shortCircuitLine();
+        if (has(line))
+            m_image.setDevZakorotka(m_lines.at(line) == QStringLiteral("1") ? 0 : 1);
+    }
+
+    void readCompensation(quint8 ch, const QString &text)
+    {
+        const int code = text.toInt();
+        if (const auto choice = compensationFromCode(code))
+            m_image.setChFeatureCompesTP(ch, choice->source, choice->index);
+        else if (text.isEmpty())
+            restoreUnkeptCompensation(ch);
+        else if (code <= lastCompensationCode)
+            refuse();
+    }
+
+    /** An empty line stands for a thermocouple or for none: what the channel has of the two it
+     *  keeps, as long as it exists; else it has none. */
+    void restoreUnkeptCompensation(quint8 ch)
+    {
+        const ChannelSettings &channel = m_image.channels.at(ch);
+        const bool isKept = channel.featureTypeCompensTP == compensNone ||
+                            (channel.featureTypeCompensTP == compensThermocouple &&
+                             channel.featureCompensTP < standardThermocouples().size());
+        if (!isKept)
+            m_image.setChFeatureCompesTP(ch, compensNone, 0);
+    }
+
+    void readUnits()
+    {
+        // files from before there were units end here
+        if (m_lines.size() <= m_layout.unitLine(0) || !has(m_layout.extendedPart() - 1))
+            return;
+        for (quint8 ch = 0; ch < m_model.channels; ++ch) {
+            const QString unit = m_lines.at(m_layout.unitLine(ch));
+            if (unit.isEmpty())
+                continue;
+            m_image.channels[ch].dimCust = unit;
+            m_image.channels[ch].measType = measTemperatureCustom;
+            emit m_image.onChChange(ch);
+        }
+    }
+
+    void readExtendedPart()
+    {
+        const int typeLine = m_layout.extendedPart() + 1;
+        const quint32 type = m_lines.value(typeLine).toUInt();
+        if (type == 0 || !m_image.setDevType(type))
+            return refuse();
+        if (has(typeLine + 1))
+            m_image.devName = m_lines.at(typeLine + 1).trimmed();
+        int line = typeLine + 2;
+        forEachShift(static_cast<ZeroShifts &>(m_image), [this, &line](bFloat &shift) {
+            if (has(line))
+                shift.setFloat(m_lines.at(line));
+            ++line;
+        });
+    }
+
+    static constexpr int lastCharacteristicCode = 53;
+    static constexpr int lastCompensationCode = 33;
+
+    const QStringList &m_lines;
+    const InstrumentModel &m_model;
+    SettingsLayout m_layout;
+    optionsNOX8 &m_image;
+    bool m_accepted = true; ///< every number and every characteristic so far
+    bool m_complete = true; ///< every line was there and said something
+};
+
+} // namespace
+
+bool applySettings(const QStringList &lines, optionsNOX8 &image)
+{
+    const QString name = modelNameIn(lines);
+    const InstrumentModel *const named = name.isEmpty() ? nullptr : findModelNamed(name);
+    image.setDevType(named ? named->typeCode : 0);
+    const InstrumentModel &model = *findModel(image.devType);
+    return model.channels != 0 && SettingsReader(lines, model, image).read();
+}

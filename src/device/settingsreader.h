@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QStringList>
+
+class optionsNOX8;
+
+/**
+ * Takes the lines of a settings file into the image, which announces what changes.
+ *
+ * Everything that can be taken is, in the order of the file. Numbers after one that does not parse
+ * and characteristics after one that is rejected are not. What a line says in no code of the format
+ * leaves the image as it is, and so does a line that is not there. True only when nothing of all
+ * this happened.
+ *
+ * Without a line that names a model the image's type becomes unknown, and nothing else is taken.
+ */
+bool applySettings(const QStringList &lines, optionsNOX8 &image);
