@@ -63,14 +63,18 @@ bool completeTable(Entry &entry)
     return true;
 }
 
-void fit(Entry &entry)
+/** Replaces the thermometer by its polynomial; false when there is no range to fit over. */
+bool fit(Entry &entry)
 {
     const auto &values = entry.values;
-    const TemperaturePolynomial polynomial = fitTemperaturePolynomial(
-        {values.at(0), values.at(1), values.at(2), values.at(3), values.at(4), values.at(5)});
+    const CallendarVanDusen thermometer = {values.at(0), values.at(1), values.at(2),
+                                           values.at(3), values.at(4), values.at(5)};
+    if (thermometer.lowest == thermometer.highest)
+        return false; // rounding would still yield a polynomial, of no meaning
     entry.values.clear();
-    for (const double coefficient : polynomial)
+    for (const double coefficient : fitTemperaturePolynomial(thermometer))
         entry.values << float(coefficient);
+    return true;
 }
 
 bool areFinite(const QVector<float> &values)
@@ -91,8 +95,8 @@ EntryResult enterFeature(FeatureRecord &feature, FeatureRecord::_featureIndType 
         return EntryResult::Rejected;
     if (type == FeatureRecord::temperatureOfVoltage && !completeTable(entry))
         return EntryResult::Rejected;
-    if (type == FeatureRecord::callendarVanDusen)
-        fit(entry);
+    if (type == FeatureRecord::callendarVanDusen && !fit(entry))
+        return EntryResult::Rejected;
     if (!areFinite(entry.values))
         return EntryResult::Rejected;
 

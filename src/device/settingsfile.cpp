@@ -34,8 +34,9 @@ bool saveSettingsFile(const optionsNOX8 &image, const QString &fileName)
     if (!file.open(QIODevice::WriteOnly))
         return false;
     const QString lineEnd = QStringLiteral("\r\n");
-    file.write(toWindows1251(settingsLines(image).join(lineEnd) + lineEnd));
-    return file.commit();
+    const QByteArray bytes = toWindows1251(settingsLines(image).join(lineEnd) + lineEnd);
+    // a disk that fills up in the middle shows itself in the count alone
+    return file.write(bytes) == bytes.size() && file.commit();
 }
 
 bool loadSettingsFile(const QString &fileName, optionsNOX8 &image)
