@@ -1,12 +1,12 @@
 #include "device/settingsfile.h"
 
+#include "device/filereplacement.h"
 #include "device/settingsreader.h"
 #include "device/settingswriter.h"
 #include "device/windows1251.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace
 {
@@ -30,13 +30,8 @@ bool saveSettingsFile(const optionsNOX8 &image, const QString &fileName)
 {
     if (!fitsSettingsFile(image))
         return false;
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
     const QString lineEnd = QStringLiteral("\r\n");
-    const QByteArray bytes = toWindows1251(settingsLines(image).join(lineEnd) + lineEnd);
-    // a disk that fills up in the middle shows itself in the count alone
-    return file.write(bytes) == bytes.size() && file.commit();
+    return replaceFile(fileName, toWindows1251(settingsLines(image).join(lineEnd) + lineEnd));
 }
 
 bool loadSettingsFile(const QString &fileName, optionsNOX8 &image)

@@ -1,3 +1,4 @@
+#include "device/filereplacement.h"
 #include "device/settingsfile.h"
 #include "device/settingsreader.h"
 #include "device/settingswriter.h"
@@ -441,9 +442,13 @@ void TestSettingsFile::fullDiskLeavesTheOldFile()
     const QByteArray before = contentOf(path);
     image.setDevType(0x0960AA0F);
     {
-        const FileSizeLimit limit(1000);
+        const FileSizeLimit limit(2000); // less than a file, more or less than a buffer
         QVERIFY(!image.saveToFile(path, "COM1"));
+        QVERIFY(!replaceFile(path, QByteArray(3000, 'x')));
+        QVERIFY(!replaceFile(path, QByteArray(100000, 'x')));
+        QVERIFY(replaceFile(directory.filePath("short"), QByteArray(1000, 'x')));
     }
+    QFile::remove(directory.filePath("short"));
     QCOMPARE(contentOf(path), before);
     QCOMPARE(QDir(directory.path()).entryList(QDir::Files).size(), 1);
     QVERIFY(image.saveToFile(path, "COM1"));
