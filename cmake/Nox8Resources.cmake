@@ -7,6 +7,28 @@ if(NOT NOX8_RSVG_CONVERT)
         "install the Debian package librsvg2-bin.")
 endif()
 
+find_program(NOX8_SQLITE3 sqlite3 DOC "Makes the template of the database")
+if(NOT NOX8_SQLITE3)
+    message(FATAL_ERROR
+        "The template of the database is made at build time by the sqlite3 client, which was not "
+        "found: install the Debian package sqlite3.")
+endif()
+
+# nox8_make_database(<name>)
+#
+# Makes <name>.db in the current build directory from schema.sql of the current source directory.
+function(nox8_make_database name)
+    set(schema ${CMAKE_CURRENT_SOURCE_DIR}/schema.sql)
+    set(database ${CMAKE_CURRENT_BINARY_DIR}/${name}.db)
+    add_custom_command(
+        OUTPUT ${database}
+        COMMAND ${CMAKE_COMMAND} -E rm -f ${database}
+        COMMAND ${NOX8_SQLITE3} -bail ${database} ".read '${schema}'"
+        DEPENDS ${schema}
+        COMMENT "Making ${name}.db"
+        VERBATIM)
+endfunction()
+
 # nox8_render_picture(<name> <width> <height>)
 #
 # Renders images/<name>.svg of the current source directory to images/<name>.png of the current

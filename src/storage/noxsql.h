@@ -1,0 +1,110 @@
+#pragma once
+
+#include <QDateTime>
+#include <QMap>
+#include <QObject>
+#include <QSqlDatabase>
+#include <QString>
+#include <QVariant>
+#include <QVector>
+
+#include <functional>
+
+class QSqlQuery;
+
+/**
+ * The user's database: instruments met, snapshots of their configurations, calibration
+ * characteristics, and properties of the program and of the instruments.
+ *
+ * It is the default connection, which dialogs use for statements of their own. While it is not
+ * open every operation fails: ids and counts are -1, other results false or empty. Nothing is
+ * shown. Each statement is a transaction; what was reported as done is on the disk.
+ */
+class noxSql : public QObject
+{
+    Q_OBJECT
+public:
+    /** One result of a search. */
+    struct noxSqlItem {
+        int id = 0;           ///< of the snapshot or characteristic
+        QString name;         ///< as the user reads it
+        QString info;         ///< description
+        bool factory = false; ///< the first snapshot of its instrument
+    };
+
+    /** Opens the database file; an empty path opens none. */
+    explicit noxSql(const QString &path, QObject *parent = nullptr);
+    /** Compacts the database and closes it. */
+    ~noxSql() override;
+
+    /** Rows of an executed SELECT; the query stands where it stood. */
+    static int querySize(QSqlQuery *query);
+
+    // Instruments
+
+    /** The id of the instrument of this type and serial number, which is added if it is new. */
+    int addDev(quint32 type, quint32 number, const QString &name);
+    /** Rewrites an instrument's row. */
+    bool updRefData(int deviceId, const QByteArray *refdata, quint32 type, quint32 number,
+                    const QString &name);
+    /** The only instrument with these reference data, and its type and serial number. */
+    int findDev(const QByteArray *refdata, quint32 *type, quint32 *number);
+    /** The only instrument of this type and serial number. */
+    int findDev(quint32 type, quint32 number);
+
+    // Snapshots
+
+    /** Snapshots of an instrument, the factory one included. */
+    int getSnapShotCount(int deviceId);
+    /** The description of a snapshot. */
+    QString getSnapShotInfo(int snapshotId);
+    /**
+     * Stores a configuration and returns the snapshot's id.
+     *
+     * It takes the place of the ordinary snapshot with this id, or, when the id is below 1, of the
+     * one with the same blocks. Else it is added; the first of an instrument is its factory
+     * snapshot, which is never changed.
+     */
+    int setSnapShot(int deviceId, const QByteArray *data, const QByteArray *refdata,
+                    const QString &info, int snapshotId);
+    /** Snapshots with these blocks, of all instruments when the id is below 1; the factory one
+     *  last, else the newest first. */
+    QVector<noxSqlItem> findSnapShot(const QByteArray *data, const QByteArray *refdata,
+                                     int deviceId);
+
+    // Characteristics
+
+    /** Stores a characteristic in the row of this id, or, when the id is below 1, in the row with
+     *  the same data; else in a new one. Returns the id. */
+    int setFeature(const QByteArray *data, const QString &name, const QString &info, int featureId);
+    /** Adds a characteristic and returns its id. */
+    int addFeature(const QByteArray *data, const QString &name, const QString &info);
+    /** Characteristics whose name contains the text, in either case. */
+    QVector<noxSqlItem> findFeature(const QString &text);
+
+    // Properties
+
+    /** Stores a property of the program, or removes it when the value is not valid. */
+    bool setAppProperty(const QString &key, const QVariant &value);
+    /** A property of the program; not valid when there is none. */
+    QVariant getAppProperty(const QString &key);
+    /** Stores a property of an instrument, or removes it when the value is not valid. */
+    void setDevProperty(int deviceId, const QString &key, const QVariant &value);
+    /** The properties of an instrument. One without any has those of the main instrument that
+     *  begin with "qwt". */
+    QMap<QString, QVariant> getDevProperty(int deviceId);
+
+    /** The clock that dates rows, in place of the computer's. */
+    void setClock(std::function<QDateTime()> clock) { m_clock = std::move(clock); }
+
+signals:
+    /** The settings dialog has changed what is stored. */
+    void onMeasDBChange();
+
+private:
+    int insertSnapShot(int deviceId, const QByteArray &data, const QByteArray &refdata,
+                       const QString &info);
+
+    QSqlDatabase m_database;
+    std::function<QDateTime()> m_clock = [] { return QDateTime::currentDateTime(); };
+};
