@@ -131,6 +131,8 @@ public:
     QByteArray *getSNData() const;
     /** The block of 12 bytes that sets one channel; empty beyond the channel count. */
     QByteArray channelBlock(quint8 ch) const;
+    /** The current moment, 8 bytes. */
+    QByteArray dateTimeBlock() const;
     /** The clock that stamps blocks, in place of the computer's. */
     void setClock(std::function<QDateTime()> clock) { m_clock = std::move(clock); }
 

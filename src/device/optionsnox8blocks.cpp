@@ -40,8 +40,7 @@ QByteArray *optionsNOX8::getData() const
 
 QByteArray *optionsNOX8::getRefData(bool forStorage) const
 {
-    return new QByteArray(
-        encodeReferenceData(*this, forStorage ? noStamp() : encodeDateTime(m_clock())));
+    return new QByteArray(encodeReferenceData(*this, forStorage ? noStamp() : dateTimeBlock()));
 }
 
 QByteArray *optionsNOX8::getRefShiftData() const
@@ -63,6 +62,11 @@ QByteArray *optionsNOX8::getIdentData() const
 QByteArray *optionsNOX8::getSNData() const
 {
     return new QByteArray(encodeSerialNumber(devNumber));
+}
+
+QByteArray optionsNOX8::dateTimeBlock() const
+{
+    return encodeDateTime(m_clock());
 }
 
 QByteArray optionsNOX8::channelBlock(quint8 ch) const

@@ -8,7 +8,6 @@ namespace
 {
 
 constexpr int mostRecords = 255;
-constexpr int writeDelayMs = 5000;
 constexpr quint8 connectionLostCode = 200;
 
 } // namespace
@@ -17,6 +16,10 @@ noxList::noxList(NOXSerialPort *serialPort, noxSql *database)
     : m_serialPort(serialPort)
     , m_database(database)
 {
+    connect(this, &noxList::sendDevData, m_serialPort,
+            [this](int devIndex, QByteArray *buf, quint8 address, noxQueryMode mode) {
+                m_serialPort->sendDevData(devIndex, buf, address, true, mode);
+            });
 }
 
 noxList::~noxList()
@@ -43,7 +46,6 @@ noxList::_nox *noxList::newNox(int devIndex, bool wire)
     nox->processed = devIndex >= 0;
     nox->txTimer = std::make_unique<QTimer>();
     nox->txTimer->setSingleShot(true);
-    nox->txTimer->setInterval(writeDelayMs);
 
     _nox *record = nox.release();
     m_records.insert(record->index, record);
@@ -58,42 +60,55 @@ noxList::_nox *noxList::newNox(int devIndex, bool wire)
     return record;
 }
 
+bool noxList::addNox(_nox *dev)
+{
+    if (_nox *known = findSame(*dev->opt)) {
+        continueOn(known, dev->devIndex);
+        return true;
+    }
+    if (m_records.size() >= mostRecords)
+        return false;
+    dev->index = nextIndex();
+    m_records.insert(dev->index, dev);
+    setSignal(dev);
+    readConfiguration(dev);
+    emit onAddNox(dev->index, true);
+    return true;
+}
+
+/** The record of the instrument that the image identifies; null for an unknown one. */
+noxList::_nox *noxList::findSame(const optionsNOX8 &image) const
+{
+    if (image.devNumber == 0 || !optionsNOX8::getTypeList(true).contains(image.devType))
+        return nullptr;
+    for (_nox *nox : m_records)
+        if (nox->opt->devType == image.devType && nox->opt->devNumber == image.devNumber)
+            return nox;
+    return nullptr;
+}
+
+/** Lets a record go on with the device under which its instrument was found again. */
+void noxList::continueOn(_nox *known, int devIndex)
+{
+    const int index = known->index;
+    const int formerDevice = std::exchange(known->devIndex, devIndex);
+    known->portName = m_serialPort->getPortName(devIndex);
+    m_serialPort->emptyQueues(devIndex);
+    setCommandByte(known);
+    getOptFromNox(index);
+    emit onChange();
+    if (formerDevice != devIndex)
+        m_serialPort->rmDev(formerDevice);
+}
+
+bool noxList::owns(const _nox *nox) const
+{
+    return m_records.value(nox->index) == nox;
+}
+
 int noxList::nextIndex() const
 {
     return m_records.isEmpty() ? 0 : m_records.lastKey() + 1;
-}
-
-/** Connects what a record of this registry reports and, with the first one, the multiplexer. */
-void noxList::setSignal(_nox *nox)
-{
-    if (m_records.size() == 1)
-        connectSerialPort();
-
-    const int index = nox->index;
-    const optionsNOX8 *opt = nox->opt.get();
-    connect(opt, &optionsNOX8::onChChange, this,
-            [this, index](quint8 ch) { emit onChChange(index, ch); });
-    connect(opt, &optionsNOX8::onDevChange, this, [this, nox] {
-        setCommandByte(nox);
-        emit onDevChange(nox->index);
-    });
-    connect(opt, &optionsNOX8::onIdentChange, this, [this, nox] {
-        setCommandByte(nox);
-        emit onIdentChange(nox->index);
-    });
-    connect(opt, &optionsNOX8::onRefChange, this, [this, index] { emit onRefChange(index); });
-    connect(opt, &optionsNOX8::onRefShiftChange, this,
-            [this, index] { emit onRefShiftChange(index); });
-    connect(opt, &optionsNOX8::onRecData, this,
-            [this, index](const QMap<quint8, QVector<optionsNOX8::_recItem>> &records,
-                          const QDateTime &start) { emit onReadRec(index, records, start); });
-}
-
-void noxList::connectSerialPort()
-{
-    connect(m_serialPort, &NOXSerialPort::readyDevMeas, this, &noxList::onReadyDevMeas);
-    connect(m_serialPort, QOverload<int, quint16>::of(&NOXSerialPort::onDevError), this,
-            &noxList::onLinkError);
 }
 
 void noxList::setCommandByte(const _nox *nox)
@@ -111,9 +126,25 @@ void noxList::rmByIndex(int index)
     if (!nox)
         return;
     nox->opt->disconnect(this);
-    if (m_records.isEmpty())
-        m_serialPort->disconnect(this);
+    disconnectWhenEmpty();
     emit onRmNox(index, nox->qwtIndex);
+}
+
+void noxList::detachByIndex(int index)
+{
+    const _nox *nox = m_records.take(index);
+    if (!nox)
+        return;
+    nox->opt->disconnect(this);
+    nox->txTimer->disconnect(this);
+    disconnectWhenEmpty();
+}
+
+void noxList::detachByDevIndex(int devIndex)
+{
+    for (const int index : indices())
+        if (m_records.value(index)->devIndex == devIndex)
+            detachByIndex(index);
 }
 
 void noxList::disConnByIndex(int index)
@@ -186,34 +217,4 @@ bool noxList::isDevIndex(int devIndex) const
 QList<int> noxList::indices() const
 {
     return m_records.keys();
-}
-
-void noxList::onReadyDevMeas(int devIndex, double meas, quint8 ch, char dim)
-{
-    const _nox *nox = getNoxByDevIndex(devIndex);
-    // values measured before a change that is still to be written are not shown after it
-    if (!nox || nox->qwtIndex < 0 || !nox->processed || !nox->txCodes.isEmpty())
-        return;
-    const quint8 channel = ch - 1;
-    emit onReadMeas(nox->index, meas, channel, unitText(*nox, channel, dim));
-}
-
-/** The user's unit where the channel has one and is on, else that of the stream. */
-QString noxList::unitText(const _nox &nox, quint8 ch, char dim) const
-{
-    const optionsNOX8::_ch channel = nox.opt->getCh(ch);
-    const bool custom =
-        channel.measType == measTemperatureCustom && channel.onOff != 0;
-    return custom ? nox.opt->getChMeasTypeName(ch) : nox.opt->getDim(dim);
-}
-
-void noxList::onLinkError(int devIndex, quint16 code)
-{
-    const _nox *nox = getNoxByDevIndex(devIndex);
-    if (!nox)
-        return;
-    const int index = nox->index;
-    nox->opt->blockSignals(false);
-    disConnByIndex(index);
-    emit onDevError(index, connectionLostCode, tr("Обрыв связи [код %1]").arg(code));
 }

@@ -17,8 +17,13 @@ class noxSql;
  * The registry: one record per instrument that the program works with, connected or not.
  *
  * It maps the four indices of an instrument (registry index, `devIndex` at the multiplexer,
- * `qwtIndex` on the plot, `dbIndex` in the database) to each other, passes measurements on under
- * the registry index with a unit text, and reports a lost connection. GUI thread only.
+ * `qwtIndex` on the plot, `dbIndex` in the database) to each other, hands the multiplexer's replies
+ * to the instrument's image, turns what the image asks for into writes, passes measurements on
+ * under the registry index with a unit text, and reports a lost connection. GUI thread only.
+ *
+ * A record belongs to the registry from newNox() or addNox() on until it is removed or detached.
+ * While it is handed over, between addNox() of the one registry and the detaching from the other,
+ * it stands in both; nothing is removed meanwhile.
  */
 class noxList : public QObject
 {
@@ -53,10 +58,24 @@ public:
 
     /** A new record for a device (-1: none); null, after onAddNox(-1, false), when it is full. */
     _nox *newNox(int devIndex, bool wire);
+    /**
+     * Takes over a record of another registry, which has to detach it next, and reads the
+     * instrument's blocks. If this registry has a record of the same type and serial number, that
+     * one continues on the device of `dev` instead, and `dev` is left to its former registry. False
+     * when there are 255 records.
+     */
+    bool addNox(_nox *dev);
+    /** Whether the record stands in this registry. */
+    bool owns(const _nox *nox) const;
     /** Disconnects the instrument and forgets it. */
     void rmByIndex(int index);
+    /** Forgets a record without touching it; whoever has added it owns it. */
+    void detachByIndex(int index);
+    void detachByDevIndex(int devIndex);
     /** Disconnects the instrument; its record stays. */
     void disConnByIndex(int index);
+    /** Reads all blocks of an instrument whose type is known. */
+    void getOptFromNox(int index);
     /** Passes the instrument's measurements on, or not, optionally clearing the plot on return. */
     void setProccesed(int index, bool on, bool clearOnResume);
 
@@ -74,8 +93,15 @@ public:
     /** All registry indices, ascending. */
     QList<int> indices() const;
 
+    /** How long writes are collected, from the next request on; 5 s unless a test has set it. */
+    void setWriteDelay(int milliseconds) { m_writeDelayMs = milliseconds; }
+
+public slots:
+    /** Asks for a block to be written, once, 5 s after the last request for any block. */
+    void sendNoxData(int index, optionsNOX8::tx_code tx_code);
+
 signals:
-    /** A record was made (its index), or refused (-1). */
+    /** A record was made (its index), or refused (-1); `found`: it was taken over by addNox(). */
     void onAddNox(int index, bool found);
     /** Asks for a block to be written; the registry keeps `buf`. */
     void sendDevData(int devIndex, QByteArray *buf, quint8 address,
@@ -103,17 +129,42 @@ signals:
     void doClearQwt(int qwtIndex);
 
 private slots:
+    void applyDevQuery(int devIndex, QByteArray *buf, quint8 address);
+    void onDoneSendDevData(int devIndex, noxSerialPortDataItem data);
     void onReadyDevMeas(int devIndex, double meas, quint8 ch, char dim);
     void onLinkError(int devIndex, quint16 code);
 
 private:
     int nextIndex() const;
     void setSignal(_nox *nox);
-    void setCommandByte(const _nox *nox);
+    void connectChanges(const _nox *nox);
+    void connectRequests(_nox *nox);
     void connectSerialPort();
+    void disconnectWhenEmpty();
+    void setCommandByte(const _nox *nox);
     QString unitText(const _nox &nox, quint8 ch, char dim) const;
+
+    _nox *findSame(const optionsNOX8 &image) const;
+    void continueOn(_nox *known, int devIndex);
+    void readBlock(const _nox *nox, quint8 address, int size,
+                   noxQueryMode mode = noxQueryModeNormal);
+    void readConfiguration(const _nox *nox);
+
+    void writePending(int index);
+    void writeBlock(const _nox *nox, QByteArray block, quint8 address);
+    void writeChannel(const _nox *nox, quint8 ch);
+    void applyIdentity(_nox *nox);
+    void applyDevice(const _nox *nox);
+
+    void storeUnit(const _nox *nox, quint8 ch);
+    void storeIdentity(_nox *nox);
+    void updateReferenceData(const _nox *nox);
+    void recogniseSnapShot(_nox *nox);
+    void recogniseByReferenceData(_nox *nox);
 
     NOXSerialPort *m_serialPort; ///< not owned
     noxSql *m_database;          ///< not owned
     QMap<int, _nox *> m_records; ///< owned, by registry index
+    int m_writeDelayMs = 5000;
+    bool m_isListening = false; ///< the multiplexer's signals are connected
 };

@@ -1,0 +1,201 @@
+#include "registry/noxlist.h"
+#include "registry/pendingblock.h"
+#include "serial/noxserialport.h"
+#include "storage/noxsql.h"
+
+#include <memory>
+#include <utility>
+
+namespace
+{
+
+// Addresses of blocks and what a read of them asks for
+constexpr quint8 referenceDataWriteAddress = 1;
+constexpr quint8 configurationAddress = 2;
+constexpr quint8 referenceDataAddress = 3;
+constexpr quint8 channelWriteAddress = 4;
+constexpr quint8 zeroShiftsAddress = 9;
+constexpr quint8 identificationAddress = 51;
+constexpr int identificationSize = 8; // extended models answer with 24 all the same
+
+QByteArray taken(QByteArray *given)
+{
+    return *std::unique_ptr<QByteArray>(given);
+}
+
+bool isIdentified(const optionsNOX8 &image)
+{
+    return image.devType != 0 && image.devNumber != 0;
+}
+
+} // namespace
+
+// Reading
+
+void noxList::readBlock(const _nox *nox, quint8 address, int size, noxQueryMode mode)
+{
+    m_serialPort->sendDevQuery(nox->devIndex, address, quint16(size), true, mode);
+}
+
+void noxList::getOptFromNox(int index)
+{
+    const _nox *nox = getNoxByIndex(index);
+    if (!nox || nox->opt->devType == 0)
+        return;
+    // an instrument that has never identified itself may be too old to do so
+    readBlock(nox, identificationAddress, identificationSize,
+              nox->opt->identValid ? noxQueryModeNormal : noxQueryModeEmpty);
+    readConfiguration(nox);
+}
+
+void noxList::readConfiguration(const _nox *nox)
+{
+    readBlock(nox, referenceDataAddress, referenceDataSize);
+    readBlock(nox, configurationAddress, nox->opt->getDevDataSize());
+    if (nox->opt->getDevRev() != 0)
+        readBlock(nox, zeroShiftsAddress, zeroShiftsSize);
+}
+
+void noxList::applyDevQuery(int devIndex, QByteArray *buf, quint8 address)
+{
+    const _nox *found = getNoxByDevIndex(devIndex);
+    if (!found)
+        return;
+    const int index = found->index;
+    found->opt->setData(*buf, address);
+    _nox *nox = getNoxByIndex(index); // whoever heard of the change may have removed it
+    if (!nox)
+        return;
+    if (address == configurationAddress && nox->dbIndex >= 1)
+        recogniseSnapShot(nox);
+    else if (address == referenceDataAddress && nox->dbIndex == 0)
+        recogniseByReferenceData(nox);
+}
+
+/** Finds the stored configuration that the instrument has; its very first one is stored. */
+void noxList::recogniseSnapShot(_nox *nox)
+{
+    const QByteArray data = taken(nox->opt->getData());
+    const QByteArray refdata = taken(nox->opt->getRefAllData());
+    const auto known = m_database->findSnapShot(&data, &refdata, nox->dbIndex);
+    if (!known.isEmpty())
+        nox->snapShotId = known.first().id;
+    else if (m_database->getSnapShotCount(nox->dbIndex) == 0 &&
+             m_serialPort->isEmptyQueryQueue(nox->devIndex))
+        m_database->setSnapShot(nox->dbIndex, &data, &refdata, tr("Заводская настройка"), 0);
+}
+
+/** Finds the instrument in the database; one without an identity takes what is stored there. */
+void noxList::recogniseByReferenceData(_nox *nox)
+{
+    optionsNOX8 &image = *nox->opt;
+    if (image.identValid) {
+        nox->dbIndex = m_database->findDev(image.devType, image.devNumber);
+        return;
+    }
+    const QByteArray refdata = taken(image.getRefAllData());
+    quint32 type = 0;
+    quint32 number = 0;
+    nox->dbIndex = m_database->findDev(&refdata, &type, &number);
+    if (nox->dbIndex < 1)
+        return;
+    image.setDevType(type);
+    image.setDevNumber(quint16(number));
+}
+
+// Writing
+
+void noxList::sendNoxData(int index, optionsNOX8::tx_code tx_code)
+{
+    _nox *nox = getNoxByIndex(index);
+    if (!nox)
+        return;
+    if (!nox->txCodes.contains(tx_code))
+        nox->txCodes.append(tx_code);
+    nox->txTimer->start(m_writeDelayMs);
+}
+
+void noxList::writePending(int index)
+{
+    emit onChange();
+    _nox *nox = getNoxByIndex(index); // whoever heard of the change may have removed it
+    if (!nox)
+        return;
+    const QVector<optionsNOX8::tx_code> codes = nox->txCodes;
+    for (const optionsNOX8::tx_code code : codes)
+        writeBlock(nox, pendingBlock(*nox->opt, code), code);
+    nox->txCodes.clear();
+}
+
+void noxList::writeBlock(const _nox *nox, QByteArray block, quint8 address)
+{
+    if (!block.isEmpty())
+        emit sendDevData(nox->devIndex, &block, address);
+}
+
+void noxList::writeChannel(const _nox *nox, quint8 ch)
+{
+    writeBlock(nox, nox->opt->channelBlock(ch), channelWriteAddress);
+}
+
+void noxList::applyIdentity(_nox *nox)
+{
+    if (!isIdentified(*nox->opt))
+        return;
+    if (nox->opt->identValid)
+        sendNoxData(nox->index, optionsNOX8::txIdentification);
+    else if (nox->dbIndex > 0)
+        updateReferenceData(nox);
+}
+
+void noxList::applyDevice(const _nox *nox)
+{
+    if (nox->opt->identValid)
+        sendNoxData(nox->index, optionsNOX8::txDateTime);
+    sendNoxData(nox->index, optionsNOX8::txConfiguration);
+}
+
+void noxList::onDoneSendDevData(int devIndex, noxSerialPortDataItem data)
+{
+    const _nox *nox = getNoxByDevIndex(devIndex);
+    if (!nox || data.address != referenceDataWriteAddress || nox->dbIndex < 1)
+        return;
+    if (isIdentified(*nox->opt)) {
+        updateReferenceData(nox);
+        return;
+    }
+    const QByteArray refdata = taken(nox->opt->getRefAllData());
+    quint32 type = 0;
+    quint32 number = 0;
+    if (m_database->findDev(&refdata, &type, &number) >= 1 && type != nox->opt->devType &&
+        number != nox->opt->devNumber)
+        updateReferenceData(nox);
+}
+
+// What the database keeps
+
+void noxList::updateReferenceData(const _nox *nox)
+{
+    const QByteArray refdata = taken(nox->opt->getRefAllData());
+    m_database->updRefData(nox->dbIndex, &refdata, nox->opt->devType, nox->opt->devNumber,
+                           nox->opt->getDevName(true));
+}
+
+void noxList::storeIdentity(_nox *nox)
+{
+    setCommandByte(nox);
+    if (isIdentified(*nox->opt))
+        nox->dbIndex =
+            m_database->addDev(nox->opt->devType, nox->opt->devNumber, nox->opt->getDevName(true));
+    emit onIdentChange(nox->index);
+}
+
+void noxList::storeUnit(const _nox *nox, quint8 ch)
+{
+    if (nox->dbIndex < 1 || ch >= nox->opt->getDevChCount())
+        return;
+    const bool isCustom = nox->opt->getCh(ch).measType == measTemperatureCustom &&
+                          !nox->opt->getChDimCust(ch).isEmpty();
+    m_database->setDevProperty(nox->dbIndex, QStringLiteral("ch_%1-dim").arg(ch),
+                               isCustom ? QVariant(nox->opt->getChDimCust(ch)) : QVariant());
+}
