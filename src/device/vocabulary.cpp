@@ -171,6 +171,13 @@ quint32 typeCodeFromReferenceData(const ReferenceData &data)
     return 0;
 }
 
+QVector<quint32> modelsWithSameReferenceData(quint32 typeCode)
+{
+    const QVector<quint32> alike = {0x21, 0x22};
+    const InstrumentModel *model = findModel(typeCode);
+    return model && alike.contains(model->baseTypeCode) ? alike : QVector<quint32>();
+}
+
 QString modelName(const InstrumentModel &model)
 {
     return translated(model.name);

@@ -38,6 +38,10 @@ const InstrumentModel *findModelNamed(const QString &name);
 /** The type code that reference data tell, as far as they can: 0x01, 0x11, 0x31, or 0. */
 quint32 typeCodeFromReferenceData(const ReferenceData &data);
 
+/** The base models that reference data cannot tell from each other, this one's included; empty when
+ *  they can. */
+QVector<quint32> modelsWithSameReferenceData(quint32 typeCode);
+
 /** The name of a model as the user reads it. */
 QString modelName(const InstrumentModel &model);
 

@@ -56,6 +56,9 @@ public:
     noxList(NOXSerialPort *serialPort, noxSql *database);
     ~noxList() override;
 
+    NOXSerialPort *serialPort() const { return m_serialPort; }
+    noxSql *database() const { return m_database; }
+
     /** A new record for a device (-1: none); null, after onAddNox(-1, false), when it is full. */
     _nox *newNox(int devIndex, bool wire);
     /**

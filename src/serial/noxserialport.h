@@ -42,6 +42,8 @@ public:
     void setDevType(int devIndex, char devType);
     /** The port's name, "-" for an unknown device. */
     QString getPortName(int devIndex) const;
+    /** The `devIndex` of every worker. */
+    QList<int> devices() const { return m_workers.keys(); }
     /** True only if the device has had a read and none is queued now. */
     bool isEmptyQueryQueue(int devIndex) const;
     /** No device has a queued write. */

@@ -73,6 +73,30 @@ int noxSql::addDev(quint32 type, quint32 number, const QString &name)
                  {":device_name_search", name.toLower()}}));
 }
 
+int noxSql::provideDev(const QByteArray *refdata, quint32 type, quint32 number, const QString &name)
+{
+    const auto row = selectOnly(
+        m_database,
+        "SELECT device_id FROM device WHERE device_refdata=:device_refdata"
+        " AND device_type=:device_type AND device_number=:device_number",
+        {{":device_refdata", *refdata}, {":device_type", type}, {":device_number", number}});
+    if (row)
+        return row->value(0).toInt();
+    const int known = findDev(type, number);
+    if (known != failure)
+        return updRefData(known, refdata, type, number, name) ? known : failure;
+    return insertedId(execute(
+        m_database,
+        " INSERT INTO device (device_type, device_number, device_refdata, device_name,"
+        " device_name_search) VALUES(:device_type, :device_number, :device_refdata, :device_name,"
+        " :device_name_search)",
+        {{":device_type", type},
+         {":device_number", number},
+         {":device_refdata", *refdata},
+         {":device_name", name},
+         {":device_name_search", name.toLower()}}));
+}
+
 bool noxSql::updRefData(int deviceId, const QByteArray *refdata, quint32 type, quint32 number,
                         const QString &name)
 {

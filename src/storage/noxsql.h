@@ -44,6 +44,9 @@ public:
 
     /** The id of the instrument of this type and serial number, which is added if it is new. */
     int addDev(quint32 type, quint32 number, const QString &name);
+    /** The row of the instrument with these reference data, type and serial number; else the row of
+     *  its type and number, which takes the data; else a new one. */
+    int provideDev(const QByteArray *refdata, quint32 type, quint32 number, const QString &name);
     /** Rewrites an instrument's row. */
     bool updRefData(int deviceId, const QByteArray *refdata, quint32 type, quint32 number,
                     const QString &name);

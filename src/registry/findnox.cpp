@@ -1,0 +1,383 @@
+#include "registry/findnox.h"
+
+#include "device/vocabulary.h"
+#include "serial/noxserialport.h"
+#include "serial/portcatalog.h"
+#include "storage/noxsql.h"
+#include "ui_findnox.h"
+
+#include <QLabel>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr quint8 identificationAddress = 51;
+constexpr int identificationSize = 8;
+constexpr quint8 referenceDataAddress = 3;
+constexpr quint8 identificationWriteAddress = 50;
+constexpr quint8 serialNumberWriteAddress = 52;
+constexpr quint16 lastExchangeOfReads = 200; ///< greater codes are failed writes and port errors
+
+const QString skipUnknownKey = QStringLiteral("find_skip_unknown");
+
+QByteArray taken(QByteArray *given)
+{
+    return *std::unique_ptr<QByteArray>(given);
+}
+
+bool isIdentified(const optionsNOX8 &image)
+{
+    return image.devType != 0 && image.devNumber != 0;
+}
+
+} // namespace
+
+findNox::findNox(QWidget *parent, noxList *registry)
+    : QDialog(parent)
+    , m_registry(registry)
+    , m_ui(std::make_unique<Ui::findNox>())
+    , m_found(std::make_unique<noxList>(registry->serialPort(), registry->database()))
+    , m_message(new QLabel(this))
+{
+    m_ui->setupUi(this);
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    layout()->setSizeConstraint(QLayout::SetFixedSize);
+    m_message->setAlignment(Qt::AlignCenter);
+    m_message->hide();
+    m_ui->progressLayout->addWidget(m_message);
+    buildTable();
+    connect(this, &QDialog::finished, this, &findNox::endSearch);
+}
+
+findNox::~findNox() = default;
+
+// The search
+
+void findNox::find(bool autoConnect, uint type, quint16 number)
+{
+    m_autoConnect = autoConnect;
+    m_typeFilter = type;
+    m_numberFilter = number;
+    {
+        const QSignalBlocker noStoring(m_ui->skipNoneCB);
+        const bool skipUnknown =
+            searchesForOne() || m_registry->database()->getAppProperty(skipUnknownKey).toBool();
+        m_ui->skipNoneCB->setChecked(skipUnknown);
+        m_ui->skipNoneCB->setEnabled(!searchesForOne());
+    }
+    const NOXSerialPort *const port = m_registry->serialPort();
+    port->disconnect(this); // a search may be started while another one runs
+    connect(port, QOverload<int, QByteArray *, quint8>::of(&NOXSerialPort::readyDevReply), this,
+            &findNox::queryDataReady);
+    connect(port, &NOXSerialPort::onDevQueryError, this, &findNox::queryError);
+    connect(port, QOverload<int, quint16>::of(&NOXSerialPort::onDevError), this,
+            &findNox::devError);
+    runScan();
+    show();
+}
+
+void findNox::runScan()
+{
+    m_awaited.clear();
+    const auto waiting = m_found->indices();
+    for (const int index : waiting)
+        m_found->rmByIndex(index);
+    dropUnknownDevices();
+    clearTable();
+    if (PortCatalog::current().ports().isEmpty())
+        return showIdle(tr("Нет доступных портов"));
+
+    m_ui->newDevTable->setEnabled(false);
+    m_ui->connectBtn->setEnabled(false);
+    m_ui->scanBtn->setEnabled(false);
+    m_message->hide();
+    m_ui->progressBar->setRange(0, 0);
+    m_ui->progressBar->show();
+    const int opened = openFreePorts();
+    m_ui->progressBar->setValue(0);
+    m_ui->progressBar->setProperty("max", opened);
+    if (opened == 0)
+        showIdle(tr("Нет доступных портов"));
+}
+
+/** Opens every free port and asks who is there; how many could be opened. */
+int findNox::openFreePorts()
+{
+    NOXSerialPort *const serialPort = m_registry->serialPort();
+    const auto ports = PortCatalog::current().ports();
+    for (const SerialPortEntry &port : ports) {
+        const int devIndex = port.busy ? -1 : serialPort->addDev(port.name);
+        if (devIndex < 0)
+            continue;
+        m_awaited.insert(devIndex);
+        serialPort->sendDevQuery(devIndex, identificationAddress, identificationSize, true,
+                                 noxQueryModeFast);
+        serialPort->sendDevQuery(devIndex, referenceDataAddress, referenceDataSize, true,
+                                 noxQueryModeFast);
+    }
+    return m_awaited.size();
+}
+
+void findNox::showIdle(const QString &message)
+{
+    clearTable();
+    m_ui->newDevTable->setEnabled(false);
+    m_ui->connectBtn->setEnabled(false);
+    m_ui->scanBtn->setEnabled(true);
+    m_ui->progressBar->hide();
+    m_message->setText(message);
+    m_message->show();
+}
+
+/** A device of the scan has been dealt with, for whatever reason; counted once. */
+void findNox::countStep(int devIndex)
+{
+    if (!m_awaited.remove(devIndex))
+        return;
+    const int opened = m_ui->progressBar->property("max").toInt();
+    m_ui->progressBar->setRange(0, opened);
+    m_ui->progressBar->setValue(opened - m_awaited.size());
+    if (m_awaited.isEmpty())
+        allQueryCopmlite();
+}
+
+void findNox::dropDevice(int devIndex)
+{
+    m_registry->serialPort()->rmDev(devIndex);
+    countStep(devIndex);
+}
+
+/** Removes the workers that no registry knows. */
+void findNox::dropUnknownDevices()
+{
+    const auto devices = m_registry->serialPort()->devices();
+    for (const int devIndex : devices)
+        if (!m_registry->isDevIndex(devIndex) && !m_found->isDevIndex(devIndex))
+            m_registry->serialPort()->rmDev(devIndex);
+}
+
+void findNox::endSearch()
+{
+    m_registry->serialPort()->disconnect(this);
+    m_awaited.clear();
+    m_rows.clear();
+    m_numberFilter = 0;
+    const auto waiting = m_found->indices();
+    for (const int index : waiting)
+        m_found->rmByIndex(index);
+    dropUnknownDevices();
+}
+
+// What the instruments answer
+
+void findNox::queryDataReady(int devIndex, QByteArray *buf, quint8 address)
+{
+    if (!m_awaited.contains(devIndex))
+        return;
+    noxList::_nox *found = m_found->getNoxByDevIndex(devIndex);
+    if (!found)
+        found = m_found->newNox(devIndex, false);
+    if (!found || (address != identificationAddress && address != referenceDataAddress))
+        return dropDevice(devIndex);
+
+    if (address == identificationAddress) {
+        if (readIdentification(found, *buf))
+            takeRecognised(found);
+    } else if (readReferenceData(found, *buf)) {
+        takeRecognised(found);
+    } else {
+        countStep(devIndex);
+    }
+}
+
+/** Whether the identification tells who the instrument is. */
+bool findNox::readIdentification(noxList::_nox *found, const QByteArray &block)
+{
+    optionsNOX8 &image = *found->opt;
+    const bool isAccepted = image.setData(block, identificationAddress);
+    if (!isIdentified(image))
+        return false;
+    if (isAccepted) {
+        found->dbIndex =
+            m_registry->database()->addDev(image.devType, image.devNumber, image.getDevName(true));
+        m_registry->serialPort()->setDevType(found->devIndex, image.getDevFamily());
+    }
+    return true;
+}
+
+/** Whether the reference data, or what was known before, tell who the instrument is. */
+bool findNox::readReferenceData(noxList::_nox *found, const QByteArray &block)
+{
+    const bool isAccepted = found->opt->setData(block, referenceDataAddress);
+    if (isAccepted && !found->opt->identValid)
+        return adoptFromDatabase(found) && isIdentified(*found->opt);
+    return isIdentified(*found->opt);
+}
+
+/** Takes type and number from the row with the same reference data; false when there is none. */
+bool findNox::adoptFromDatabase(noxList::_nox *found)
+{
+    const QByteArray refdata = taken(found->opt->getRefAllData());
+    quint32 type = 0;
+    quint32 number = 0;
+    const int row = m_registry->database()->findDev(&refdata, &type, &number);
+    if (row < 1)
+        return false;
+    found->dbIndex = row;
+    found->opt->setDevType(type);
+    found->opt->setDevNumber(quint16(number));
+    return true;
+}
+
+/** Shows an instrument that needs no answer, and connects it if it is one that is searched for. */
+void findNox::takeRecognised(noxList::_nox *found)
+{
+    const int devIndex = found->devIndex;
+    const bool isTheOne = m_numberFilter != 0 && found->opt->devNumber == m_numberFilter;
+    addRecognisedRow(*found);
+    if ((m_numberFilter == 0 || isTheOne) && handOver(found) && isTheOne)
+        return accept();
+    countStep(devIndex);
+}
+
+/** Gives a found instrument to the main registry; the record may be gone afterwards. */
+bool findNox::handOver(noxList::_nox *found)
+{
+    const int devIndex = found->devIndex;
+    if (!m_registry->addNox(found))
+        return false;
+    m_found->detachByDevIndex(devIndex);
+    if (!m_registry->owns(found)) // the registry goes on with a record that it had before
+        delete found;
+    return true;
+}
+
+void findNox::queryError(int devIndex, quint16, noxSerialPortQueryItem query)
+{
+    // older instruments know no identification: their reference data decide
+    if (query.address == referenceDataAddress && m_awaited.contains(devIndex))
+        dropDevice(devIndex);
+}
+
+void findNox::devError(int devIndex, quint16 code)
+{
+    if (code > lastExchangeOfReads && m_awaited.contains(devIndex))
+        dropDevice(devIndex);
+}
+
+// What is left for the operator
+
+void findNox::allQueryCopmlite()
+{
+    if (m_ui->skipNoneCB->isChecked())
+        return accept();
+    m_ui->scanBtn->setEnabled(true);
+    m_ui->progressBar->hide();
+    m_message->setText(tr("Найдено приборов: ") + QString::number(m_found->indices().size()));
+    m_message->show();
+    dropUnknownDevices();
+    if (m_found->indices().isEmpty())
+        return accept();
+
+    listWaiting();
+    m_ui->newDevTable->setEnabled(true);
+    m_ui->connectBtn->setEnabled(true);
+    if (m_autoConnect && connectsByItself())
+        on_connectBtn_clicked();
+}
+
+void findNox::listWaiting()
+{
+    m_rows.clear();
+    const auto waiting = m_found->indices();
+    for (const int index : waiting) {
+        noxList::_nox *const found = m_found->getNoxByIndex(index);
+        const optionsNOX8 &image = *found->opt;
+        if (image.identValid)
+            found->dbIndex = m_registry->database()->findDev(image.devType, image.devNumber);
+        else
+            adoptFromDatabase(found);
+        WaitingRow row{index, FoundInstrument(image, found->dbIndex >= 1)};
+        if (searchesForOne() && !isSearched(image))
+            row.instrument.check(false);
+        m_rows.append(row);
+    }
+    showWaiting();
+}
+
+bool findNox::isSearched(const optionsNOX8 &image) const
+{
+    return image.devType == m_typeFilter && image.devNumber == m_numberFilter;
+}
+
+bool findNox::connectsByItself() const
+{
+    if (searchesForOne())
+        return std::any_of(m_rows.begin(), m_rows.end(), [this](const WaitingRow &row) {
+            return isSearched(*m_found->getNoxByIndex(row.index)->opt);
+        });
+    return std::all_of(m_rows.begin(), m_rows.end(),
+                       [](const WaitingRow &row) { return row.instrument.isUnambiguous(); });
+}
+
+void findNox::on_connectBtn_clicked()
+{
+    readNumbers();
+    const QVector<WaitingRow> rows = m_rows;
+    for (const WaitingRow &row : rows)
+        if (row.instrument.isChecked())
+            connectRow(row);
+    accept();
+}
+
+/** Connects an instrument as the operator has described it. */
+void findNox::connectRow(const WaitingRow &row)
+{
+    noxList::_nox *const found = m_found->getNoxByIndex(row.index);
+    if (!found) // its plug was pulled meanwhile
+        return;
+    optionsNOX8 &image = *found->opt;
+    NOXSerialPort *const serialPort = m_registry->serialPort();
+    bool isNumber = false;
+    const quint16 number = row.instrument.number().toUShort(&isNumber);
+
+    if (image.getDevRev() == 0) {
+        image.setDevType(row.instrument.typeCode());
+        if (isNumber)
+            image.setDevNumber(number);
+        if (isIdentified(image) && image.identValid)
+            serialPort->sendDevData(found->devIndex, taken(image.getIdentData()),
+                                    identificationWriteAddress);
+    } else if (image.devNumber == 0 && isNumber) {
+        image.setDevNumber(number);
+        serialPort->sendDevData(found->devIndex, taken(image.getSNData()),
+                                serialNumberWriteAddress);
+    }
+    if (!isIdentified(image))
+        return;
+    if (found->dbIndex < 1) {
+        const QByteArray refdata = taken(image.getRefData(true));
+        found->dbIndex = m_registry->database()->provideDev(
+            &refdata, image.devType, image.devNumber, image.getDevName(true));
+    }
+    handOver(found);
+}
+
+// The operator
+
+void findNox::on_cancelBtn_clicked()
+{
+    reject();
+}
+
+void findNox::on_scanBtn_clicked()
+{
+    runScan();
+}
+
+void findNox::on_skipNoneCB_toggled(bool checked)
+{
+    m_registry->database()->setAppProperty(skipUnknownKey, checked);
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QString>
+#include <QVector>
+
+class optionsNOX8;
+
+/** A model that the operator can choose for a found instrument; code 0 is none. */
+struct ModelChoice {
+    quint32 typeCode;
+    QString name;
+};
+
+/** A found instrument that could not be connected by itself, as the operator sees and edits it. */
+class FoundInstrument
+{
+public:
+    /** `isStored`: the database has a row of it. */
+    FoundInstrument(const optionsNOX8 &image, bool isStored);
+
+    const QVector<ModelChoice> &models() const { return m_models; }
+    quint32 typeCode() const { return m_models.at(m_model).typeCode; }
+    int model() const { return m_model; }
+    QString number() const { return m_number; }
+    bool isNumberEditable() const { return m_isNumberEditable; }
+    bool isChecked() const { return m_isChecked; }
+    bool isCheckEnabled() const { return m_isCheckEnabled; }
+    /** Its model and number are known: nothing has to be asked. */
+    bool isUnambiguous() const { return m_isUnambiguous; }
+
+    /** The operator chooses a model (index of models()): none cannot be connected. */
+    void chooseModel(int model);
+    /** The operator enters a number; kept as it is. */
+    void enterNumber(const QString &text) { m_number = text; }
+    /** The operator wants it connected, or not. */
+    void check(bool checked);
+
+private:
+    QVector<ModelChoice> m_models;
+    int m_model = 0;
+    QString m_number;
+    bool m_hasOwnIdentity;
+    bool m_isNumberEditable;
+    bool m_isChecked;
+    bool m_isCheckEnabled;
+    bool m_isUnambiguous;
+};
