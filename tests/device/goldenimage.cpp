@@ -39,12 +39,11 @@ void makeReferenceData(ReferenceData &data, int k)
                                       {1.5e10, 0}};
     const double values[] = {200 + (2 * k + 1) / 64.0, -1500.1 - k, 1.0 / (k + 3),
                              3.000005 + 0.1 * k, 299.99999 + 100 * k};
-    ReferenceTriple *triples[] = {&data.refR[0], &data.refR[1], &data.refR[2], &data.refR[3],
-                                  &data.refU};
-    for (int i = 0; i < 5; ++i) {
-        triples[i]->value.value = float(values[i]);
-        triples[i]->a.value = float(coefficients[i][0] * (k + 1));
-        triples[i]->b.value = float(coefficients[i][1] * (k + 1));
+    for (std::size_t i = 0; i < 5; ++i) {
+        ReferenceTriple &triple = i < 4 ? data.refR.at(i) : data.refU;
+        triple.value.value = float(values[i]);
+        triple.a.value = float(coefficients[i][0] * (k + 1));
+        triple.b.value = float(coefficients[i][1] * (k + 1));
     }
     data.refT0.value = float(alternating(k, k + 0.125));
 }
@@ -90,12 +89,13 @@ ChannelSettings goldenChannel(int k, int c, const GoldenModel &model)
 void makeTable(FeatureRecord &feature, int k, int c)
 {
     const int last = 55 - 6 * k;
+    auto ratio = feature.ratio.begin();
     for (int i = 0; i < 56; ++i) {
         const int p = qMin(i, last);
         const double first = (1990 * p - 9999 + c) / 10.0;
         const double second = (100 * p * p - 99999 + c) / 10000.0;
-        feature.ratio[std::size_t(2 * i)].value = float(first);
-        feature.ratio[std::size_t(2 * i + 1)].value = float(second);
+        (ratio++)->value = float(first);
+        (ratio++)->value = float(second);
         if (i <= last)
             feature.ratioStr << QString::number(first, 'f', 1) << QString::number(second, 'f', 4);
     }

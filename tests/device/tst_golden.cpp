@@ -194,18 +194,18 @@ void becomeAsInFile(FeatureRecord &feature, const FeatureRecord &loaded)
 
 /** A golden image as its settings file gives it back. Besides, a file holds no serial number, and
  *  of its numbers the digits that it shows. */
-void becomeAsInFile(optionsNOX8 &image, const optionsNOX8 &loaded)
+void becomeAsInFile(optionsNOX8 &expected, const optionsNOX8 &loaded)
 {
-    image.devNumber = 0;
-    for (ReferenceTriple &resistor : image.refR)
+    expected.devNumber = 0;
+    for (ReferenceTriple &resistor : expected.refR)
         becomeAsWritten(resistor);
-    becomeAsWritten(image.refU);
-    becomeAsWritten(image.refT0, 'f', 2);
-    forEachShift(static_cast<ZeroShifts &>(image),
+    becomeAsWritten(expected.refU);
+    becomeAsWritten(expected.refT0, 'f', 2);
+    forEachShift(static_cast<ZeroShifts &>(expected),
                  [](bFloat &shift) { becomeAsWritten(shift, 'g', 6); });
-    for (int c = 0; c < image.getDevChCount(); ++c) {
-        becomeAsInFile(image.channels[c], image.devType > 0x21);
-        becomeAsInFile(*image.features.at(c), *loaded.features.at(c));
+    for (int c = 0; c < expected.getDevChCount(); ++c) {
+        becomeAsInFile(expected.channels[c], expected.devType > 0x21);
+        becomeAsInFile(*expected.features.at(c), *loaded.features.at(c));
     }
 }
 
