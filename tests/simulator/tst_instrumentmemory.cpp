@@ -1,22 +1,13 @@
-#include "simulator/factoryblocks.h"
+#include "device/callendarvandusen.h"
+#include "device/optionsnox8.h"
+#include "device/vocabulary.h"
 #include "simulator/instrumentmemory.h"
 #include "simulator/thermometrysignal.h"
 
-#include <QtEndian>
 #include <QtTest>
-
-#include <cstring>
 
 namespace
 {
-
-float floatAt(const QByteArray &bytes, int offset)
-{
-    const auto bits = qFromBigEndian<quint32>(bytes.constData() + offset);
-    float value = 0.0F;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
-}
 
 InstrumentMemory memoryOf(const QString &model, int loggerMarks = 2)
 {
@@ -29,53 +20,70 @@ class TestInstrumentMemory : public QObject
 {
     Q_OBJECT
 private slots:
-    void models_data();
-    void models();
+    void identificationAsRead();
+    void factoryReferencesTellTheModel_data();
+    void factoryReferencesTellTheModel();
+    void factoryCharacteristicIsPlatinum_data();
+    void factoryCharacteristicIsPlatinum();
+    void factoryCharacteristicsAreAccepted();
     void writes_data();
     void writes();
     void channelIsWritten();
     void channelBeyondTheModelIsRefused();
     void olderInstrumentHasNoIdentification();
-    void characteristicIsPlatinum_data();
-    void characteristicIsPlatinum();
     void logHoldsEveryChannelAfterEachMark();
 };
 
-void TestInstrumentMemory::models_data()
+void TestInstrumentMemory::identificationAsRead()
 {
-    QTest::addColumn<QString>("model");
-    QTest::addColumn<int>("configurationSize");
-    QTest::addColumn<int>("familyCode");
-    QTest::addColumn<QByteArray>("identification");
-
-    const auto extended = [](const char *typeCode) {
-        return QByteArray(typeCode) + "caf3e12035000000000000000000000034120000";
-    };
-    QTest::newRow("A") << "NOX A" << 3976 << 0 << QByteArray("0000000001001234");
-    QTest::newRow("B") << "NOX B" << 3976 << 1 << QByteArray("0100000011001234");
-    QTest::newRow("C") << "NOX C" << 3976 << 2 << QByteArray("0200000021001234");
-    QTest::newRow("CM") << "NOX CM" << 3976 << 2 << QByteArray("0200000022001234");
-    QTest::newRow("D") << "NOX D" << 3976 << 3 << QByteArray("0300000031001234");
-    QTest::newRow("CM1") << "NOX CM1" << 7944 << 4 << QByteArray("0400000041001234");
-    QTest::newRow("CM, revision 4") << "NOX CM rev.4" << 3976 << 2 << extended("0faa5009");
-    QTest::newRow("CM1, revision 4") << "NOX CM1 rev.4" << 7944 << 4 << extended("0faa6009");
-    QTest::newRow("D, revision 4") << "NOX D rev.4" << 3976 << 3 << extended("0faa7009");
+    QCOMPARE(memoryOf("NOX D").block(51).toHex(), QByteArray("0300000031001234"));
+    QCOMPARE(memoryOf("NOX CM1 rev.4").block(51).toHex(),
+             QByteArray("0faa6009caf3e12035000000000000000000000034120000"));
 }
 
-void TestInstrumentMemory::models()
+void TestInstrumentMemory::factoryReferencesTellTheModel_data()
+{
+    QTest::addColumn<QString>("model");
+    for (const char *model : {"NOX A", "NOX B", "NOX D"})
+        QTest::newRow(model) << QString(model);
+}
+
+void TestInstrumentMemory::factoryReferencesTellTheModel()
 {
     QFETCH(QString, model);
-    QFETCH(int, configurationSize);
-    QFETCH(QByteArray, identification);
-    const InstrumentMemory memory = memoryOf(model);
+    optionsNOX8 image;
+    QVERIFY(image.setData(memoryOf(model).block(3), 3));
+    QCOMPARE(image.getDevTypeStr(true), model);
+}
 
-    QCOMPARE(memory.block(51).toHex(), identification);
-    QCOMPARE(memory.serialNumber(), quint16(0x1234));
-    QCOMPARE(memory.block(3).size(), 72);
-    QCOMPARE(memory.block(9).size(), identification.size() > 16 ? 148 : 0);
-    const QByteArray configuration = memory.block(2);
-    QCOMPARE(configuration.size(), configurationSize);
-    QTEST(int(configuration.at(configurationSize / 492 * 4 + 4)), "familyCode");
+void TestInstrumentMemory::factoryCharacteristicIsPlatinum_data()
+{
+    QTest::addColumn<double>("celsius");
+    QTest::newRow("cold") << -80.0;
+    QTest::newRow("ice point") << 0.0;
+    QTest::newRow("boiling water") << 100.0;
+    QTest::newRow("molten zinc") << 419.527;
+}
+
+void TestInstrumentMemory::factoryCharacteristicIsPlatinum()
+{
+    QFETCH(double, celsius);
+    const auto image = factoryImage({});
+    TemperaturePolynomial polynomial;
+    for (std::size_t k = 0; k < polynomial.size(); ++k)
+        polynomial[k] = double(image->getFeature(4)->ratio[k].value);
+    const double shown = evaluate(polynomial, platinumResistance(celsius));
+    QVERIFY2(qAbs(shown - celsius) < 0.003, qPrintable(QString::number(shown)));
+}
+
+void TestInstrumentMemory::factoryCharacteristicsAreAccepted()
+{
+    const auto image = factoryImage({});
+    QCOMPARE(image->getFeatureInfStrList(),
+             (QStringList{"Pt100 №1", "Pt100 №2", "Pt100 №3", "Pt100 №4", "Pt100 №5", "Pt100 №6",
+                          "ЭТС-100 №7", "ТПП(S) №8"}));
+    for (quint8 channel = 0; channel < image->getDevChCount(); ++channel)
+        QCOMPARE(image->getChFeatureName(channel), image->getFeature(channel)->name);
 }
 
 void TestInstrumentMemory::writes_data()
@@ -120,7 +128,7 @@ void TestInstrumentMemory::channelIsWritten()
 {
     InstrumentMemory memory = memoryOf("NOX B");
     QVERIFY(memory.isChannelOn(2));
-    QCOMPARE(memory.measurementType(2), quint8(0x10));
+    QCOMPARE(memory.measurementType(2), measTemperature);
     QByteArray expected = memory.block(2);
     expected.replace(0, 4, QByteArray::fromHex("21100100"));
     expected.replace(12, 4, QByteArray::fromHex("00221430"));
@@ -128,7 +136,7 @@ void TestInstrumentMemory::channelIsWritten()
     memory.write(4, QByteArray::fromHex("020000002110010000221430"));
     QCOMPARE(memory.block(2), expected);
     QVERIFY(!memory.isChannelOn(2));
-    QCOMPARE(memory.measurementType(2), quint8(0x20));
+    QCOMPARE(memory.measurementType(2), measVoltage);
 }
 
 void TestInstrumentMemory::channelBeyondTheModelIsRefused()
@@ -148,47 +156,14 @@ void TestInstrumentMemory::olderInstrumentHasNoIdentification()
     QVERIFY(memory.isReadable(3));
 }
 
-void TestInstrumentMemory::characteristicIsPlatinum_data()
-{
-    QTest::addColumn<double>("celsius");
-    QTest::newRow("cold") << -80.0;
-    QTest::newRow("ice point") << 0.0;
-    QTest::newRow("boiling water") << 100.0;
-    QTest::newRow("molten zinc") << 419.527;
-}
-
-void TestInstrumentMemory::characteristicIsPlatinum()
-{
-    QFETCH(double, celsius);
-    const QByteArray record = factoryCharacteristic(4);
-    QCOMPARE(record.size(), 492);
-    QCOMPARE(record.mid(5, 8), QByteArray("Pt100 \xB9"
-                                          "5"));
-
-    double entered = 0.0;
-    double stored = 0.0;
-    double power = 1.0;
-    for (int k = 0; k < 10; ++k, power *= platinumResistance(celsius)) {
-        const QByteArray text = record.mid(85 + 20 * k, record.at(84 + 20 * k));
-        entered += text.toDouble() * power;
-        stored += double(floatAt(record, 44 + 4 * k)) * power;
-    }
-    QVERIFY2(qAbs(stored - celsius) < 0.003, qPrintable(QString::number(stored)));
-    QVERIFY2(qAbs(entered - celsius) < 0.003, qPrintable(QString::number(entered)));
-}
-
 void TestInstrumentMemory::logHoldsEveryChannelAfterEachMark()
 {
     const QByteArray log = memoryOf("NOX B", 3).block(5);
     QCOMPARE(log.size(), 8 * (1 + 3 * (1 + 8)));
     QCOMPARE(log.left(8).toHex(), QByteArray("00110517091e0000"));
-    const QByteArray secondMark = log.mid(8 * 10, 8);
-    QCOMPARE(secondMark.at(0), char(1));
-    QCOMPARE(floatAt(secondMark, 4), 10.0F);
-    const QByteArray lastReading = log.right(8);
-    QCOMPARE(lastReading.left(2).toHex(), QByteArray("0207"));
-    QCOMPARE(lastReading.at(6), char(0x10));
-    QVERIFY(floatAt(lastReading, 2) > 20.0F && floatAt(lastReading, 2) < 30.0F);
+    QCOMPARE(log.mid(8 * 10, 8).toHex(), QByteArray("0100000041200000"));
+    const QByteArray lastReading = log.right(8).toHex();
+    QVERIFY2(lastReading.startsWith("020741ae") && lastReading.endsWith("1000"), lastReading);
     QVERIFY(memoryOf("NOX B", 0).block(5).isEmpty());
 }
 
