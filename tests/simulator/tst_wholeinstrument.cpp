@@ -243,6 +243,8 @@ void TestWholeInstrument::readChangedWrittenAndReadAgain()
     for (const QVector<LoggerItem> &items : qAsConst(records)) {
         QCOMPARE(items.size(), loggerMarks);
         QCOMPARE(items.constLast().time, 10.0F);
+        QCOMPARE(items.constLast().dim, measurementUnit(measTemperature));
+        QVERIFY(items.constLast().value > 20.0F && items.constLast().value < 30.0F);
     }
 
     change(image);

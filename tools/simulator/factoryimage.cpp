@@ -78,35 +78,60 @@ void setChannel(optionsNOX8 &image, quint8 channel)
     image.setChFeatureCompesTP(channel, compensNone, 0);
 }
 
-QStringList typeSTable()
+/** A characteristic as the factory enters it. */
+struct Characteristic {
+    FeatureRecord::_featureIndType type;
+    QString sensor;
+    QStringList values;
+};
+
+/** R0, A, B and C of IEC 60751, and the range in °C. */
+Characteristic platinumThermometer()
 {
-    QStringList texts;
+    return {FeatureRecord::callendarVanDusen,
+            QStringLiteral("Pt100"),
+            {"100", "3.9083E-3", "-5.775E-7", "-4.183E-12", "-100", "450"}};
+}
+
+/** Rtt, M, b and c1; A, B, C, D and W(660.323 °C). */
+Characteristic standardThermometer()
+{
+    return {
+        FeatureRecord::its90,
+        QStringLiteral("ЭТС-100"),
+        {"100.0123", "-1.31E-4", "-2.4E-6", "0", "-1.27E-4", "-8.1E-6", "1.9E-6", "0", "3.37561"}};
+}
+
+/** Pairs of °C and mV. */
+Characteristic thermocouple()
+{
+    QStringList pairs;
     double celsius = 0.0;
     for (const double millivolts : typeSMillivolts) {
-        texts << QString::number(celsius, 'f', 1) << QString::number(millivolts, 'f', 4);
+        pairs << QString::number(celsius, 'f', 1) << QString::number(millivolts, 'f', 4);
         celsius += 100.0;
     }
-    return texts;
+    return {FeatureRecord::temperatureOfVoltage, QStringLiteral("ТПП(S)"), pairs};
+}
+
+Characteristic characteristicOf(int channelsBehind)
+{
+    switch (channelsBehind) {
+    case 0:
+        return thermocouple();
+    case 1:
+        return standardThermometer();
+    default:
+        return platinumThermometer();
+    }
 }
 
 void setCharacteristic(optionsNOX8 &image, quint8 channel)
 {
-    featureNOX8 &characteristic = *image.getFeature(channel);
-    const int channelsBehind = image.getDevChCount() - 1 - channel;
     const int number = channel + 1;
-    if (channelsBehind == 0)
-        characteristic.setFeature(FeatureRecord::temperatureOfVoltage,
-                                  QStringLiteral("ТПП(S) №%1").arg(number), typeSTable());
-    else if (channelsBehind == 1)
-        // Rtt, M, b, c1; A, B, C, D, W(660.323)
-        characteristic.setFeature(FeatureRecord::its90, QStringLiteral("ЭТС-100 №%1").arg(number),
-                                  {"100.0123", "-1.31E-4", "-2.4E-6", "0", "-1.27E-4", "-8.1E-6",
-                                   "1.9E-6", "0", "3.37561"});
-    else
-        // R0, A, B and C of IEC 60751, and the range
-        characteristic.setFeature(FeatureRecord::callendarVanDusen,
-                                  QStringLiteral("Pt100 №%1").arg(number),
-                                  {"100", "3.9083E-3", "-5.775E-7", "-4.183E-12", "-100", "450"});
+    const Characteristic own = characteristicOf(image.getDevChCount() - number);
+    image.getFeature(channel)->setFeature(
+        own.type, QStringLiteral("%1 №%2").arg(own.sensor).arg(number), own.values);
 }
 
 } // namespace
