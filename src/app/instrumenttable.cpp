@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QHBoxLayout>
+#include <QProgressBar>
 #include <QSignalBlocker>
 #include <QTableWidget>
 
@@ -13,6 +14,7 @@ namespace
 {
 
 constexpr char indexProperty[] = "noxIndex";
+constexpr int progressWidth = 50;
 
 QCheckBox *showBoxAt(const QTableWidget *table, int row)
 {
@@ -102,6 +104,24 @@ void InstrumentTable::mark(int index, uchar ch, const ValueMarks &marks)
     refreshValue(index);
 }
 
+void InstrumentTable::showProgress(int index, int progress, int maxProgress)
+{
+    const int row = rowOf(index);
+    if (row < 1)
+        return;
+    if (progress == 0 && maxProgress == 0)
+        return m_table->removeCellWidget(row, InstrumentColumn::Menu);
+    auto *bar = qobject_cast<QProgressBar *>(m_table->cellWidget(row, InstrumentColumn::Menu));
+    if (!bar) {
+        bar = new QProgressBar;
+        bar->setFixedWidth(progressWidth);
+        bar->setTextVisible(false);
+        m_table->setCellWidget(row, InstrumentColumn::Menu, bar);
+    }
+    bar->setRange(0, maxProgress);
+    bar->setValue(progress);
+}
+
 int InstrumentTable::indexAt(int row) const
 {
     return row < 1 ? -1 : m_indices.value(row - 1, -1);
@@ -110,6 +130,9 @@ int InstrumentTable::indexAt(int row) const
 void InstrumentTable::setRowCount(int instruments)
 {
     const int before = m_table->rowCount();
+    if (instruments + 1 < before) // rows move up: a bar would speak for another instrument
+        for (int row = 1; row < before; ++row)
+            m_table->removeCellWidget(row, InstrumentColumn::Menu);
     m_table->setRowCount(instruments + 1);
     for (int row = before; row <= instruments; ++row)
         addShowBox(row);

@@ -35,6 +35,10 @@ public:
     /** The point just taken lies beyond a limit. */
     void raiseAlarm(int index, uchar ch);
 
+    /** A transfer's progress in the row of the instrument: -1 for an unknown one, 0 of 0 when the
+     *  transfer is over. */
+    void showProgress(int index, int progress, int maxProgress);
+
     /** The registry index shown in a row; -1 for the header and beyond the last row. */
     int indexAt(int row) const;
     /** The mouse entered a cell. */

@@ -7,7 +7,9 @@
 #include "app/plotbuttons.h"
 #include "app/plotplaces.h"
 #include "plot/qwtnox.h"
+#include "registry/findnox.h"
 #include "serial/noxserialport.h"
+#include "storage/noxsql.h"
 #include "ui_mainwindow.h"
 #include "widgets/userdialogs.h"
 
@@ -89,6 +91,14 @@ void MainWindow::detachInstrument(int index, int qwtIndex)
     m_plotButtons->refresh();
 }
 
+/** The main instrument of the next start, and the model for the plots of new ones. */
+void MainWindow::storeMainInstrument()
+{
+    const int dbIndex = m_registry->getDBIndex(m_current);
+    if (dbIndex > 0)
+        m_database->setAppProperty(QStringLiteral("main_device_id"), dbIndex);
+}
+
 void MainWindow::adoptModel(int index)
 {
     const noxList::_nox *nox = m_registry->getNoxByIndex(index);
@@ -104,6 +114,7 @@ void MainWindow::makeCurrent(int index)
 {
     m_current = index;
     m_plot->setDevMain(currentPlotIndex());
+    storeMainInstrument();
     updUI();
 }
 
@@ -119,12 +130,19 @@ void MainWindow::showFault(int index, quint8 code, const QString &reason)
     const noxList::_nox *nox = m_registry->getNoxByIndex(index);
     if (!nox)
         return;
+    m_instruments->showProgress(index, 0, 0);
     Message message;
     message.icon = QMessageBox::Warning;
     message.title = tr("Неисправность прибора");
     message.text = tr("ОШИБКА №%1\nНеисправность прибора %2\n%3")
                        .arg(QString::number(code), instrumentTitle(*nox->opt), reason);
     UserDialogs::current().tell(this, message);
+}
+
+void MainWindow::searchAgain(int index)
+{
+    if (const noxList::_nox *nox = m_registry->getNoxByIndex(index))
+        m_discovery->find(true, nox->opt->devType, nox->opt->devNumber);
 }
 
 // Values
@@ -299,7 +317,21 @@ void MainWindow::on_exitBtm_clicked()
     close();
 }
 
+void MainWindow::on_findDevBtn_clicked()
+{
+    m_discovery->find(true, 0, 0);
+}
+
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    event->accept();
+    if (!m_database->getAppProperty(QStringLiteral("exit_query")).toBool())
+        return event->accept();
+    event->ignore();
+    Message question;
+    question.icon = QMessageBox::Question;
+    question.title = tr("Выход из программы");
+    question.text = tr("Вы уверены что хотите выйти из программы?");
+    question.buttons = QMessageBox::Yes | QMessageBox::No;
+    if (UserDialogs::current().ask(this, question) == QMessageBox::Yes)
+        event->accept();
 }

@@ -14,6 +14,9 @@ class NOXSerialPort;
 class NumericPanels;
 class PlotButtons;
 class QwtNOX;
+class SettingsMenu;
+class findNox;
+class noxSql;
 
 namespace Ui
 {
@@ -36,6 +39,7 @@ public:
     NOXSerialPort *serialPort() const { return m_serialPort.get(); }
     noxList *registry() const { return m_registry.get(); }
     QwtNOX *plot() const { return m_plot.get(); }
+    findNox *discovery() const { return m_discovery.get(); }
     /** Registry index of the current instrument, -1 when there is none. */
     int currentIndex() const { return m_current; }
 
@@ -50,6 +54,7 @@ private slots:
     // connected by name from the form
     void on_exitBtm_clicked();
     void on_wideViewBtn_clicked();
+    void on_findDevBtn_clicked();
     void on_chTable_cellPressed(int row, int column);
     void on_chTable_cellEntered(int row, int column);
     void on_devTable_cellPressed(int row, int column);
@@ -58,12 +63,14 @@ private slots:
 private:
     // construction, in this order
     void buildForm();
+    void buildDatabase();
     void buildInstruments();
     void buildPlot();
     void buildDisplays();
     void connectRegistry();
     void connectPlot();
     void buildMenus();
+    void buildSettings();
 
     // what the registry reports
     void attachInstrument(int index);
@@ -73,6 +80,7 @@ private:
     void addRecords(int index, const QMap<quint8, QVector<optionsNOX8::_recItem>> &records,
                     const QDateTime &start);
     void showFault(int index, quint8 code, const QString &reason);
+    void searchAgain(int index);
 
     // what the plot reports
     void showPoint(int qwtIndex, uchar ch);
@@ -83,6 +91,7 @@ private:
 
     // what the user asks for
     void makeCurrent(int index);
+    void storeMainInstrument();
     void connectPort(const QString &portName);
     void clearPlot(int qwtIndex);
     void chooseColor(uchar ch);
@@ -98,13 +107,16 @@ private:
     // Destroyed in the reverse order: what shows before what is shown, the multiplexer last.
     std::unique_ptr<Ui::MainWindow> m_ui;
     std::unique_ptr<NOXSerialPort> m_serialPort;
+    std::unique_ptr<noxSql> m_database;
     std::unique_ptr<noxList> m_registry;
     std::unique_ptr<QwtNOX> m_plot;
+    std::unique_ptr<findNox> m_discovery;
     std::unique_ptr<InstrumentTable> m_instruments;
     std::unique_ptr<ChannelTable> m_channels;
     std::unique_ptr<ConnectMenu> m_connectMenu;
     std::unique_ptr<NumericPanels> m_panels;
     std::unique_ptr<ClearMenu> m_clearMenu;
     std::unique_ptr<PlotButtons> m_plotButtons;
+    std::unique_ptr<SettingsMenu> m_settingsMenu;
     int m_current = -1;
 };

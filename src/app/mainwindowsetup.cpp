@@ -5,12 +5,18 @@
 #include "app/mainwindow.h"
 #include "app/numericpanels.h"
 #include "app/plotbuttons.h"
+#include "app/settingsmenu.h"
 #include "plot/qwtnox.h"
+#include "registry/findnox.h"
 #include "serial/noxserialport.h"
+#include "storage/databasefile.h"
+#include "storage/noxsql.h"
 #include "ui_mainwindow.h"
 
 #include <QFile>
 #include <QLocale>
+#include <QStandardPaths>
+#include <QTimer>
 
 // How the main window is put together, and how it is taken apart.
 
@@ -18,6 +24,7 @@ namespace
 {
 
 constexpr uchar plotDivisions = 10;
+constexpr int discoveryDelayMs = 500;
 
 /** A style sheet that is built in; empty when it is missing. */
 QString readStyleSheet(const QString &path)
@@ -36,12 +43,14 @@ MainWindow::MainWindow(QWidget *parent)
     , m_ui(std::make_unique<Ui::MainWindow>())
 {
     buildForm();
+    buildDatabase();
     buildInstruments();
     buildPlot();
     buildDisplays();
     connectRegistry();
     connectPlot();
     buildMenus();
+    buildSettings();
     updUI();
 }
 
@@ -50,6 +59,7 @@ MainWindow::~MainWindow()
     // The workers are waited for in a local event loop: neither what they still report nor the user
     // may reach a window that is half taken apart.
     hide();
+    m_serialPort->disconnect(this);
     m_registry->disconnect(this);
     m_plot->disconnect(this);
 }
@@ -61,11 +71,19 @@ void MainWindow::buildForm()
     setStyleSheet(readStyleSheet(QStringLiteral(":/resource/nox8.css")));
 }
 
+void MainWindow::buildDatabase()
+{
+    const QString path = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) +
+                         QStringLiteral("/nox8.db");
+    provideDatabase(path);
+    m_database = std::make_unique<noxSql>(path);
+}
+
 void MainWindow::buildInstruments()
 {
     m_serialPort = std::make_unique<NOXSerialPort>();
     registerExchangeItems();
-    m_registry = std::make_unique<noxList>(m_serialPort.get(), nullptr);
+    m_registry = std::make_unique<noxList>(m_serialPort.get(), m_database.get());
 }
 
 void MainWindow::buildPlot()
@@ -79,6 +97,9 @@ void MainWindow::buildPlot()
 
 void MainWindow::buildDisplays()
 {
+    m_discovery = std::make_unique<findNox>(this, m_registry.get());
+    m_discovery->setStyleSheet(styleSheet());
+
     m_panels = std::make_unique<NumericPanels>(m_ui->frameMainLCDMeas, m_ui->frameMainLCDAver);
     connect(m_panels.get(), &NumericPanels::valueClicked, m_plot.get(),
             [this] { m_plot->toggleMeasShow(); });
@@ -98,6 +119,11 @@ void MainWindow::buildDisplays()
 
 void MainWindow::connectRegistry()
 {
+    connect(m_serialPort.get(), QOverload<int, int, int, quint8>::of(&NOXSerialPort::setProgress),
+            this, [this](int devIndex, int progress, int maxProgress) {
+                m_instruments->showProgress(m_registry->getIndexByDev(devIndex), progress,
+                                            maxProgress);
+            });
     const noxList *registry = m_registry.get();
     connect(registry, &noxList::onAddNox, this, &MainWindow::attachInstrument);
     connect(registry, &noxList::onChange, this, &MainWindow::updUI);
@@ -110,6 +136,7 @@ void MainWindow::connectRegistry()
     connect(registry, &noxList::onReadMeas, this, &MainWindow::addMeasurement);
     connect(registry, &noxList::onReadRec, this, &MainWindow::addRecords);
     connect(registry, &noxList::onRmNox, this, &MainWindow::detachInstrument);
+    connect(registry, &noxList::doFindNox, this, &MainWindow::searchAgain);
     connect(registry, &noxList::onDevError, this, &MainWindow::showFault);
     connect(registry, &noxList::doClearQwt, m_plot.get(), [this](int qwtIndex) {
         if (qwtIndex >= 0) // below 0 the plot would clear its main instrument
@@ -144,4 +171,12 @@ void MainWindow::buildMenus()
     m_clearMenu = std::make_unique<ClearMenu>(m_registry.get(), this);
     m_ui->clearBtn->setMenu(m_clearMenu.get());
     connect(m_clearMenu.get(), &ClearMenu::chosen, this, &MainWindow::clearPlot);
+}
+
+void MainWindow::buildSettings()
+{
+    m_settingsMenu = std::make_unique<SettingsMenu>(m_database.get(), this);
+    m_ui->settingsBtn->setMenu(m_settingsMenu.get());
+    if (m_settingsMenu->connectsAtStart())
+        QTimer::singleShot(discoveryDelayMs, this, [this] { m_discovery->find(true, 0, 0); });
 }

@@ -51,6 +51,18 @@ public:
     QColor color;
 };
 
+/** A folder of its own for the user's data: no test meets the database of another. */
+class OwnDataFolder
+{
+public:
+    OwnDataFolder() { qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.path())); }
+    ~OwnDataFolder() { qunsetenv("XDG_DATA_HOME"); }
+    Q_DISABLE_COPY(OwnDataFolder)
+
+private:
+    QTemporaryDir m_folder;
+};
+
 /** A main window without any port, seen through its form. */
 class WindowFixture
 {
@@ -120,6 +132,7 @@ public:
         QTest::mouseClick(table->viewport(), button, Qt::NoModifier, cell.center());
     }
 
+    OwnDataFolder data;
     AnsweredDialogs dialogs;
     std::unique_ptr<MainWindow> window;
 };

@@ -1,5 +1,6 @@
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
+#include "storage/noxsql.h"
 #include "support/instrumentbench.h"
 
 #include <QtTest>
@@ -58,6 +59,7 @@ private:
     /** As the multiplexer says it. */
     void fireMeasurement(int devIndex, double value, quint8 ch, char dim);
 
+    noxSql closedDatabase{QString()};
     std::unique_ptr<InstrumentBench> bench;
     std::unique_ptr<NOXSerialPort> port;
     std::unique_ptr<noxList> list;
@@ -70,7 +72,7 @@ void TestNoxList::init()
     LinkTiming timing = shortTiming();
     timing.initDelay = 50;
     port->setLinkTiming(timing);
-    list = std::make_unique<noxList>(port.get(), nullptr);
+    list = std::make_unique<noxList>(port.get(), &closedDatabase);
 }
 
 void TestNoxList::cleanup()
