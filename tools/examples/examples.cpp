@@ -31,6 +31,8 @@ const QMap<QString, Maker> &makers()
         {"serial-number", serialNumberExample},
         {"logger", loggerExample},
         {"settings-file", settingsFileExample},
+        {"characteristic-file", characteristicFileExample},
+        {"table-file", tableFileExample},
         {"fit", fitTable},
     };
     return all;

@@ -1,8 +1,12 @@
 #include "examples/fileexamples.h"
 
+#include "calibration/characteristicfile.h"
 #include "device/settingslayout.h"
 #include "device/settingswriter.h"
+#include "device/windows1251.h"
 #include "examples/exampleimage.h"
+
+#include <QBuffer>
 
 namespace
 {
@@ -45,6 +49,15 @@ private:
     QStringList m_lines;
 };
 
+/** The lines of the file that the editor writes for these cells. */
+QStringList characteristicLines(const CharacteristicFile &file)
+{
+    QBuffer device;
+    device.open(QIODevice::WriteOnly);
+    writeCharacteristicFile(file, device);
+    return fromWindows1251(device.data()).split(QStringLiteral("\r\n"));
+}
+
 } // namespace
 
 QStringList settingsFileExample()
@@ -70,5 +83,35 @@ QStringList settingsFileExample()
     dump.show(layout.shortCircuitLine(), 1, "short circuit");
     dump.show(layout.unitLine(0), 3, "units of channels 0 to 2");
     dump.show(layout.extendedPart(), 4, "extended part: model, own name, first zero shift");
+    return dump.lines();
+}
+
+QStringList characteristicFileExample()
+{
+    optionsNOX8 image;
+    fillExampleImage(image);
+    const FeatureRecord &feature = *image.getFeature(2);
+    const QStringList upper = feature.ratioStr.mid(0, 4) << QStringLiteral("-");
+    FileDump dump(
+        characteristicLines({feature.type, feature.name, {upper, feature.ratioStr.mid(4)}}), 1);
+    dump.show(1, 2, "form code, description");
+    dump.show(3, 4, "Rтт, M, b, c1");
+    dump.show(7, 1, "the cell without a number");
+    dump.show(8, 5, "A, B, C, D, W(660.323)");
+    return dump.lines();
+}
+
+QStringList tableFileExample()
+{
+    optionsNOX8 image;
+    fillExampleImage(image);
+    const FeatureRecord &feature = *image.getFeature(3);
+    CharacteristicFile file{feature.type, feature.name, QVector<QStringList>(2)};
+    for (int i = 0; i < feature.ratioStr.size(); ++i)
+        file.rows[i % 2] << feature.ratioStr.at(i);
+    FileDump dump(characteristicLines(file), 1);
+    dump.show(1, 2, "form code, description");
+    dump.show(3, 3, "pairs of T and U");
+    dump.show(6, 2, "empty columns, up to line 58");
     return dump.lines();
 }
