@@ -13,6 +13,7 @@ namespace
 
 constexpr int thermometers = 1000;
 constexpr int steps = 200;
+constexpr int lastFittedStep = steps * 99 / 100;
 constexpr double millikelvin = 1000.0;
 
 struct Range {
@@ -63,7 +64,7 @@ Errors errorsOf(const CallendarVanDusen &thermometer)
         const double celsius = thermometer.lowest + range * i / steps;
         const double resistance = thermometer.resistance(celsius);
         raise(errors.fitted, evaluate(fitted, resistance), celsius);
-        if (i <= steps * 99 / 100)
+        if (i <= lastFittedStep)
             raise(errors.fittedInside, evaluate(fitted, resistance), celsius);
         raise(errors.stored, evaluate(stored, resistance), celsius);
         raise(errors.storedAndSingle, evaluateInSingle(stored, float(resistance)), celsius);
@@ -75,8 +76,8 @@ Errors errorsOf(const CallendarVanDusen &thermometer)
 QVector<Errors> errorsOver(const Range &range)
 {
     QVector<Errors> all;
-    for (int i = 0; i < thermometers; ++i)
-        all << errorsOf(platinum(float(100.0 + 1e-4 * (i - thermometers / 2)), range));
+    for (int i = -thermometers / 2; i < thermometers / 2; ++i)
+        all << errorsOf(platinum(float(100.0 + 1e-4 * i), range));
     return all;
 }
 
