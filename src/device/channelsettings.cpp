@@ -25,9 +25,9 @@ QByteArray encodeChannel(const ChannelSettings &channel)
 
 void decodeChannel(const QByteArray &block, int offset, ChannelSettings &channel)
 {
-    const quint8 typeAndCurrent = quint8(block.at(offset + 1));
-    const quint8 resistorAndFeature = quint8(block.at(offset + 2));
-    const quint8 sources = quint8(block.at(offset + 3));
+    const auto typeAndCurrent = quint8(block.at(offset + 1));
+    const auto resistorAndFeature = quint8(block.at(offset + 2));
+    const auto sources = quint8(block.at(offset + 3));
 
     channel.onOff = qint8(block.at(offset));
     channel.measType = MeasurementType(highNibble(typeAndCurrent));

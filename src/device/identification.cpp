@@ -29,7 +29,7 @@ bool decodeIdentification(const QByteArray &block, Identification &identificatio
 {
     if (block.size() != identificationSize)
         return false;
-    const qint8 type = qint8(block.at(typeOffset));
+    const auto type = qint8(block.at(typeOffset));
     if (type < 1 || type >> 4 != block.at(0))
         return false;
     identification = {quint32(type), qFromBigEndian<quint16>(block.constData() + numberOffset), {}};

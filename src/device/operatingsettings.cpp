@@ -13,9 +13,9 @@ QByteArray encodeOperatingSettings(const OperatingSettings &settings)
 
 void decodeOperatingSettings(const QByteArray &block, OperatingSettings &settings)
 {
-    const quint8 timeAndMode = quint8(block.at(0));
-    const quint8 roundAndCompensation = quint8(block.at(1));
-    const quint8 reversalAndShortCircuit = quint8(block.at(2));
+    const auto timeAndMode = quint8(block.at(0));
+    const auto roundAndCompensation = quint8(block.at(1));
+    const auto reversalAndShortCircuit = quint8(block.at(2));
     settings.devMeasTime = timeAndMode >> 4;
     settings.devMeasMode = lowNibble(timeAndMode);
     settings.devMeasRound = highNibble(roundAndCompensation);

@@ -18,7 +18,7 @@ enum ReadAddress : quint8 {
 
 QByteArray noStamp()
 {
-    return QByteArray(8, '\0');
+    return {8, '\0'};
 }
 
 } // namespace

@@ -39,6 +39,11 @@ QString rounded(double number)
     return QString::number(number, 'f', 0);
 }
 
+QString tenths(const bFloat &number)
+{
+    return rounded(double(number.value) * tenth);
+}
+
 } // namespace
 
 QString switchText(qint8 onOff)
@@ -134,10 +139,10 @@ int typeFromFormCode(int code)
     return formCode(code); // the exchange is its own reverse
 }
 
-QString tableLine(float first, float second)
+QString tableLine(const bFloat &first, const bFloat &second)
 {
-    return rounded(double(first) * tenth).rightJustified(firstOfWidth) +
-           rounded(double(second) * tenThousandth).rightJustified(secondOfWidth);
+    return tenths(first).rightJustified(firstOfWidth) +
+           rounded(double(second.value) * tenThousandth).rightJustified(secondOfWidth);
 }
 
 QStringList textsFromTableLine(const QString &line)
@@ -148,8 +153,8 @@ QStringList textsFromTableLine(const QString &line)
             QString::number(second / tenThousandth, 'f', 4)};
 }
 
-bool fitsTableLine(float first, float second)
+bool fitsTableLine(const bFloat &first, const bFloat &second)
 {
-    return std::isfinite(first) && std::isfinite(second) &&
-           rounded(double(first) * tenth).size() <= firstOfWidth;
+    return std::isfinite(first.value) && std::isfinite(second.value) &&
+           tenths(first).size() <= firstOfWidth;
 }

@@ -47,8 +47,8 @@ int formCode(int type);
 int typeFromFormCode(int code);
 
 /** A pair of a table: tenths in 5 characters, then ten-thousandths in 6. */
-QString tableLine(float first, float second);
+QString tableLine(const bFloat &first, const bFloat &second);
 /** The two texts of such a line, with one and with four decimals. */
 QStringList textsFromTableLine(const QString &line);
 /** Whether the pair can be read back from its line. */
-bool fitsTableLine(float first, float second);
+bool fitsTableLine(const bFloat &first, const bFloat &second);

@@ -11,7 +11,7 @@
 namespace
 {
 
-constexpr qint64 longestFile = 1024 * 1024; // thirty times what the largest model needs
+constexpr qint64 longestFile = 1 << 20; // thirty times what the largest model needs
 
 QStringList linesOf(QIODevice &device)
 {

@@ -108,12 +108,10 @@ private:
 
     void writeEntries(const FeatureRecord &feature)
     {
-        for (int k = 0; k < SettingsLayout::entryLines; ++k) {
-            const auto pair = std::size_t(2 * k);
+        for (int k = 0; k < SettingsLayout::entryLines; ++k)
             m_lines << (feature.type == FeatureRecord::temperatureOfVoltage
-                            ? tableLine(feature.ratio[pair].value, feature.ratio[pair + 1].value)
+                            ? tableLine(feature.ratio.at(2 * k), feature.ratio.at(2 * k + 1))
                             : oneLine(feature.ratioStr.value(k)));
-        }
     }
 
     void writeCoefficients(const FeatureRecord &feature)
@@ -169,7 +167,7 @@ bool fitsLines(const FeatureRecord &feature)
     if (feature.type != FeatureRecord::temperatureOfVoltage)
         return true;
     for (std::size_t i = 0; i < feature.ratio.size(); i += 2)
-        if (!fitsTableLine(feature.ratio[i].value, feature.ratio[i + 1].value))
+        if (!fitsTableLine(feature.ratio[i], feature.ratio[i + 1]))
             return false;
     return true;
 }

@@ -55,7 +55,6 @@ private slots:
     void dialogue();
     void faults_data();
     void faults();
-    void wholeConfigurationIsRead();
     void abandonedWriteChangesNothing();
     void stepsAreLogged();
 
@@ -233,24 +232,6 @@ void TestInstrumentDialogue::faults()
     play(dialogue, script);
     QCOMPARE(dialogue.takeUnplug(), plan.unplugAfterAnswerBytes > 0);
     QVERIFY(!dialogue.takeUnplug());
-}
-
-void TestInstrumentDialogue::wholeConfigurationIsRead()
-{
-    InstrumentMemory memory({QStringLiteral("NOX CM1"), 7, {}, 0, true});
-    InstrumentDialogue dialogue(memory);
-    play(dialogue, "0 02 > 02\n1 0f > aa0fff00");
-
-    QByteArray unit = dialogue.receive(QByteArray(1, 4), 2);
-    QByteArray configuration;
-    for (qint64 now = 3; dialogue.isBusy() && now < 3000; ++now) {
-        configuration += unit;
-        const QByteArray answer = dialogue.receive(unit, now);
-        QCOMPARE(answer.at(0), char(0x0F));
-        unit = answer.mid(1);
-    }
-    QCOMPARE(configuration.size(), 7944);
-    QCOMPARE(configuration, memory.block(2));
 }
 
 void TestInstrumentDialogue::abandonedWriteChangesNothing()

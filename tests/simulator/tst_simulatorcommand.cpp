@@ -1,3 +1,4 @@
+#include "device/vocabulary.h"
 #include "simulator/commandline.h"
 
 #include <QtTest>
@@ -31,7 +32,7 @@ void TestSimulatorCommand::optionsReachTheInstrument()
          "0.5",      "--unplug-after", "1.5",         "--word-addresses", "9,52"});
     QCOMPARE(command.kind, SimulatorCommand::Play);
     const SimulatedInstrumentOptions &options = command.instrument;
-    QCOMPARE(InstrumentMemory(options.identity).model().typeCode, quint32(0x0970AA0F));
+    QCOMPARE(modelName(modelOf(options.identity)), QString("NOX D rev.4"));
     QCOMPARE(options.identity.serialNumber, quint16(77));
     QVERIFY(!options.identity.answersIdentification);
     QCOMPARE(options.tokensPerSecond, 12.5);

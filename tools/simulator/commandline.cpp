@@ -1,5 +1,7 @@
 #include "simulator/commandline.h"
 
+#include "simulator/instrumentmodel.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
@@ -322,7 +324,7 @@ QVector<SimulatedInstrumentOptions> fleetOf(const SimulatedInstrumentOptions &fi
     QVector<SimulatedInstrumentOptions> fleet;
     for (int i = 0; i < size; ++i) {
         SimulatedInstrumentOptions member = first;
-        member.identity.modelName = instrumentModels().at(i % instrumentModels().size()).name;
+        member.identity.modelName = modelName(instrumentModels().at(i % instrumentModels().size()));
         member.identity.serialNumber = quint16(first.identity.serialNumber + i);
         member.signal.seed = first.signal.seed + quint32(i);
         member.faults.seed = first.faults.seed + quint32(i);

@@ -1,47 +1,47 @@
 #include "simulator/instrumentmemory.h"
 
-#include "simulator/factoryblocks.h"
+#include "device/configurationblock.h"
+#include "device/optionsnox8.h"
+#include "device/vocabulary.h"
+#include "simulator/factorylog.h"
 
 namespace
 {
 
-constexpr int channelTableOffset = 4;
-constexpr int channelRecordSize = 4;
 constexpr int channelBlockSize = 12;
+constexpr int channelBlockSettings = 4; // where the operating settings stand in it
+constexpr int channelBlockRecord = 8;   // and the channel's record
 constexpr int clockSize = 8;
 constexpr int serialNumberSize = 4;
 constexpr int serialNumberOffset = 20; // in the extended identification
-constexpr int extendedIdentificationWriteSize = 20;
 
-InstrumentModel modelNamed(const QString &name)
+/** The bytes of a block that the image has built for its caller. */
+QByteArray taken(QByteArray *block)
 {
-    const InstrumentModel *model = findInstrumentModel(name);
-    return model ? *model : *findInstrumentModel(QStringLiteral("NOX B"));
+    const std::unique_ptr<QByteArray> owned(block);
+    return *owned;
+}
+
+/** The identification as it is read: an extended one has the serial number behind. */
+QByteArray identificationOf(const optionsNOX8 &image, const InstrumentModel &model)
+{
+    const QByteArray written = taken(image.getIdentData());
+    return model.extended ? written + taken(image.getSNData()) : written;
 }
 
 } // namespace
 
 InstrumentMemory::InstrumentMemory(const InstrumentIdentity &identity)
-    : m_model(modelNamed(identity.modelName))
+    : m_model(modelOf(identity))
 {
-    m_blocks[2] = factoryConfiguration(m_model);
-    m_blocks[3] = factoryReferenceData(m_model);
-    m_blocks[5] = factoryLog(m_model, identity.loggerMarks);
-    if (m_model.isExtended())
-        m_blocks[9] = factoryZeroShifts();
+    const auto image = factoryImage(identity);
+    m_blocks[2] = taken(image->getData());
+    m_blocks[3] = taken(image->getRefData(false));
+    m_blocks[5] = factoryLog(m_model.channels, identity.loggerMarks);
+    if (m_model.extended)
+        m_blocks[9] = taken(image->getRefShiftData());
     if (identity.answersIdentification)
-        m_blocks[51] = factoryIdentification(m_model, identity.serialNumber, identity.name);
-}
-
-quint16 InstrumentMemory::serialNumber() const
-{
-    const QByteArray identification = block(51);
-    if (identification.isEmpty())
-        return 0;
-    const auto byteAt = [&](int offset) { return quint8(identification.at(offset)); };
-    return m_model.isExtended()
-               ? quint16(byteAt(serialNumberOffset) | byteAt(serialNumberOffset + 1) << 8)
-               : quint16(byteAt(6) << 8 | byteAt(7));
+        m_blocks[51] = identificationOf(*image, m_model);
 }
 
 int InstrumentMemory::writeLength(quint8 address) const
@@ -58,9 +58,9 @@ int InstrumentMemory::writeLength(quint8 address) const
     case 8:
         return m_blocks.value(9).size();
     case 50:
-        return m_model.isExtended() ? extendedIdentificationWriteSize : m_blocks.value(51).size();
+        return m_model.extended ? serialNumberOffset : m_blocks.value(51).size();
     case 52:
-        return m_model.isExtended() ? serialNumberSize : 0;
+        return m_model.extended ? serialNumberSize : 0;
     default:
         return 0;
     }
@@ -92,12 +92,20 @@ void InstrumentMemory::write(quint8 address, const QByteArray &bytes)
 
 bool InstrumentMemory::isChannelOn(int channel) const
 {
-    return m_blocks[2].at(channelTableOffset + channelRecordSize * channel) == 1;
+    return settingsOf(channel).onOff == 1;
 }
 
-quint8 InstrumentMemory::measurementType(int channel) const
+MeasurementType InstrumentMemory::measurementType(int channel) const
 {
-    return quint8(m_blocks[2].at(channelTableOffset + channelRecordSize * channel + 1)) & 0xF0;
+    return settingsOf(channel).measType;
+}
+
+ChannelSettings InstrumentMemory::settingsOf(int channel) const
+{
+    ChannelSettings settings;
+    decodeChannel(m_blocks[2], ConfigurationLayout(m_model.channels).channelOffset(channel),
+                  settings);
+    return settings;
 }
 
 void InstrumentMemory::overwrite(quint8 address, int offset, const QByteArray &bytes)
@@ -110,8 +118,9 @@ void InstrumentMemory::overwrite(quint8 address, int offset, const QByteArray &b
 void InstrumentMemory::writeChannel(const QByteArray &bytes)
 {
     const int channel = bytes.isEmpty() ? 0xFF : quint8(bytes.at(0));
-    if (bytes.size() < channelBlockSize || channel >= m_model.channelCount)
+    if (bytes.size() < channelBlockSize || channel >= m_model.channels)
         return;
-    overwrite(2, 0, bytes.mid(4, 4));
-    overwrite(2, channelTableOffset + channelRecordSize * channel, bytes.mid(8, channelRecordSize));
+    overwrite(2, 0, bytes.mid(channelBlockSettings, operatingSettingsSize));
+    overwrite(2, ConfigurationLayout(m_model.channels).channelOffset(channel),
+              bytes.mid(channelBlockRecord, channelRecordSize));
 }

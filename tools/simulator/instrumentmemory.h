@@ -1,21 +1,16 @@
 #pragma once
 
-#include "simulator/instrumentmodel.h"
+#include "device/channelsettings.h"
+#include "simulator/factoryimage.h"
 
 #include <QByteArray>
 #include <QMap>
 
-/** What distinguishes one simulated instrument's memory from another's. */
-struct InstrumentIdentity {
-    QString modelName = QStringLiteral("NOX B");
-    quint16 serialNumber = 1234;
-    QString name;                      ///< own name, extended models only; 16 characters are kept
-    int loggerMarks = 40;              ///< time marks in the recorded log; 0: nothing recorded
-    bool answersIdentification = true; ///< false: an older instrument without address 51
-};
-
 /**
  * The memory blocks of an instrument and what a write changes in them.
+ *
+ * They begin as the blocks of the factory image. From then on they are bytes, which need not make
+ * sense.
  *
  * Blocks are read at the addresses 2 (configuration), 3 (reference data), 5 (log, without its end
  * record), 9 (zero shifts) and 51 (identification), and written at 0, 1, 4 (one channel), 6
@@ -24,12 +19,9 @@ struct InstrumentIdentity {
 class InstrumentMemory
 {
 public:
-    /** An unknown model name gives a "NOX B". */
     explicit InstrumentMemory(const InstrumentIdentity &identity);
 
     const InstrumentModel &model() const { return m_model; }
-    /** The serial number as the identification holds it now. */
-    quint16 serialNumber() const;
 
     bool isReadable(quint8 address) const { return m_blocks.contains(address); }
     bool isWritable(quint8 address) const { return writeLength(address) > 0; }
@@ -43,16 +35,17 @@ public:
 
     /** Whether the channel (0-based) is switched on in the configuration. */
     bool isChannelOn(int channel) const;
-    /** Measurement type code of the channel: 0x00 Ω, 0x10 °C, 0x20 mV. */
-    quint8 measurementType(int channel) const;
+    /** What the channel measures. */
+    MeasurementType measurementType(int channel) const;
     /** The 8 bytes last written to the clock; empty before the first write. */
     QByteArray clock() const { return m_clock; }
 
 private:
+    ChannelSettings settingsOf(int channel) const;
     void overwrite(quint8 address, int offset, const QByteArray &bytes);
     void writeChannel(const QByteArray &bytes);
 
-    InstrumentModel m_model;
+    const InstrumentModel &m_model;
     QMap<quint8, QByteArray> m_blocks;
     QByteArray m_clock;
 };

@@ -1,4 +1,5 @@
 #include "simulator/commandline.h"
+#include "simulator/instrumentmodel.h"
 #include "simulator/terminationsignals.h"
 
 #include <QCoreApplication>
@@ -25,7 +26,7 @@ QTextStream &out()
 void listModels()
 {
     for (const InstrumentModel &model : instrumentModels())
-        out() << model.name << Qt::endl;
+        out() << modelName(model) << Qt::endl;
 }
 
 /** Each instrument of a fleet needs a descriptor: asks for as many as the system grants. */

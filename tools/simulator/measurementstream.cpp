@@ -1,17 +1,18 @@
 #include "simulator/measurementstream.h"
 
+#include "device/vocabulary.h"
 #include "simulator/instrumentmemory.h"
 
 namespace
 {
 
 /** Value and unit letter of a reading at this temperature. */
-QByteArray reading(quint8 measurementType, double celsius)
+QByteArray reading(MeasurementType measurementType, double celsius)
 {
     switch (measurementType) {
-    case 0x00:
+    case measResistance:
         return QByteArray::number(platinumResistance(celsius), 'f', 5) + 'A';
-    case 0x20:
+    case measVoltage:
         return QByteArray::number(thermocoupleVoltage(celsius), 'f', 5) + 'C';
     default:
         return QByteArray::number(celsius, 'f', 4) + 'B';
@@ -22,7 +23,7 @@ QByteArray reading(quint8 measurementType, double celsius)
 
 QByteArray MeasurementStream::nextToken(const InstrumentMemory &memory, double seconds)
 {
-    const int count = memory.model().channelCount;
+    const int count = memory.model().channels;
     for (int tried = 0; tried < count; ++tried) {
         m_channel = (m_channel + 1) % count;
         if (!memory.isChannelOn(m_channel))

@@ -1,0 +1,261 @@
+#include "device/datetimeblock.h"
+#include "device/optionsnox8.h"
+#include "device/vocabulary.h"
+#include "serial/noxserialport.h"
+#include "simulator/instrumentmodel.h"
+#include "support/linkjournal.h"
+
+#include <QtTest>
+
+#include <memory>
+
+namespace
+{
+
+constexpr int patienceMs = 30000;
+constexpr int loggerMarks = 2;
+const QDateTime now({2026, 11, 24}, {9, 41, 7});
+
+enum Address : quint8 {
+    writeConfiguration = 0,
+    writeReferenceData = 1,
+    readConfiguration = 2,
+    readReferenceData = 3,
+    writeChannel = 4,
+    readLogger = 5,
+    writeClock = 6,
+    writeZeroShifts = 8,
+    readZeroShifts = 9,
+    writeIdentification = 50,
+    readIdentification = 51,
+    writeSerialNumber = 52,
+};
+
+QByteArray taken(QByteArray *block)
+{
+    const std::unique_ptr<QByteArray> owned(block);
+    return *owned;
+}
+
+QString textOf(const ReferenceTriple &triple)
+{
+    return QString("%1 %2 %3").arg(triple.value.value).arg(triple.a.value).arg(triple.b.value);
+}
+
+QString textOf(const ChannelSettings &channel)
+{
+    return QString("on %1, measures %2, current %3, resistor %4, characteristic %5/%6, "
+                   "compensation %7/%8")
+        .arg(channel.onOff)
+        .arg(channel.measType)
+        .arg(channel.current)
+        .arg(channel.resist)
+        .arg(channel.featureType)
+        .arg(channel.feature)
+        .arg(channel.featureTypeCompensTP)
+        .arg(channel.featureCompensTP);
+}
+
+QString textOf(const featureNOX8 &feature)
+{
+    QStringList words{QString("%1 '%2'").arg(feature.type).arg(feature.name)};
+    for (int i = 0; i < FeatureRecord::ratioCount; ++i)
+        words << QString("%1 '%2'")
+                     .arg(feature.ratio[std::size_t(i)].value)
+                     .arg(feature.getRatioStr(quint8(i)));
+    return words.join(' ');
+}
+
+/** All that an instrument keeps of an image, field by field. */
+QStringList fieldsOf(const optionsNOX8 &image)
+{
+    QStringList fields{
+        QString("%1 № %2 '%3'").arg(image.devType, 0, 16).arg(image.devNumber).arg(image.devName),
+        QString("time %1, rounding %2, mode %3, compensation %4, reversal %5, short circuit %6")
+            .arg(image.devMeasTime)
+            .arg(image.devMeasRound)
+            .arg(image.devMeasMode)
+            .arg(image.devCompensTP)
+            .arg(image.devChRevers)
+            .arg(image.devZakorotka),
+        QString("T0 %1").arg(image.refT0.value), "Uref " + textOf(image.refU)};
+    for (const ReferenceTriple &resistor : image.refR)
+        fields << "R " + textOf(resistor);
+    forEachShift(
+        image, [&fields](const bFloat &shift) { fields << QString("shift %1").arg(shift.value); });
+    for (quint8 ch = 0; ch < image.getDevChCount(); ++ch)
+        fields << textOf(image.getCh(ch)) << textOf(*image.getFeature(ch));
+    return fields;
+}
+
+/** Something else in every block. */
+void change(optionsNOX8 &image)
+{
+    image.setDevNumber(54321);
+    image.devMeasTime = 3;
+    image.devMeasRound = 0x10;
+    image.devCompensTP = 1;
+    image.devChRevers = 0x10;
+    image.refT0.value = 21.25F;
+    image.refR[0].value.value = 199.98765F;
+    image.refU.b.value = -1.5e-9F;
+    image.setChMeasType(1, measVoltage, {});
+    image.setChCurrent(2, 0);
+    image.setChFeature(3, featureThermocouple, 9);
+    image.setChFeatureCompesTP(3, compensResistanceThermometer, 12);
+    image.getFeature(0)->setFeature(FeatureRecord::polynomial, "Полином",
+                                    {"-1.5", "2", "0.25", "0", "0", "0", "0", "0", "0", "1E-12"});
+    image.getFeature(7)->setFeature(FeatureRecord::temperatureOfVoltage, "Таблица",
+                                    {"-50.5", "-1.8890", "0.0", "0.0000", "1200.0", "48.8380"});
+    if (findModel(image.devType)->extended) {
+        image.devName = "Печь №2";
+        image.shiftCh[15].value = 0.125F;
+    }
+}
+
+} // namespace
+
+/** A whole instrument over the line: multiplexer, worker, dialogue, blocks and image together. */
+class TestWholeInstrument : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+    void readChangedWrittenAndReadAgain_data();
+    void readChangedWrittenAndReadAgain();
+
+private:
+    void readInto(optionsNOX8 &image);
+    void write(optionsNOX8 &image);
+    void compareMemoryWith(const optionsNOX8 &image);
+    void awaitReads();
+
+    std::unique_ptr<InstrumentBench> bench;
+    std::unique_ptr<NOXSerialPort> port;
+    int device = -1;
+};
+
+void TestWholeInstrument::init()
+{
+    bench = std::make_unique<InstrumentBench>();
+    port = std::make_unique<NOXSerialPort>();
+    LinkTiming timing = shortTiming();
+    timing.queueDelay = timing.startBase = 1;
+    port->setLinkTiming(timing);
+}
+
+void TestWholeInstrument::cleanup()
+{
+    port.reset();
+    bench.reset();
+}
+
+void TestWholeInstrument::awaitReads()
+{
+    QTRY_VERIFY_WITH_TIMEOUT(port->isReadAllQuery(), patienceMs);
+}
+
+/** Reads every block into the image: first who the instrument is, then what that one has. */
+void TestWholeInstrument::readInto(optionsNOX8 &image)
+{
+    const QObject listener;
+    QList<int> accepted;
+    connect(port.get(), QOverload<int, QByteArray, quint8>::of(&NOXSerialPort::readyDevReply),
+            &listener, [&](int, const QByteArray &block, quint8 address) {
+                if (image.setData(block, address))
+                    accepted << address;
+            });
+    port->sendDevQuery(device, readIdentification, 8);
+    awaitReads();
+    const InstrumentModel &model = *findModel(image.devType);
+    port->setDevType(device, image.getDevFamily());
+    port->sendDevQuery(device, readReferenceData, 72);
+    port->sendDevQuery(device, readConfiguration, quint16(image.getDevDataSize()));
+    if (model.extended)
+        port->sendDevQuery(device, readZeroShifts, 148);
+    port->sendRecQuery(device, readLogger, 32768);
+    awaitReads();
+    QList<int> expected{readIdentification, readReferenceData, readConfiguration, readLogger};
+    if (model.extended)
+        expected.insert(3, readZeroShifts);
+    QCOMPARE(accepted, expected);
+}
+
+/** Writes every block, and one channel by itself. */
+void TestWholeInstrument::write(optionsNOX8 &image)
+{
+    port->sendDevData(device, encodeDateTime(now), writeClock);
+    port->sendDevData(device, taken(image.getIdentData()), writeIdentification);
+    port->sendDevData(device, taken(image.getData()), writeConfiguration);
+    port->sendDevData(device, taken(image.getRefData(false)), writeReferenceData);
+    if (findModel(image.devType)->extended) {
+        port->sendDevData(device, taken(image.getSNData()), writeSerialNumber);
+        port->sendDevData(device, taken(image.getRefShiftData()), writeZeroShifts);
+    }
+    image.setChOnOff(5, 0);
+    image.devMeasMode = 0;
+    port->sendDevData(device, image.channelBlock(5), writeChannel);
+    QTRY_VERIFY_WITH_TIMEOUT(port->isSendAllData(), patienceMs);
+}
+
+void TestWholeInstrument::compareMemoryWith(const optionsNOX8 &image)
+{
+    const auto memory = [this](quint8 address) { return bench->host.block("a", address).toHex(); };
+    QCOMPARE(memory(readConfiguration), taken(image.getData()).toHex());
+    QCOMPARE(memory(readReferenceData), taken(image.getRefData(false)).toHex());
+    QByteArray identification = taken(image.getIdentData());
+    if (findModel(image.devType)->extended) {
+        identification += taken(image.getSNData());
+        QCOMPARE(memory(readZeroShifts), taken(image.getRefShiftData()).toHex());
+    }
+    QCOMPARE(memory(readIdentification), identification.toHex());
+}
+
+void TestWholeInstrument::readChangedWrittenAndReadAgain_data()
+{
+    QTest::addColumn<QString>("model");
+    for (const InstrumentModel &model : instrumentModels())
+        QTest::newRow(model.name) << modelName(model);
+}
+
+void TestWholeInstrument::readChangedWrittenAndReadAgain()
+{
+    QFETCH(QString, model);
+    SimulatedInstrumentOptions options = bench->steadyInstrument();
+    options.identity = {model, 1234, "Куб 5", loggerMarks, true};
+    QVERIFY(bench->add("a", options));
+    device = port->addDev("a");
+    QCOMPARE(device, 0);
+
+    optionsNOX8 image;
+    image.setClock([] { return now; });
+    QMap<quint8, QVector<LoggerItem>> records;
+    QDateTime start;
+    connect(&image, &optionsNOX8::onRecData, this, [&](const auto &items, const auto &begin) {
+        records = items;
+        start = begin;
+    });
+    readInto(image);
+    QCOMPARE(fieldsOf(image), fieldsOf(*factoryImage(options.identity)));
+    QCOMPARE(start, QDateTime({2023, 5, 17}, {9, 30}));
+    QCOMPARE(records.size(), int(image.getDevChCount()));
+    for (const QVector<LoggerItem> &items : qAsConst(records)) {
+        QCOMPARE(items.size(), loggerMarks);
+        QCOMPARE(items.constLast().time, 10.0F);
+        QCOMPARE(items.constLast().dim, measurementUnit(measTemperature));
+        QVERIFY(items.constLast().value > 20.0F && items.constLast().value < 30.0F);
+    }
+
+    change(image);
+    write(image);
+    compareMemoryWith(image);
+    QCOMPARE(bench->host.clock("a"), encodeDateTime(now));
+
+    optionsNOX8 readAgain;
+    readInto(readAgain);
+    QCOMPARE(fieldsOf(readAgain), fieldsOf(image));
+}
+
+QTEST_GUILESS_MAIN(TestWholeInstrument)
+#include "tst_wholeinstrument.moc"
