@@ -14,7 +14,8 @@
 namespace
 {
 
-constexpr qint64 longestFile = 1024 * 1024; // hundreds of times what the longest table needs
+constexpr int longestFile = 1024 * 1024; // hundreds of times what the longest table needs
+constexpr int chunkSize = 16 * 1024;
 constexpr int headLines = 2;
 constexpr int fewestPairs = 2;
 
@@ -78,10 +79,9 @@ QByteArray bytesOf(const CharacteristicFile &file)
 QByteArray contentOf(QIODevice &device)
 {
     QByteArray content;
-    std::array<char, 16 * 1024> chunk;
+    std::array<char, chunkSize> chunk;
     qint64 count = 0;
-    while (content.size() <= longestFile &&
-           (count = device.read(chunk.data(), qint64(chunk.size()))) > 0)
+    while (content.size() <= longestFile && (count = device.read(chunk.data(), chunkSize)) > 0)
         content.append(chunk.data(), int(count));
     return count < 0 || content.size() > longestFile ? QByteArray() : content;
 }

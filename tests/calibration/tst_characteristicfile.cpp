@@ -135,7 +135,7 @@ void TestCharacteristicFile::reading_data()
         << QByteArray("\n 1 \n\n\xCC \n1\n2\n3,5\nx\n5\n6") << "1|М|1 2 3,5 x 5 6";
     QTest::newRow("disabled cell") << lines("3|M|1|2|3|4|0|5|6|7|8|9") << "2|M|1 2 3 4 0|5 6 7 8 9";
     QTest::newRow("table: lines that are no pair")
-        << lines("2|T|1 2|1 2 3|4|5   6\t|7\t8") << "3|T|1   5|2   6";
+        << lines("2|T|1 2|1 2 3|4|5\t  \t6|7\t8") << "3|T|1   5|2   6";
     QTest::newRow("table: last column") << numbered("2|T|", 55, "x|") + "8 9"
                                         << "3|T|8|9";
     QTest::newRow("table: one line too many") << numbered("2|T|", 57, "1 2|") << refused;
@@ -154,9 +154,11 @@ void TestCharacteristicFile::reading_data()
     QTest::newRow("blank line before the description")
         << lines("1||7|1|2|3|4|5|6") << "1|7|1 2 3 4 5 6";
     QTest::newRow("blanks for a description") << lines("1|  |7|1|2|3|4|5|") << "1||7 1 2 3 4 5";
+    QTest::newRow("no description line") << lines("1|7|1|2|3|4|5|") << refused;
     QTest::newRow("number lost after a blank line") << lines("1||M|1|2|3|4|5") << refused;
     QTest::newRow("table: blank line before the description")
         << lines("2||no 1|1 2|3 4") << "3|no 1|1 3|2 4";
+    QTest::newRow("table: one number is no pair") << lines("2||5|1 2|3 4") << "3|5|1 3|2 4";
     QTest::newRow("table: blank line is the description")
         << lines("2||1 2|3,5 4") << "3||1 3,5|2 4";
     QTest::newRow("table: full with a pair as the description")
