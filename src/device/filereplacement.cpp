@@ -1,9 +1,13 @@
 #include "device/filereplacement.h"
 
+#include <QFileInfo>
 #include <QSaveFile>
 
 bool replaceFile(const QString &fileName, const QByteArray &content)
 {
+    const QFileInfo existing(fileName);
+    if (existing.exists() && !existing.isFile()) // the renaming would put a file in its place
+        return false;
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly))
         return false;

@@ -45,7 +45,11 @@ QDateTime startOf(const RecordReader &record)
 {
     const QDate date(2000 + record.byte(3), record.byte(2), record.byte(1));
     const QTime time(record.byte(4), record.byte(5), record.byte(6));
-    return date.isValid() && time.isValid() ? QDateTime(date, time) : QDateTime();
+    if (!date.isValid() || !time.isValid())
+        return {};
+    const QDateTime start(date, time);
+    // instruments know nothing of summer time: the hour that the computer skips is the next one
+    return start.isValid() ? start : QDateTime(date, time.addSecs(3600));
 }
 
 } // namespace

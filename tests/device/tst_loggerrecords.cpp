@@ -4,11 +4,14 @@
 
 #include <QtTest>
 
+#include <ctime>
+
 class TestLoggerRecords : public QObject
 {
     Q_OBJECT
 private slots:
     void accepted();
+    void hourSkippedBySummerTime();
     void refused_data();
     void refused();
     void imageHandsThemOn();
@@ -51,6 +54,17 @@ void TestLoggerRecords::accepted()
     QCOMPARE(row(0, 0), QStringLiteral("10 s 21.5 °С"));
     QCOMPARE(row(0, 1), QStringLiteral("20 s 21.75 Ω"));
     QCOMPARE(row(0, 2), QStringLiteral("20 s 21.75 -"));
+}
+
+void TestLoggerRecords::hourSkippedBySummerTime()
+{
+    qputenv("TZ", "Europe/Berlin");
+    tzset();
+    LoggerReadout readout;
+    QVERIFY(decodeLoggerRecords(records("001a0317021e0000"), 8, readout)); // 26.03.2023 02:30
+    QCOMPARE(readout.start, QDateTime({2023, 3, 26}, {3, 30}));
+    qunsetenv("TZ");
+    tzset();
 }
 
 void TestLoggerRecords::refused_data()

@@ -379,6 +379,8 @@ void TestSettingsFile::unreadableFiles()
     QCOMPARE(image.devType, 0x31u);
     QVERIFY(!image.saveToFile(directory.filePath("none/x.ust"), "COM1"));
     QVERIFY(!image.saveToFile(directory.path(), "COM1"));
+    QVERIFY(!image.saveToFile(fifo, "COM1"));
+    QVERIFY(!QFileInfo(fifo).isFile());
 
     QFile sparse(directory.filePath("large.ust"));
     QVERIFY(sparse.open(QIODevice::WriteOnly) && sparse.resize(100 * 1024 * 1024));

@@ -1,0 +1,193 @@
+#include "calibration/characteristicfile.h"
+
+#include "device/bfloat.h"
+#include "device/featurerecord.h"
+#include "device/filereplacement.h"
+#include "device/windows1251.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <array>
+
+namespace
+{
+
+constexpr int longestFile = 1024 * 1024; // hundreds of times what the longest table needs
+constexpr int chunkSize = 16 * 1024;
+constexpr int headLines = 2;
+constexpr int fewestPairs = 2;
+
+/** How a type appears in the editor and in a file. */
+struct Layout {
+    int code; ///< the first line of a file
+    int rows;
+    int columns;
+};
+
+constexpr std::array<Layout, 4> layouts = {{{0, 2, 5}, {1, 1, 6}, {3, 2, 5}, {2, 2, 56}}};
+
+const Layout &layoutOf(int type)
+{
+    return layouts.at(std::size_t(type));
+}
+
+/** Whether a line of data is a pair: a column of the table, not a cell. */
+bool isOfPairs(int type)
+{
+    return type == FeatureRecord::temperatureOfVoltage;
+}
+
+QString numberText(double number)
+{
+    return QString::number(number, 'g', 6);
+}
+
+QString oneLine(QString text)
+{
+    return text.replace("\r\n", " ").replace('\n', ' ').replace('\r', ' ');
+}
+
+QStringList dataLines(const CharacteristicFile &file)
+{
+    const Layout &layout = layoutOf(file.type);
+    const auto cell = [&](int row, int column) { return file.rows.value(row).value(column); };
+    QStringList lines;
+    if (isOfPairs(file.type))
+        for (int column = 0; column < layout.columns; ++column)
+            lines << numberText(cell(0, column).toDouble()) + ' ' +
+                         numberText(cell(1, column).toDouble());
+    else
+        for (int row = 0; row < layout.rows; ++row)
+            for (int column = 0; column < layout.columns; ++column)
+                lines << numberText(double(bFloat::str2Float(cell(row, column))));
+    return lines;
+}
+
+/** The whole file; nothing if the type is none of the four. */
+QByteArray bytesOf(const CharacteristicFile &file)
+{
+    if (file.type < 0 || file.type >= int(layouts.size()))
+        return {};
+    const QStringList head = {QString::number(layoutOf(file.type).code), oneLine(file.description)};
+    const QString lineEnd = QStringLiteral("\r\n");
+    return toWindows1251((head + dataLines(file)).join(lineEnd) + lineEnd);
+}
+
+/** What the device holds; nothing if that is too much, or if the device fails. */
+QByteArray contentOf(QIODevice &device)
+{
+    QByteArray content;
+    std::array<char, chunkSize> chunk;
+    qint64 count = 0;
+    while (content.size() <= longestFile && (count = device.read(chunk.data(), chunkSize)) > 0)
+        content.append(chunk.data(), int(count));
+    return count < 0 || content.size() > longestFile ? QByteArray() : content;
+}
+
+/** The type that a code and the count of all lines stand for. */
+std::optional<int> typeOf(int code, int lineCount)
+{
+    for (int type = 0; type < int(layouts.size()); ++type) {
+        const auto [typeCode, rows, columns] = layoutOf(type);
+        const int most = headLines + (isOfPairs(type) ? columns : rows * columns);
+        const int fewest = isOfPairs(type) ? headLines + fewestPairs : most;
+        if (code == typeCode && lineCount >= fewest && lineCount <= most)
+            return type;
+    }
+    return {};
+}
+
+/** Temperature and EMF of a line; two empty texts if it is no pair. */
+QStringList pairOf(const QString &line)
+{
+    const QStringList parts = line.split(' ', Qt::SkipEmptyParts);
+    if (parts.size() != 2)
+        return {QString(), QString()};
+    return {parts.at(0).trimmed(), parts.at(1).trimmed()};
+}
+
+bool areNumbers(const QStringList &texts)
+{
+    return std::all_of(texts.begin(), texts.end(), [](const QString &text) {
+        bool isNumber = false;
+        bFloat::str2Float(text, &isNumber);
+        return isNumber;
+    });
+}
+
+/** Whether the description of a file is its blank second line: then what follows the code is the
+ *  data, and nothing else. `texts` are all lines that are not blank. */
+bool isDescriptionBlank(const QStringList &texts)
+{
+    const std::optional<int> type = typeOf(texts.value(0).toInt(), texts.size() + 1);
+    if (!type)
+        return false;
+    const QStringList parts = texts.at(1).split(' ', Qt::SkipEmptyParts);
+    return parts.size() == (isOfPairs(*type) ? 2 : 1) && areNumbers(parts);
+}
+
+/** The code, the description and the data. */
+QStringList textsOf(const QByteArray &content)
+{
+    QStringList lines = fromWindows1251(content).split('\n');
+    for (QString &line : lines)
+        line = line.trimmed();
+    const bool isSecondBlank = lines.size() > 1 && !lines.at(0).isEmpty() && lines.at(1).isEmpty();
+
+    lines.removeAll(QString());
+    if (isSecondBlank && isDescriptionBlank(lines))
+        lines.insert(1, QString());
+    return lines;
+}
+
+QVector<QStringList> rowsOf(int type, const QStringList &data)
+{
+    const Layout &layout = layoutOf(type);
+    QVector<QStringList> rows(layout.rows);
+    if (isOfPairs(type))
+        for (int column = 0; column < layout.columns; ++column) {
+            const QStringList pair = pairOf(data.value(column));
+            rows[0] << pair.at(0);
+            rows[1] << pair.at(1);
+        }
+    else
+        for (int row = 0; row < layout.rows; ++row)
+            rows[row] = data.mid(row * layout.columns, layout.columns);
+    return rows;
+}
+
+} // namespace
+
+bool writeCharacteristicFile(const CharacteristicFile &file, QIODevice &device)
+{
+    const QByteArray bytes = bytesOf(file);
+    return !bytes.isEmpty() && device.write(bytes) == bytes.size();
+}
+
+CharacteristicFileReading readCharacteristicFile(QIODevice &device)
+{
+    const QStringList texts = textsOf(contentOf(device));
+    bool isCode = false;
+    const int code = texts.value(0).toInt(&isCode);
+    const std::optional<int> type = typeOf(code, texts.size());
+    if (!type || !isCode)
+        return {false, type, {}};
+    return {true, type, {*type, texts.at(1), rowsOf(*type, texts.mid(headLines))}};
+}
+
+bool saveCharacteristicFile(const CharacteristicFile &file, const QString &fileName)
+{
+    const QByteArray bytes = bytesOf(file);
+    return !bytes.isEmpty() && replaceFile(fileName, bytes);
+}
+
+CharacteristicFileReading loadCharacteristicFile(const QString &fileName)
+{
+    QFile file(fileName);
+    // opening anything but a file could wait for ever
+    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly))
+        return {};
+    return readCharacteristicFile(file);
+}

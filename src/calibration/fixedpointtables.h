@@ -1,0 +1,18 @@
+#pragma once
+
+#include <array>
+#include <map>
+
+/** What one measured EMF adds to the EMF at other temperatures: °C to mV. */
+using Contributions = std::map<unsigned short, float>;
+
+/** The contributions of every EMF that is accepted at one fixed point, by that EMF in mV. */
+using FixedPointTable = std::map<float, Contributions>;
+
+/**
+ * The tables of zinc, aluminium and copper, in this order, for 300, 400, … 1200 °C.
+ *
+ * The three contributions at a temperature add up to the parabola through the three EMFs there.
+ * EMFs have steps of 1 µV, contributions are rounded to the nearest 0.1 µV.
+ */
+const std::array<FixedPointTable, 3> &fixedPointTables();

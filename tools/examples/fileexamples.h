@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QStringList>
+
+/** Files of the example image: some of their lines, each behind its number. */
+
+QStringList settingsFileExample();
+/** A characteristic file of the ITS-90 form. */
+QStringList characteristicFileExample();
+/** One of a table. */
+QStringList tableFileExample();
