@@ -21,7 +21,9 @@ private slots:
     void tableIsContinued();
     void thermometerIsFitted_data();
     void thermometerIsFitted();
+    void fitIsOverAHundredPoints();
     void announcesWhatItTakes();
+    void numbersOfATableStayBehind();
 };
 
 namespace
@@ -58,6 +60,8 @@ void TestFeatureNox8::record()
     QCOMPARE(feature.getRatioStr(0), QStringLiteral("1,0"));
     QCOMPARE(feature.getRatioStr(200), QString());
     QCOMPARE(feature.getFeatureTypeStr().size(), 4);
+    QVERIFY(feature.getFeatureTypeStr().at(Record::its90).startsWith("МТШ-90"));
+    QVERIFY(feature.getFeatureTypeStr().at(Record::temperatureOfVoltage).startsWith("Таблица"));
 }
 
 void TestFeatureNox8::its90KeepsItsTexts()
@@ -171,6 +175,10 @@ void TestFeatureNox8::tableIsContinued()
     QCOMPARE(ratio.mid(110), (QVector<float>{400, 3.259F}));
     QCOMPARE(feature.ratioStr.mid(6), (QStringList{"300", "2.323", "", "", "400", "3.259"}));
 
+    QCOMPARE(feature.setFeature(Record::temperatureOfVoltage, "falls", {"0", "1", "5", "3", "4"}),
+             1);
+    QCOMPARE(feature.getRatio().mid(2, 6), (QVector<float>{5, 3, 0, 0, 4, 3}));
+    QCOMPARE(feature.ratioStr, (QStringList{"0", "1", "5", "3", ""}));
     QCOMPARE(feature.setFeature(Record::temperatureOfVoltage, "odd", {"0", "1", "2", "3", "4"}), 1);
     QCOMPARE(feature.getRatio().mid(4, 6), (QVector<float>{4, 3, 4, 3, 4, 3}));
 }
@@ -211,6 +219,20 @@ void TestFeatureNox8::thermometerIsFitted()
     QVERIFY2(qAbs(found - celsius) < 0.02, qPrintable(QString::number(found)));
 }
 
+void TestFeatureNox8::fitIsOverAHundredPoints()
+{
+    // a line has an exact fit; what leaves it shows which points were asked for
+    const CallendarVanDusen line{10.0, 0.1, 0.0, 0.0, 0.0, 50.0};
+    const TemperaturePolynomial exact = fitTemperaturePolynomial(line);
+    QVERIFY(qAbs(evaluate(exact, 10.0)) < 1e-6 && qAbs(evaluate(exact, 35.0) - 25.0) < 1e-6);
+
+    // below 0 the C term bends the curve: with the range [-1, 0) of the hundred points all are
+    // bent, so that 0 °C itself, which is not among them, is extrapolated
+    const CallendarVanDusen bent{1.0, 1.0, 0.0, 1e-4, -1.0, 0.0};
+    const TemperaturePolynomial fitted = fitTemperaturePolynomial(bent);
+    QVERIFY(qAbs(evaluate(fitted, bent.resistance(-0.5)) + 0.5) < 1e-3);
+}
+
 void TestFeatureNox8::announcesWhatItTakes()
 {
     featureNOX8 feature;
@@ -218,8 +240,16 @@ void TestFeatureNox8::announcesWhatItTakes()
     feature.setFeature(Record::its90, "x", numbers(9));
     feature.setData(bytesOf(feature.getData()));
     QCOMPARE(changes.count(), 2);
-    feature.setFeature(Record::polynomial, "y", numbers(10));
-    QCOMPARE(feature.getRatio().at(8), 0.0F);
+}
+
+void TestFeatureNox8::numbersOfATableStayBehind()
+{
+    featureNOX8 feature;
+    feature.setFeature(Record::temperatureOfVoltage, "S", {"0", "0", "100", "0.646"});
+    feature.setFeature(Record::polynomial, "P", numbers(10));
+    QCOMPARE(feature.getRatio().mid(8, 4), (QVector<float>{0, 0, 100, 0.646F}));
+    feature.setData(bytesOf(feature.getData()));
+    QCOMPARE(feature.getRatio().at(10), 100.0F);
 }
 
 QTEST_GUILESS_MAIN(TestFeatureNox8)
