@@ -221,16 +221,16 @@ void TestFeatureNox8::thermometerIsFitted()
 
 void TestFeatureNox8::fitIsOverAHundredPoints()
 {
-    // a line has an exact fit; what leaves it shows which points were asked for
-    const CallendarVanDusen line{10.0, 0.1, 0.0, 0.0, 0.0, 50.0};
-    const TemperaturePolynomial exact = fitTemperaturePolynomial(line);
-    QVERIFY(qAbs(evaluate(exact, 10.0)) < 1e-6 && qAbs(evaluate(exact, 35.0) - 25.0) < 1e-6);
-
-    // below 0 the C term bends the curve: with the range [-1, 0) of the hundred points all are
-    // bent, so that 0 °C itself, which is not among them, is extrapolated
-    const CallendarVanDusen bent{1.0, 1.0, 0.0, 1e-4, -1.0, 0.0};
+    // how far the fit is off, as exact fractions give it for -1, -0.98 ... 0.98 °C; with the highest
+    // temperature among the points it would be off by half as much there
+    const CallendarVanDusen bent{1.0, 1.0, 0.0, -0.01, -1.0, 1.0};
     const TemperaturePolynomial fitted = fitTemperaturePolynomial(bent);
-    QVERIFY(qAbs(evaluate(fitted, bent.resistance(-0.5)) + 0.5) < 1e-3);
+    const auto errorAt = [&](double celsius) {
+        return evaluate(fitted, bent.resistance(celsius)) - celsius;
+    };
+    QVERIFY(qAbs(errorAt(-1.0) + 0.0000847092) < 1e-7);
+    QVERIFY(qAbs(errorAt(-0.5) + 0.0013404193) < 1e-7);
+    QVERIFY(qAbs(errorAt(1.0) + 0.0055031381) < 1e-7);
 }
 
 void TestFeatureNox8::announcesWhatItTakes()
