@@ -1,0 +1,89 @@
+/// Feeds settings files.
+///
+/// Input: the file.
+
+#include "checks.h"
+#include "device/settingsfile.h"
+#include "device/settingswriter.h"
+#include "device/windows1251.h"
+
+#include <QBuffer>
+
+#include <algorithm>
+#include <random>
+
+extern "C" size_t LLVMFuzzerMutate(uint8_t *data, size_t size, size_t maxSize);
+
+namespace
+{
+
+constexpr int longestLine = 128;
+
+bool load(QByteArray file, optionsNOX8 &image)
+{
+    QBuffer buffer(&file);
+    require(buffer.open(QIODevice::ReadOnly));
+    return readSettings(buffer, image);
+}
+
+/** No index points outside the list that it selects from. */
+void requireIndicesInside(const optionsNOX8 &image)
+{
+    const int standard = standardThermocouples().size();
+    for (const ChannelSettings &channel : image.channels) {
+        require(channel.featureType == featureIndividual || channel.featureType == featureNone ||
+                channel.feature < standard);
+        require(channel.featureTypeCompensTP == compensIndividual ||
+                channel.featureTypeCompensTP == compensNone || channel.featureCompensTP < standard);
+    }
+    require(image.devMeasTime <= 8);
+}
+
+/** What was taken whole can be saved and taken again, and then says the same. */
+void requireSaved(const optionsNOX8 &image)
+{
+    require(image.devType != 0);
+    if (!fitsSettingsFile(image))
+        return;
+    const QStringList lines = settingsLines(image);
+    optionsNOX8 again;
+    require(load(toWindows1251(lines.join("\r\n") + "\r\n"), again));
+    require(again.devType == image.devType && again.devName == image.devName);
+    require(settingsLines(again) == lines);
+}
+
+} // namespace
+
+/** Changes one line most of the time: a file whose lines have all moved says little. */
+extern "C" size_t LLVMFuzzerCustomMutator(uint8_t *data, size_t size, size_t maxSize,
+                                          unsigned int seed)
+{
+    std::minstd_rand random(seed);
+    if (random() % 4 == 0)
+        return LLVMFuzzerMutate(data, size, maxSize);
+    QList<QByteArray> lines =
+        QByteArray(reinterpret_cast<const char *>(data), int(size)).split('\n');
+    QByteArray &line = lines[int(random() % quint32(lines.size()))];
+    const int lineSize = qMin(line.size(), longestLine);
+    line.resize(longestLine);
+    line.truncate(int(
+        LLVMFuzzerMutate(reinterpret_cast<uint8_t *>(line.data()), size_t(lineSize), longestLine)));
+    line.replace('\n', ' ');
+    const QByteArray file = lines.join('\n').left(int(maxSize));
+    std::copy(file.begin(), file.end(), data);
+    return size_t(file.size());
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    const QByteArray file(reinterpret_cast<const char *>(data), int(size));
+    optionsNOX8 image;
+    const bool isAccepted = load(file, image);
+    requireFitting(image);
+    requireStable(image);
+    requireIndicesInside(image);
+    requireAnswers(image);
+    if (isAccepted)
+        requireSaved(image);
+    return 0;
+}
