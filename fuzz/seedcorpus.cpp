@@ -1,9 +1,11 @@
 /// Writes the inputs from which the fuzzers start, made by the product: seed-corpus <folder>.
 
+#include "calibration/characteristicfile.h"
 #include "checks.h"
 #include "device/settingswriter.h"
 #include "device/windows1251.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QtEndian>
@@ -100,6 +102,24 @@ bool writeModels(const QDir &folder)
     return isWritten;
 }
 
+QByteArray characteristicFile(FeatureRecord::_featureIndType type)
+{
+    CharacteristicFile file{type, QStringLiteral("Эталон"), {}};
+    QStringList entries = entriesOf(type);
+    if (type == FeatureRecord::its90)
+        entries.insert(4, QStringLiteral("-"));
+    file.rows.resize(type == FeatureRecord::callendarVanDusen ? 1 : 2);
+    const int columns = entries.size() / file.rows.size();
+    for (int i = 0; i < entries.size(); ++i) {
+        const bool isPaired = type == FeatureRecord::temperatureOfVoltage;
+        file.rows[isPaired ? i % 2 : i / columns] << entries.at(i);
+    }
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    writeCharacteristicFile(file, buffer);
+    return buffer.data();
+}
+
 bool writeCharacteristics(const QDir &folder)
 {
     bool isWritten = true;
@@ -111,6 +131,7 @@ bool writeCharacteristics(const QDir &folder)
                                  toWindows1251(entriesOf(type).join('\n'));
         const QString name = QStringLiteral("form%1").arg(form);
         isWritten = write(folder, "characteristic", name, '\0' + taken(feature.getData())) &&
+                    write(folder, "characteristicfile", name, characteristicFile(type)) &&
                     write(folder, "characteristic", name + "-texts", texts) && isWritten;
     }
     return isWritten;
