@@ -202,8 +202,7 @@ void noxList::onReadyDevMeas(int devIndex, double meas, quint8 ch, char dim)
 QString noxList::unitText(const _nox &nox, quint8 ch, char dim) const
 {
     const optionsNOX8::_ch channel = nox.opt->getCh(ch);
-    const bool custom =
-        channel.measType == measTemperatureCustom && channel.onOff != 0;
+    const bool custom = channel.measType == measTemperatureCustom && channel.onOff != 0;
     return custom ? nox.opt->getChMeasTypeName(ch) : nox.opt->getDim(dim);
 }
 

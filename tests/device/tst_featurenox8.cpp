@@ -221,8 +221,8 @@ void TestFeatureNox8::thermometerIsFitted()
 
 void TestFeatureNox8::fitIsOverAHundredPoints()
 {
-    // how far the fit is off, as exact fractions give it for -1, -0.98 ... 0.98 °C; with the highest
-    // temperature among the points it would be off by half as much there
+    // how far the fit is off, as exact fractions give it for -1, -0.98 ... 0.98 °C; with the
+    // highest temperature among the points it would be off by half as much there
     const CallendarVanDusen bent{1.0, 1.0, 0.0, -0.01, -1.0, 1.0};
     const TemperaturePolynomial fitted = fitTemperaturePolynomial(bent);
     const auto errorAt = [&](double celsius) {
