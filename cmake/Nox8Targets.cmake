@@ -5,14 +5,17 @@ target_compile_options(nox8_flags INTERFACE
     -Wall -Wextra -Wpedantic
     $<$<BOOL:${NOX8_WARNINGS_AS_ERRORS}>:-Werror>
     $<$<BOOL:${NOX8_SANITIZE}>:-fsanitize=address,undefined -fno-sanitize-recover=undefined
-        -fno-omit-frame-pointer>)
+        -fno-omit-frame-pointer>
+    $<$<BOOL:${NOX8_FUZZ}>:-fsanitize=fuzzer-no-link,address,undefined
+        -fno-sanitize-recover=undefined -fno-omit-frame-pointer>)
 target_compile_definitions(nox8_flags INTERFACE
     QT_DEPRECATED_WARNINGS
     QT_NO_CAST_TO_ASCII
     QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
     QT_NO_FOREACH)
 target_link_options(nox8_flags INTERFACE
-    $<$<BOOL:${NOX8_SANITIZE}>:-fsanitize=address,undefined>)
+    $<$<BOOL:${NOX8_SANITIZE}>:-fsanitize=address,undefined>
+    $<$<BOOL:${NOX8_FUZZ}>:-fsanitize=address,undefined>)
 
 # nox8_add_room(<name> SOURCES <file>... LINKS <target>...)
 #

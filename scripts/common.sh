@@ -1,4 +1,4 @@
-# What scripts/run and scripts/test share; sourced, not run.
+# What scripts/run, scripts/test and scripts/fuzz share; sourced, not run.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
@@ -9,6 +9,7 @@ buildPackages=(
     librsvg2-bin sqlite3 xvfb fonts-dejavu-core
 )
 testPackages=(clang-format-14 clang-tidy-14 imagemagick)
+fuzzPackages=(clang-14 libclang-rt-14-dev)
 
 say() { printf '%s\n' "$*" >&2; }
 

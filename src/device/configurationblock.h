@@ -30,6 +30,9 @@ private:
     int m_channels;
 };
 
+static_assert(ConfigurationLayout(8).size() == 3976);
+static_assert(ConfigurationLayout(16).size() == 7944);
+
 /** What a configuration block holds: as many characteristics as channels, 8 or 16. */
 struct Configuration {
     OperatingSettings settings;

@@ -55,10 +55,9 @@ bool completeTable(Entry &entry)
             continue;
         if (i == 2)
             return false;
-        for (int k = i; k < qMin(i + 2, entered); ++k) {
-            entry.values[k] = 0.0F;
+        entry.values[i] = entry.values[i + 1] = 0.0F;
+        for (int k = i; k < qMin(i + 2, entered); ++k)
             entry.texts[k].clear();
-        }
     }
     return true;
 }

@@ -44,9 +44,8 @@ bool decodeExtendedIdentification(const QByteArray &block, Identification &ident
     const InstrumentModel *const model = findModel(type);
     if (!model || !model->extended)
         return false;
-    const QByteArray name = block.mid(nameOffset, nameCapacity).split('\0').first();
     identification = {type, quint16(bWord::getWord(&block, numberWord)),
-                      fromWindows1251(name).trimmed()};
+                      fromFixedText(block, nameOffset, nameCapacity)};
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "device/optionsnox8.h"
 
+#include "device/configurationblock.h"
 #include "device/nibbles.h"
 #include "device/settingsfile.h"
 #include "device/vocabulary.h"
@@ -19,12 +20,6 @@ QString unknownText()
 QString entryOf(const QStringList &list, int index)
 {
     return list.value(index, unknownText());
-}
-
-/** Whether an index means something: in a standard list, or, where there is none, in four bits. */
-bool isIndexOf(bool isStandard, const QStringList &list, int index)
-{
-    return isStandard ? index < list.size() : fitsNibble(index);
 }
 
 } // namespace
@@ -72,11 +67,9 @@ QString optionsNOX8::getDim(char letter)
 
 // What this instrument is
 
-/** The row of the type code; that of no model when it is in no row. */
 const InstrumentModel &optionsNOX8::model() const
 {
-    const InstrumentModel *found = findModel(devType);
-    return found ? *found : *findModel(0);
+    return modelOrNone(devType);
 }
 
 quint8 optionsNOX8::getDevChCount() const
@@ -96,7 +89,8 @@ quint16 optionsNOX8::getDevRev() const
 
 int optionsNOX8::getDevDataSize(quint8) const
 {
-    return configurationSize(model());
+    const int channelCount = model().channels;
+    return channelCount == 0 ? 0 : ConfigurationLayout(channelCount).size();
 }
 
 char optionsNOX8::getDevFamily() const
@@ -163,12 +157,9 @@ QString optionsNOX8::getChDimCust(quint8 ch) const
 
 QString optionsNOX8::getChCurrentStr(quint8 ch) const
 {
-    return entryOf(getDevCurrentList(devType), getCh(ch).current);
-}
-
-QString optionsNOX8::individualName(quint8 index) const
-{
-    return index < features.size() ? features.at(index)->name : unknownText();
+    if (ch >= getDevChCount())
+        return unknownText();
+    return entryOf(getDevCurrentList(devType), channels.at(ch).current);
 }
 
 QString optionsNOX8::getChFeatureName(quint8 ch) const
@@ -176,17 +167,9 @@ QString optionsNOX8::getChFeatureName(quint8 ch) const
     if (ch >= getDevChCount())
         return unknownText();
     const _ch &channel = channels.at(ch);
-    switch (channel.featureType) {
-    case featureThermocouple:
-        return entryOf(m_thermocouples, channel.feature);
-    case featureResistanceThermometer:
-        return entryOf(m_resistanceThermometers, channel.feature);
-    case featureIndividual:
-        return individualName(channel.feature);
-    case featureNone:
-        break;
-    }
-    return {};
+    return channel.featureType == featureNone
+               ? QString()
+               : entryOf(characteristics(channel.featureType), channel.feature);
 }
 
 QString optionsNOX8::getChFeatureCompesTPName(quint8 ch) const
@@ -194,17 +177,53 @@ QString optionsNOX8::getChFeatureCompesTPName(quint8 ch) const
     if (ch >= getDevChCount())
         return unknownText();
     const _ch &channel = channels.at(ch);
-    switch (channel.featureTypeCompensTP) {
-    case compensThermocouple:
-        return entryOf(m_thermocouples, channel.featureCompensTP);
-    case compensResistanceThermometer:
-        return entryOf(m_resistanceThermometers, channel.featureCompensTP);
-    case compensIndividual:
-        return individualName(channel.featureCompensTP);
-    case compensNone:
+    return entryOf(characteristics(channel.featureTypeCompensTP), channel.featureCompensTP);
+}
+
+bool optionsNOX8::hasChFeature(quint8 ch) const
+{
+    const _ch channel = getCh(ch);
+    return isChoice(channel.featureType, channel.feature);
+}
+
+bool optionsNOX8::hasChFeatureCompesTP(quint8 ch) const
+{
+    const _ch channel = getCh(ch);
+    return isChoice(channel.featureTypeCompensTP, channel.featureCompensTP);
+}
+
+/** The names from which a source selects; empty for none. */
+QStringList optionsNOX8::characteristics(CharacteristicSource source) const
+{
+    switch (source) {
+    case featureResistanceThermometer:
+        return m_resistanceThermometers;
+    case featureThermocouple:
+        return m_thermocouples;
+    case featureIndividual: {
+        QStringList names;
+        for (const featureNOX8 *feature : features)
+            names << feature->name;
+        return names;
+    }
+    case featureNone:
         break;
     }
-    return unknownText();
+    return {};
+}
+
+/** The sources of a compensation are the same, two bits lower. */
+QStringList optionsNOX8::characteristics(CompensationSource source) const
+{
+    return characteristics(CharacteristicSource(source << 2));
+}
+
+/** Whether a source has a characteristic of this index; none has any that four bits can hold. */
+template<typename Source>
+bool optionsNOX8::isChoice(Source source, quint8 index) const
+{
+    const QStringList names = characteristics(source);
+    return names.isEmpty() ? fitsNibble(index) : index < names.size();
 }
 
 // Changes of the instrument
@@ -315,27 +334,24 @@ void optionsNOX8::setChResist(quint8 ch, quint8 index)
 
 void optionsNOX8::setChFeature(quint8 ch, _chFeatureType type, quint8 index)
 {
-    _ch *const channel = usedChannel(ch);
-    const bool isThermocouple = type == featureThermocouple;
-    const bool isStandard = isThermocouple || type == featureResistanceThermometer;
-    if (!channel || (channel->feature == index && channel->featureType == type) ||
-        !isIndexOf(isStandard, isThermocouple ? m_thermocouples : m_resistanceThermometers, index))
-        return;
-    channel->feature = index;
-    channel->featureType = type;
-    emit onChChange(ch);
+    choose(ch, &_ch::featureType, type, &_ch::feature, index);
 }
 
 void optionsNOX8::setChFeatureCompesTP(quint8 ch, _chFeatureTypeCompensTP type, quint8 index)
 {
+    choose(ch, &_ch::featureTypeCompensTP, type, &_ch::featureCompensTP, index);
+}
+
+template<typename Source>
+void optionsNOX8::choose(quint8 ch, Source _ch::*sourceMember, Source source,
+                         quint8 _ch::*indexMember, quint8 index)
+{
     _ch *const channel = usedChannel(ch);
-    const bool isThermocouple = type == compensThermocouple;
-    const bool isStandard = isThermocouple || type == compensResistanceThermometer;
-    if (!channel || (channel->featureCompensTP == index && channel->featureTypeCompensTP == type) ||
-        !isIndexOf(isStandard, isThermocouple ? m_thermocouples : m_resistanceThermometers, index))
+    if (!channel || !isChoice(source, index) ||
+        (channel->*sourceMember == source && channel->*indexMember == index))
         return;
-    channel->featureCompensTP = index;
-    channel->featureTypeCompensTP = type;
+    channel->*sourceMember = source;
+    channel->*indexMember = index;
     emit onChChange(ch);
 }
 

@@ -23,10 +23,10 @@ struct InstrumentModel;
  * The configuration image of one instrument: what the program knows of its identity, its settings,
  * its channels, their characteristics, its reference data and its zero shifts.
  *
- * Setters compare before they store: an unchanged value changes nothing and fires nothing, and a
- * channel beyond getDevChCount() is ignored, as is an index that four bits cannot hold or that lies
- * outside the standard list it selects from. Signals ending in Change say that the image changed;
- * those ending in Apply ask for a block to be written to the instrument.
+ * Setters compare before they store: an unchanged value changes nothing and, unless a setter says
+ * so, fires nothing, and a channel beyond getDevChCount() is ignored, as is an index that four bits
+ * cannot hold or that lies outside the standard list it selects from. Signals ending in Change say
+ * that the image changed; those ending in Apply ask for a block to be written to the instrument.
  */
 class optionsNOX8 : public QObject,
                     public ReferenceData,
@@ -115,6 +115,10 @@ public:
     /** Name of the compensation's characteristic in use; "-" for none, or if it does not exist. */
     QString getChFeatureCompesTPName(quint8 ch) const;
 
+    /** Whether the characteristic in use exists: an instrument may hold any index. None does. */
+    bool hasChFeature(quint8 ch) const;
+    bool hasChFeatureCompesTP(quint8 ch) const;
+
     // Blocks. The caller owns the arrays.
 
     /** The configuration, 3976 or 7944 bytes; without characteristics for an unknown type. */
@@ -139,20 +143,24 @@ public:
     // Settings files
 
     /** Writes a settings file. False, and an existing file unharmed, when it cannot be written or
-     *  could not keep a table of the image. The name of the port is not kept. */
+     *  could not keep the image: a table of it, or an unknown model. The name of the port is not
+     * kept. */
     bool saveToFile(const QString &fileName, const QString &portName) const;
-    /** Reads a settings file into the image, which announces what changes. False when not all of it
-     *  could be taken; what could is in the image. */
+    /** Reads a settings file into the image, which announces what changes (see applySettings()).
+     * False when not all of it could be taken; what could is in the image. */
     bool loadFromFile(const QString &fileName);
 
     // Changes
 
     /** False for a type that is not in the table, which changes nothing, and for 0. */
     bool setDevType(quint32 type);
+    /** Announces identity and device even when the number is the same. */
     void setDevNumber(quint16 number);
     /** Models without the setting keep 0. */
     void setDevZakorotka(_devZakorotka code);
     void setChOnOff(quint8 ch, _chOnOff onOff);
+    /** The unit, of which 10 characters are kept, is stored only with measTemperatureCustom, and
+     * only if it is not empty. Announced also when only the texts differ. */
     void setChMeasType(quint8 ch, _chMeasType type, QString dim);
     void setChDimCust(quint8 ch, QString dim);
     void setChCurrent(quint8 ch, quint8 index);
@@ -174,17 +182,27 @@ public slots:
     void triggerRefShiftChange();
 
 signals:
+    /** Type, settings, or any characteristic changed or was read. */
     void onDevChange();
+    /** The reference data were read or loaded, or the model is another. */
     void onRefChange();
+    /** The zero shifts were read. */
     void onRefShiftChange();
-    /** `ch` from 0. */
+    /** The settings of a channel (from 0) changed. */
     void onChChange(quint8 ch);
+    /** Type or serial number changed, or an identification was read, be it refused. */
     void onIdentChange();
+    /** The identification is to be written. */
     void onIdentApply();
+    /** The serial number of an extended model is to be written. */
     void onSNApply();
+    /** The configuration is to be written. */
     void onDevApply();
+    /** The settings of a channel (from 0) are to be written. */
     void onChApply(quint8 ch);
+    /** The reference data are to be written. */
     void onRefApply();
+    /** The zero shifts are to be written. */
     void onRefShiftApply();
     /** A channel's data do not fit the image: the configuration should be read again. */
     void onChErrorData();
@@ -197,7 +215,13 @@ private:
     _ch *usedChannel(quint8 ch);
     template<typename Value>
     void change(quint8 ch, Value _ch::*member, Value value);
-    QString individualName(quint8 index) const;
+    template<typename Source>
+    void choose(quint8 ch, Source _ch::*sourceMember, Source source, quint8 _ch::*indexMember,
+                quint8 index);
+    template<typename Source>
+    bool isChoice(Source source, quint8 index) const;
+    QStringList characteristics(CharacteristicSource source) const;
+    QStringList characteristics(CompensationSource source) const;
 
     bool readConfiguration(const QByteArray &block);
     bool readReferenceData(const QByteArray &block);

@@ -9,6 +9,7 @@ namespace
 
 constexpr int firstOfWidth = 5;
 constexpr int secondOfWidth = 6;
+constexpr quint8 longestTime = 8;
 constexpr double tenth = 10.0;
 constexpr double tenThousandth = 10000.0;
 
@@ -16,7 +17,7 @@ constexpr int individualCodes = 1;             ///< code of the first individual
 constexpr int resistanceThermometerCodes = 21; ///< ... of the first standard thermometer
 constexpr int thermocoupleCodes = 41;          ///< ... of the first standard thermocouple
 constexpr int individualCount = 16;
-constexpr int standardCount = 13;
+constexpr int standardCount = 13; ///< of either standard list
 
 struct UnitText {
     MeasurementType type;
@@ -75,16 +76,13 @@ std::optional<MeasurementType> unitFromText(const QString &text)
 
 int characteristicCode(const ChannelSettings &channel)
 {
-    switch (channel.featureType) {
-    case featureIndividual:
+    const bool isInList = channel.feature < standardCount;
+    if (channel.featureType == featureIndividual)
         return channel.feature + individualCodes;
-    case featureResistanceThermometer:
+    if (channel.featureType == featureResistanceThermometer && isInList)
         return channel.feature + resistanceThermometerCodes;
-    case featureThermocouple:
+    if (channel.featureType == featureThermocouple && isInList)
         return channel.feature + thermocoupleCodes;
-    case featureNone:
-        break;
-    }
     return individualCodes;
 }
 
@@ -101,15 +99,11 @@ std::optional<CharacteristicChoice> characteristicFromCode(int code)
 
 QString compensationCode(const ChannelSettings &channel)
 {
-    switch (channel.featureTypeCompensTP) {
-    case compensIndividual:
-        return QString::number(channel.featureCompensTP + individualCodes);
-    case compensResistanceThermometer:
-        return QString::number(channel.featureCompensTP + resistanceThermometerCodes);
-    case compensThermocouple:
-    case compensNone:
-        break;
-    }
+    const int index = channel.featureCompensTP;
+    if (channel.featureTypeCompensTP == compensIndividual)
+        return QString::number(index + individualCodes);
+    if (channel.featureTypeCompensTP == compensResistanceThermometer && index < standardCount)
+        return QString::number(index + resistanceThermometerCodes);
     return {};
 }
 
@@ -120,6 +114,19 @@ std::optional<CompensationChoice> compensationFromCode(int code)
     if (const auto index = indexIn(code, resistanceThermometerCodes, standardCount))
         return CompensationChoice{compensResistanceThermometer, *index};
     return std::nullopt;
+}
+
+QString timeCharacter(quint8 measurementTime)
+{
+    return QString(QChar(qMin(measurementTime, longestTime) + 1));
+}
+
+std::optional<quint8> timeFromText(const QString &text)
+{
+    const int code = text.isEmpty() ? 0 : text.at(0).unicode();
+    if (code < 1 || code > longestTime + 1)
+        return std::nullopt;
+    return quint8(code - 1);
 }
 
 int formCode(int type)

@@ -13,6 +13,10 @@
  * What a text or number of a file does not mean is not there (`std::nullopt`).
  */
 
+/** The text that ends the name of a model, and the line that begins the part of extended ones. */
+constexpr char baseRevisionText[] = "rev3";
+constexpr char extendedRevisionText[] = "rev4";
+
 /** "Вкл" or "Выкл". */
 QString switchText(qint8 onOff);
 bool isSwitchedOn(const QString &text);
@@ -27,10 +31,11 @@ struct CharacteristicChoice {
     quint8 index;
 };
 
-/** 1 to 16, 21 to 33 or 41 to 53; beyond that for an index outside the standard list. 1 for none.
- */
+/** 1 to 16, 21 to 33 or 41 to 53; 1 for none, and for one that its list does not have. */
 int characteristicCode(const ChannelSettings &channel);
 std::optional<CharacteristicChoice> characteristicFromCode(int code);
+/** Codes beyond this one are no fault: other programs may mean something by them. */
+constexpr int lastCharacteristicCode = 53;
 
 /** The characteristic of a compensation as a channel chooses it. */
 struct CompensationChoice {
@@ -38,9 +43,16 @@ struct CompensationChoice {
     quint8 index;
 };
 
-/** 1 to 16 or 21 to 33; empty for thermocouples and none, which a file does not keep. */
+/** 1 to 16 or 21 to 33; empty for thermocouples and none, which a file does not keep, and for one
+ *  that its list does not have. */
 QString compensationCode(const ChannelSettings &channel);
 std::optional<CompensationChoice> compensationFromCode(int code);
+constexpr int lastCompensationCode = 33; ///< likewise
+
+/** The measurement time as one character, U+0001 to U+0009. A longer time, whose character would be
+ *  a line end or worse, is written as the longest of these. */
+QString timeCharacter(quint8 measurementTime);
+std::optional<quint8> timeFromText(const QString &text);
 
 /** The type as files number it: tables and the ITS-90 form have each other's number. */
 int formCode(int type);

@@ -8,19 +8,18 @@
 
 #include <QVector>
 
+#include <cstring>
+
 namespace
 {
-
-constexpr int revisionTextSize = 4; // of "rev3"
-constexpr int longestTimeCode = 8;
 
 /** The name in the line that names the model; empty when there is none. */
 QString modelNameIn(const QStringList &lines)
 {
     for (const int channels : {8, 16}) {
         const QString line = lines.value(SettingsLayout(channels, false).modelLine());
-        if (line.contains(QStringLiteral("rev3")))
-            return line.chopped(revisionTextSize).trimmed();
+        if (line.contains(baseRevisionText))
+            return line.chopped(int(std::strlen(baseRevisionText))).trimmed();
     }
     return {};
 }
@@ -52,7 +51,7 @@ public:
             readCompensation();
         emit m_image.onRefChange();
         readUnits();
-        if (m_lines.value(m_layout.extendedPart()) == QStringLiteral("rev4"))
+        if (m_lines.value(m_layout.extendedPart()) == extendedRevisionText)
             readExtendedPart();
         return m_accepted && m_complete;
     }
@@ -68,12 +67,14 @@ private:
     /** Remembers that something was not taken. */
     void refuse() { m_complete = false; }
 
-    /** Takes a number that four bits can hold. */
+    /** Takes a whole number of which `lowest` stands for 0 and which then fits four bits. */
     template<typename Store>
-    void takeNibble(int number, Store store)
+    void takeNibble(const QString &text, int lowest, Store store)
     {
-        if (fitsNibble(number))
-            store(quint8(number));
+        bool isNumber = false;
+        const int number = text.toInt(&isNumber);
+        if (isNumber && number >= lowest && fitsNibble(number - lowest))
+            store(quint8(number - lowest));
         else
             refuse();
     }
@@ -109,13 +110,13 @@ private:
 
     void readOperatingSettings()
     {
-        takeNibble(m_lines.at(SettingsLayout::modeLine).toInt(), [this](quint8 code) {
+        takeNibble(m_lines.at(SettingsLayout::modeLine), 0, [this](quint8 code) {
             setOperatingSetting(&OperatingSettings::devMeasMode, code);
         });
-        takeNibble(m_lines.at(SettingsLayout::roundingLine).toInt(), [this](quint8 code) {
+        takeNibble(m_lines.at(SettingsLayout::roundingLine), 0, [this](quint8 code) {
             setOperatingSetting(&OperatingSettings::devMeasRound, quint8(code << 4));
         });
-        takeNibble(m_lines.at(SettingsLayout::compensationModeLine).toInt(), [this](quint8 code) {
+        takeNibble(m_lines.at(SettingsLayout::compensationModeLine), 0, [this](quint8 code) {
             setOperatingSetting(&OperatingSettings::devCompensTP, code);
         });
     }
@@ -127,15 +128,19 @@ private:
         m_image.setChOnOff(ch, isSwitchedOn(lines.at(0)) ? 1 : 0);
         if (const auto type = unitFromText(lines.at(1)))
             m_image.setChMeasType(ch, *type, {});
-        takeNibble(lines.at(2).split(' ').at(0).toInt() - 1,
+        takeNibble(lines.at(2).split(' ').at(0), 1,
                    [this, ch](quint8 index) { m_image.setChCurrent(ch, index); });
-        takeNibble(lines.at(3).split(' ').value(1).toInt() - 1,
+        takeNibble(lines.at(3).split(' ').value(1), 1,
                    [this, ch](quint8 index) { m_image.setChResist(ch, index); });
         const int code = lines.at(4).toInt();
-        if (const auto choice = characteristicFromCode(code))
+        if (const auto choice = characteristicFromCode(code)) {
             m_image.setChFeature(ch, choice->source, choice->index);
-        else if (code <= lastCharacteristicCode)
-            refuse();
+        } else {
+            if (code <= lastCharacteristicCode)
+                refuse();
+            if (!m_image.hasChFeature(ch))
+                m_image.setChFeature(ch, featureIndividual, 0);
+        }
     }
 
     void readCharacteristic(quint8 ch)
@@ -174,10 +179,8 @@ private:
     {
         if (!has(m_layout.timeLine()))
             return;
-        const QString text = m_lines.at(m_layout.timeLine());
-        const int code = text.isEmpty() ? -1 : text.at(0).unicode() - 1;
-        if (code >= 0 && code <= longestTimeCode)
-            setOperatingSetting(&OperatingSettings::devMeasTime, quint8(code));
+        if (const auto time = timeFromText(m_lines.at(m_layout.timeLine())))
+            setOperatingSetting(&OperatingSettings::devMeasTime, *time);
         else
             refuse();
     }
@@ -216,24 +219,21 @@ private:
     void readCompensation(quint8 ch, const QString &text)
     {
         const int code = text.toInt();
-        if (const auto choice = compensationFromCode(code))
-            m_image.setChFeatureCompesTP(ch, choice->source, choice->index);
-        else if (text.isEmpty())
-            restoreUnkeptCompensation(ch);
-        else if (code <= lastCompensationCode)
+        const auto choice = compensationFromCode(code);
+        if (!choice && !text.isEmpty() && code <= lastCompensationCode)
             refuse();
+        if (choice)
+            m_image.setChFeatureCompesTP(ch, choice->source, choice->index);
+        else if (!m_image.hasChFeatureCompesTP(ch) || (text.isEmpty() && !hasUnkeptKind(ch)))
+            m_image.setChFeatureCompesTP(ch, compensNone, 0);
     }
 
-    /** An empty line stands for a thermocouple or for none: what the channel has of the two it
-     *  keeps, as long as it exists; else it has none. */
-    void restoreUnkeptCompensation(quint8 ch)
+    /** An empty line stands for a thermocouple or for none: a channel that has one of the two keeps
+     *  it, any other gets none. */
+    bool hasUnkeptKind(quint8 ch) const
     {
-        const ChannelSettings &channel = m_image.channels.at(ch);
-        const bool isKept = channel.featureTypeCompensTP == compensNone ||
-                            (channel.featureTypeCompensTP == compensThermocouple &&
-                             channel.featureCompensTP < standardThermocouples().size());
-        if (!isKept)
-            m_image.setChFeatureCompesTP(ch, compensNone, 0);
+        const CompensationSource source = m_image.channels.at(ch).featureTypeCompensTP;
+        return source == compensNone || source == compensThermocouple;
     }
 
     void readUnits()
@@ -267,9 +267,6 @@ private:
         });
     }
 
-    static constexpr int lastCharacteristicCode = 53;
-    static constexpr int lastCompensationCode = 33;
-
     const QStringList &m_lines;
     const InstrumentModel &m_model;
     SettingsLayout m_layout;
@@ -285,6 +282,6 @@ bool applySettings(const QStringList &lines, optionsNOX8 &image)
     const QString name = modelNameIn(lines);
     const InstrumentModel *const named = name.isEmpty() ? nullptr : findModelNamed(name);
     image.setDevType(named ? named->typeCode : 0);
-    const InstrumentModel &model = *findModel(image.devType);
+    const InstrumentModel &model = modelOrNone(image.devType);
     return model.channels != 0 && SettingsReader(lines, model, image).read();
 }

@@ -8,8 +8,6 @@
 namespace
 {
 
-constexpr int longestTimeCode = 8; // a longer one would be a line end
-
 QString fixedPoint(const bFloat &number, int decimals)
 {
     return QString::number(double(number.value), 'f', decimals);
@@ -37,7 +35,7 @@ class SettingsWriter
 public:
     explicit SettingsWriter(const optionsNOX8 &image)
         : m_image(image)
-        , m_model(*findModel(findModel(image.devType) ? image.devType : 0))
+        , m_model(modelOrNone(image.devType))
     {
     }
 
@@ -50,8 +48,8 @@ public:
             writeChannel(ch);
         writeCharacteristics();
         writeEmpty(SettingsLayout::reservedLines);
-        m_lines << m_image.getDevTypeStr(false) + QStringLiteral(" rev3");
-        m_lines << QString(QChar(qMin(int(m_image.devMeasTime), longestTimeCode) + 1));
+        m_lines << m_image.getDevTypeStr(false) + ' ' + baseRevisionText;
+        m_lines << timeCharacter(m_image.devMeasTime);
         writeCorrections();
         m_lines << flag(m_image.devChRevers == 0x10);
         if (m_model.hasShortCircuit)
@@ -151,7 +149,7 @@ private:
 
     void writeExtendedPart()
     {
-        m_lines << QStringLiteral("rev4") << QString::number(m_image.devType)
+        m_lines << extendedRevisionText << QString::number(m_image.devType)
                 << oneLine(m_image.devName);
         forEachShift(static_cast<const ZeroShifts &>(m_image),
                      [this](const bFloat &shift) { m_lines << significant(shift); });
@@ -176,6 +174,8 @@ bool fitsLines(const FeatureRecord &feature)
 
 bool fitsSettingsFile(const optionsNOX8 &image)
 {
+    if (image.getDevChCount() == 0)
+        return false;
     for (int ch = 0; ch < image.getDevChCount(); ++ch)
         if (!fitsLines(*image.features.at(ch)))
             return false;

@@ -1,6 +1,5 @@
 #include "device/vocabulary.h"
 
-#include "device/configurationblock.h"
 #include "device/referencedata.h"
 
 #include <QCoreApplication>
@@ -155,6 +154,12 @@ const InstrumentModel *findModel(quint32 typeCode)
     return found == std::end(models) ? nullptr : found;
 }
 
+const InstrumentModel &modelOrNone(quint32 typeCode)
+{
+    const InstrumentModel *const model = findModel(typeCode);
+    return model ? *model : models[0];
+}
+
 const InstrumentModel *findModelNamed(const QString &name)
 {
     const auto *const found =
@@ -183,11 +188,6 @@ QString modelName(const InstrumentModel &model)
     return translated(model.name);
 }
 
-int configurationSize(const InstrumentModel &model)
-{
-    return model.channels == 0 ? 0 : ConfigurationLayout(model.channels).size();
-}
-
 QMap<quint32, QString> typeNames(bool withRev)
 {
     QMap<quint32, QString> names;
@@ -199,14 +199,12 @@ QMap<quint32, QString> typeNames(bool withRev)
 
 QStringList excitationCurrents(quint32 typeCode)
 {
-    const InstrumentModel *model = findModel(typeCode);
-    return model ? translatedList(model->currents) : QStringList();
+    return translatedList(modelOrNone(typeCode).currents);
 }
 
 QStringList resistorChoices(quint32 typeCode)
 {
-    const InstrumentModel *model = findModel(typeCode);
-    return model ? translatedList(model->resistorNames) : QStringList();
+    return translatedList(modelOrNone(typeCode).resistorNames);
 }
 
 QString streamUnit(char letter)
@@ -261,9 +259,9 @@ SettingChoices compensationChoices(quint32 typeCode, quint8 shortCircuitCode)
 {
     SettingChoices choices = {{0, translated(QT_TRANSLATE_NOOP("optionsNOX8", "Нет"))},
                               {1, translated(QT_TRANSLATE_NOOP("optionsNOX8", "Да"))}};
-    const InstrumentModel *model = findModel(typeCode);
-    if (model && model->hasShortCircuit) {
-        const int compensating = shortCircuitCode == 0 ? model->channels - 1 : model->channels;
+    const InstrumentModel &model = modelOrNone(typeCode);
+    if (model.hasShortCircuit) {
+        const int compensating = shortCircuitCode == 0 ? model.channels - 1 : model.channels;
         choices[1].text =
             translated(QT_TRANSLATE_NOOP("optionsNOX8", "Канал %1")).arg(compensating);
         choices.append({2, translated(QT_TRANSLATE_NOOP("optionsNOX8", "Все"))});

@@ -31,6 +31,10 @@ using SettingChoices = QVector<SettingChoice>;
 /** The model of a type code; null when the code is not in the table. Code 0 is a row of it. */
 const InstrumentModel *findModel(quint32 typeCode);
 
+/** The model of a type code; that of code 0, which has nothing, when the code is not in the table.
+ */
+const InstrumentModel &modelOrNone(quint32 typeCode);
+
 /** The model of a name as modelName() gives it, the first in the order of the codes; null if none.
  */
 const InstrumentModel *findModelNamed(const QString &name);
@@ -44,9 +48,6 @@ QVector<quint32> modelsWithSameReferenceData(quint32 typeCode);
 
 /** The name of a model as the user reads it. */
 QString modelName(const InstrumentModel &model);
-
-/** Bytes of the model's configuration block: 7944, 3976, or 0 for a model without channels. */
-int configurationSize(const InstrumentModel &model);
 
 /** Type code to model name; extended models only when `withRev`. */
 QMap<quint32, QString> typeNames(bool withRev);

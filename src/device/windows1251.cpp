@@ -8,6 +8,7 @@ namespace
 QTextCodec &codec()
 {
     static QTextCodec *const windows1251 = QTextCodec::codecForName("Windows-1251");
+    Q_ASSERT(windows1251);
     return *windows1251;
 }
 
@@ -26,6 +27,11 @@ QString fromWindows1251(const QByteArray &bytes)
 QByteArray toFixedText(const QString &text, int size)
 {
     return toWindows1251(text).leftJustified(size, '\0', true);
+}
+
+QString fromFixedText(const QByteArray &bytes, int offset, int size)
+{
+    return fromWindows1251(bytes.mid(offset, size).split('\0').first()).trimmed();
 }
 
 QByteArray toCountedText(const QString &text, int capacity)

@@ -21,7 +21,9 @@ private slots:
     void tableIsContinued();
     void thermometerIsFitted_data();
     void thermometerIsFitted();
+    void fitIsOverAHundredPoints();
     void announcesWhatItTakes();
+    void numbersOfATableStayBehind();
 };
 
 namespace
@@ -58,6 +60,8 @@ void TestFeatureNox8::record()
     QCOMPARE(feature.getRatioStr(0), QStringLiteral("1,0"));
     QCOMPARE(feature.getRatioStr(200), QString());
     QCOMPARE(feature.getFeatureTypeStr().size(), 4);
+    QVERIFY(feature.getFeatureTypeStr().at(Record::its90).startsWith("МТШ-90"));
+    QVERIFY(feature.getFeatureTypeStr().at(Record::temperatureOfVoltage).startsWith("Таблица"));
 }
 
 void TestFeatureNox8::its90KeepsItsTexts()
@@ -171,6 +175,10 @@ void TestFeatureNox8::tableIsContinued()
     QCOMPARE(ratio.mid(110), (QVector<float>{400, 3.259F}));
     QCOMPARE(feature.ratioStr.mid(6), (QStringList{"300", "2.323", "", "", "400", "3.259"}));
 
+    QCOMPARE(feature.setFeature(Record::temperatureOfVoltage, "falls", {"0", "1", "5", "3", "4"}),
+             1);
+    QCOMPARE(feature.getRatio().mid(2, 6), (QVector<float>{5, 3, 0, 0, 4, 3}));
+    QCOMPARE(feature.ratioStr, (QStringList{"0", "1", "5", "3", ""}));
     QCOMPARE(feature.setFeature(Record::temperatureOfVoltage, "odd", {"0", "1", "2", "3", "4"}), 1);
     QCOMPARE(feature.getRatio().mid(4, 6), (QVector<float>{4, 3, 4, 3, 4, 3}));
 }
@@ -211,6 +219,20 @@ void TestFeatureNox8::thermometerIsFitted()
     QVERIFY2(qAbs(found - celsius) < 0.02, qPrintable(QString::number(found)));
 }
 
+void TestFeatureNox8::fitIsOverAHundredPoints()
+{
+    // how far the fit is off, as exact fractions give it for -1, -0.98 ... 0.98 °C; with the
+    // highest temperature among the points it would be off by half as much there
+    const CallendarVanDusen bent{1.0, 1.0, 0.0, -0.01, -1.0, 1.0};
+    const TemperaturePolynomial fitted = fitTemperaturePolynomial(bent);
+    const auto errorAt = [&](double celsius) {
+        return evaluate(fitted, bent.resistance(celsius)) - celsius;
+    };
+    QVERIFY(qAbs(errorAt(-1.0) + 0.0000847092) < 1e-7);
+    QVERIFY(qAbs(errorAt(-0.5) + 0.0013404193) < 1e-7);
+    QVERIFY(qAbs(errorAt(1.0) + 0.0055031381) < 1e-7);
+}
+
 void TestFeatureNox8::announcesWhatItTakes()
 {
     featureNOX8 feature;
@@ -218,8 +240,16 @@ void TestFeatureNox8::announcesWhatItTakes()
     feature.setFeature(Record::its90, "x", numbers(9));
     feature.setData(bytesOf(feature.getData()));
     QCOMPARE(changes.count(), 2);
-    feature.setFeature(Record::polynomial, "y", numbers(10));
-    QCOMPARE(feature.getRatio().at(8), 0.0F);
+}
+
+void TestFeatureNox8::numbersOfATableStayBehind()
+{
+    featureNOX8 feature;
+    feature.setFeature(Record::temperatureOfVoltage, "S", {"0", "0", "100", "0.646"});
+    feature.setFeature(Record::polynomial, "P", numbers(10));
+    QCOMPARE(feature.getRatio().mid(8, 4), (QVector<float>{0, 0, 100, 0.646F}));
+    feature.setData(bytesOf(feature.getData()));
+    QCOMPARE(feature.getRatio().at(10), 100.0F);
 }
 
 QTEST_GUILESS_MAIN(TestFeatureNox8)

@@ -249,7 +249,7 @@ void TestOptionsNox8::unitIsKeptUntilItIsReplaced()
     image.setDevType(0x31);
     image.setChMeasType(0, measTemperatureCustom, "a unit longer than ten");
     QCOMPARE(image.getChDimCust(0), QStringLiteral("a unit lon"));
-    image.setChMeasType(0, measTemperature, "");
+    image.setChMeasType(0, measTemperature, "K");
     QCOMPARE(image.getChMeasTypeName(quint8(0)), QStringLiteral("°С"));
     image.setChMeasType(0, measTemperatureCustom, "");
     QCOMPARE(image.getChMeasTypeName(quint8(0)), QStringLiteral("a unit lon"));
@@ -286,6 +286,7 @@ void TestOptionsNox8::namesOfWhatAChannelUses()
     QCOMPARE(image.getChCurrentStr(7), QStringLiteral("0.2mA"));
     channel.current = 8;
     QCOMPARE(image.getChCurrentStr(7), QStringLiteral("-"));
+    QCOMPARE(image.getChCurrentStr(8), QStringLiteral("-"));
     QVERIFY(image.getFeature(7) && !image.getFeature(8));
     QCOMPARE(image.getFeatureInfStrList().size(), 8);
 }
@@ -308,8 +309,15 @@ void TestOptionsNox8::settingTexts()
     QCOMPARE(texts(measurementTimeChoices()).last(), QStringLiteral("8: 9"));
     QCOMPARE(texts(reversalChoices()), (QStringList{"0: Нет", "16: Да"}));
     QCOMPARE(texts(shortCircuitChoices()), (QStringList{"0: Да", "1: Нет"}));
-    QCOMPARE(standardResistanceThermometers().size(), 13);
-    QCOMPARE(standardThermocouples().size(), 13);
+    QCOMPARE(texts(measurementModeChoices()).at(1),
+             QStringLiteral("1: :/resource/images/singleShow_ch.png"));
+    QCOMPARE(standardResistanceThermometers().join(' '),
+             QStringLiteral("10M 50M 100M 10П 50П 100П 500П 1000П Pt10 Pt50 Pt100 Pt500 Pt1000"));
+    QCOMPARE(standardThermocouples().join(' '),
+             QStringLiteral("ТНН(N) ТВР(A1) ТВР(A2) ТВР(A3) ТЖК(J) ТМК(M) ТМК(T) ТПР(B) ТПП(R) "
+                            "ТПП(S) ТХА(K) ТХК(E) ТХК(L)"));
+    QCOMPARE(optionsNOX8::getDevCurrentList(0x31).join(' '),
+             QStringLiteral("0.4mA 0.7mA 1mA 1.5mA 2mA 2.5mA 3mA 4mA"));
 }
 
 void TestOptionsNox8::applyingAsksForWrites()

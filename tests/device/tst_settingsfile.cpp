@@ -26,6 +26,8 @@ private slots:
     void numbersAfterABadOneStay();
     void characteristicsAfterABadOneStay();
     void emptyCompensationLine();
+    void indicesBeyondTheirListsAreNotKept();
+    void textsAreTakenAsTheyStand();
     void filesThatEndEarly();
     void extendedPartIsRefused();
     void filesWithoutAModel_data();
@@ -127,9 +129,11 @@ void TestSettingsFile::codes_data()
     row("nothing changed", 0, "COM7", true, same);
     row("mode", 6, "1", true, "0120010001000000");
     row("mode that four bits cannot hold", 6, "16", false, same);
+    row("mode in words", 6, "cyclic", false, same);
     row("rounding", 7, "1", true, "0210010001000000");
     row("negative rounding", 7, "-1", false, same);
     row("compensation", 8, "2", true, "0222010001000000");
+    row("compensation that four bits cannot hold", 8, "16", false, same);
     row("off", 9, "Выкл", true, "0220010000000000");
     row("on, with a blank", 9, "Вкл ", true, "0220010000000000");
     row("temperature", 10, "°C", true, "0220010001100000");
@@ -139,6 +143,7 @@ void TestSettingsFile::codes_data()
     row("last current of four bits", 11, "16", true, "02200100010f0000");
     row("current 0", 11, "0", false, same);
     row("current 17", 11, "17", false, same);
+    row("current below all", 11, "-2147483648", false, same);
     row("current in words", 11, "one", false, same);
     row("resistor", 12, "Rr 3", true, "0220010001002000");
     row("resistor without its word", 12, "3", false, same);
@@ -216,7 +221,7 @@ void TestSettingsFile::loadingAnnounces()
 void TestSettingsFile::numbersAfterABadOneStay()
 {
     QStringList lines = linesOf(0x22);
-    lines[1] = "-";
+    lines[1] = lines[5] = "-";
     lines[2] = "12,5";
     lines[3] = "R3";
     lines[4] = "4.5";
@@ -228,11 +233,14 @@ void TestSettingsFile::numbersAfterABadOneStay()
     prepare(image, 0x22);
     for (ReferenceTriple &resistor : image.refR)
         resistor.value.value = resistor.a.value = 99.0F;
+    image.refU.value.value = 99.0F;
     image.features[0]->name = "before";
     QVERIFY(!applySettings(lines, image));
     QCOMPARE(image.refR[0].value.value, 99.0F);
     QCOMPARE(image.refR[1].value.value, 12.5F);
+    QCOMPARE(image.refR[2].value.value, 0.0F);
     QCOMPARE(image.refR[3].value.value, 99.0F);
+    QCOMPARE(image.refU.value.value, 99.0F);
     QCOMPARE(image.refR[0].a.value, 99.0F);
     QCOMPARE(image.features.at(0)->name, QStringLiteral("before"));
     QCOMPARE(int(image.devMeasMode), 1);
@@ -277,6 +285,50 @@ void TestSettingsFile::emptyCompensationLine()
     for (int ch = 0; ch < 4; ++ch)
         records += encodeChannel(image.channels.at(ch)).mid(3);
     QCOMPARE(records.toHex(), QByteArray("2c303037"));
+}
+
+void TestSettingsFile::indicesBeyondTheirListsAreNotKept()
+{
+    optionsNOX8 image;
+    prepare(image, 0x22);
+    QStringList lines = settingsLines(image);
+    for (int ch = 0; ch < 8; ++ch) { // as an instrument may have them
+        image.channels[ch].featureType =
+            ch < 4 ? featureThermocouple : featureResistanceThermometer;
+        image.channels[ch].featureTypeCompensTP = compensResistanceThermometer;
+        image.channels[ch].feature = image.channels[ch].featureCompensTP = 13;
+    }
+    optionsNOX8 saved;
+    QVERIFY(applySettings(settingsLines(image), saved));
+    QCOMPARE(encodeChannel(saved.channels.at(0)).toHex(), QByteArray("01000030"));
+
+    lines[13] = lines[649] = "99";
+    lines[18] = lines[648] = "17";
+    QVERIFY(!applySettings(lines, image));
+    for (int ch = 0; ch < 2; ++ch) {
+        QCOMPARE(image.channels.at(ch).featureType, featureIndividual);
+        QCOMPARE(int(image.channels.at(ch).feature), 0);
+        QCOMPARE(image.channels.at(ch).featureTypeCompensTP, compensNone);
+    }
+}
+
+void TestSettingsFile::textsAreTakenAsTheyStand()
+{
+    QStringList lines = linesOf(0x0950AA0F);
+    lines[657] = " a long unit of a file ";
+    lines[668] = "junk"; // the first zero shift
+    lines[669] = "1,5";
+    // Callendar and Van Dusen stand in the coefficient lines alone
+    const QStringList thermometer{"100", "3.9083e-3", "-5.775e-7", "0", "0", "100"};
+    for (int i = 0; i < 6; ++i)
+        lines[505 + i] = thermometer.at(i);
+    lines[585] = "1";
+    optionsNOX8 image;
+    QVERIFY(applySettings(lines, image));
+    QCOMPARE(image.getChDimCust(0), QStringLiteral(" a long unit of a file "));
+    QCOMPARE(image.shiftU[0].value, 0.0F);
+    QCOMPARE(image.shiftU[1].value, 1.5F);
+    QCOMPARE(image.features.at(0)->ratioStr, thermometer);
 }
 
 void TestSettingsFile::filesThatEndEarly()
@@ -428,6 +480,7 @@ void TestSettingsFile::tablesThatDoNotFit()
     QVERIFY(!isSavedWith(110, 9999.95F));
     QVERIFY(!isSavedWith(110, -1000.0F));
     QVERIFY(!isSavedWith(111, std::numeric_limits<float>::infinity()));
+    QVERIFY(!optionsNOX8().saveToFile(path, "COM1")); // no model: it could never be loaded
     QCOMPARE(contentOf(path), before);
     QVERIFY(isSavedWith(110, 9999.9F));
     QVERIFY(isSavedWith(110, -999.9F));
