@@ -46,6 +46,7 @@ noxList::_nox *noxList::newNox(int devIndex, bool wire)
     nox->processed = devIndex >= 0;
     nox->txTimer = std::make_unique<QTimer>();
     nox->txTimer->setSingleShot(true);
+    nox->txTimer->setInterval(m_writeDelayMs);
 
     _nox *record = nox.release();
     m_records.insert(record->index, record);

@@ -96,7 +96,7 @@ public:
     /** All registry indices, ascending. */
     QList<int> indices() const;
 
-    /** How long writes are collected, from the next request on; 5 s unless a test has set it. */
+    /** How long records made from now on collect writes; 5 s unless a test has set it. */
     void setWriteDelay(int milliseconds) { m_writeDelayMs = milliseconds; }
 
 public slots:

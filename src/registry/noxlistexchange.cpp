@@ -112,7 +112,7 @@ void noxList::sendNoxData(int index, optionsNOX8::tx_code tx_code)
         return;
     if (!nox->txCodes.contains(tx_code))
         nox->txCodes.append(tx_code);
-    nox->txTimer->start(m_writeDelayMs);
+    nox->txTimer->start();
 }
 
 void noxList::writePending(int index)
