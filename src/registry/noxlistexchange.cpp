@@ -66,7 +66,9 @@ void noxList::applyDevQuery(int devIndex, QByteArray *buf, quint8 address)
     _nox *nox = getNoxByIndex(index); // whoever heard of the change may have removed it
     if (!nox)
         return;
-    if (address == configurationAddress && nox->dbIndex >= 1)
+    // an extended model's configuration is whole, and can be compared, with its zero shifts
+    const bool isConfiguration = address == configurationAddress || address == zeroShiftsAddress;
+    if (isConfiguration && nox->dbIndex >= 1)
         recogniseSnapShot(nox);
     else if (address == referenceDataAddress && nox->dbIndex == 0)
         recogniseByReferenceData(nox);

@@ -1,0 +1,386 @@
+#include "registry/findnox.h"
+#include "serial/noxserialport.h"
+#include "storage/databasefile.h"
+#include "storage/noxsql.h"
+#include "support/instrumentbench.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+/** The discovery dialog over a real multiplexer, with simulated instruments on virtual ports. */
+class TestFindNox : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+
+    void instrumentsWithAnIdentityConnectByThemselves();
+    void olderInstrumentIsKnownByItsReferenceData();
+    void olderInstrumentWaitsForTheOperator();
+    void instrumentWithoutAModelIsNamedByTheOperator();
+    void skippedWhenUnknown();
+    void deadPortsAreDropped();
+    void noPorts();
+    void cancelledSearchLeavesNoWorker();
+    void oneInstrumentIsSearchedFor();
+    void measuringInstrumentIsNotDisturbed();
+    void lostInstrumentContinuesUnderItsIndex();
+    void configurationIsKeptOnFirstSight_data();
+    void configurationIsKeptOnFirstSight();
+    void appliedChangesReachTheMemoryOnce();
+
+private:
+    void add(const QString &port, const QString &model, quint16 number, bool isOlder = false,
+             int faults = 0);
+    bool waitUntilClosed() const;
+    bool waitUntilListed() const;
+    bool waitUntilRead(int index) const;
+    noxList::_nox *only() const;
+    template<typename Widget>
+    Widget *find(const char *name) const
+    {
+        return dialog->findChild<Widget *>(QString::fromLatin1(name));
+    }
+    QTableWidget *table() const { return find<QTableWidget>("newDevTable"); }
+    QCheckBox *box(int row) const { return table()->cellWidget(row, 3)->findChild<QCheckBox *>(); }
+    bool isNumberEditable(int row) const
+    {
+        return table()->item(row, 2)->flags().testFlag(Qt::ItemIsEditable);
+    }
+
+    std::unique_ptr<QTemporaryDir> folder;
+    std::unique_ptr<InstrumentBench> bench;
+    std::unique_ptr<noxSql> database;
+    std::unique_ptr<NOXSerialPort> port;
+    std::unique_ptr<noxList> registry;
+    std::unique_ptr<findNox> dialog;
+};
+
+namespace
+{
+
+constexpr int patienceMs = 30000;
+
+QByteArray bytesOf(QByteArray *given)
+{
+    return *std::unique_ptr<QByteArray>(given);
+}
+
+} // namespace
+
+void TestFindNox::init()
+{
+    folder = std::make_unique<QTemporaryDir>();
+    bench = std::make_unique<InstrumentBench>();
+    QVERIFY(provideDatabase(folder->filePath("nox8.db")));
+    database = std::make_unique<noxSql>(folder->filePath("nox8.db"));
+    port = std::make_unique<NOXSerialPort>();
+    LinkTiming timing = shortTiming();
+    timing.startBase = 5;
+    timing.initDelay = 50;
+    timing.queueDelay = 5;
+    timing.attemptDelay = 50;
+    port->setLinkTiming(timing);
+    registry = std::make_unique<noxList>(port.get(), database.get());
+    registry->setWriteDelay(300);
+    dialog = std::make_unique<findNox>(nullptr, registry.get());
+}
+
+void TestFindNox::cleanup()
+{
+    dialog.reset();
+    registry.reset();
+    database.reset();
+    port.reset();
+    bench.reset();
+}
+
+void TestFindNox::add(const QString &portName, const QString &model, quint16 number, bool isOlder,
+                      int faults)
+{
+    SimulatedInstrumentOptions options = bench->steadyInstrument();
+    options.identity.modelName = model;
+    options.identity.serialNumber = number;
+    options.identity.answersIdentification = !isOlder;
+    options.faults.ignoredAddressings = faults;
+    QVERIFY(bench->add(portName, options));
+}
+
+bool TestFindNox::waitUntilClosed() const
+{
+    return QTest::qWaitFor([this] { return !dialog->isVisible(); }, patienceMs);
+}
+
+bool TestFindNox::waitUntilListed() const
+{
+    return QTest::qWaitFor([this] { return table()->isEnabled() && table()->rowCount() > 1; },
+                           patienceMs);
+}
+
+/** Until the configuration in the registry is that of the instrument. */
+bool TestFindNox::waitUntilRead(int index) const
+{
+    const auto isRead = [this, index] {
+        const noxList::_nox *nox = registry->getNoxByIndex(index);
+        return nox && bytesOf(nox->opt->getData()) == bench->host.block(nox->portName, 2) &&
+               port->isReadAllQuery();
+    };
+    return QTest::qWaitFor(isRead, patienceMs);
+}
+
+/** The one record of the registry; null unless there is exactly one. */
+noxList::_nox *TestFindNox::only() const
+{
+    const auto indices = registry->indices();
+    return indices.size() == 1 ? registry->getNoxByIndex(indices.first()) : nullptr;
+}
+
+void TestFindNox::instrumentsWithAnIdentityConnectByThemselves()
+{
+    add("A", "NOX CM1 rev.4", 4071);
+    add("B", "NOX B", 1234);
+    dialog->find(true);
+    QVERIFY(waitUntilClosed());
+    QCOMPARE(registry->indices().size(), 2);
+    QSet<QString> found;
+    for (const int index : registry->indices()) {
+        QVERIFY(waitUntilRead(index));
+        const noxList::_nox &nox = *registry->getNoxByIndex(index);
+        found << nox.portName + ' ' + nox.opt->getDevName(true);
+        QVERIFY(nox.dbIndex >= 1);
+        QVERIFY(nox.opt->identValid);
+    }
+    QCOMPARE(found, (QSet<QString>{"A NOX CM1 rev.4 № 4071", "B NOX B № 1234"}));
+    QCOMPARE(port->devices().size(), 2);
+}
+
+void TestFindNox::olderInstrumentIsKnownByItsReferenceData()
+{
+    add("A", "NOX C", 1, true);
+    const QByteArray refdata = bench->host.block("A", 3).left(64) + QByteArray(8, '\0');
+    const int row = database->addDev(0x21, 815, "NOX C № 0815");
+    QVERIFY(database->updRefData(row, &refdata, 0x21, 815, "NOX C № 0815"));
+    dialog->find(true);
+    QVERIFY(waitUntilClosed());
+    QVERIFY(only() && waitUntilRead(only()->index));
+    QCOMPARE(only()->dbIndex, row);
+    QCOMPARE(only()->opt->getDevName(true), QStringLiteral("NOX C № 0815"));
+}
+
+void TestFindNox::olderInstrumentWaitsForTheOperator()
+{
+    add("A", "NOX D", 1, true);
+    dialog->find(true);
+    QVERIFY(waitUntilListed());
+    QCOMPARE(table()->item(1, 0)->text(), QStringLiteral("A"));
+    const auto *models = qobject_cast<QComboBox *>(table()->cellWidget(1, 1));
+    QCOMPARE(models->count(), 1);
+    QCOMPARE(models->currentText(), QStringLiteral("NOX D"));
+    QVERIFY(box(1)->isChecked() && isNumberEditable(1));
+    QVERIFY(registry->indices().isEmpty());
+
+    table()->item(1, 2)->setText("no number");
+    find<QPushButton>("connectBtn")->click();
+    QVERIFY(!dialog->isVisible());
+    QVERIFY(registry->indices().isEmpty()); // without a number it is nobody
+    QVERIFY(port->devices().isEmpty());
+
+    dialog->find(true);
+    QVERIFY(waitUntilListed());
+    table()->item(1, 2)->setText("2218");
+    find<QPushButton>("connectBtn")->click();
+    QVERIFY(only() && waitUntilRead(only()->index));
+    QCOMPARE(only()->opt->getDevName(true), QStringLiteral("NOX D № 2218"));
+    QCOMPARE(database->findDev(0x31, 2218), only()->dbIndex);
+}
+
+void TestFindNox::instrumentWithoutAModelIsNamedByTheOperator()
+{
+    add("A", "NOX CM1", 1, true);
+    dialog->find(true);
+    QVERIFY(waitUntilListed());
+    auto *const models = qobject_cast<QComboBox *>(table()->cellWidget(1, 1));
+    QCOMPARE(models->count(), 7);
+    QVERIFY(!box(1)->isChecked() && !box(1)->isEnabled() && !isNumberEditable(1));
+    models->setCurrentText("NOX CM1");
+    QVERIFY(box(1)->isEnabled() && isNumberEditable(1));
+    models->setCurrentText("--");
+    QVERIFY(!box(1)->isEnabled() && !isNumberEditable(1));
+    models->setCurrentText("NOX CM1");
+    table()->item(1, 2)->setText("99");
+    box(1)->setChecked(true);
+    find<QPushButton>("connectBtn")->click();
+    QVERIFY(only() && waitUntilRead(only()->index));
+    QCOMPARE(only()->opt->getDevChCount(), quint8(16));
+    QCOMPARE(database->findDev(0x41, 99), only()->dbIndex);
+}
+
+void TestFindNox::skippedWhenUnknown()
+{
+    add("A", "NOX CM1", 1, true);
+    find<QCheckBox>("skipNoneCB")->setChecked(true);
+    QCOMPARE(database->getAppProperty("find_skip_unknown").toBool(), true);
+    dialog->find();
+    QVERIFY(waitUntilClosed());
+    QVERIFY(registry->indices().isEmpty() && port->devices().isEmpty());
+}
+
+void TestFindNox::deadPortsAreDropped()
+{
+    add("A", "NOX B", 1, false, FaultPlan::always);
+    add("B", "NOX B", 2);
+    dialog->find(true);
+    QVERIFY(waitUntilClosed());
+    QVERIFY(only());
+    QCOMPARE(only()->portName, QStringLiteral("B"));
+    QCOMPARE(port->devices(), QList<int>{only()->devIndex});
+}
+
+void TestFindNox::noPorts()
+{
+    dialog->find(true);
+    QVERIFY(dialog->isVisible());
+    const auto labels = dialog->findChildren<QLabel *>();
+    QVERIFY(std::any_of(labels.begin(), labels.end(), [](const QLabel *label) {
+        return label->isVisible() && label->text() == "Нет доступных портов";
+    }));
+    QVERIFY(find<QPushButton>("scanBtn")->isEnabled());
+    QVERIFY(!find<QPushButton>("connectBtn")->isEnabled());
+    add("A", "NOX B", 5);
+    find<QPushButton>("scanBtn")->click();
+    QVERIFY(waitUntilClosed());
+    QVERIFY(only());
+}
+
+void TestFindNox::cancelledSearchLeavesNoWorker()
+{
+    add("A", "NOX B", 1);
+    add("B", "NOX B", 2, false, FaultPlan::always);
+    dialog->find(true);
+    QCOMPARE(port->devices().size(), 2);
+    find<QPushButton>("cancelBtn")->click();
+    QVERIFY(!dialog->isVisible());
+    QVERIFY(port->devices().isEmpty() && registry->indices().isEmpty());
+}
+
+void TestFindNox::oneInstrumentIsSearchedFor()
+{
+    add("A", "NOX B", 1);
+    add("B", "NOX B", 2);
+    add("C", "NOX D", 3);
+    dialog->find(true, 0x11, 2);
+    QVERIFY(!find<QCheckBox>("skipNoneCB")->isEnabled());
+    QVERIFY(waitUntilClosed());
+    QVERIFY(only());
+    QCOMPARE(only()->opt->devNumber, quint16(2));
+    QCOMPARE(port->devices(), QList<int>{only()->devIndex});
+}
+
+void TestFindNox::measuringInstrumentIsNotDisturbed()
+{
+    add("A", "NOX B", 1);
+    dialog->find(true);
+    QVERIFY(waitUntilClosed());
+    QVERIFY(only() && waitUntilRead(only()->index));
+    only()->qwtIndex = 0;
+    QSignalSpy measured(registry.get(), &noxList::onReadMeas);
+    QSignalSpy lost(registry.get(), &noxList::onDevError);
+    QVERIFY(measured.wait(patienceMs));
+    add("B", "NOX B", 2, false, FaultPlan::always);
+    measured.clear();
+    dialog->find(true);
+    QVERIFY(waitUntilClosed());
+    QVERIFY(measured.size() >= 3);
+    QVERIFY(lost.isEmpty() && only() && only()->devIndex >= 0);
+}
+
+void TestFindNox::lostInstrumentContinuesUnderItsIndex()
+{
+    add("A", "NOX B", 1);
+    dialog->find(true);
+    QVERIFY(waitUntilClosed());
+    QVERIFY(only() && waitUntilRead(only()->index));
+    noxList::_nox *const nox = only();
+    nox->qwtIndex = 7;
+    QSignalSpy lost(registry.get(), &noxList::onDevError);
+    bench->host.unplug("A");
+    QVERIFY(lost.wait(patienceMs));
+    QCOMPARE(nox->devIndex, -1);
+
+    bench->host.plugIn("A");
+    dialog->find(true, nox->opt->devType, nox->opt->devNumber);
+    QVERIFY(waitUntilClosed());
+    QCOMPARE(only(), nox); // the same record goes on
+    QVERIFY(nox->devIndex >= 0);
+    QCOMPARE(nox->qwtIndex, 7);
+    QVERIFY(waitUntilRead(nox->index));
+    QSignalSpy measured(registry.get(), &noxList::onReadMeas);
+    QVERIFY(measured.wait(patienceMs));
+    QCOMPARE(measured.first().first().toInt(), nox->index);
+}
+
+void TestFindNox::configurationIsKeptOnFirstSight_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::newRow("with zero shifts") << "NOX CM rev.4";
+    QTest::newRow("without") << "NOX B";
+}
+
+void TestFindNox::configurationIsKeptOnFirstSight()
+{
+    QFETCH(QString, model);
+    add("A", model, 5);
+    dialog->find(true);
+    QVERIFY(waitUntilClosed());
+    QVERIFY(only() && waitUntilRead(only()->index));
+    const int dbIndex = only()->dbIndex;
+    QTRY_VERIFY_WITH_TIMEOUT(database->getSnapShotCount(dbIndex) == 1, patienceMs);
+    const QByteArray data = bytesOf(only()->opt->getData());
+    const QByteArray refdata = bytesOf(only()->opt->getRefAllData());
+    const auto stored = database->findSnapShot(&data, &refdata, dbIndex);
+    QCOMPARE(stored.size(), 1);
+    QVERIFY(stored.first().factory);
+    QCOMPARE(stored.first().info, QStringLiteral("Заводская настройка"));
+
+    registry->getOptFromNox(only()->index); // the second time it is found
+    QTRY_COMPARE_WITH_TIMEOUT(only()->snapShotId, stored.first().id, patienceMs);
+    QVERIFY(waitUntilRead(only()->index));
+    QCOMPARE(database->getSnapShotCount(dbIndex), 1);
+}
+
+void TestFindNox::appliedChangesReachTheMemoryOnce()
+{
+    add("A", "NOX CM rev.4", 5);
+    dialog->find(true);
+    QVERIFY(waitUntilClosed());
+    QVERIFY(only() && waitUntilRead(only()->index));
+    noxList::_nox &nox = *only();
+    QTRY_VERIFY_WITH_TIMEOUT(nox.txCodes.isEmpty() && port->isSendAllData(), patienceMs);
+    bench->host.clearExchanges("A");
+
+    nox.opt->setChCurrent(2, 5);
+    nox.opt->refR[1].value.value = 199.5F;
+    nox.opt->triggerDevChange();
+    nox.opt->triggerRefChange();
+    nox.opt->triggerDevChange();
+    QVERIFY(!nox.txCodes.isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(nox.txCodes.isEmpty() && port->isSendAllData(), patienceMs);
+    QCOMPARE(bench->host.block("A", 2), bytesOf(nox.opt->getData()));
+    QCOMPARE(bench->host.block("A", 3).left(64), bytesOf(nox.opt->getRefData(true)).left(64));
+    QVector<int> written;
+    for (const ExchangeEvent &event : bench->host.exchanges("A"))
+        if (event.kind == ExchangeEvent::WriteCompleted)
+            written << event.address;
+    QCOMPARE(written, (QVector<int>{6, 0, 1}));
+}
+
+QTEST_MAIN(TestFindNox)
+#include "tst_findnox.moc"
