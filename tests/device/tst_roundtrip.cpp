@@ -3,6 +3,7 @@
 #include "device/settingsreader.h"
 #include "device/settingswriter.h"
 #include "device/takenbytes.h"
+#include "device/vocabulary.h"
 #include "imagetrial.h"
 
 #include <QRandomGenerator>
@@ -104,8 +105,9 @@ void keepToTheFormat(optionsNOX8 &image, QRandomGenerator &random)
 void TestRoundTrip::addTypes()
 {
     QTest::addColumn<quint32>("type");
-    for (const quint32 type : allTypes())
-        QTest::addRow("%s", qPrintable(optionsNOX8::getTypeList(true).value(type))) << type;
+    const auto models = instrumentModels();
+    for (const InstrumentModel *model : models)
+        QTest::newRow(model->name) << model->typeCode;
 }
 
 void TestRoundTrip::blocks()

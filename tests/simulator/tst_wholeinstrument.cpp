@@ -3,7 +3,6 @@
 #include "device/takenbytes.h"
 #include "device/vocabulary.h"
 #include "serial/noxserialport.h"
-#include "simulator/instrumentmodel.h"
 #include "support/imagefields.h"
 #include "support/linkjournal.h"
 
@@ -160,8 +159,9 @@ void TestWholeInstrument::compareMemoryWith(const optionsNOX8 &image)
 void TestWholeInstrument::readChangedWrittenAndReadAgain_data()
 {
     QTest::addColumn<QString>("model");
-    for (const InstrumentModel &model : instrumentModels())
-        QTest::newRow(model.name) << modelName(model);
+    const auto models = instrumentModels();
+    for (const InstrumentModel *model : models)
+        QTest::newRow(model->name) << modelName(*model);
 }
 
 void TestWholeInstrument::readChangedWrittenAndReadAgain()

@@ -39,9 +39,12 @@ QStringList describeChannel(const ChannelSettings &channel)
 
 QStringList describeFeature(const FeatureRecord &feature)
 {
+    QStringList entries = feature.ratioStr;
+    while (!entries.isEmpty() && entries.last().isEmpty()) // a record has slots that no entry fills
+        entries.removeLast();
     return {QString("own type %1 '%2'").arg(int(feature.type)).arg(feature.name),
             describeNumbers("own numbers", feature.ratio),
-            "own entries: '" + feature.ratioStr.join("' '") + "'"};
+            "own entries: '" + entries.join("' '") + "'"};
 }
 
 } // namespace
