@@ -4,12 +4,12 @@
 /// program's alone.
 
 #include "app/mainwindow.h"
+#include "device/vocabulary.h"
 #include "plot/qwtnox.h"
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
 #include "serial/portcatalog.h"
 #include "simulator/instrumenthost.h"
-#include "simulator/instrumentmodel.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -83,7 +83,7 @@ int playInstruments(const Load &load, const QString &directory, Pipe &toFleet, P
     const auto models = instrumentModels();
     for (int i = 0; i < load.instruments; ++i) {
         SimulatedInstrumentOptions options;
-        options.identity.modelName = models.at(i % models.size()).name;
+        options.identity.modelName = modelName(*models.at(i % models.size()));
         options.identity.serialNumber = quint16(1000 + i);
         options.tokensPerSecond = load.tokensPerSecond;
         options.portsDirectory = directory;

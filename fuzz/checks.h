@@ -3,6 +3,7 @@
 #include "device/configurationblock.h"
 #include "device/nibbles.h"
 #include "device/optionsnox8.h"
+#include "device/takenbytes.h"
 #include "device/vocabulary.h"
 
 #include <cstdlib>
@@ -43,12 +44,6 @@ public:
 private:
     QByteArray m_rest;
 };
-
-/** What a function that leaves its array to the caller returned. */
-inline QByteArray taken(QByteArray *array)
-{
-    return *std::unique_ptr<QByteArray>(array);
-}
 
 inline void requireFitting(const ChannelSettings &channel)
 {

@@ -146,6 +146,15 @@ bool fits(const ReferenceSignature &signature, const ReferenceData &data)
 
 } // namespace
 
+QVector<const InstrumentModel *> instrumentModels()
+{
+    QVector<const InstrumentModel *> family;
+    for (const InstrumentModel &model : models)
+        if (model.channels > 0)
+            family << &model;
+    return family;
+}
+
 const InstrumentModel *findModel(quint32 typeCode)
 {
     const auto *const found = std::find_if(

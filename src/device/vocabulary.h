@@ -28,6 +28,9 @@ struct SettingChoice {
 };
 using SettingChoices = QVector<SettingChoice>;
 
+/** The models of the family by type code, without the row of code 0. */
+QVector<const InstrumentModel *> instrumentModels();
+
 /** The model of a type code; null when the code is not in the table. Code 0 is a row of it. */
 const InstrumentModel *findModel(quint32 typeCode);
 

@@ -17,7 +17,3 @@ const QVector<GoldenModel> &goldenModels();
 /** Makes an empty image the one of a row of goldenModels(), by the recipe that stands in
  *  tests/support/golden.py. */
 void makeGoldenImage(optionsNOX8 &image, int row);
-
-/** Every field of an image, one a line, numbers with all their digits; the identity's flags and the
- *  channels beyond those of the model are left out. */
-QStringList describe(const optionsNOX8 &image);

@@ -104,13 +104,6 @@ QString featureDifference(const FeatureRecord &one, const FeatureRecord &other)
 
 } // namespace
 
-const QVector<quint32> &allTypes()
-{
-    static const QVector<quint32> types = {0x01, 0x11,       0x21,       0x22,      0x31,
-                                           0x41, 0x0950AA0F, 0x0960AA0F, 0x0970AA0F};
-    return types;
-}
-
 void fillAtRandom(optionsNOX8 &image, quint32 type, QRandomGenerator &random)
 {
     image.setDevType(type);

@@ -4,9 +4,6 @@
 
 class QRandomGenerator;
 
-/** The type codes of the nine models. */
-const QVector<quint32> &allTypes();
-
 /**
  * Fills an image of a type with values drawn at random: every code that the blocks can carry, every
  * index within the list it selects from, numbers of any magnitude.

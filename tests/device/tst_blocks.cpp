@@ -1,6 +1,6 @@
 #include "device/optionsnox8.h"
+#include "device/takenbytes.h"
 #include "imagelog.h"
-#include "takenbytes.h"
 
 #include <QtTest>
 
@@ -33,9 +33,8 @@ QByteArray bytes(const char *hex)
 /** All that an image holds, as its blocks. */
 QByteArray contentOf(const optionsNOX8 &image)
 {
-    return bytesOf(image.getData()) + bytesOf(image.getRefData(true)) +
-           bytesOf(image.getRefShiftData()) + bytesOf(image.getIdentData()) +
-           bytesOf(image.getSNData());
+    return taken(image.getData()) + taken(image.getRefData(true)) + taken(image.getRefShiftData()) +
+           taken(image.getIdentData()) + taken(image.getSNData());
 }
 
 QByteArray referenceBlock(float voltage, float r1, float r2, float r3)
@@ -164,7 +163,7 @@ void TestBlocks::configurationIsAnnounced()
     for (const quint32 type : {0x11u, 0x0960AA0Fu}) {
         optionsNOX8 image;
         image.setDevType(type);
-        const QByteArray block = bytesOf(image.getData());
+        const QByteArray block = taken(image.getData());
         ImageLog log(image);
         QVERIFY(image.setData(&block, 2));
         QStringList announced;
@@ -224,7 +223,7 @@ void TestBlocks::userUnitSurvivesReading()
     optionsNOX8 image;
     image.setDevType(0x11);
     image.setChMeasType(4, measTemperatureCustom, "K");
-    const QByteArray block = bytesOf(image.getData());
+    const QByteArray block = taken(image.getData());
     QCOMPARE(block.at(4 + 4 * 4 + 1), char(0x10));
     image.setChMeasType(4, measTemperature, "");
     QVERIFY(image.setData(block, 2));
@@ -252,7 +251,7 @@ void TestBlocks::nothingSpillsIntoItsNeighbour()
     channel.measType = measVoltage;
     channel.featureType = featureThermocouple;
     channel.featureTypeCompensTP = compensResistanceThermometer;
-    QCOMPARE(bytesOf(image.getData()).left(8).toHex(), QByteArray("5221110001234596"));
+    QCOMPARE(taken(image.getData()).left(8).toHex(), QByteArray("5221110001234596"));
 }
 
 void TestBlocks::blocksForOneChannel()
@@ -263,18 +262,18 @@ void TestBlocks::blocksForOneChannel()
     image.setChCurrent(7, 3);
     QCOMPARE(image.channelBlock(7).toHex(), QByteArray("070000000220010001030000"));
     QCOMPARE(image.channelBlock(8), QByteArray());
-    QCOMPARE(bytesOf(image.getIdentData()).toHex(), QByteArray("0200000022001234"));
+    QCOMPARE(taken(image.getIdentData()).toHex(), QByteArray("0200000022001234"));
     image.setClock([] { return QDateTime({2026, 11, 24}, {17, 5, 9}); });
-    QCOMPARE(bytesOf(image.getRefData(false)).mid(64).toHex(), QByteArray("11050900180b1a02"));
-    QCOMPARE(bytesOf(image.getRefData(true)).mid(64), QByteArray(8, '\0'));
-    QCOMPARE(bytesOf(image.getRefAllData()).size(), 72);
+    QCOMPARE(taken(image.getRefData(false)).mid(64).toHex(), QByteArray("11050900180b1a02"));
+    QCOMPARE(taken(image.getRefData(true)).mid(64), QByteArray(8, '\0'));
+    QCOMPARE(taken(image.getRefAllData()).size(), 72);
 
     image.setDevType(0x0950AA0F);
     image.devName = "Эталонная баня № 17"; // of it 16 characters fit
-    QCOMPARE(bytesOf(image.getIdentData()).toHex(),
+    QCOMPARE(taken(image.getIdentData()).toHex(),
              QByteArray("0faa5009ddf2e0ebeeedede0ff20e1e0edff20b9"));
-    QCOMPARE(bytesOf(image.getSNData()).toHex(), QByteArray("34120000"));
-    QCOMPARE(bytesOf(image.getRefAllData()).size(), 72 + 148);
+    QCOMPARE(taken(image.getSNData()).toHex(), QByteArray("34120000"));
+    QCOMPARE(taken(image.getRefAllData()).size(), 72 + 148);
 }
 
 QTEST_GUILESS_MAIN(TestBlocks)

@@ -1,6 +1,6 @@
 #include "device/callendarvandusen.h"
 #include "device/featurenox8.h"
-#include "takenbytes.h"
+#include "device/takenbytes.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -50,7 +50,7 @@ void TestFeatureNox8::record()
 {
     featureNOX8 feature;
     QCOMPARE(feature.setFeature(Record::polynomial, " A ", numbers(10, " 1,0 ")), 1);
-    const QByteArray bytes = bytesOf(feature.getData());
+    const QByteArray bytes = taken(feature.getData());
     QCOMPARE(bytes.size(), 492);
     QCOMPARE(bytes.left(6).toHex(), QByteArray("000000000141"));
     QCOMPARE(bytes.mid(6, 38), QByteArray(38, '\0'));
@@ -69,14 +69,14 @@ void TestFeatureNox8::its90KeepsItsTexts()
     const QStringList texts = {"25.5", "2", "3", "4", "5", "6", "7", "8", "9"};
     featureNOX8 feature;
     QCOMPARE(feature.setFeature(Record::its90, "SPRT", texts), 1);
-    const QByteArray bytes = bytesOf(feature.getData());
+    const QByteArray bytes = taken(feature.getData());
     QCOMPARE(bytes.mid(84 + 4 * 20, 20), QByteArray("\x01\x30") + QByteArray(18, '\0'));
 
     featureNOX8 read;
     read.setData(bytes);
     QCOMPARE(read.ratioStr, texts);
     QCOMPARE(read.getRatio(), feature.getRatio());
-    QCOMPARE(bytesOf(read.getData()), bytes);
+    QCOMPARE(taken(read.getData()), bytes);
 }
 
 void TestFeatureNox8::textsAreCut()
@@ -86,7 +86,7 @@ void TestFeatureNox8::textsAreCut()
     feature.type = Record::polynomial;
     feature.ratioStr = repeated(QString(30, '7'), 15);
     featureNOX8 read;
-    read.setData(bytesOf(feature.getData()));
+    read.setData(taken(feature.getData()));
     QCOMPARE(read.name, QString(39, QChar(u'Ж')));
     QCOMPARE(read.ratioStr, repeated(QString(19, '7'), 10));
 }
@@ -105,7 +105,7 @@ void TestFeatureNox8::damagedRecords()
     QCOMPARE(int(feature.type), -1);
     QCOMPARE(feature.name.size(), 39);
     QCOMPARE(feature.ratioStr.size(), 10);
-    QCOMPARE(bytesOf(feature.getData()).left(5).toHex(), QByteArray("ff00000027"));
+    QCOMPARE(taken(feature.getData()).left(5).toHex(), QByteArray("ff00000027"));
 }
 
 void TestFeatureNox8::tableTexts()
@@ -156,11 +156,11 @@ void TestFeatureNox8::entries()
     QFETCH(QStringList, texts);
     QFETCH(bool, stored);
     featureNOX8 feature;
-    const QByteArray before = bytesOf(feature.getData());
+    const QByteArray before = taken(feature.getData());
     QSignalSpy changes(&feature, &featureNOX8::onChange);
     QTEST(feature.setFeature(type, "new", texts), "result");
     QCOMPARE(changes.count(), stored ? 1 : 0);
-    QCOMPARE(bytesOf(feature.getData()) != before, stored);
+    QCOMPARE(taken(feature.getData()) != before, stored);
 }
 
 void TestFeatureNox8::tableIsContinued()
@@ -238,7 +238,7 @@ void TestFeatureNox8::announcesWhatItTakes()
     featureNOX8 feature;
     QSignalSpy changes(&feature, &featureNOX8::onChange);
     feature.setFeature(Record::its90, "x", numbers(9));
-    feature.setData(bytesOf(feature.getData()));
+    feature.setData(taken(feature.getData()));
     QCOMPARE(changes.count(), 2);
 }
 
@@ -248,7 +248,7 @@ void TestFeatureNox8::numbersOfATableStayBehind()
     feature.setFeature(Record::temperatureOfVoltage, "S", {"0", "0", "100", "0.646"});
     feature.setFeature(Record::polynomial, "P", numbers(10));
     QCOMPARE(feature.getRatio().mid(8, 4), (QVector<float>{0, 0, 100, 0.646F}));
-    feature.setData(bytesOf(feature.getData()));
+    feature.setData(taken(feature.getData()));
     QCOMPARE(feature.getRatio().at(10), 100.0F);
 }
 

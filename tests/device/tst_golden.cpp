@@ -1,6 +1,7 @@
 #include "device/datetimeblock.h"
+#include "device/takenbytes.h"
 #include "goldenimage.h"
-#include "takenbytes.h"
+#include "support/imagefields.h"
 
 #include <QTemporaryDir>
 #include <QTextCodec>
@@ -68,17 +69,17 @@ Blocks goldenBlocks(int row)
 Blocks blocksOf(optionsNOX8 &image)
 {
     image.setClock([] { return moment; });
-    Blocks blocks = {{"configuration", bytesOf(image.getData())},
-                     {"reference", bytesOf(image.getRefData(true))},
-                     {"referenceWritten", bytesOf(image.getRefData(false))},
-                     {"allReference", bytesOf(image.getRefAllData())},
-                     {"identificationWritten", bytesOf(image.getIdentData())},
+    Blocks blocks = {{"configuration", taken(image.getData())},
+                     {"reference", taken(image.getRefData(true))},
+                     {"referenceWritten", taken(image.getRefData(false))},
+                     {"allReference", taken(image.getRefAllData())},
+                     {"identificationWritten", taken(image.getIdentData())},
                      {"channel0", image.channelBlock(0)},
                      {"channelLast", image.channelBlock(quint8(image.getDevChCount() - 1))},
                      {"dateTime", encodeDateTime(moment)}};
     if (image.getDevRev() != 0) {
-        blocks.insert("shifts", bytesOf(image.getRefShiftData()));
-        blocks.insert("serialNumber", bytesOf(image.getSNData()));
+        blocks.insert("shifts", taken(image.getRefShiftData()));
+        blocks.insert("serialNumber", taken(image.getSNData()));
     }
     return blocks;
 }

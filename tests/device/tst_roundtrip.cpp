@@ -2,8 +2,9 @@
 #include "device/settingsfile.h"
 #include "device/settingsreader.h"
 #include "device/settingswriter.h"
+#include "device/takenbytes.h"
+#include "device/vocabulary.h"
 #include "imagetrial.h"
-#include "takenbytes.h"
 
 #include <QRandomGenerator>
 #include <QtTest>
@@ -35,16 +36,16 @@ constexpr int images = 300; ///< of each model
 /** Hands an image's blocks to another, as they would come from the instrument. */
 bool transfer(const optionsNOX8 &from, optionsNOX8 &to)
 {
-    QByteArray identification = bytesOf(from.getIdentData());
+    QByteArray identification = taken(from.getIdentData());
     if (from.getDevRev() != 0) {
-        identification += bytesOf(from.getSNData());
-        to.setData(bytesOf(from.getRefShiftData()), 9);
+        identification += taken(from.getSNData());
+        to.setData(taken(from.getRefShiftData()), 9);
     }
     const bool isKnown =
-        to.setData(identification, 51) && to.setData(bytesOf(from.getRefData(false)), 3);
+        to.setData(identification, 51) && to.setData(taken(from.getRefData(false)), 3);
     for (int ch = 0; ch < from.getDevChCount(); ++ch) // kept beside the instrument
         to.channels[ch].dimCust = from.channels.at(ch).dimCust;
-    return isKnown && to.setData(bytesOf(from.getData()), 2);
+    return isKnown && to.setData(taken(from.getData()), 2);
 }
 
 /** What a settings file cannot keep, as it comes back from one. */
@@ -104,8 +105,9 @@ void keepToTheFormat(optionsNOX8 &image, QRandomGenerator &random)
 void TestRoundTrip::addTypes()
 {
     QTest::addColumn<quint32>("type");
-    for (const quint32 type : allTypes())
-        QTest::addRow("%s", qPrintable(optionsNOX8::getTypeList(true).value(type))) << type;
+    const auto models = instrumentModels();
+    for (const InstrumentModel *model : models)
+        QTest::newRow(model->name) << model->typeCode;
 }
 
 void TestRoundTrip::blocks()
@@ -138,13 +140,13 @@ void TestRoundTrip::anyBytesAsConfiguration()
         for (char &byte : block)
             byte = char(random.bounded(256));
         QVERIFY(image.setData(block, 2));
-        const QByteArray again = bytesOf(image.getData());
+        const QByteArray again = taken(image.getData());
         QCOMPARE(again.left(3), block.left(3)); // what stands in a header or a record stays
         QCOMPARE(again.mid(4, recordsEnd - 4), block.mid(4, recordsEnd - 4));
         optionsNOX8 copy;
         copy.setDevType(type);
         QVERIFY(copy.setData(again, 2));
-        QCOMPARE(bytesOf(copy.getData()), again);
+        QCOMPARE(taken(copy.getData()), again);
         for (quint8 ch = 0; ch < image.getDevChCount(); ++ch) {
             if (!image.hasChFeature(ch))
                 QCOMPARE(image.getChFeatureName(ch), QStringLiteral("-"));

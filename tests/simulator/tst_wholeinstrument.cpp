@@ -1,8 +1,9 @@
 #include "device/datetimeblock.h"
 #include "device/optionsnox8.h"
+#include "device/takenbytes.h"
 #include "device/vocabulary.h"
 #include "serial/noxserialport.h"
-#include "simulator/instrumentmodel.h"
+#include "support/imagefields.h"
 #include "support/linkjournal.h"
 
 #include <QtTest>
@@ -30,63 +31,6 @@ enum Address : quint8 {
     readIdentification = 51,
     writeSerialNumber = 52,
 };
-
-QByteArray taken(QByteArray *block)
-{
-    const std::unique_ptr<QByteArray> owned(block);
-    return *owned;
-}
-
-QString textOf(const ReferenceTriple &triple)
-{
-    return QString("%1 %2 %3").arg(triple.value.value).arg(triple.a.value).arg(triple.b.value);
-}
-
-QString textOf(const ChannelSettings &channel)
-{
-    return QString("on %1, measures %2, current %3, resistor %4, characteristic %5/%6, "
-                   "compensation %7/%8")
-        .arg(channel.onOff)
-        .arg(channel.measType)
-        .arg(channel.current)
-        .arg(channel.resist)
-        .arg(channel.featureType)
-        .arg(channel.feature)
-        .arg(channel.featureTypeCompensTP)
-        .arg(channel.featureCompensTP);
-}
-
-QString textOf(const featureNOX8 &feature)
-{
-    QStringList words{QString("%1 '%2'").arg(feature.type).arg(feature.name)};
-    for (int i = 0; i < FeatureRecord::ratioCount; ++i)
-        words << QString("%1 '%2'")
-                     .arg(feature.ratio[std::size_t(i)].value)
-                     .arg(feature.getRatioStr(quint8(i)));
-    return words.join(' ');
-}
-
-/** All that an instrument keeps of an image, field by field. */
-QStringList fieldsOf(const optionsNOX8 &image)
-{
-    QStringList fields{
-        QString("%1 № %2 '%3'").arg(image.devType, 0, 16).arg(image.devNumber).arg(image.devName),
-        QString("time %1, rounding %2, mode %3, compensation %4, reversal %5, short circuit %6")
-            .arg(image.devMeasTime)
-            .arg(image.devMeasRound)
-            .arg(image.devMeasMode)
-            .arg(image.devCompensTP)
-            .arg(image.devChRevers)
-            .arg(image.devZakorotka),
-        QString("T0 %1").arg(image.refT0.value), "Uref " + textOf(image.refU)};
-    for (const ReferenceTriple &resistor : image.refR)
-        fields << "R " + textOf(resistor);
-    forEachShift(
-        image, [&fields](const bFloat &shift) { fields << QString("shift %1").arg(shift.value); });
-    for (quint8 ch = 0; ch < image.getDevChCount(); ++ch)
-        fields << textOf(image.getCh(ch)) << textOf(*image.getFeature(ch));
-    return fields;
-}
 
 /** Something else in every block. */
 void change(optionsNOX8 &image)
@@ -215,8 +159,9 @@ void TestWholeInstrument::compareMemoryWith(const optionsNOX8 &image)
 void TestWholeInstrument::readChangedWrittenAndReadAgain_data()
 {
     QTest::addColumn<QString>("model");
-    for (const InstrumentModel &model : instrumentModels())
-        QTest::newRow(model.name) << modelName(model);
+    const auto models = instrumentModels();
+    for (const InstrumentModel *model : models)
+        QTest::newRow(model->name) << modelName(*model);
 }
 
 void TestWholeInstrument::readChangedWrittenAndReadAgain()
@@ -237,7 +182,7 @@ void TestWholeInstrument::readChangedWrittenAndReadAgain()
         start = begin;
     });
     readInto(image);
-    QCOMPARE(fieldsOf(image), fieldsOf(*factoryImage(options.identity)));
+    QCOMPARE(describe(image), describe(*factoryImage(options.identity)));
     QCOMPARE(start, QDateTime({2023, 5, 17}, {9, 30}));
     QCOMPARE(records.size(), int(image.getDevChCount()));
     for (const QVector<LoggerItem> &items : qAsConst(records)) {
@@ -254,7 +199,7 @@ void TestWholeInstrument::readChangedWrittenAndReadAgain()
 
     optionsNOX8 readAgain;
     readInto(readAgain);
-    QCOMPARE(fieldsOf(readAgain), fieldsOf(image));
+    QCOMPARE(describe(readAgain), describe(image));
 }
 
 QTEST_GUILESS_MAIN(TestWholeInstrument)

@@ -1,6 +1,6 @@
 #include "simulator/commandline.h"
 
-#include "simulator/instrumentmodel.h"
+#include "device/vocabulary.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -132,7 +132,7 @@ Setter plainText(Member member)
 bool setModel(const QString &text, Command &command)
 {
     command.instrument.identity.modelName = text;
-    return findInstrumentModel(text) != nullptr;
+    return findPlayableModel(text) != nullptr;
 }
 
 bool setPortName(const QString &text, Command &command)
@@ -322,9 +322,10 @@ SimulatorCommand readSimulatorCommand(const QStringList &arguments)
 QVector<SimulatedInstrumentOptions> fleetOf(const SimulatedInstrumentOptions &first, int size)
 {
     QVector<SimulatedInstrumentOptions> fleet;
+    const auto models = instrumentModels();
     for (int i = 0; i < size; ++i) {
         SimulatedInstrumentOptions member = first;
-        member.identity.modelName = modelName(instrumentModels().at(i % instrumentModels().size()));
+        member.identity.modelName = modelName(*models.at(i % models.size()));
         member.identity.serialNumber = quint16(first.identity.serialNumber + i);
         member.signal.seed = first.signal.seed + quint32(i);
         member.faults.seed = first.faults.seed + quint32(i);

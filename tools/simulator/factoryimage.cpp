@@ -1,7 +1,7 @@
 #include "simulator/factoryimage.h"
 
 #include "device/optionsnox8.h"
-#include "simulator/instrumentmodel.h"
+#include "device/vocabulary.h"
 
 #include <algorithm>
 #include <array>
@@ -136,10 +136,19 @@ void setCharacteristic(optionsNOX8 &image, quint8 channel)
 
 } // namespace
 
+const InstrumentModel *findPlayableModel(const QString &name)
+{
+    const auto family = instrumentModels();
+    for (const InstrumentModel *model : family)
+        if (modelName(*model).compare(name.trimmed(), Qt::CaseInsensitive) == 0)
+            return model;
+    return nullptr;
+}
+
 const InstrumentModel &modelOf(const InstrumentIdentity &identity)
 {
-    const InstrumentModel *const named = findInstrumentModel(identity.modelName);
-    return named ? *named : *findInstrumentModel(InstrumentIdentity().modelName);
+    const InstrumentModel *const named = findPlayableModel(identity.modelName);
+    return named ? *named : *findPlayableModel(InstrumentIdentity().modelName);
 }
 
 std::unique_ptr<optionsNOX8> factoryImage(const InstrumentIdentity &identity)

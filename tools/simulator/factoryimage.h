@@ -16,6 +16,8 @@ struct InstrumentIdentity {
     bool answersIdentification = true; ///< false: an older instrument without address 51
 };
 
+/** The model with this name (upper or lower case), or null. */
+const InstrumentModel *findPlayableModel(const QString &name);
 /** The model that an identity names. */
 const InstrumentModel &modelOf(const InstrumentIdentity &identity);
 

@@ -2,6 +2,7 @@
 
 #include "device/configurationblock.h"
 #include "device/optionsnox8.h"
+#include "device/takenbytes.h"
 #include "device/vocabulary.h"
 #include "simulator/factorylog.h"
 
@@ -14,13 +15,6 @@ constexpr int channelBlockRecord = 8;   // and the channel's record
 constexpr int clockSize = 8;
 constexpr int serialNumberSize = 4;
 constexpr int serialNumberOffset = 20; // in the extended identification
-
-/** The bytes of a block that the image has built for its caller. */
-QByteArray taken(QByteArray *block)
-{
-    const std::unique_ptr<QByteArray> owned(block);
-    return *owned;
-}
 
 /** The identification as it is read: an extended one has the serial number behind. */
 QByteArray identificationOf(const optionsNOX8 &image, const InstrumentModel &model)

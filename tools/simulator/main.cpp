@@ -1,5 +1,5 @@
+#include "device/vocabulary.h"
 #include "simulator/commandline.h"
-#include "simulator/instrumentmodel.h"
 #include "simulator/terminationsignals.h"
 
 #include <QCoreApplication>
@@ -25,8 +25,9 @@ QTextStream &out()
 
 void listModels()
 {
-    for (const InstrumentModel &model : instrumentModels())
-        out() << modelName(model) << Qt::endl;
+    const auto models = instrumentModels();
+    for (const InstrumentModel *model : models)
+        out() << modelName(*model) << Qt::endl;
 }
 
 /** Each instrument of a fleet needs a descriptor: asks for as many as the system grants. */
