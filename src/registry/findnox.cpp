@@ -1,5 +1,6 @@
 #include "registry/findnox.h"
 
+#include "device/takenbytes.h"
 #include "device/vocabulary.h"
 #include "serial/noxserialport.h"
 #include "serial/portcatalog.h"
@@ -21,11 +22,6 @@ constexpr quint8 serialNumberWriteAddress = 52;
 constexpr quint16 lastExchangeOfReads = 200; ///< greater codes are failed writes and port errors
 
 const QString skipUnknownKey = QStringLiteral("find_skip_unknown");
-
-QByteArray taken(QByteArray *given)
-{
-    return *std::unique_ptr<QByteArray>(given);
-}
 
 bool isIdentified(const optionsNOX8 &image)
 {

@@ -1,10 +1,8 @@
+#include "device/takenbytes.h"
 #include "registry/noxlist.h"
 #include "registry/pendingblock.h"
 #include "serial/noxserialport.h"
 #include "storage/noxsql.h"
-
-#include <memory>
-#include <utility>
 
 namespace
 {
@@ -17,11 +15,6 @@ constexpr quint8 channelWriteAddress = 4;
 constexpr quint8 zeroShiftsAddress = 9;
 constexpr quint8 identificationAddress = 51;
 constexpr int identificationSize = 8; // extended models answer with 24 all the same
-
-QByteArray taken(QByteArray *given)
-{
-    return *std::unique_ptr<QByteArray>(given);
-}
 
 bool isIdentified(const optionsNOX8 &image)
 {

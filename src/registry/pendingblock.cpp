@@ -1,6 +1,6 @@
 #include "registry/pendingblock.h"
 
-#include <memory>
+#include "device/takenbytes.h"
 
 namespace
 {
@@ -59,6 +59,6 @@ QByteArray pendingBlock(const optionsNOX8 &image, optionsNOX8::tx_code code)
 {
     for (const PendingBlock &block : blocks)
         if (block.code == code && block.isAllowed(image))
-            return *std::unique_ptr<QByteArray>(block.make(image));
+            return taken(block.make(image));
     return {};
 }

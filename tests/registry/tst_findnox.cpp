@@ -1,3 +1,4 @@
+#include "device/takenbytes.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
 #include "storage/databasefile.h"
@@ -69,11 +70,6 @@ namespace
 
 constexpr int patienceMs = 30000;
 
-QByteArray bytesOf(QByteArray *given)
-{
-    return *std::unique_ptr<QByteArray>(given);
-}
-
 } // namespace
 
 void TestFindNox::init()
@@ -130,7 +126,7 @@ bool TestFindNox::waitUntilRead(int index) const
 {
     const auto isRead = [this, index] {
         const noxList::_nox *nox = registry->getNoxByIndex(index);
-        return nox && bytesOf(nox->opt->getData()) == bench->host.block(nox->portName, 2) &&
+        return nox && taken(nox->opt->getData()) == bench->host.block(nox->portName, 2) &&
                port->isReadAllQuery();
     };
     return QTest::qWaitFor(isRead, patienceMs);
@@ -343,8 +339,8 @@ void TestFindNox::configurationIsKeptOnFirstSight()
     QVERIFY(only() && waitUntilRead(only()->index));
     const int dbIndex = only()->dbIndex;
     QTRY_VERIFY_WITH_TIMEOUT(database->getSnapShotCount(dbIndex) == 1, patienceMs);
-    const QByteArray data = bytesOf(only()->opt->getData());
-    const QByteArray refdata = bytesOf(only()->opt->getRefAllData());
+    const QByteArray data = taken(only()->opt->getData());
+    const QByteArray refdata = taken(only()->opt->getRefAllData());
     const auto stored = database->findSnapShot(&data, &refdata, dbIndex);
     QCOMPARE(stored.size(), 1);
     QVERIFY(stored.first().factory);
@@ -373,8 +369,8 @@ void TestFindNox::appliedChangesReachTheMemoryOnce()
     nox.opt->triggerDevChange();
     QVERIFY(!nox.txCodes.isEmpty());
     QTRY_VERIFY_WITH_TIMEOUT(nox.txCodes.isEmpty() && port->isSendAllData(), patienceMs);
-    QCOMPARE(bench->host.block("A", 2), bytesOf(nox.opt->getData()));
-    QCOMPARE(bench->host.block("A", 3).left(64), bytesOf(nox.opt->getRefData(true)).left(64));
+    QCOMPARE(bench->host.block("A", 2), taken(nox.opt->getData()));
+    QCOMPARE(bench->host.block("A", 3).left(64), taken(nox.opt->getRefData(true)).left(64));
     QVector<int> written;
     for (const ExchangeEvent &event : bench->host.exchanges("A"))
         if (event.kind == ExchangeEvent::WriteCompleted)
