@@ -1,0 +1,130 @@
+#include "registry/findnox.h"
+#include "serial/noxserialport.h"
+#include "storage/noxsql.h"
+#include "windowfixture.h"
+
+#include <QProgressBar>
+#include <QSqlQuery>
+#include <QStandardPaths>
+
+/** What the window keeps from one start to the next, and what it does when it starts and ends. */
+class TestStart : public QObject
+{
+    Q_OBJECT
+private slots:
+    void firstStartMakesTheDatabaseAndSearches();
+    void settingsAreKept();
+    void exitIsAskedFor();
+    void progressStandsInTheRow();
+    void mainInstrumentIsRemembered();
+};
+
+namespace
+{
+
+QCheckBox *settingBox(const WindowFixture &fixture, const QString &title)
+{
+    const auto boxes =
+        fixture.find<QPushButton>("settingsBtn")->menu()->findChildren<QCheckBox *>();
+    for (QCheckBox *box : boxes)
+        if (box->text() == title)
+            return box;
+    return nullptr;
+}
+
+QProgressBar *progressAt(const WindowFixture &fixture, int row)
+{
+    return qobject_cast<QProgressBar *>(
+        fixture.instruments()->cellWidget(row, InstrumentColumn::Menu));
+}
+
+} // namespace
+
+void TestStart::firstStartMakesTheDatabaseAndSearches()
+{
+    const WindowFixture fixture;
+    QVERIFY(QFile::exists(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) +
+                          "/nox8.db"));
+    QVERIFY(settingBox(fixture, "Автоподключение")->isChecked());
+    QVERIFY(!settingBox(fixture, "Запрос при выходе")->isChecked());
+    QVERIFY(!fixture.window->discovery()->isVisible());
+    QTRY_VERIFY(fixture.window->discovery()->isVisible());
+}
+
+void TestStart::settingsAreKept()
+{
+    WindowFixture fixture;
+    settingBox(fixture, "Автоподключение")->setChecked(false);
+    settingBox(fixture, "Запрос при выходе")->setChecked(true);
+    fixture.window.reset();
+    fixture.window = std::make_unique<MainWindow>();
+    QVERIFY(!settingBox(fixture, "Автоподключение")->isChecked());
+    QVERIFY(settingBox(fixture, "Запрос при выходе")->isChecked());
+    QTest::qWait(700); // longer than a search would wait for
+    QVERIFY(!fixture.window->discovery()->isVisible());
+    fixture.find<QPushButton>("findDevBtn")->click();
+    QVERIFY(fixture.window->discovery()->isVisible());
+}
+
+void TestStart::exitIsAskedFor()
+{
+    WindowFixture fixture;
+    settingBox(fixture, "Запрос при выходе")->setChecked(true);
+    QVERIFY(!fixture.window->close());
+    QCOMPARE(fixture.dialogs.asked.size(), 1);
+    const Message &question = fixture.dialogs.asked.first();
+    QCOMPARE(question.title, QStringLiteral("Выход из программы"));
+    QCOMPARE(question.text, QStringLiteral("Вы уверены что хотите выйти из программы?"));
+    QCOMPARE(question.buttons, QMessageBox::Yes | QMessageBox::No);
+    QVERIFY(fixture.window->isVisible());
+    fixture.dialogs.answer = QMessageBox::Yes;
+    QVERIFY(fixture.window->close());
+    settingBox(fixture, "Запрос при выходе")->setChecked(false);
+    fixture.window->show();
+    QVERIFY(fixture.window->close());
+    QCOMPARE(fixture.dialogs.asked.size(), 2);
+}
+
+void TestStart::progressStandsInTheRow()
+{
+    const WindowFixture fixture;
+    const int first = fixture.add(0x11, 1);
+    const int second = fixture.add(0x11, 2);
+    fixture.registry().getNoxByIndex(second)->devIndex = 9;
+    const auto report = [&](int devIndex, int progress, int most) {
+        emit fixture.window->serialPort()->setProgress(devIndex, progress, most, 2);
+    };
+    report(9, -1, 0);
+    QVERIFY(progressAt(fixture, 2) && progressAt(fixture, 2)->maximum() == 0);
+    QVERIFY(!progressAt(fixture, 1));
+    report(9, 30, 100);
+    QCOMPARE(progressAt(fixture, 2)->value(), 30);
+    QCOMPARE(progressAt(fixture, 2)->maximum(), 100);
+    report(8, 50, 100);
+    report(9, 0, 0);
+    QVERIFY(!progressAt(fixture, 2));
+
+    report(9, 30, 100); // the row moves up: the bar must not speak for another
+    fixture.registry().rmByIndex(first);
+    QVERIFY(!progressAt(fixture, 1));
+}
+
+void TestStart::mainInstrumentIsRemembered()
+{
+    const WindowFixture fixture;
+    fixture.add(0x11, 1);
+    const int second = fixture.add(0x11, 2);
+    const auto stored = [] {
+        QSqlQuery query("SELECT app_property_val FROM app_property"
+                        " WHERE app_property_key='main_device_id'");
+        return query.next() ? query.value(0).toInt() : -1;
+    };
+    fixture.click(fixture.instruments(), 2, InstrumentColumn::Name);
+    QCOMPARE(stored(), fixture.registry().getDBIndex(second));
+    QVERIFY(stored() >= 1);
+    fixture.registry().rmByIndex(second);
+    QCOMPARE(stored(), fixture.registry().getDBIndex(0));
+}
+
+QTEST_MAIN(TestStart)
+#include "tst_start.moc"
