@@ -118,7 +118,7 @@ std::optional<CompensationChoice> compensationFromCode(int code)
 
 QString timeCharacter(quint8 measurementTime)
 {
-    return QString(QChar(qMin(measurementTime, longestTime) + 1));
+    return {QChar(qMin(measurementTime, longestTime) + 1)};
 }
 
 std::optional<quint8> timeFromText(const QString &text)

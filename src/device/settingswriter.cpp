@@ -106,10 +106,10 @@ private:
 
     void writeEntries(const FeatureRecord &feature)
     {
-        for (int k = 0; k < SettingsLayout::entryLines; ++k)
-            m_lines << (feature.type == FeatureRecord::temperatureOfVoltage
-                            ? tableLine(feature.ratio.at(2 * k), feature.ratio.at(2 * k + 1))
-                            : oneLine(feature.ratioStr.value(k)));
+        const bool isTable = feature.type == FeatureRecord::temperatureOfVoltage;
+        const bFloat *pair = feature.ratio.data();
+        for (int k = 0; k < SettingsLayout::entryLines; ++k, pair += 2)
+            m_lines << (isTable ? tableLine(pair[0], pair[1]) : oneLine(feature.ratioStr.value(k)));
     }
 
     void writeCoefficients(const FeatureRecord &feature)
