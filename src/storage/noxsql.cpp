@@ -38,6 +38,8 @@ noxSql::noxSql(const QString &path, QObject *parent)
         return;
     m_database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
     m_database.setDatabaseName(path);
+    // Qt waits 5 s for a database that another program holds, and the window stands still as long
+    m_database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=250"));
     m_database.open();
 }
 
@@ -220,8 +222,10 @@ int noxSql::insertSnapShot(int deviceId, const QByteArray &data, const QByteArra
         " device_snapshot_refdata )VALUES(:device_id, :device_snapshot_info,"
         " :device_snapshot_info_search, :device_snapshot_datetime, :device_snapshot_data,"
         " :device_snapshot_refdata)";
-    return insertedId(execute(m_database,
-                              getSnapShotCount(deviceId) < 1 ? insertFactory : insertOrdinary,
+    const int count = getSnapShotCount(deviceId);
+    if (count == failure) // a locked database must not get a second factory snapshot
+        return failure;
+    return insertedId(execute(m_database, count == 0 ? insertFactory : insertOrdinary,
                               {{":device_id", deviceId},
                                {":device_snapshot_info", info},
                                {":device_snapshot_info_search", info.toLower()},
