@@ -8,6 +8,7 @@
 #include "ui_findnox.h"
 
 #include <QLabel>
+#include <QScopedValueRollback>
 
 #include <algorithm>
 
@@ -70,17 +71,22 @@ void findNox::find(bool autoConnect, uint type, quint16 number)
     connect(port, &NOXSerialPort::onDevQueryError, this, &findNox::queryError);
     connect(port, QOverload<int, quint16>::of(&NOXSerialPort::onDevError), this,
             &findNox::devError);
+    m_isSearching = true;
     runScan();
-    show();
+    setVisible(m_isSearching);
 }
 
 void findNox::runScan()
 {
-    m_awaited.clear();
-    const auto waiting = m_found->indices();
-    for (const int index : waiting)
-        m_found->rmByIndex(index);
-    dropUnknownDevices();
+    // removing workers lets other events in: a search that they ask for is this one
+    if (m_isClearing)
+        return;
+    {
+        const QScopedValueRollback<bool> clearing(m_isClearing, true);
+        forgetFound();
+    }
+    if (!m_isSearching) // ... and they may have closed the dialog
+        return;
     clearTable();
     if (PortCatalog::current().ports().isEmpty())
         return showIdle(tr("Нет доступных портов"));
@@ -156,10 +162,17 @@ void findNox::dropUnknownDevices()
 
 void findNox::endSearch()
 {
+    m_isSearching = false;
     m_registry->serialPort()->disconnect(this);
-    m_awaited.clear();
-    m_rows.clear();
     m_numberFilter = 0;
+    m_rows.clear();
+    forgetFound();
+}
+
+/** Lets go of everything that was found and not handed over. */
+void findNox::forgetFound()
+{
+    m_awaited.clear();
     const auto waiting = m_found->indices();
     for (const int index : waiting)
         m_found->rmByIndex(index);

@@ -67,6 +67,7 @@ private:
     void dropDevice(int devIndex);
     void dropUnknownDevices();
     void endSearch();
+    void forgetFound();
 
     bool readIdentification(noxList::_nox *found, const QByteArray &block);
     bool readReferenceData(noxList::_nox *found, const QByteArray &block);
@@ -93,6 +94,8 @@ private:
     bool m_autoConnect = false;
     quint32 m_typeFilter = 0;
     quint16 m_numberFilter = 0;
-    QSet<int> m_awaited; ///< devices of the scan that have not been dealt with
+    bool m_isSearching = false;
+    bool m_isClearing = false; ///< workers of the former search are being removed
+    QSet<int> m_awaited;       ///< devices of the scan that have not been dealt with
     QVector<WaitingRow> m_rows;
 };

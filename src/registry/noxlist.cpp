@@ -98,8 +98,11 @@ void noxList::continueOn(_nox *known, int devIndex)
     setCommandByte(known);
     getOptFromNox(index);
     emit onChange();
-    if (formerDevice != devIndex)
-        m_serialPort->rmDev(formerDevice);
+    // later: the removal lets other events in, and the caller still holds the record that was found
+    if (formerDevice >= 0 && formerDevice != devIndex)
+        QMetaObject::invokeMethod(
+            m_serialPort, [port = m_serialPort, formerDevice] { port->rmDev(formerDevice); },
+            Qt::QueuedConnection);
 }
 
 bool noxList::owns(const _nox *nox) const
