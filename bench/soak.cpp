@@ -4,23 +4,24 @@
 /// program's alone.
 
 #include "app/mainwindow.h"
-#include "device/vocabulary.h"
+#include "fleet.h"
 #include "plot/qwtnox.h"
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
 #include "serial/portcatalog.h"
-#include "simulator/instrumenthost.h"
+#include "storage/databasefile.h"
+#include "storage/noxsql.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QFile>
 #include <QHash>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include <cstdio>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -29,97 +30,29 @@ namespace
 
 constexpr int drainMs = 3000; ///< from the last token sent to the count of those received
 
-/** One run: so many instruments, each so fast, for so long. */
+/** One run: a fleet, for so long. */
 struct Load {
-    int instruments;
-    double tokensPerSecond;
+    FleetOptions fleet;
     int seconds;
 };
 
-/** The two ends of a pipe, closed when it goes. */
-class Pipe
+/** How the program starts: with a database of its own, and without a search of its own. */
+class QuietDatabase
 {
 public:
-    Pipe() { opened = ::pipe(ends) == 0; }
-    ~Pipe()
+    QuietDatabase()
     {
-        closeReader();
-        closeWriter();
-    }
-    Pipe(const Pipe &) = delete;
-    Pipe &operator=(const Pipe &) = delete;
-
-    bool isOpen() const { return opened; }
-    void closeReader() { closeEnd(ends[0]); }
-    void closeWriter() { closeEnd(ends[1]); }
-    bool read(void *data, size_t size) { return ::read(ends[0], data, size) == ssize_t(size); }
-    bool write(const void *data, size_t size)
-    {
-        return ::write(ends[1], data, size) == ssize_t(size);
+        qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.path()));
+        const QString path =
+            QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) +
+            QStringLiteral("/nox8.db");
+        provideDatabase(path);
+        noxSql(path).setAppProperty(QStringLiteral("autoconnect"), false);
     }
 
 private:
-    static void closeEnd(int &end)
-    {
-        if (end >= 0)
-            ::close(end);
-        end = -1;
-    }
-    int ends[2] = {-1, -1};
-    bool opened = false;
+    QTemporaryDir m_folder;
 };
-
-QString portName(int number)
-{
-    return QStringLiteral("SIM%1").arg(number, 3, 10, QLatin1Char('0'));
-}
-
-/** The instruments' process: plays until told to fall silent, then says what each has sent. */
-int playInstruments(const Load &load, const QString &directory, Pipe &toFleet, Pipe &fromFleet,
-                    int argc, char **argv)
-{
-    const QCoreApplication application(argc, argv);
-    InstrumentHost host;
-    const auto models = instrumentModels();
-    for (int i = 0; i < load.instruments; ++i) {
-        SimulatedInstrumentOptions options;
-        options.identity.modelName = modelName(*models.at(i % models.size()));
-        options.identity.serialNumber = quint16(1000 + i);
-        options.tokensPerSecond = load.tokensPerSecond;
-        options.portsDirectory = directory;
-        options.signal.seed = quint32(i + 1);
-        if (host.add(options, portName(i)).isEmpty())
-            return 1;
-    }
-    char word = 'r';
-    fromFleet.write(&word, 1);
-    toFleet.read(&word, 1);
-    for (int i = 0; i < load.instruments; ++i)
-        host.setStreaming(portName(i), false);
-    for (int i = 0; i < load.instruments; ++i) {
-        const qint64 sent = host.tokensSent(portName(i));
-        fromFleet.write(&sent, sizeof sent);
-    }
-    // the plugs stay in until the other side has counted
-    toFleet.read(&word, 1);
-    return 0;
-}
-
-/** Processor time of this process, in seconds. */
-double processorSeconds()
-{
-    rusage usage = {};
-    ::getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval &time) { return time.tv_sec + time.tv_usec / 1e6; };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-long peakMemoryMib()
-{
-    rusage usage = {};
-    ::getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss / 1024;
-}
 
 void runEventLoop(int milliseconds)
 {
@@ -129,8 +62,10 @@ void runEventLoop(int milliseconds)
 }
 
 /** The program's side: the window, one instrument after the other connected as its menu does. */
-int runProgram(const Load &load, Pipe &toFleet, Pipe &fromFleet)
+int runProgram(const Load &load, Fleet &fleet)
 {
+    const QuietDatabase database;
+    const int instruments = load.fleet.instruments;
     MainWindow window;
     window.resize(1280, 800);
     window.show();
@@ -142,10 +77,10 @@ int runProgram(const Load &load, Pipe &toFleet, Pipe &fromFleet)
     QObject::connect(window.plot(), &QwtNOX::onAddPoint, &window, [&drawn] { ++drawn; });
 
     QVector<int> devices;
-    for (int i = 0; i < load.instruments; ++i) {
-        const int devIndex = window.serialPort()->addDev(portName(i));
+    for (int i = 0; i < instruments; ++i) {
+        const int devIndex = window.serialPort()->addDev(Fleet::portName(i));
         if (devIndex < 0) {
-            std::fprintf(stderr, "%s was refused\n", qPrintable(portName(i)));
+            std::fprintf(stderr, "%s was refused\n", qPrintable(Fleet::portName(i)));
             return 1;
         }
         // by hand the registry takes one instrument less than there are ports
@@ -159,25 +94,23 @@ int runProgram(const Load &load, Pipe &toFleet, Pipe &fromFleet)
     runEventLoop(load.seconds * 1000);
     const double share = (processorSeconds() - processorBefore) / (wall.elapsed() / 1e3);
 
-    toFleet.write("s", 1);
+    fleet.fallSilent();
     runEventLoop(drainMs);
     qint64 sentInAll = 0;
     qint64 receivedInAll = 0;
     int unequal = 0;
-    for (int i = 0; i < load.instruments; ++i) {
-        qint64 sent = -1;
-        fromFleet.read(&sent, sizeof sent);
-        sentInAll += sent;
+    const QVector<qint64> sent = fleet.sentTokens();
+    for (int i = 0; i < instruments; ++i) {
+        sentInAll += sent.at(i);
         receivedInAll += received.value(devices.at(i));
-        unequal += sent != received.value(devices.at(i));
+        unequal += sent.at(i) != received.value(devices.at(i));
     }
-    std::printf("%11d %9.1f %7d %9lld %9lld %7lld %6lld %9d %8.1f %% %7ld\n", load.instruments,
-                load.tokensPerSecond, load.seconds, static_cast<long long>(sentInAll),
+    std::printf("%11d %9.1f %7d %9lld %9lld %7lld %6lld %9d %8.1f %% %7ld\n", instruments,
+                load.fleet.tokensPerSecond, load.seconds, static_cast<long long>(sentInAll),
                 static_cast<long long>(receivedInAll), static_cast<long long>(drawn),
                 static_cast<long long>(sentInAll - receivedInAll), unequal, 100 * share,
                 peakMemoryMib());
     std::fflush(stdout);
-    toFleet.write("q", 1);
     return sentInAll == receivedInAll && unequal == 0 ? 0 : 1;
 }
 
@@ -185,28 +118,12 @@ int runProgram(const Load &load, Pipe &toFleet, Pipe &fromFleet)
 int runLoad(const Load &load, int argc, char **argv)
 {
     const QTemporaryDir directory;
-    Pipe toFleet;
-    Pipe fromFleet;
-    if (!directory.isValid() || !toFleet.isOpen() || !fromFleet.isOpen())
+    Fleet fleet(load.fleet, directory.path(), argc, argv);
+    if (!directory.isValid() || !fleet.isReady())
         return 1;
-    const pid_t fleet = ::fork();
-    if (fleet == 0) {
-        toFleet.closeWriter();
-        fromFleet.closeReader();
-        ::_exit(playInstruments(load, directory.path(), toFleet, fromFleet, argc, argv));
-    }
-    toFleet.closeReader();
-    fromFleet.closeWriter();
-    char word = 0;
-    int status = 1;
-    if (fromFleet.read(&word, 1)) {
-        PortCatalog::setCurrent(std::make_unique<VirtualPortCatalog>(directory.path()));
-        const QApplication application(argc, argv);
-        status = runProgram(load, toFleet, fromFleet);
-    }
-    toFleet.closeWriter();
-    ::waitpid(fleet, nullptr, 0);
-    return status;
+    PortCatalog::setCurrent(std::make_unique<VirtualPortCatalog>(directory.path()));
+    const QApplication application(argc, argv);
+    return runProgram(load, fleet);
 }
 
 } // namespace
@@ -221,7 +138,7 @@ int main(int argc, char **argv)
                 "sent", "received", "drawn", "lost", "unequal", "processor", "MiB");
     std::fflush(stdout);
     int status = 0;
-    for (const Load &load : {Load{64, 10.0, seconds}, Load{255, 4.0, seconds}}) {
+    for (const Load &load : {Load{{64, 10.0}, seconds}, Load{{255, 4.0}, seconds}}) {
         const pid_t run = ::fork();
         if (run == 0)
             ::_exit(runLoad(load, argc, argv));

@@ -18,13 +18,19 @@ constexpr int portWidth = 100;
 constexpr int numberWidth = 100;
 constexpr int pictureSize = 24;
 
-QTableWidgetItem *newItem(const QString &text, bool isEditable)
+QTableWidgetItem *newItem(const QString &text, Qt::ItemFlags flags = Qt::ItemIsEnabled)
 {
     auto *const item = new QTableWidgetItem(text);
     item->setTextAlignment(Qt::AlignCenter);
-    item->setFlags(isEditable ? Qt::ItemIsEnabled | Qt::ItemIsEditable | Qt::ItemIsSelectable
-                              : Qt::NoItemFlags);
+    item->setFlags(flags);
     return item;
+}
+
+/** A number that may be entered, or is shown as what may not. */
+QTableWidgetItem *newNumber(const QString &text, bool isEditable)
+{
+    return newItem(text, isEditable ? Qt::ItemIsEnabled | Qt::ItemIsEditable | Qt::ItemIsSelectable
+                                    : Qt::ItemFlags(Qt::NoItemFlags));
 }
 
 /** A check box in the middle of its cell. */
@@ -82,9 +88,9 @@ void findNox::addRecognisedRow(const noxList::_nox &found)
 {
     QTableWidget *const table = m_ui->newDevTable;
     table->insertRow(1);
-    table->setItem(1, PortColumn, newItem(found.portName, false));
-    table->setItem(1, NameColumn, newItem(found.opt->getDevName(false), false));
-    table->setItem(1, NumberColumn, newItem(found.opt->getDevNumberStr(), false));
+    table->setItem(1, PortColumn, newItem(found.portName));
+    table->setItem(1, NameColumn, newItem(found.opt->getDevName(false)));
+    table->setItem(1, NumberColumn, newItem(found.opt->getDevNumberStr()));
     QCheckBox *const box = addCheckBox(table, 1);
     box->setChecked(true);
     box->setEnabled(false);
@@ -100,12 +106,12 @@ void findNox::showWaiting()
         const int row = i + 1;
         table->insertRow(row);
         table->setItem(row, PortColumn,
-                       newItem(m_found->getNoxByIndex(m_rows.at(i).index)->portName, false));
+                       newItem(m_found->getNoxByIndex(m_rows.at(i).index)->portName));
         auto *const models = new QComboBox;
         for (const ModelChoice &model : instrument.models())
             models->addItem(model.name, model.typeCode);
         table->setCellWidget(row, NameColumn, models);
-        table->setItem(row, NumberColumn, newItem(instrument.number(), false));
+        table->setItem(row, NumberColumn, newNumber(instrument.number(), false));
         QCheckBox *const box = addCheckBox(table, row);
         paintWaitingRow(i);
         connect(models, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
@@ -127,7 +133,7 @@ void findNox::paintWaitingRow(int i)
     const FoundInstrument &instrument = m_rows.at(i).instrument;
     const int row = i + 1;
     const QString number = table->item(row, NumberColumn)->text();
-    table->setItem(row, NumberColumn, newItem(number, instrument.isNumberEditable()));
+    table->setItem(row, NumberColumn, newNumber(number, instrument.isNumberEditable()));
     QCheckBox *const box = checkBoxAt(table, row);
     const QSignalBlocker noEcho(box);
     box->setChecked(instrument.isChecked());

@@ -55,6 +55,21 @@ void dropFailed(QQueue<Item> &queue, noxQueryMode mode, bool abandoned)
         queue.dequeue();
 }
 
+/** Connects a signal of the multiplexer with the slot of a worker. Only what is about the worker's
+ *  own device is queued: an event for each of all workers would hold the GUI thread up. */
+template<typename... Arguments>
+void connectToWorker(const NOXSerialPort *port, void (NOXSerialPort::*signal)(int, Arguments...),
+                     noxSerialPortThread *worker,
+                     void (noxSerialPortThread::*slot)(int, Arguments...))
+{
+    const auto queue = [worker, slot](int devIndex, Arguments... arguments) {
+        if (devIndex == worker->index())
+            QMetaObject::invokeMethod(
+                worker, [=] { (worker->*slot)(devIndex, arguments...); }, Qt::QueuedConnection);
+    };
+    QObject::connect(port, signal, worker, queue, Qt::DirectConnection);
+}
+
 noxSerialPortDataItem dataItem(const QByteArray &data, quint8 address, bool showPr,
                                noxQueryMode qMode)
 {
@@ -118,13 +133,13 @@ void NOXSerialPort::connectWorker(noxSerialPortThread *worker)
     connect(worker, &Worker::finished, this, &Self::purgeDevSerialPortThread);
     connect(worker, &Worker::onMeasTimeout, this, &Self::devMeasTimeout);
 
-    connect(this, &Self::readyDevQuery, worker, &Worker::sendQuery);
-    connect(this, &Self::readyDevData, worker, &Worker::sendData);
-    connect(this, QOverload<int, bool>::of(&Self::blockStatusEvent), worker,
-            &Worker::blockStatusEvent);
-    connect(this, &Self::onSetDevType, worker, &Worker::setDevType);
-    connect(this, &Self::onSetMeasTimeout, worker, &Worker::setMeasTimeout);
-    connect(this, &Self::onSetDelayTime, worker, &Worker::setDelayTime);
+    connectToWorker(this, &Self::readyDevQuery, worker, &Worker::sendQuery);
+    connectToWorker(this, &Self::readyDevData, worker, &Worker::sendData);
+    connectToWorker(this, QOverload<int, bool>::of(&Self::blockStatusEvent), worker,
+                    &Worker::blockStatusEvent);
+    connectToWorker(this, &Self::onSetDevType, worker, &Worker::setDevType);
+    connectToWorker(this, &Self::onSetMeasTimeout, worker, &Worker::setMeasTimeout);
+    connectToWorker(this, &Self::onSetDelayTime, worker, &Worker::setDelayTime);
 }
 
 void NOXSerialPort::rmDev(int devIndex)

@@ -38,6 +38,20 @@ bool isLockedByName(const QString &device)
     return false;
 }
 
+/** The port that a link is; one with an empty name when its target is not there. */
+SerialPortEntry portOf(const QFileInfo &link)
+{
+    if (!link.isSymLink() || !link.exists() || link.isDir())
+        return {};
+    const QString device = link.canonicalFilePath();
+    return {link.fileName(), device, isLockedByName(device)};
+}
+
+SerialPortEntry portOf(const QSerialPortInfo &port)
+{
+    return {port.portName(), port.systemLocation(), port.isBusy()};
+}
+
 } // namespace
 
 SerialPortEntry PortCatalog::find(const QString &name) const
@@ -69,12 +83,17 @@ QVector<SerialPortEntry> VirtualPortCatalog::ports() const
     QVector<SerialPortEntry> entries;
     const auto links = QDir(m_directory).entryInfoList(QDir::Files | QDir::System, QDir::Name);
     for (const QFileInfo &link : links) {
-        if (!link.isSymLink() || !link.exists())
-            continue;
-        const QString device = link.canonicalFilePath();
-        entries.append({link.fileName(), device, isLockedByName(device)});
+        const SerialPortEntry port = portOf(link);
+        if (!port.name.isEmpty())
+            entries.append(port);
     }
     return entries;
+}
+
+SerialPortEntry VirtualPortCatalog::find(const QString &name) const
+{
+    const QFileInfo link(QDir(m_directory), name);
+    return !name.isEmpty() && link.fileName() == name ? portOf(link) : SerialPortEntry();
 }
 
 QString VirtualPortCatalog::defaultDirectory()
@@ -88,7 +107,7 @@ QVector<SerialPortEntry> MachinePortCatalog::ports() const
     QVector<SerialPortEntry> entries;
     const auto systemPorts = QSerialPortInfo::availablePorts();
     for (const QSerialPortInfo &port : systemPorts)
-        entries.append({port.portName(), port.systemLocation(), port.isBusy()});
+        entries.append(portOf(port));
 
     const auto virtualPorts = VirtualPortCatalog().ports();
     for (const SerialPortEntry &port : virtualPorts) {
@@ -99,4 +118,10 @@ QVector<SerialPortEntry> MachinePortCatalog::ports() const
             entries.append(port);
     }
     return entries;
+}
+
+SerialPortEntry MachinePortCatalog::find(const QString &name) const
+{
+    const QSerialPortInfo port(name);
+    return port.isNull() ? VirtualPortCatalog().find(name) : portOf(port);
 }

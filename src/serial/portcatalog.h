@@ -26,8 +26,9 @@ public:
     /** Every port, in the order to show them; names are unique. */
     virtual QVector<SerialPortEntry> ports() const = 0;
 
-    /** The port of that name; an entry with an empty name when there is none. */
-    SerialPortEntry find(const QString &name) const;
+    /** The port of that name; an entry with an empty name when there is none. Each opening of a
+     *  port asks for it, so catalogues of many ports look at the one alone. */
+    virtual SerialPortEntry find(const QString &name) const;
 
     /** The catalogue in effect: at first the one of this machine. */
     static const PortCatalog &current();
@@ -43,6 +44,7 @@ public:
     explicit VirtualPortCatalog(const QString &directory = defaultDirectory());
 
     QVector<SerialPortEntry> ports() const override;
+    SerialPortEntry find(const QString &name) const override;
 
     /** `nox8/ports` in the user's runtime directory. */
     static QString defaultDirectory();
@@ -56,4 +58,5 @@ class MachinePortCatalog : public PortCatalog
 {
 public:
     QVector<SerialPortEntry> ports() const override;
+    SerialPortEntry find(const QString &name) const override;
 };

@@ -65,6 +65,10 @@ void TestPortCatalog::listsLinksToTerminals()
     QVERIFY(plain.open(QIODevice::WriteOnly));
     QCOMPARE(namesOf(catalog), QStringList{"bath 2"});
     QCOMPARE(catalog.find("bath 2").device, terminal->device);
+    QFile::link(directory.path(), directory.filePath("folder"));
+    QCOMPARE(namesOf(catalog), QStringList{"bath 2"});
+    for (const char *name : {"gone", "plain file", "folder", "folder/bath 2", "."})
+        QVERIFY2(catalog.find(name).name.isEmpty(), name);
 
     terminal.reset();
     QCOMPARE(namesOf(catalog), QStringList());

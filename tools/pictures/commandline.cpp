@@ -21,31 +21,44 @@ PictureOrder readPictureOrder()
     const QCommandLineOption output("output", "Where the picture goes.", "file");
     const QCommandLineOption size("size", "Size of the window (default: 1280x800).", "WxH",
                                   "1280x800");
-    const QCommandLineOption seconds("seconds", "How long to measure (default: 45).", "count",
+    const QCommandLineOption instruments(
+        "instruments", "How many instruments have to be found (default: 1).", "count", "1");
+    const QCommandLineOption patience(
+        "patience", "How long they may take until they measure (default: 120).", "seconds", "120");
+    const QCommandLineOption seconds("seconds", "How long to measure then (default: 45).", "count",
                                      "45");
-    const QCommandLineOption connect(
-        "connect", "Ports to connect, further ones as arguments (default: all).", "name");
+    const QCommandLineOption ports("ports-directory",
+                                   "Look for instruments nowhere but in this directory.", "path");
     const QCommandLineOption showAll("show-all", "Show the curves of all instruments.");
+    const QCommandLineOption discovery(
+        "discovery", "Take the discovery dialog, once it waits for the operator.");
 
     QCommandLineParser parser;
-    parser.setApplicationDescription("Takes a picture of nox8 with its instruments connected.");
+    parser.setApplicationDescription("Takes a picture of nox8 with the instruments it has found.");
     parser.addHelpOption();
-    parser.addOptions({output, size, seconds, connect, showAll});
-    parser.addPositionalArgument("port", "Further ports to connect.", "[port...]");
+    parser.addOptions({output, size, instruments, patience, seconds, ports, showAll, discovery});
     parser.process(*QCoreApplication::instance());
 
-    bool secondsValid = false;
     PictureOrder order;
+    const auto readCount = [&parser, &order](const QCommandLineOption &option) {
+        bool isNumber = false;
+        const int count = parser.value(option).toInt(&isNumber);
+        if (!isNumber || count < 1)
+            order.error =
+                QStringLiteral("--%1 is not a positive number").arg(option.names().first());
+        return count;
+    };
     order.output = parser.value(output);
     order.size = readSize(parser.value(size));
-    order.seconds = parser.value(seconds).toInt(&secondsValid);
-    order.ports = parser.values(connect) + parser.positionalArguments();
+    order.instruments = readCount(instruments);
+    order.patience = readCount(patience);
+    order.seconds = readCount(seconds);
+    order.portsDirectory = parser.value(ports);
     order.showAll = parser.isSet(showAll);
+    order.discovery = parser.isSet(discovery);
     if (order.output.isEmpty())
         order.error = QStringLiteral("--output is missing");
     else if (!order.size.isValid())
         order.error = QStringLiteral("--size is not of the form 1280x800");
-    else if (!secondsValid || order.seconds < 1)
-        order.error = QStringLiteral("--seconds is not a positive number");
     return order;
 }

@@ -2,16 +2,18 @@
 
 #include <QSize>
 #include <QString>
-#include <QStringList>
 
 /** What the command line asks for. */
 struct PictureOrder {
     QString output; ///< file name of the PNG
     QSize size = QSize(1280, 800);
-    int seconds = 45;     ///< how long the instruments measure before the picture is taken
-    QStringList ports;    ///< names of the ports to connect; empty: all that are free
-    bool showAll = false; ///< the curves of all instruments, not those of the first alone
-    QString error;        ///< not empty: the command line makes no sense
+    int instruments = 1;    ///< how many the program has to find by itself
+    int patience = 120;     ///< seconds until they have to measure
+    int seconds = 45;       ///< how long they measure before the picture is taken
+    QString portsDirectory; ///< the only place of ports; empty: the ports of the user
+    bool showAll = false;   ///< the curves of all instruments, not those of the first alone
+    bool discovery = false; ///< the discovery dialog that waits for the operator, not the window
+    QString error;          ///< not empty: the command line makes no sense
 };
 
 /** Reads the command line of the application; ends the program for --help. */

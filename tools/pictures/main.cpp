@@ -1,55 +1,98 @@
 #include "app/mainwindow.h"
 #include "commandline.h"
+#include "registry/findnox.h"
+#include "serial/portcatalog.h"
 #include "windowdriver.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QEventLoop>
+#include <QFile>
 #include <QPixmap>
 #include <QStyleFactory>
+#include <QTemporaryDir>
 #include <QTextStream>
 #include <QTimer>
+
+#include <functional>
+#include <memory>
 
 namespace
 {
 
 constexpr int settlingSeconds = 3; ///< for the curves that are switched on at the end
 
-void wait(int seconds)
+void waitMs(int milliseconds)
 {
     QEventLoop loop;
-    QTimer::singleShot(seconds * 1000, &loop, &QEventLoop::quit);
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
     loop.exec();
 }
 
-int takePicture(const PictureOrder &order)
+/** Waits until there are so many; false when they do not come in time. */
+bool waitFor(int expected, const std::function<int()> &count, int patienceSeconds)
 {
-    MainWindow window;
-    window.resize(order.size);
-    window.show();
+    constexpr int periodMs = 100;
+    QElapsedTimer waited;
+    waited.start();
+    while (count() < expected && waited.elapsed() < patienceSeconds * 1000)
+        waitMs(periodMs);
+    if (count() >= expected)
+        return true;
+    QTextStream(stderr) << count() << " of " << expected << " instruments came within "
+                        << patienceSeconds << " s\n";
+    return false;
+}
 
-    WindowDriver driver(&window);
-    driver.connectPorts(order.ports);
-    wait(qMax(0, order.seconds - settlingSeconds));
+bool save(QWidget *widget, const QString &fileName)
+{
+    if (widget->grab().save(fileName, "PNG"))
+        return true;
+    QTextStream(stderr) << fileName << ": cannot be written\n";
+    return false;
+}
+
+bool takeDiscovery(const PictureOrder &order, MainWindow &window, const WindowDriver &driver)
+{
+    return waitFor(
+               order.instruments, [&driver] { return driver.waitingInstruments(); },
+               order.patience) &&
+           save(window.discovery(), order.output);
+}
+
+bool takeWindow(const PictureOrder &order, MainWindow &window, WindowDriver &driver)
+{
+    if (!waitFor(
+            order.instruments, [&driver] { return driver.measuringInstruments(); }, order.patience))
+        return false;
+    waitMs(qMax(0, order.seconds - settlingSeconds) * 1000);
     driver.clickFirstInstrument();
     if (order.showAll)
         driver.showAllInstruments();
-    wait(qMin(order.seconds, settlingSeconds));
+    waitMs(qMin(order.seconds, settlingSeconds) * 1000);
+    return save(&window, order.output);
+}
 
-    QTextStream complaints(stderr);
-    if (!window.grab().save(order.output, "PNG")) {
-        complaints << order.output << ": cannot be written\n";
-        return 1;
-    }
-    const QStringList silent = driver.silentPorts();
-    for (const QString &name : silent)
-        complaints << name << ": no measurements\n";
-    return silent.isEmpty() ? 0 : 1;
+bool takePicture(const PictureOrder &order)
+{
+    if (!order.portsDirectory.isEmpty())
+        PortCatalog::setCurrent(std::make_unique<VirtualPortCatalog>(order.portsDirectory));
+    MainWindow window;
+    window.resize(order.size);
+    window.show();
+    WindowDriver driver(&window);
+    return order.discovery ? takeDiscovery(order, window, driver)
+                           : takeWindow(order, window, driver);
 }
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
+    // a database of its own, made anew: a picture shows nothing that the user has stored
+    const QTemporaryDir dataFolder;
+    qputenv("XDG_DATA_HOME", QFile::encodeName(dataFolder.path()));
+
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
@@ -57,7 +100,7 @@ int main(int argc, char *argv[])
 
     const PictureOrder order = readPictureOrder();
     if (order.error.isEmpty())
-        return takePicture(order);
+        return takePicture(order) ? 0 : 1;
     QTextStream(stderr) << order.error << '\n';
     return 2;
 }

@@ -2,25 +2,16 @@
 
 #include "app/mainwindow.h"
 #include "app/rowcontent.h"
+#include "registry/findnox.h"
+#include "serial/noxserialport.h"
 
 #include <QCheckBox>
 #include <QCoreApplication>
-#include <QMenu>
 #include <QMouseEvent>
-#include <QPushButton>
 #include <QTableWidget>
 
 namespace
 {
-
-/** The menu of a button, opened as a click on the button opens it but without waiting in it. */
-QMenu *openMenu(const QWidget *window, const QString &buttonName)
-{
-    const auto *button = window->findChild<QPushButton *>(buttonName);
-    QMenu *menu = button->menu();
-    menu->popup(button->mapToGlobal(QPoint(0, button->height())));
-    return menu;
-}
 
 void sendClick(QWidget *target, const QPoint &position)
 {
@@ -38,45 +29,22 @@ void sendClick(QWidget *target, const QPoint &position)
 WindowDriver::WindowDriver(MainWindow *window)
     : m_window(window)
 {
-    const noxList *registry = window->registry();
-    connect(registry, &noxList::onReadMeas, this, [this, registry](int index) {
-        if (const noxList::_nox *nox = registry->getNoxByIndex(index))
-            m_delivered.insert(nox->portName);
-    });
+    connect(window->registry(), &noxList::onReadMeas, this,
+            [this](int index) { m_delivered.insert(index); });
 }
 
-void WindowDriver::connectPorts(const QStringList &names)
+int WindowDriver::measuringInstruments() const
 {
-    m_asked = names.isEmpty() ? offeredPorts() : names;
-    for (const QString &name : qAsConst(m_asked))
-        if (!choosePort(name))
-            qWarning("%s is not in the menu", qPrintable(name));
+    // an instrument is silent while it is read
+    return m_window->serialPort()->isReadAllQuery() ? m_delivered.size() : 0;
 }
 
-QStringList WindowDriver::offeredPorts()
+int WindowDriver::waitingInstruments() const
 {
-    constexpr int entriesBeforePorts = 2; // "no port" and the separator
-    QStringList names;
-    QMenu *menu = openMenu(m_window, QStringLiteral("addDevBtn"));
-    const auto actions = menu->actions().mid(entriesBeforePorts);
-    for (const QAction *action : actions)
-        names << action->data().toString();
-    menu->close();
-    return names;
-}
-
-bool WindowDriver::choosePort(const QString &name)
-{
-    QMenu *menu = openMenu(m_window, QStringLiteral("addDevBtn"));
-    const auto actions = menu->actions();
-    menu->close();
-    for (QAction *action : actions) {
-        if (action->data().toString() == name) {
-            action->trigger();
-            return true;
-        }
-    }
-    return false;
+    const findNox *const dialog = m_window->discovery();
+    const auto *const table = dialog->findChild<QTableWidget *>(QStringLiteral("newDevTable"));
+    const bool isAsking = dialog->isVisible() && table->isEnabled();
+    return isAsking ? table->rowCount() - 1 : 0;
 }
 
 void WindowDriver::clickFirstInstrument()
@@ -94,13 +62,4 @@ void WindowDriver::showAllInstruments()
     for (QCheckBox *box : boxes)
         if (!box->isChecked())
             box->click();
-}
-
-QStringList WindowDriver::silentPorts() const
-{
-    QStringList silent;
-    for (const QString &name : m_asked)
-        if (!m_delivered.contains(name))
-            silent << name;
-    return silent;
 }
