@@ -63,8 +63,10 @@ void InstrumentTable::refresh(int currentIndex)
         const noxList::_nox &nox = *m_registry->getNoxByIndex(index);
         ValueMarks &marks = m_latest[index].marks;
         marks.fresh = false;
-        if (nox.devIndex < 0)
+        if (nox.devIndex < 0) {
             marks = {};
+            m_table->removeCellWidget(row, InstrumentColumn::Menu); // its transfer is over
+        }
         bindShowBox(row, nox);
         paintRow(m_table, row, instrumentRow(stateOf(nox)));
     }

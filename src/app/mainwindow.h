@@ -94,6 +94,7 @@ private:
     void storeMainInstrument();
     void connectPort(const QString &portName);
     void clearPlot(int qwtIndex);
+    void showAbout();
     void chooseColor(uchar ch);
     void pressChannel(uchar ch, int column);
 

@@ -177,6 +177,8 @@ void MainWindow::buildSettings()
 {
     m_settingsMenu = std::make_unique<SettingsMenu>(m_database.get(), this);
     m_ui->settingsBtn->setMenu(m_settingsMenu.get());
+    connect(m_settingsMenu.get(), &SettingsMenu::aboutChosen, this, &MainWindow::showAbout);
     if (m_settingsMenu->connectsAtStart())
-        QTimer::singleShot(discoveryDelayMs, this, [this] { m_discovery->find(true, 0, 0); });
+        QTimer::singleShot(discoveryDelayMs, m_discovery.get(),
+                           [this] { m_discovery->find(true, 0, 0); });
 }

@@ -48,7 +48,11 @@ findNox::findNox(QWidget *parent, noxList *registry)
     connect(this, &QDialog::finished, this, &findNox::endSearch);
 }
 
-findNox::~findNox() = default;
+findNox::~findNox()
+{
+    m_registry->serialPort()->disconnect(this);
+    forgetFound(); // while what the removals report still finds the whole dialog
+}
 
 // The search
 
@@ -78,13 +82,9 @@ void findNox::find(bool autoConnect, uint type, quint16 number)
 
 void findNox::runScan()
 {
-    // removing workers lets other events in: a search that they ask for is this one
-    if (m_isClearing)
+    if (m_isClearing) // removing workers lets other events in: what clears begins this search
         return;
-    {
-        const QScopedValueRollback<bool> clearing(m_isClearing, true);
-        forgetFound();
-    }
+    forgetFound();
     if (!m_isSearching) // ... and they may have closed the dialog
         return;
     clearTable();
@@ -145,37 +145,61 @@ void findNox::countStep(int devIndex)
         allQueryCopmlite();
 }
 
+/** Lets go of a device that nobody can be found on. */
 void findNox::dropDevice(int devIndex)
 {
-    m_registry->serialPort()->rmDev(devIndex);
-    countStep(devIndex);
+    const int search = m_search;
+    const int index = m_found->getIndexByDev(devIndex);
+    if (index >= 0)
+        forgetRecord(index);
+    else
+        m_registry->serialPort()->rmDev(devIndex);
+    if (search == m_search) // the removal lets other events in
+        countStep(devIndex);
 }
 
-/** Removes the workers that no registry knows. */
+/** Removes a found instrument with its worker, unless the main registry has the worker by now. */
+void findNox::forgetRecord(int index)
+{
+    const noxList::_nox *const found = m_found->getNoxByIndex(index);
+    if (found->devIndex < 0 || !m_registry->isDevIndex(found->devIndex))
+        return m_found->rmByIndex(index);
+    m_found->detachByIndex(index);
+    delete found;
+}
+
+/** Removes the workers that neither a registry nor the running scan knows. */
 void findNox::dropUnknownDevices()
 {
     const auto devices = m_registry->serialPort()->devices();
     for (const int devIndex : devices)
-        if (!m_registry->isDevIndex(devIndex) && !m_found->isDevIndex(devIndex))
+        if (!m_registry->isDevIndex(devIndex) && !m_found->isDevIndex(devIndex) &&
+            !m_awaited.contains(devIndex))
             m_registry->serialPort()->rmDev(devIndex);
 }
 
 void findNox::endSearch()
 {
     m_isSearching = false;
+    ++m_search;
     m_registry->serialPort()->disconnect(this);
     m_numberFilter = 0;
-    m_rows.clear();
+    if (m_isClearing)
+        return;
     forgetFound();
+    if (m_isSearching) // asked for again while the removals let other events in
+        runScan();
 }
 
 /** Lets go of everything that was found and not handed over. */
 void findNox::forgetFound()
 {
+    const QScopedValueRollback<bool> clearing(m_isClearing, true);
+    ++m_search;
     m_awaited.clear();
-    const auto waiting = m_found->indices();
-    for (const int index : waiting)
-        m_found->rmByIndex(index);
+    m_rows.clear();
+    while (!m_found->indices().isEmpty())
+        forgetRecord(m_found->indices().first());
     dropUnknownDevices();
 }
 
@@ -185,10 +209,12 @@ void findNox::queryDataReady(int devIndex, QByteArray *buf, quint8 address)
 {
     if (!m_awaited.contains(devIndex))
         return;
+    if (address != identificationAddress && address != referenceDataAddress)
+        return dropDevice(devIndex);
     noxList::_nox *found = m_found->getNoxByDevIndex(devIndex);
     if (!found)
         found = m_found->newNox(devIndex, false);
-    if (!found || (address != identificationAddress && address != referenceDataAddress))
+    if (!found)
         return dropDevice(devIndex);
 
     if (address == identificationAddress) {
@@ -272,8 +298,27 @@ void findNox::queryError(int devIndex, quint16, noxSerialPortQueryItem query)
 
 void findNox::devError(int devIndex, quint16 code)
 {
-    if (code > lastExchangeOfReads && m_awaited.contains(devIndex))
+    if (code <= lastExchangeOfReads || m_registry->isDevIndex(devIndex))
+        return;
+    if (m_awaited.contains(devIndex))
         dropDevice(devIndex);
+    else if (m_found->isDevIndex(devIndex))
+        dropWaiting(devIndex);
+}
+
+/** An instrument that waits for the operator has gone: its row goes too. */
+void findNox::dropWaiting(int devIndex)
+{
+    const int search = m_search;
+    const int index = m_found->getIndexByDev(devIndex);
+    readNumbers();
+    m_rows.erase(std::remove_if(m_rows.begin(), m_rows.end(),
+                                [index](const WaitingRow &row) { return row.index == index; }),
+                 m_rows.end());
+    showWaiting();
+    forgetRecord(index);
+    if (search == m_search && m_rows.isEmpty())
+        accept();
 }
 
 // What is left for the operator
@@ -286,7 +331,10 @@ void findNox::allQueryCopmlite()
     m_ui->progressBar->hide();
     m_message->setText(tr("Найдено приборов: ") + QString::number(m_found->indices().size()));
     m_message->show();
+    const int search = m_search;
     dropUnknownDevices();
+    if (search != m_search) // the removals let other events in
+        return;
     if (m_found->indices().isEmpty())
         return accept();
 
@@ -366,12 +414,20 @@ void findNox::connectRow(const WaitingRow &row)
     }
     if (!isIdentified(image))
         return;
-    if (found->dbIndex < 1) {
-        const QByteArray refdata = taken(image.getRefData(true));
-        found->dbIndex = m_registry->database()->provideDev(
-            &refdata, image.devType, image.devNumber, image.getDevName(true));
-    }
+    if (found->dbIndex < 1)
+        provideRow(found);
     handOver(found);
+}
+
+/** The row of an instrument that the operator has named; none when the database refuses. */
+void findNox::provideRow(noxList::_nox *found)
+{
+    const optionsNOX8 &image = *found->opt;
+    const QByteArray refdata = taken(image.getRefData(true));
+    const int row = m_registry->database()->provideDev(&refdata, image.devType, image.devNumber,
+                                                       image.getDevName(true));
+    if (row >= 1)
+        found->dbIndex = row;
 }
 
 // The operator

@@ -68,14 +68,17 @@ private:
     void dropUnknownDevices();
     void endSearch();
     void forgetFound();
+    void forgetRecord(int index);
 
     bool readIdentification(noxList::_nox *found, const QByteArray &block);
     bool readReferenceData(noxList::_nox *found, const QByteArray &block);
     bool adoptFromDatabase(noxList::_nox *found);
     void takeRecognised(noxList::_nox *found);
     bool handOver(noxList::_nox *found);
+    void provideRow(noxList::_nox *found);
 
     void listWaiting();
+    void dropWaiting(int devIndex);
     bool connectsByItself() const;
     void connectRow(const WaitingRow &row);
 
@@ -95,7 +98,8 @@ private:
     quint32 m_typeFilter = 0;
     quint16 m_numberFilter = 0;
     bool m_isSearching = false;
-    bool m_isClearing = false; ///< workers of the former search are being removed
+    bool m_isClearing = false; ///< what a search has found is being removed
+    int m_search = 0;          ///< changes with each search, and when one ends
     QSet<int> m_awaited;       ///< devices of the scan that have not been dealt with
     QVector<WaitingRow> m_rows;
 };

@@ -110,6 +110,7 @@ void findNox::showWaiting()
         auto *const models = new QComboBox;
         for (const ModelChoice &model : instrument.models())
             models->addItem(model.name, model.typeCode);
+        models->setCurrentIndex(instrument.model());
         table->setCellWidget(row, NameColumn, models);
         table->setItem(row, NumberColumn, newNumber(instrument.number(), false));
         QCheckBox *const box = addCheckBox(table, row);

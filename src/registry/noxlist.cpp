@@ -99,10 +99,13 @@ void noxList::continueOn(_nox *known, int devIndex)
     getOptFromNox(index);
     emit onChange();
     // later: the removal lets other events in, and the caller still holds the record that was found
-    if (formerDevice >= 0 && formerDevice != devIndex)
-        QMetaObject::invokeMethod(
-            m_serialPort, [port = m_serialPort, formerDevice] { port->rmDev(formerDevice); },
-            Qt::QueuedConnection);
+    if (formerDevice < 0 || formerDevice == devIndex)
+        return;
+    const auto removeFormer = [this, formerDevice] {
+        if (!isDevIndex(formerDevice))
+            m_serialPort->rmDev(formerDevice);
+    };
+    QMetaObject::invokeMethod(this, removeFormer, Qt::QueuedConnection);
 }
 
 bool noxList::owns(const _nox *nox) const

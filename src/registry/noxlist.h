@@ -23,7 +23,7 @@ class noxSql;
  *
  * A record belongs to the registry from newNox() or addNox() on until it is removed or detached.
  * While it is handed over, between addNox() of the one registry and the detaching from the other,
- * it stands in both; nothing is removed meanwhile.
+ * it stands in both. addNox() removes no worker while it runs: that would let other events in.
  */
 class noxList : public QObject
 {

@@ -55,13 +55,18 @@ void noxList::applyDevQuery(int devIndex, QByteArray *buf, quint8 address)
     if (!found)
         return;
     const int index = found->index;
-    found->opt->setData(*buf, address);
+    const int sizeBefore = found->opt->getDevDataSize();
+    const bool isAccepted = found->opt->setData(*buf, address);
     _nox *nox = getNoxByIndex(index); // whoever heard of the change may have removed it
     if (!nox)
         return;
+    // it is another model than was believed: what has been asked for has the wrong size
+    if (address == identificationAddress && isAccepted && sizeBefore != 0 &&
+        nox->opt->getDevDataSize() != sizeBefore)
+        readConfiguration(nox);
     // an extended model's configuration is whole, and can be compared, with its zero shifts
     const bool isConfiguration = address == configurationAddress || address == zeroShiftsAddress;
-    if (isConfiguration && nox->dbIndex >= 1)
+    if (isConfiguration && isAccepted && nox->dbIndex >= 1)
         recogniseSnapShot(nox);
     else if (address == referenceDataAddress && nox->dbIndex == 0)
         recogniseByReferenceData(nox);
@@ -112,6 +117,8 @@ void noxList::sendNoxData(int index, optionsNOX8::tx_code tx_code)
 
 void noxList::writePending(int index)
 {
+    if (getNoxByIndex(index)->txCodes.isEmpty())
+        return;
     emit onChange();
     _nox *nox = getNoxByIndex(index); // whoever heard of the change may have removed it
     if (!nox)

@@ -17,6 +17,7 @@ private slots:
     void exitIsAskedFor();
     void progressStandsInTheRow();
     void mainInstrumentIsRemembered();
+    void programTellsItsVersion();
 };
 
 namespace
@@ -104,6 +105,11 @@ void TestStart::progressStandsInTheRow()
     report(9, 0, 0);
     QVERIFY(!progressAt(fixture, 2));
 
+    report(9, 30, 100);
+    fixture.registry().disConnByIndex(second);
+    QVERIFY(!progressAt(fixture, 2));
+
+    fixture.registry().getNoxByIndex(second)->devIndex = 9;
     report(9, 30, 100); // the row moves up: the bar must not speak for another
     fixture.registry().rmByIndex(first);
     QVERIFY(!progressAt(fixture, 1));
@@ -124,6 +130,19 @@ void TestStart::mainInstrumentIsRemembered()
     QVERIFY(stored() >= 1);
     fixture.registry().rmByIndex(second);
     QCOMPARE(stored(), fixture.registry().getDBIndex(0));
+}
+
+void TestStart::programTellsItsVersion()
+{
+    const WindowFixture fixture;
+    QCoreApplication::setApplicationVersion("3.4.6");
+    fixture.window->setProperty("BUILD_NUMBER", 110);
+    const auto actions = fixture.find<QPushButton>("settingsBtn")->menu()->actions();
+    QCOMPARE(actions.last()->text(), QStringLiteral("О программе"));
+    actions.last()->trigger();
+    QCOMPARE(fixture.dialogs.told.size(), 1);
+    QVERIFY(fixture.dialogs.told.first().text.contains("3.4.6"));
+    QVERIFY(fixture.dialogs.told.first().text.contains("110"));
 }
 
 QTEST_MAIN(TestStart)

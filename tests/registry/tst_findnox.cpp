@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QtTest>
 
 #include <memory>
@@ -34,6 +35,13 @@ private slots:
     void oneInstrumentIsSearchedFor();
     void measuringInstrumentIsNotDisturbed();
     void lostInstrumentContinuesUnderItsIndex();
+    void waitingInstrumentThatGoesTakesItsRow();
+    void identificationThatIsNone();
+    void wrongModelIsReadAgain();
+    void instrumentOnAnotherPortIsMoved();
+    void destroyedWhileItSearches();
+    void searchedForAgainWhileACancelledSearchEnds();
+    void cancelledWhileItClears();
     void configurationIsKeptOnFirstSight_data();
     void configurationIsKeptOnFirstSight();
     void appliedChangesReachTheMemoryOnce();
@@ -321,6 +329,109 @@ void TestFindNox::lostInstrumentContinuesUnderItsIndex()
     QSignalSpy measured(registry.get(), &noxList::onReadMeas);
     QVERIFY(measured.wait(patienceMs));
     QCOMPARE(measured.first().first().toInt(), nox->index);
+}
+
+void TestFindNox::waitingInstrumentThatGoesTakesItsRow()
+{
+    add("A", "NOX D", 1, true);
+    add("B", "NOX D", 1, true);
+    dialog->find(true);
+    QVERIFY(waitUntilListed());
+    QCOMPARE(table()->rowCount(), 3);
+    for (int row : {1, 2})
+        table()->item(row, 2)->setText(table()->item(row, 0)->text() == "A" ? "11" : "22");
+    bench->host.unplug("A");
+    QTRY_COMPARE_WITH_TIMEOUT(table()->rowCount(), 2, patienceMs);
+    QCOMPARE(table()->item(1, 0)->text(), QStringLiteral("B"));
+    QCOMPARE(table()->item(1, 2)->text(), QStringLiteral("22"));
+
+    add("C", "NOX B", 2); // takes the device that has become free
+    QVERIFY(registry->newNox(port->addDev("C"), true));
+    bench->host.unplug("B");
+    QVERIFY(waitUntilClosed());
+    QVERIFY(only() && port->devices() == QList<int>{only()->devIndex});
+}
+
+void TestFindNox::identificationThatIsNone()
+{
+    add("A", "NOX B", 1, false, FaultPlan::always);
+    dialog->find();
+    QByteArray rubbish(8, '\x55');
+    emit port->readyDevReply(port->devices().first(), &rubbish, 51);
+    QVERIFY(waitUntilClosed());
+    QVERIFY(port->devices().isEmpty() && registry->indices().isEmpty());
+}
+
+void TestFindNox::wrongModelIsReadAgain()
+{
+    add("A", "NOX CM1", 77);
+    noxList::_nox *const nox = registry->newNox(port->addDev("A"), true);
+    nox->opt->setDevType(0x11); // as somebody believed
+    registry->getOptFromNox(nox->index);
+    QVERIFY(waitUntilRead(nox->index));
+    QCOMPARE(nox->opt->devType, 0x41u);
+    const QByteArray data = taken(nox->opt->getData());
+    const QByteArray refdata = taken(nox->opt->getRefAllData());
+    QCOMPARE(database->getSnapShotCount(nox->dbIndex), 1);
+    QCOMPARE(database->findSnapShot(&data, &refdata, nox->dbIndex).size(), 1);
+}
+
+void TestFindNox::instrumentOnAnotherPortIsMoved()
+{
+    add("A", "NOX B", 1);
+    dialog->find(true);
+    QVERIFY(waitUntilClosed());
+    QVERIFY(only() && waitUntilRead(only()->index));
+    const int former = only()->devIndex;
+    add("B", "NOX B", 1);
+    connect(registry.get(), &noxList::onChange, dialog.get(), [this, former] {
+        if (only()->devIndex != former && dialog->isVisible())
+            QTimer::singleShot(0, find<QPushButton>("cancelBtn"), &QPushButton::click);
+    });
+    dialog->find(true);
+    QVERIFY(waitUntilClosed());
+    QTRY_COMPARE_WITH_TIMEOUT(port->devices(), QList<int>{only()->devIndex}, patienceMs);
+    QVERIFY(only()->devIndex != former);
+}
+
+void TestFindNox::destroyedWhileItSearches()
+{
+    add("A", "NOX CM1", 1, true);
+    add("B", "NOX B", 2, false, FaultPlan::always);
+    dialog->find();
+    QSignalSpy replies(port.get(),
+                       QOverload<int, QByteArray, quint8>::of(&NOXSerialPort::readyDevReply));
+    QVERIFY(replies.wait(patienceMs));
+    const QList<int> devices = port->devices();
+    QTimer::singleShot(0, port.get(), [this, devices] {
+        QByteArray block(72, '\0');
+        for (const int device : devices)
+            emit port->readyDevReply(device, &block, 3);
+    });
+    dialog.reset();
+    QVERIFY(port->devices().isEmpty());
+}
+
+void TestFindNox::searchedForAgainWhileACancelledSearchEnds()
+{
+    add("A", "NOX B", 1);
+    add("B", "NOX B", 2);
+    dialog->find(true);
+    QTimer::singleShot(0, dialog.get(), [this] { dialog->find(true); });
+    find<QPushButton>("cancelBtn")->click();
+    QVERIFY(waitUntilClosed());
+    QCOMPARE(registry->indices().size(), 2);
+}
+
+void TestFindNox::cancelledWhileItClears()
+{
+    add("A", "NOX CM1", 1, true);
+    dialog->find(true);
+    QVERIFY(waitUntilListed());
+    QTimer::singleShot(0, find<QPushButton>("cancelBtn"), &QPushButton::click);
+    find<QPushButton>("scanBtn")->click();
+    QVERIFY(!dialog->isVisible());
+    QVERIFY(port->devices().isEmpty());
 }
 
 void TestFindNox::configurationIsKeptOnFirstSight_data()
