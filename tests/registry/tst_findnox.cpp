@@ -16,6 +16,8 @@
 
 #include <memory>
 
+Q_DECLARE_METATYPE(int FaultPlan::*)
+
 /** The discovery dialog over a real multiplexer, with simulated instruments on virtual ports. */
 class TestFindNox : public QObject
 {
@@ -29,6 +31,7 @@ private slots:
     void olderInstrumentWaitsForTheOperator();
     void instrumentWithoutAModelIsNamedByTheOperator();
     void skippedWhenUnknown();
+    void deadPortsAreDropped_data();
     void deadPortsAreDropped();
     void noPorts();
     void cancelledSearchLeavesNoWorker();
@@ -237,9 +240,21 @@ void TestFindNox::skippedWhenUnknown()
     QVERIFY(registry->indices().isEmpty() && port->devices().isEmpty());
 }
 
+void TestFindNox::deadPortsAreDropped_data()
+{
+    QTest::addColumn<int FaultPlan::*>("fault");
+    QTest::newRow("deaf") << &FaultPlan::ignoredAddressings;
+    QTest::newRow("no instrument: it echoes anything") << &FaultPlan::wrongAddressEchoes;
+    QTest::newRow("silent in the middle of a block") << &FaultPlan::silentDialogues;
+}
+
 void TestFindNox::deadPortsAreDropped()
 {
-    add("A", "NOX B", 1, false, FaultPlan::always);
+    QFETCH(int FaultPlan::*, fault);
+    SimulatedInstrumentOptions options = bench->steadyInstrument();
+    options.faults.*fault = FaultPlan::always;
+    options.faults.silentAfterBlocks = 1;
+    QVERIFY(bench->add("A", options));
     add("B", "NOX B", 2);
     dialog->find(true);
     QVERIFY(waitUntilClosed());
