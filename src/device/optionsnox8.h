@@ -89,6 +89,8 @@ public:
     int getDevDataSize(quint8 address = 0) const;
     /** Byte that blocks and transfers carry for the model's family. */
     char getDevFamily() const;
+    /** Type and serial number are known. */
+    bool isIdentified() const { return devType != 0 && devNumber != 0; }
     /** Name of the model; "-" for an unknown code; without revision the base model's, or "". */
     QString getDevTypeStr(bool withRev) const;
     /** Serial number of at least four digits, "--" for 0. */

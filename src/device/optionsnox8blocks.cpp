@@ -1,3 +1,4 @@
+#include "device/blockaddresses.h"
 #include "device/configurationblock.h"
 #include "device/datetimeblock.h"
 #include "device/identification.h"
@@ -6,15 +7,6 @@
 
 namespace
 {
-
-/** Read addresses of the blocks. */
-enum ReadAddress : quint8 {
-    configurationAddress = 2,
-    referenceDataAddress = 3,
-    loggerAddress = 5,
-    zeroShiftsAddress = 9,
-    identificationAddress = 51,
-};
 
 QByteArray noStamp()
 {

@@ -1,5 +1,7 @@
 #include "registry/findnox.h"
 
+#include "device/blockaddresses.h"
+#include "device/identification.h"
 #include "device/takenbytes.h"
 #include "device/vocabulary.h"
 #include "serial/noxserialport.h"
@@ -15,19 +17,9 @@
 namespace
 {
 
-constexpr quint8 identificationAddress = 51;
-constexpr int identificationSize = 8;
-constexpr quint8 referenceDataAddress = 3;
-constexpr quint8 identificationWriteAddress = 50;
-constexpr quint8 serialNumberWriteAddress = 52;
 constexpr quint16 lastExchangeOfReads = 200; ///< greater codes are failed writes and port errors
 
 const QString skipUnknownKey = QStringLiteral("find_skip_unknown");
-
-bool isIdentified(const optionsNOX8 &image)
-{
-    return image.devType != 0 && image.devNumber != 0;
-}
 
 } // namespace
 
@@ -232,7 +224,7 @@ bool findNox::readIdentification(noxList::_nox *found, const QByteArray &block)
 {
     optionsNOX8 &image = *found->opt;
     const bool isAccepted = image.setData(block, identificationAddress);
-    if (!isIdentified(image))
+    if (!image.isIdentified())
         return false;
     if (isAccepted) {
         found->dbIndex =
@@ -247,8 +239,8 @@ bool findNox::readReferenceData(noxList::_nox *found, const QByteArray &block)
 {
     const bool isAccepted = found->opt->setData(block, referenceDataAddress);
     if (isAccepted && !found->opt->identValid)
-        return adoptFromDatabase(found) && isIdentified(*found->opt);
-    return isIdentified(*found->opt);
+        return adoptFromDatabase(found) && found->opt->isIdentified();
+    return found->opt->isIdentified();
 }
 
 /** Takes type and number from the row with the same reference data; false when there is none. */
@@ -404,15 +396,15 @@ void findNox::connectRow(const WaitingRow &row)
         image.setDevType(row.instrument.typeCode());
         if (isNumber)
             image.setDevNumber(number);
-        if (isIdentified(image) && image.identValid)
+        if (image.isIdentified() && image.identValid)
             serialPort->sendDevData(found->devIndex, taken(image.getIdentData()),
-                                    identificationWriteAddress);
+                                    optionsNOX8::txIdentification);
     } else if (image.devNumber == 0 && isNumber) {
         image.setDevNumber(number);
         serialPort->sendDevData(found->devIndex, taken(image.getSNData()),
-                                serialNumberWriteAddress);
+                                optionsNOX8::txSerialNumber);
     }
-    if (!isIdentified(image))
+    if (!image.isIdentified())
         return;
     if (found->dbIndex < 1)
         provideRow(found);

@@ -1,27 +1,10 @@
+#include "device/blockaddresses.h"
+#include "device/identification.h"
 #include "device/takenbytes.h"
 #include "registry/noxlist.h"
 #include "registry/pendingblock.h"
 #include "serial/noxserialport.h"
 #include "storage/noxsql.h"
-
-namespace
-{
-
-// Addresses of blocks and what a read of them asks for
-constexpr quint8 referenceDataWriteAddress = 1;
-constexpr quint8 configurationAddress = 2;
-constexpr quint8 referenceDataAddress = 3;
-constexpr quint8 channelWriteAddress = 4;
-constexpr quint8 zeroShiftsAddress = 9;
-constexpr quint8 identificationAddress = 51;
-constexpr int identificationSize = 8; // extended models answer with 24 all the same
-
-bool isIdentified(const optionsNOX8 &image)
-{
-    return image.devType != 0 && image.devNumber != 0;
-}
-
-} // namespace
 
 // Reading
 
@@ -36,7 +19,7 @@ void noxList::getOptFromNox(int index)
     if (!nox || nox->opt->devType == 0)
         return;
     // an instrument that has never identified itself may be too old to do so
-    readBlock(nox, identificationAddress, identificationSize,
+    readBlock(nox, identificationAddress, identificationSize, // extended models answer with 24
               nox->opt->identValid ? noxQueryModeNormal : noxQueryModeEmpty);
     readConfiguration(nox);
 }
@@ -142,7 +125,7 @@ void noxList::writeChannel(const _nox *nox, quint8 ch)
 
 void noxList::applyIdentity(_nox *nox)
 {
-    if (!isIdentified(*nox->opt))
+    if (!nox->opt->isIdentified())
         return;
     if (nox->opt->identValid)
         sendNoxData(nox->index, optionsNOX8::txIdentification);
@@ -160,9 +143,9 @@ void noxList::applyDevice(const _nox *nox)
 void noxList::onDoneSendDevData(int devIndex, noxSerialPortDataItem data)
 {
     const _nox *nox = getNoxByDevIndex(devIndex);
-    if (!nox || data.address != referenceDataWriteAddress || nox->dbIndex < 1)
+    if (!nox || data.address != optionsNOX8::txReferenceData || nox->dbIndex < 1)
         return;
-    if (isIdentified(*nox->opt)) {
+    if (nox->opt->isIdentified()) {
         updateReferenceData(nox);
         return;
     }
@@ -186,7 +169,7 @@ void noxList::updateReferenceData(const _nox *nox)
 void noxList::storeIdentity(_nox *nox)
 {
     setCommandByte(nox);
-    if (isIdentified(*nox->opt))
+    if (nox->opt->isIdentified())
         nox->dbIndex =
             m_database->addDev(nox->opt->devType, nox->opt->devNumber, nox->opt->getDevName(true));
     emit onIdentChange(nox->index);

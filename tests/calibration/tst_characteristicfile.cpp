@@ -1,11 +1,9 @@
 #include "calibration/characteristicfile.h"
+#include "support/fulldisk.h"
 
 #include <QBuffer>
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <csignal>
-#include <sys/resource.h>
 
 class TestCharacteristicFile : public QObject
 {
@@ -199,16 +197,10 @@ void TestCharacteristicFile::fullDiskLeavesTheOldFile()
     const CharacteristicFile old{1, "old", {{"1", "2", "3", "4", "5", "6"}}};
     QVERIFY(saveCharacteristicFile(old, path));
 
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit fullDisk{100, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &fullDisk);
-    const bool isSaved = saveCharacteristicFile({3, "new", {}}, path);
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
-
-    QVERIFY(!isSaved);
+    {
+        const FullDisk disk(100);
+        QVERIFY(!saveCharacteristicFile({3, "new", {}}, path));
+    }
     QVERIFY(!saveCharacteristicFile({4, "no such type", {}}, path));
     QVERIFY(!saveCharacteristicFile(old, directory.path()));
     QVERIFY(!saveCharacteristicFile(old, directory.filePath("none/x.dat")));

@@ -4,14 +4,13 @@
 #include "device/settingswriter.h"
 #include "imagelog.h"
 #include "imagetrial.h"
+#include "support/fulldisk.h"
 
 #include <QBuffer>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 class TestSettingsFile : public QObject
@@ -61,28 +60,6 @@ QByteArray contentOf(const QString &path)
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
-
-/** The largest file that this process may write, while it lives: what a full disk looks like. */
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-private:
-    rlimit m_before{};
-    void (*m_handler)(int) = nullptr;
-};
 
 } // namespace
 
@@ -497,7 +474,7 @@ void TestSettingsFile::fullDiskLeavesTheOldFile()
     const QByteArray before = contentOf(path);
     image.setDevType(0x0960AA0F);
     {
-        const FileSizeLimit limit(2000); // less than a file, more or less than a buffer
+        const FullDisk disk(2000); // less than a file, more or less than a buffer
         QVERIFY(!image.saveToFile(path, "COM1"));
         QVERIFY(!replaceFile(path, QByteArray(3000, 'x')));
         QVERIFY(!replaceFile(path, QByteArray(100000, 'x')));

@@ -1,5 +1,6 @@
 #include "storage/databasefile.h"
 #include "storage/noxsql.h"
+#include "support/fulldisk.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -16,7 +17,6 @@
 #include <cstdio>
 #include <memory>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 /** What is stored survives a killed program, a full disk and a damaged or locked file. */
@@ -212,29 +212,6 @@ QStringList contents(const QString &path)
         all << table << other.rows(QStringLiteral("SELECT * FROM %1").arg(table));
     return all;
 }
-
-/** No file can be written beyond a size, as on a full disk. */
-class FullDisk
-{
-public:
-    explicit FullDisk(rlim_t bytes)
-        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &m_limit);
-        const rlimit limit{bytes, m_limit.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_limit);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    Q_DISABLE_COPY_MOVE(FullDisk)
-
-private:
-    rlimit m_limit = {};
-    void (*m_handler)(int);
-};
 
 /** File permissions hold for the superuser, too. */
 class OrdinaryUser
