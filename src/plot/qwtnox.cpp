@@ -16,7 +16,6 @@
 namespace
 {
 
-constexpr int frameMilliseconds = 33;
 constexpr uchar mainChannel = 255;
 constexpr int axisFontPoints = 11;
 
@@ -60,9 +59,7 @@ QwtNOX::QwtNOX(QWidget *parent)
     m_caption = addCaption(this);
 
     setAutoReplot(false); // painting waits for the next frame
-    m_replotTimer.setSingleShot(true);
-    m_replotTimer.setInterval(frameMilliseconds);
-    connect(&m_replotTimer, &QTimer::timeout, this, &QwtNOX::paintFrame);
+    connect(&m_frameClock, &FrameClock::frame, this, &QwtNOX::paintFrame);
 
     for (const int axis : {xBottom, yLeft}) {
         QFont labels = axisFont(axis);
@@ -177,15 +174,6 @@ void QwtNOX::removeLastChannel(int qwtIndex)
             if (other->ch[ch].diffQwtIndex == qwtIndex && other->ch[ch].diffCh == removed)
                 endDifference(other.key(), static_cast<uchar>(ch));
     }
-}
-
-void QwtNOX::endDifference(int qwtIndex, uchar ch)
-{
-    _ch &channel = *findChannel(qwtIndex, ch);
-    channel.diffCh = 255;
-    channel.diffQwtIndex = -1;
-    showSeries(channel);
-    setChMode(ModeFollow, qwtIndex, ch);
 }
 
 QwtNOX::_dev *QwtNOX::findDevice(int qwtIndex)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plot/frameclock.h"
 #include "plot/plotrecords.h"
 #include "plot/scalechoice.h"
 #include "plot/scaletables.h"
@@ -7,7 +8,6 @@
 #include <QColor>
 #include <QMap>
 #include <QPen>
-#include <QTimer>
 #include <qwt_plot.h>
 
 #include <functional>
@@ -24,7 +24,7 @@ class QwtPlotTextLabel;
  * instrument's `startDateTime`.
  *
  * State (records, axes, caption) changes at once and is announced at once; painting is put off to
- * one replot per frame. `replot()` paints without waiting.
+ * one replot per frame of frameClock(). `replot()` paints without waiting.
  */
 class QwtNOX : public QwtPlot
 {
@@ -74,6 +74,9 @@ public:
     /** What that clock shows. */
     QDateTime now() const { return m_clock(); }
 
+    /** Tells when to paint, the plot and whatever else shows its points. */
+    FrameClock &frameClock() { return m_frameClock; }
+
     /** Red dotted pen, 2 pixels wide: limit lines and the rubber band that places them. */
     static QPen limitPen();
 
@@ -107,6 +110,12 @@ public:
     /** The main channel, -1 when the instrument is unknown or has no channels. */
     int getChMain(int qwtIndex = -1) const;
 
+    /**
+     * Makes the channel the difference against a channel of an instrument on the plot, from its
+     * first point on; 255 and -1 end the difference. A reference that does not exist leaves it as
+     * it was. Either way the channel follows its newest points from then on.
+     */
+    void setChDiff(uchar diffCh, int diffQwtIndex, int qwtIndex = -1, uchar ch = 255);
     /** The channel's reference channel; 255 and -1 when it has none that is on the plot. */
     void getChDiff(uchar *diffCh, int *diffQwtIndex, int qwtIndex = -1, uchar ch = 255) const;
 
@@ -159,6 +168,12 @@ public:
     bool toggleAverShow(int qwtIndex = -1);
     /** True when unknown. */
     bool getAverShow(int qwtIndex = -1) const;
+
+    /**
+     * Chooses the limits that raise an alarm: hides both limit lines and, unless they are switched
+     * off, lets the user place those of `mode` with the mouse (ModeLimits).
+     */
+    void setModeTrack(TmcTrackingMode mode, int qwtIndex = -1);
     /** TrackOff when unknown or without channels. */
     TmcTrackingMode getModeTrack(int qwtIndex = -1) const;
 
@@ -243,6 +258,7 @@ private:
     void removeLastChannel(int qwtIndex);
     void endDifference(int qwtIndex, uchar ch);
     bool extendDifference(_ch &channel) const;
+    void rebuildDifference(_ch &channel, const _ch &reference) const;
     bool violatesLimit(int qwtIndex, uchar ch) const;
 
     bool hasFreeView(int qwtIndex, uchar ch) const;
@@ -253,7 +269,6 @@ private:
     void setAxisView(int axis, const AxisView &view);
     void installScaleXDraw();
     void refreshScaleYLabels();
-    void scheduleReplot();
     void paintFrame();
 
     QMap<int, _dev> m_devices;
@@ -266,5 +281,5 @@ private:
     QwtPlotTextLabel *m_caption = nullptr; ///< owned by the plot's item list
     uchar m_labelPrecision = 0;            ///< decimals with which the Y axis was labelled last
     QDate m_labelDay;                      ///< what was today when the X axis was labelled last
-    QTimer m_replotTimer;
+    FrameClock m_frameClock;
 };

@@ -71,7 +71,7 @@ void QwtNOX::applyScale()
     }
     refreshScaleYLabels();
     updLabelScale();
-    scheduleReplot();
+    m_frameClock.request();
 }
 
 void QwtNOX::scaleX(const _ch &channel)
@@ -140,12 +140,6 @@ void QwtNOX::refreshScaleYLabels()
     QwtScaleDraw *draw = axisScaleDraw(yLeft);
     draw->setScaleDiv(QwtScaleDiv(draw->scaleDiv())); // drops the labels
     axisWidget(yLeft)->update();
-}
-
-void QwtNOX::scheduleReplot()
-{
-    if (!m_replotTimer.isActive())
-        m_replotTimer.start();
 }
 
 void QwtNOX::paintFrame()

@@ -1,11 +1,9 @@
 #include "plot/movingaverage.h"
 #include "plot/qwtnox.h"
 
-#include <qwt_plot_marker.h>
-
 #include <cmath>
 
-// The road of a point: from the instrument into the series, past the limits.
+// The road of a point: from the instrument into the series.
 
 namespace
 {
@@ -69,7 +67,7 @@ bool QwtNOX::addPoint(double val, double time, const QString &dim, int qwtIndex,
     if (isMainChannel(qwtIndex, ch))
         applyScale();
     else
-        scheduleReplot();
+        m_frameClock.request();
 
     // Whoever hears of the point may change the records: nothing found before holds after this.
     emit onAddPoint(qwtIndex, ch);
@@ -109,35 +107,4 @@ bool QwtNOX::ensureChannel(int qwtIndex, uchar ch)
     if (ch >= device->ch.size() && device->fixedChCount == 0)
         setChCount(static_cast<uchar>(ch + 1), qwtIndex);
     return ch < getChCount(qwtIndex);
-}
-
-/** Adds the difference of the newest point; false when the reference channel has nothing fresh. */
-bool QwtNOX::extendDifference(_ch &channel) const
-{
-    const _ch *reference =
-        channel.hasDifference() ? findChannel(channel.diffQwtIndex, channel.diffCh) : nullptr;
-    if (!reference || reference->meas.isEmpty())
-        return true;
-    const bool isStale =
-        !channel.diffTime.isEmpty() && reference->time.last() <= channel.diffTime.last();
-    if (isStale || reference->error)
-        return false;
-    channel.diffTime.append(channel.time.last());
-    channel.diffMeas.append(channel.meas.last() - reference->meas.last());
-    channel.diffAver.append(movingAverage(channel.diffAverSum, channel.diffMeas));
-    return true;
-}
-
-bool QwtNOX::violatesLimit(int qwtIndex, uchar ch) const
-{
-    const _dev *device = findDevice(qwtIndex);
-    if (!device)
-        return false;
-    const double value = getChMeas(qwtIndex, ch);
-    const auto isChecked = [device](const QwtPlotMarker *limit, TmcTrackingMode alone) {
-        const bool byMode = device->modeTrack == TrackRange || device->modeTrack == alone;
-        return byMode && limit && limit->isVisible();
-    };
-    return (isChecked(device->upperMarker, TrackUpper) && value > device->upperMarker->yValue()) ||
-           (isChecked(device->lowerMarker, TrackLower) && value < device->lowerMarker->yValue());
 }

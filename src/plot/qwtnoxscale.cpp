@@ -76,7 +76,7 @@ void QwtNOX::setChScaleX(uchar scale, int qwtIndex, uchar ch)
         const double step = scalesX()[scale].step;
         setAxisView(xBottom, notBelowZero(viewAround(axisView(xBottom).middle(), step, m_divX)));
         updLabelScale();
-        scheduleReplot();
+        m_frameClock.request();
     } else {
         channel->scaleX = scale;
         setChMode(channel->scaleX || channel->scaleY ? ModeFollow : ModeAuto, qwtIndex, ch);
@@ -104,7 +104,7 @@ void QwtNOX::setChScaleY(uchar scale, int qwtIndex, uchar ch)
         setAxisView(yLeft, viewAround(axisView(yLeft).middle(), scalesY()[scale].step, m_divY));
         refreshScaleYLabels();
         updLabelScale();
-        scheduleReplot();
+        m_frameClock.request();
     } else {
         channel->scaleY = scale;
         setChMode(channel->scaleX || channel->scaleY ? ModeFollow : ModeAuto, qwtIndex, ch);

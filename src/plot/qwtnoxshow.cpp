@@ -97,7 +97,7 @@ void QwtNOX::setDevShow(bool show, int qwtIndex)
     if (_dev *device = findDevice(qwtIndex)) {
         device->devShow = show;
         updateVisibility(*device);
-        scheduleReplot();
+        m_frameClock.request();
     }
 }
 
@@ -111,7 +111,7 @@ void QwtNOX::setChShow(bool show, int qwtIndex, uchar ch)
         setDevShow(true, qwtIndex);
     channel->show = show;
     updateVisibility(*findDevice(qwtIndex), *channel);
-    scheduleReplot();
+    m_frameClock.request();
     emit onChShowChange(qwtIndex, resolveChannel(qwtIndex, ch), show);
 }
 
@@ -179,7 +179,7 @@ void QwtNOX::setChColor(const QColor &color, int qwtIndex, uchar ch)
         return;
     channel->measCurve->setColor(color);
     channel->averCurve->setColor(color);
-    scheduleReplot();
+    m_frameClock.request();
     emit onChange(qwtIndex);
     emit onChColorChange(qwtIndex, resolveChannel(qwtIndex, ch), color);
 }
@@ -188,10 +188,4 @@ QColor QwtNOX::getChColor(int qwtIndex, uchar ch) const
 {
     const _ch *channel = findChannel(qwtIndex, ch);
     return channel ? channel->measCurve->pen().color() : QColor(Qt::white);
-}
-
-TmcTrackingMode QwtNOX::getModeTrack(int qwtIndex) const
-{
-    const _dev *device = findDevice(qwtIndex);
-    return device && !device->ch.isEmpty() ? device->modeTrack : TrackOff;
 }

@@ -56,15 +56,6 @@ uchar QwtNOX::getChCount(int qwtIndex) const
     return device ? static_cast<uchar>(device->ch.size()) : 0;
 }
 
-void QwtNOX::getChDiff(uchar *diffCh, int *diffQwtIndex, int qwtIndex, uchar ch) const
-{
-    const _ch *channel = findChannel(qwtIndex, ch);
-    const bool configured =
-        channel && channel->hasDifference() && channel->diffCh < getChCount(channel->diffQwtIndex);
-    *diffCh = configured ? channel->diffCh : 255;
-    *diffQwtIndex = configured ? channel->diffQwtIndex : -1;
-}
-
 int QwtNOX::getChMeasCount(int qwtIndex, uchar ch, bool diff) const
 {
     const _ch *channel = findChannel(qwtIndex, ch);
