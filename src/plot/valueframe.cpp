@@ -10,6 +10,7 @@ ValueFrame::ValueFrame(QWidget *plot)
 {
     setFrameStyle(QFrame::StyledPanel | QFrame::Raised);
     setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Base);
     m_rows->setContentsMargins(8, 6, 8, 6);
     m_rows->setHorizontalSpacing(10);
     m_rows->setVerticalSpacing(2);
