@@ -92,9 +92,18 @@ public:
         nox->opt->setDevNumber(number);
         return nox->index;
     }
-    void measure(int index, double value, quint8 ch) const
+    /** A measurement comes in; the frame that shows it is still to come. */
+    void deliver(int index, double value, quint8 ch) const
     {
         emit registry().onReadMeas(index, value, ch, QStringLiteral("°С"));
+    }
+    /** Lets the frame come that is due. */
+    void showFrame() const { plot().frameClock().flush(); }
+    /** A measurement comes in and is shown. */
+    void measure(int index, double value, quint8 ch) const
+    {
+        deliver(index, value, ch);
+        showFrame();
     }
 
     template<typename Widget>
