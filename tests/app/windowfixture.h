@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/alarmsound.h"
 #include "app/mainwindow.h"
 #include "app/rowcontent.h"
 #include "plot/qwtnox.h"
@@ -71,6 +72,7 @@ public:
     {
         PortCatalog::setCurrent(std::make_unique<ListedPorts>(QVector<SerialPortEntry>()));
         window = std::make_unique<MainWindow>();
+        window->alarmSound()->setPlayer({[this] { ++soundsPlayed; }, [] { return true; }});
         window->resize(1280, 800);
         window->show();
     }
@@ -143,5 +145,6 @@ public:
 
     OwnDataFolder data;
     AnsweredDialogs dialogs;
+    int soundsPlayed = 0; ///< how often the alarm was heard
     std::unique_ptr<MainWindow> window;
 };
