@@ -9,14 +9,17 @@ namespace
 void pressAndThen(QWidget *button, const std::function<void(QMenu *)> &whileOpen)
 {
     bool opened = false;
-    QTimer::singleShot(0, button, [&] {
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, button, [&] {
         auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-        opened = menu != nullptr;
-        if (!opened)
+        if (!menu)
             return;
+        watch.stop();
+        opened = true;
         whileOpen(menu);
         menu->close(); // the press returns when it is closed
     });
+    watch.start(1);
     QTest::mouseClick(button, Qt::LeftButton);
     QVERIFY(opened);
 }
