@@ -5,6 +5,8 @@ void RowDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelInde
     QStyledItemDelegate::initStyleOption(option, index);
     if (option->backgroundBrush.style() != Qt::NoBrush)
         option->state &= ~QStyle::State_Selected;
+    if (option->features & QStyleOptionViewItem::HasDecoration)
+        option->textElideMode = Qt::ElideNone; // beside the swatch two digits just have room
     const QVariant text = index.data(Qt::ForegroundRole);
     if (text.isValid())
         option->palette.setBrush(QPalette::HighlightedText, text.value<QBrush>());

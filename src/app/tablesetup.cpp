@@ -11,6 +11,19 @@ namespace
 {
 
 constexpr QSize pictureSize(20, 20);
+constexpr int titleMargin = 2;
+
+/** Makes the title as small as it must be to be read whole. */
+void fitTitle(QLabel *label, int width)
+{
+    const int needed = label->fontMetrics().horizontalAdvance(label->text());
+    const int available = width - 2 * titleMargin;
+    if (width == 0 || needed <= available)
+        return;
+    QFont font = label->font();
+    font.setPointSizeF(font.pointSizeF() * available / needed);
+    label->setFont(font);
+}
 
 QLabel *headerCell(const TableColumn &column, bool clickable)
 {
@@ -23,10 +36,12 @@ QLabel *headerCell(const TableColumn &column, bool clickable)
     }
     label->setAlignment(Qt::AlignCenter);
     label->setAutoFillBackground(true);
-    if (column.picture.isEmpty())
-        label->setText(column.title);
-    else
+    if (!column.picture.isEmpty()) {
         label->setPixmap(QIcon(column.picture).pixmap(pictureSize));
+        return label;
+    }
+    label->setText(column.title);
+    fitTitle(label, column.width);
     return label;
 }
 

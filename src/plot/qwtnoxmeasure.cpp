@@ -1,5 +1,6 @@
 #include "plot/intervalstatistics.h"
 #include "plot/measurementframe.h"
+#include "plot/numbertext.h"
 #include "plot/plotmeasurement.h"
 #include "plot/plotpickers.h"
 #include "plot/qwtlabelclick.h"
@@ -98,7 +99,7 @@ QString QwtNOX::pointText(const QPointF &point) const
 /** One decimal more than the axis: between two ticks there is something to read. */
 QString QwtNOX::valueText(double value) const
 {
-    return QString::number(value, 'f', getPrecision() + 1);
+    return numberText(value, getPrecision() + 1);
 }
 
 TimeFormat QwtNOX::timeFormat() const

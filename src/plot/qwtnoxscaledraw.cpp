@@ -1,5 +1,6 @@
 #include "plot/qwtnoxscaledraw.h"
 
+#include "plot/numbertext.h"
 #include "plot/qwtnox.h"
 #include "plot/scalechoice.h"
 #include "plot/timetext.h"
@@ -74,5 +75,5 @@ QwtNOXScaleYDraw::QwtNOXScaleYDraw(const QwtNOX *plot)
 
 QwtText QwtNOXScaleYDraw::label(double value) const
 {
-    return QString::number(value, 'f', m_plot->getPrecision());
+    return numberText(value, m_plot->getPrecision());
 }

@@ -1,3 +1,4 @@
+#include "plot/numbertext.h"
 #include "plot/qwtnox.h"
 
 #include <cmath>
@@ -125,7 +126,7 @@ QString QwtNOX::getChDYStr(int qwtIndex, uchar ch) const
         return {};
     const int ofMainChannel = getPrecision(qwtIndex) != 0 ? getPrecision(qwtIndex) : 2;
     const int decimals = channel->precision != 0 ? channel->precision : ofMainChannel;
-    return QString::number(newestStep(valuesOf(*channel, true)), 'f', decimals);
+    return numberText(newestStep(valuesOf(*channel, true)), decimals);
 }
 
 QString QwtNOX::getChDim(int qwtIndex, uchar ch) const

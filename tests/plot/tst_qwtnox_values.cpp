@@ -1,3 +1,4 @@
+#include "plot/numbertext.h"
 #include "plot/qwtnox.h"
 
 #include <QtTest>
@@ -17,6 +18,7 @@ private slots:
     void writesWholeSeconds();
     void writesTheNewestSteps_data();
     void writesTheNewestSteps();
+    void writesNoMinusZero();
     void writesTheDifference();
     void keepsSilentAboutTheUnknown();
 
@@ -133,6 +135,14 @@ void TestQwtNOXValues::writesTheNewestSteps()
     m_plot->devices()[0].ch[0].precision = static_cast<uchar>(ofMainChannel);
     QCOMPARE(m_plot->getChDXStr(0, 1), QString("1.3"));
     QTEST(m_plot->getChDYStr(0, 1), "dY");
+}
+
+void TestQwtNOXValues::writesNoMinusZero()
+{
+    QCOMPARE(numberText(-0.004, 2), QString("0.00"));
+    QCOMPARE(numberText(-0.006, 2), QString("-0.01"));
+    QCOMPARE(numberText(-0.0, 0), QString("0"));
+    QCOMPARE(numberText(-20, 0), QString("-20"));
 }
 
 void TestQwtNOXValues::writesTheDifference()

@@ -13,7 +13,10 @@ PlotDriver::PlotDriver(MainWindow *window)
 
 void PlotDriver::showAllChannels()
 {
+    constexpr int tenth = 16; // row of the table of Y scales
     QwtNOX *plot = m_window->plot();
+    plot->setChMain(uchar(plot->getChCount() / 2));
+    plot->changeScaleY(tenth);
     for (int ch = 0; ch < plot->getChCount(); ++ch)
         plot->setChShow(true, -1, uchar(ch));
     m_window->updUI();

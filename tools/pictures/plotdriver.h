@@ -10,7 +10,7 @@ class PlotDriver
 public:
     explicit PlotDriver(MainWindow *window);
 
-    /** Shows every channel of the current instrument. */
+    /** Shows every channel of the current instrument, around the one in the middle. */
     void showAllChannels();
 
     // Places are shares of the width and of the height of the canvas, from its upper left corner.
