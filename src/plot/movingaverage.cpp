@@ -1,35 +1,68 @@
 #include "plot/movingaverage.h"
 
-#include "plot/series.h"
-
-#include <algorithm>
-#include <cmath>
+#include <array>
 
 namespace
 {
 
-/** A value this much greater than what remains took digits of the others away from the sum. */
-constexpr double swamping = 1e6;
+constexpr int before = averagingWindow - 1; ///< values in a window beside the newest
+constexpr int blockSize = SealedLevels::valuesPerBlock;
 
-double sumOfWindow(const Series &values)
+using Window = std::array<double, before + blockSize>;
+
+/** The values from `first` to before `end` and those that their averages look back on; 0 for those
+ * that do not exist. */
+Window lookBack(const Series &values, int first, int end)
 {
-    double sum = 0;
-    for (int i = std::max(0, values.size() - averagingWindow); i < values.size(); ++i)
-        sum += values[i];
-    return sum;
+    Window window{};
+    for (int i = std::max(0, first - before); i < end; ++i)
+        window[static_cast<std::size_t>(i - first + before)] = values[i];
+    return window;
 }
 
 } // namespace
 
-double movingAverage(double &sum, const Series &values)
+void MovingAverages::follow(const Series &values)
 {
-    const int count = values.size();
-    sum += values.last();
-    if (count > averagingWindow) {
-        const double leaving = values[count - averagingWindow - 1];
-        sum -= leaving;
-        if (!std::isfinite(sum) || std::abs(leaving) >= swamping * std::abs(sum))
-            sum = sumOfWindow(values);
+    if (!values.continues(m_values))
+        m_levels.reset();
+    m_values = values;
+    int sealed = m_levels ? m_levels->sealedValues() : 0;
+    for (; sealed + blockSize <= size(); sealed += blockSize) {
+        if (!m_levels)
+            m_levels = std::make_shared<SealedLevels>();
+        m_levels->seal(singles(sealed, sealed + blockSize));
     }
-    return sum / std::min(count, averagingWindow);
+}
+
+double MovingAverages::sum(int index) const
+{
+    double sum = 0;
+    for (int i = std::max(0, index - before); i <= index; ++i)
+        sum += m_values[i];
+    return sum;
+}
+
+ValueRange MovingAverages::range(int first, int end) const
+{
+    first = std::max(first, 0);
+    end = std::min(end, size());
+    if (first >= end)
+        return {};
+    if (!m_levels)
+        return singles(first, end);
+    return m_levels->range(first, end, [this](int from, int to) { return singles(from, to); });
+}
+
+ValueRange MovingAverages::singles(int first, int end) const
+{
+    // All averages at once, each adding in the same order as sum(): the compiler does it in lanes.
+    const Window window = lookBack(m_values, first, end);
+    std::array<double, blockSize> averages{};
+    for (std::size_t back = 0; back < averagingWindow; ++back)
+        for (std::size_t i = 0; i < blockSize; ++i)
+            averages[i] += window[i + back];
+    for (int i = 0; i < blockSize; ++i)
+        averages[static_cast<std::size_t>(i)] /= std::min(first + i + 1, averagingWindow);
+    return rangeOf(averages.data(), end - first);
 }

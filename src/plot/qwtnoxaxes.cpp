@@ -25,21 +25,22 @@ const Series &shownTimes(const PlotChannel &channel)
     return channel.hasDifference() ? channel.diffTime : channel.time;
 }
 
-/** The series of the curve that decides on the Y scale: of the visible ones, values first. */
-const Series &decidingValues(const PlotChannel &channel)
+/** Range, from point `first` on, of the curve that decides on the Y scale: of the visible ones,
+ * values first. */
+ValueRange decidingRange(const PlotChannel &channel, int first)
 {
     const bool byAverage = channel.averCurve->isVisible() && !channel.measCurve->isVisible();
+    const int end = shownTimes(channel).size();
     if (channel.hasDifference())
-        return byAverage ? channel.diffAver : channel.diffMeas;
-    return byAverage ? channel.aver : channel.meas;
+        return byAverage ? channel.diffAver.range(first, end) : channel.diffMeas.range(first, end);
+    return byAverage ? channel.aver.range(first, end) : channel.meas.range(first, end);
 }
 
 /** Range of the newest values, back to the first time left of the view. */
 ValueRange valuesInView(const PlotChannel &channel, double leftTime)
 {
     const int before = leftTime > 0 ? shownTimes(channel).lastBelow(leftTime) : -1;
-    const Series &values = decidingValues(channel);
-    return values.range(before + 1, values.size());
+    return decidingRange(channel, before + 1);
 }
 
 QString captionText(const PlotChannel &channel, int ch, const QString &labelX,
@@ -93,7 +94,7 @@ void QwtNOX::scaleY(_ch &channel)
         values = valuesInView(channel, axisView(xBottom).lower);
         m_scaleY = static_cast<uchar>(rowForValues(values, m_divY));
     } else {
-        values.include(decidingValues(channel).last());
+        values = decidingRange(channel, shownTimes(channel).size() - 1); // the newest
     }
     channel.precision = static_cast<uchar>(decimalsForRow(m_scaleY));
     const double step = scalesY()[m_scaleY].step;

@@ -29,15 +29,15 @@ History noisyHistory(int count, double secondsPerPoint)
 }
 
 /** Column by column over every single point. */
-QVector<ColumnRun> runsPointByPoint(const History &history, const PixelColumns &columns)
+std::vector<ColumnRun> runsPointByPoint(const History &history, const PixelColumns &columns)
 {
-    QVector<ColumnRun> runs;
+    std::vector<ColumnRun> runs;
     for (int i = 0; i < history.times.size(); ++i) {
         const int column = columns.columnOf(history.times[i]);
-        if (runs.isEmpty() || runs.last().column != column)
-            runs.append({column, i, i, {}});
-        runs.last().last = i;
-        runs.last().values.include(history.values[i]);
+        if (runs.empty() || runs.back().column != column)
+            runs.push_back({column, i, i, {}});
+        runs.back().last = i;
+        runs.back().values.include(history.values[i]);
     }
     return runs;
 }

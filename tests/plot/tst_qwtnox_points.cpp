@@ -24,7 +24,8 @@ void refer(QwtNOX &plot, int qwtIndex, int ch, int diffQwtIndex, uchar diffCh)
     plot.devices()[qwtIndex].ch[ch].diffCh = diffCh;
 }
 
-QVector<double> toVector(const Series &series)
+template<typename Sequence>
+QVector<double> toVector(const Sequence &series)
 {
     QVector<double> values;
     for (int i = 0; i < series.size(); ++i)
