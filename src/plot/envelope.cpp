@@ -44,6 +44,46 @@ int endOfSingles(const TimeSpan &span, const Series &times, int first)
     return i;
 }
 
+/** The first point from `first` on outside of `span`; adds to `read` what it looked at. */
+int walkOutOf(const TimeSpan &span, const Series &times, int first, int &read)
+{
+    int next = first;
+    do {
+        first = next;
+        const int level = levelWithin(span, times, first);
+        next =
+            level < 0 ? endOfSingles(span, times, first) : first + SealedLevels::blockLength(level);
+        read += level < 0 ? next - first + 1 : 1;
+    } while (next != first && next < times.size());
+    return next;
+}
+
+/**
+ * The first point from `first` on whose time, in ascending times, is not below `bound`: first
+ * sought around `guess`, where it is when points come regularly. Adds to `read` what it looked at.
+ */
+int searchFrom(int guess, const Series &times, int first, double bound, int &read)
+{
+    int low = first;         // the points before it are below
+    int high = times.size(); // the points from it on are not
+    int step = 1;
+    for (int probe = guess - 1; probe >= low && probe < high; ++read, step *= 2) {
+        if (times[probe] < bound)
+            low = probe + 1;
+        else
+            high = probe;
+        probe = low > probe ? probe + step : probe - step;
+    }
+    for (; low < high; ++read) {
+        const int middle = low + (high - low) / 2;
+        if (times[middle] < bound)
+            low = middle + 1;
+        else
+            high = middle;
+    }
+    return low;
+}
+
 } // namespace
 
 int PixelColumns::columnOf(double time) const
@@ -74,27 +114,23 @@ void ColumnRuns::divide(const PixelColumns &columns, const Series &times, const 
         const int column = columns.columnOf(times[next]);
         if (m_runs.empty() || m_runs.back().column != column)
             m_runs.push_back({column, next, next - 1, {}});
-        next = extendRun(m_runs.back(), times, values);
+        ColumnRun &run = m_runs.back();
+        const int end = endOfRun(times, next);
+        run.values.include(values.range(next, end, &m_blocksRead));
+        run.last = end - 1;
+        next = end;
     }
 }
 
-/** Takes in the points after the run as far as they stay in its column; returns the next one. */
-template<typename Values>
-int ColumnRuns::extendRun(ColumnRun &run, const Series &times, const Values &values)
+/** End of the stretch of points from `first` on that lie in the column of the newest run. */
+int ColumnRuns::endOfRun(const Series &times, int first)
 {
-    const TimeSpan span = spanOf(m_columns, run.column);
-    int next = run.last + 1;
-    for (int from = -1; next < times.size() && next != from;) {
-        from = next;
-        const int level = levelWithin(span, times, from);
-        next =
-            level < 0 ? endOfSingles(span, times, from) : from + SealedLevels::blockLength(level);
-        if (next != from)
-            run.values.include(level < 0 ? values.singles(from, next) : values.block(level, from));
-        m_blocksRead += level < 0 ? next - from + 1 : 1;
-    }
-    run.last = next - 1;
-    return next;
+    const TimeSpan span = spanOf(m_columns, m_runs.back().column);
+    if (!times.isAscending())
+        return walkOutOf(span, times, first, m_blocksRead);
+    const ColumnRun &before = m_runs[m_runs.size() < 2 ? 0 : m_runs.size() - 2];
+    const int guess = std::min(first + before.last - before.first + 1, times.size());
+    return searchFrom(guess, times, first, span.end, m_blocksRead);
 }
 
 void ColumnRuns::forget()

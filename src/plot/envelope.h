@@ -58,8 +58,7 @@ public:
     int blocksRead() const { return m_blocksRead; }
 
 private:
-    template<typename Values>
-    int extendRun(ColumnRun &run, const Series &times, const Values &values);
+    int endOfRun(const Series &times, int first);
 
     PixelColumns m_columns;
     std::vector<ColumnRun> m_runs;

@@ -8,18 +8,6 @@ namespace
 constexpr int before = averagingWindow - 1; ///< values in a window beside the newest
 constexpr int blockSize = SealedLevels::valuesPerBlock;
 
-using Window = std::array<double, before + blockSize>;
-
-/** The values from `first` to before `end` and those that their averages look back on; 0 for those
- * that do not exist. */
-Window lookBack(const Series &values, int first, int end)
-{
-    Window window{};
-    for (int i = std::max(0, first - before); i < end; ++i)
-        window[static_cast<std::size_t>(i - first + before)] = values[i];
-    return window;
-}
-
 } // namespace
 
 void MovingAverages::follow(const Series &values)
@@ -43,26 +31,42 @@ double MovingAverages::sum(int index) const
     return sum;
 }
 
-ValueRange MovingAverages::range(int first, int end) const
+ValueRange MovingAverages::range(int first, int end, int *read) const
 {
     first = std::max(first, 0);
     end = std::min(end, size());
     if (first >= end)
         return {};
-    if (!m_levels)
-        return singles(first, end);
-    return m_levels->range(first, end, [this](int from, int to) { return singles(from, to); });
+    const auto inBlock = [this](int from, int to) { return singles(from, to); };
+    int unread = 0;
+    read = read ? read : &unread;
+    return m_levels ? m_levels->range(first, end, inBlock, read)
+                    : SealedLevels().range(first, end, inBlock, read);
 }
 
+/** Range of the averages of a stretch inside one block of 64. */
 ValueRange MovingAverages::singles(int first, int end) const
 {
-    // All averages at once, each adding in the same order as sum(): the compiler does it in lanes.
-    const Window window = lookBack(m_values, first, end);
-    std::array<double, blockSize> averages{};
-    for (std::size_t back = 0; back < averagingWindow; ++back)
-        for (std::size_t i = 0; i < blockSize; ++i)
-            averages[i] += window[i + back];
-    for (int i = 0; i < blockSize; ++i)
-        averages[static_cast<std::size_t>(i)] /= std::min(first + i + 1, averagingWindow);
-    return rangeOf(averages.data(), end - first);
+    ValueRange range;
+    for (; first < std::min(end, before); ++first)
+        range.include((*this)[first]);
+    if (first >= end)
+        return range;
+    std::array<double, before + blockSize> window;
+    for (int i = 0; i < before; ++i)
+        window[static_cast<std::size_t>(i)] = m_values[first - before + i];
+    std::copy_n(m_values.stretch(first), end - first, window.begin() + before);
+
+    // Each sum adds in the same order as sum(); the compiler works on some of them at once.
+    std::array<double, blockSize> sums;
+    const auto count = static_cast<std::size_t>(end - first);
+    for (std::size_t i = 0; i < count; ++i) {
+        double sum = 0;
+        for (std::size_t j = 0; j < averagingWindow; ++j)
+            sum += window[i + j];
+        sums[i] = sum;
+    }
+    const ValueRange ofSums = rangeOf(sums.data(), end - first);
+    range.include({ofSums.min / averagingWindow, ofSums.max / averagingWindow});
+    return range;
 }

@@ -39,16 +39,13 @@ public:
     }
 
     /** Range of the averages from `first` to before `end`; places that do not exist are left out.
+     * Adds to `read` the number of blocks and single values that it took.
      */
-    ValueRange range(int first, int end) const;
-
-    // The blocks themselves, for those who walk them: see SealedLevels.
-
-    const ValueRange &block(int level, int first) const { return m_levels->block(level, first); }
-    /** Range of a stretch inside one block of 64. */
-    ValueRange singles(int first, int end) const;
+    ValueRange range(int first, int end, int *read = nullptr) const;
 
 private:
+    ValueRange singles(int first, int end) const;
+
     Series m_values;
     std::shared_ptr<SealedLevels> m_levels; ///< null until the first block is sealed
 };

@@ -43,11 +43,10 @@ ValueRange valuesInView(const PlotChannel &channel, double leftTime)
     return decidingRange(channel, before + 1);
 }
 
-QString captionText(const PlotChannel &channel, int ch, const QString &labelX,
-                    const QString &labelY)
+QString captionText(const CaptionParts &parts, const QString &labelX, const QString &labelY)
 {
     return QwtNOX::tr("Кн. № %1 [%2], dX: %3, dY: %4")
-        .arg(QString::number(ch + 1), channel.dim, labelX, labelY);
+        .arg(QString::number(parts.ch + 1), parts.unit, labelX, labelY);
 }
 
 /** Keeps the canvas where it is while labels gain and lose a digit; only much shorter ones move it.
@@ -153,11 +152,14 @@ void QwtNOX::paintFrame()
 void QwtNOX::updLabelScale()
 {
     const _ch *channel = findChannel(m_mainIndex, 255);
-    const QString text = channel ? captionText(*channel, resolveChannel(m_mainIndex, 255),
-                                               getScaleXLabel(), getScaleYLabel())
-                                 : QString();
-    if (text == m_caption->text().text())
+    const CaptionParts parts =
+        channel ? CaptionParts{resolveChannel(m_mainIndex, 255), channel->dim, m_scaleX, m_scaleY}
+                : CaptionParts{};
+    if (parts == m_captionParts)
         return;
+    m_captionParts = parts;
+    const QString text =
+        channel ? captionText(parts, getScaleXLabel(), getScaleYLabel()) : QString();
     QwtText caption(text, QwtText::PlainText); // a unit is the user's own text
     QFont font = caption.font();
     font.setPointSize(captionPoints);

@@ -21,6 +21,23 @@ void SealedLevels::seal(std::size_t level, const ValueRange &range)
     seal(level + 1, upper);
 }
 
+/** Range of the blocks of level 0 from number `first` to before `end`. */
+ValueRange SealedLevels::blocks(int first, int end, int *read) const
+{
+    // On each level those that fill no block of the next one, on both sides.
+    ValueRange range;
+    for (std::size_t level = 0; first < end; ++level) {
+        const Level &blocks = m_levels[level];
+        for (; first < end && first % blocksPerBlock != 0; ++*read)
+            range.include(blocks[first++]);
+        for (; first < end && end % blocksPerBlock != 0; ++*read)
+            range.include(blocks[--end]);
+        first /= blocksPerBlock;
+        end /= blocksPerBlock;
+    }
+    return range;
+}
+
 int SealedLevels::levelFrom(int first, int end) const
 {
     int level = -1;

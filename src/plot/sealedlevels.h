@@ -42,19 +42,24 @@ public:
 
     /**
      * Range of the values from `first` to before `end`, all of them existing. `singles(from, to)`
-     * gives the range of a stretch inside one block of level 0.
+     * gives the range of a stretch inside one block of level 0. Adds to `read` the number of blocks
+     * and single values that it took.
      */
     template<typename Singles>
-    ValueRange range(int first, int end, Singles singles) const
+    ValueRange range(int first, int end, Singles singles, int *read) const
     {
-        ValueRange range;
-        while (first < end) {
-            const int level = levelFrom(first, end);
-            const int next =
-                level < 0 ? std::min(end, nextBlock(first)) : first + blockLength(level);
-            range.include(level < 0 ? singles(first, next) : block(level, first));
-            first = next;
+        const int firstBlock = (first + valuesPerBlock - 1) / valuesPerBlock;
+        const int endBlock = end / valuesPerBlock;
+        if (firstBlock > endBlock) { // inside one block
+            *read += end - first;
+            return singles(first, end);
         }
+        *read += firstBlock * valuesPerBlock - first + end - endBlock * valuesPerBlock;
+        ValueRange range = blocks(firstBlock, endBlock, read);
+        if (first < firstBlock * valuesPerBlock)
+            range.include(singles(first, firstBlock * valuesPerBlock));
+        if (endBlock * valuesPerBlock < end)
+            range.include(singles(endBlock * valuesPerBlock, end));
         return range;
     }
 
@@ -62,6 +67,7 @@ private:
     using Level = ChunkedList<ValueRange, 6>;
 
     void seal(std::size_t level, const ValueRange &range);
+    ValueRange blocks(int first, int end, int *read) const;
 
     std::vector<Level> m_levels;
 };

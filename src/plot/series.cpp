@@ -4,8 +4,11 @@
 
 void Series::Storage::append(double value)
 {
+    const int before = values.size();
+    if (ascending == before && (before == 0 || value >= values[before - 1]))
+        ascending = before + 1;
     values.append(value);
-    const int size = values.size();
+    const int size = before + 1;
     if (size % SealedLevels::valuesPerBlock == 0)
         levels.seal(
             rangeOf(&values[size - SealedLevels::valuesPerBlock], SealedLevels::valuesPerBlock));
@@ -50,14 +53,15 @@ void Series::clear()
     m_size = 0;
 }
 
-ValueRange Series::range(int first, int end) const
+ValueRange Series::range(int first, int end, int *read) const
 {
     first = std::max(first, 0);
     end = std::min(end, m_size);
     if (first >= end)
         return {};
-    return m_storage->levels.range(first, end,
-                                   [this](int from, int to) { return singles(from, to); });
+    const auto singles = [this](int from, int to) { return rangeOf(stretch(from), to - from); };
+    int unread = 0;
+    return m_storage->levels.range(first, end, singles, read ? read : &unread);
 }
 
 int Series::firstNotBelow(double bound) const

@@ -41,8 +41,12 @@ public:
         return m_storage == earlier.m_storage && m_size >= earlier.m_size;
     }
 
-    /** Range of the values from `first` to before `end`; places that do not exist are left out. */
-    ValueRange range(int first, int end) const;
+    /** True when no value is less than the one before it. */
+    bool isAscending() const { return !m_storage || m_storage->ascending >= m_size; }
+
+    /** Range of the values from `first` to before `end`; places that do not exist are left out.
+     * Adds to `read` the number of blocks and single values that it took. */
+    ValueRange range(int first, int end, int *read = nullptr) const;
 
     /** Index of the first value not below `bound`; size() when there is none. */
     int firstNotBelow(double bound) const;
@@ -59,13 +63,12 @@ public:
     }
     /** The values from `index` to the end of its block of 64, one after the other. */
     const double *stretch(int index) const { return &m_storage->values[index]; }
-    /** Range of a stretch inside one block of 64. */
-    ValueRange singles(int first, int end) const { return rangeOf(stretch(first), end - first); }
 
 private:
     struct Storage {
         ChunkedList<double, 10> values;
         SealedLevels levels;
+        int ascending = 0; ///< number of values up to the first one less than that before it
 
         void append(double value);
     };
