@@ -27,6 +27,12 @@ bool isUsable(const PixelColumns &columns)
     return std::isfinite(columns.startOf(0)) && std::isfinite(columns.startOf(columns.count));
 }
 
+/**
+ * What is added at both ends of a stroke, in widths of the pen. A polyline of the painter adds
+ * nothing at a point where it turns, and half a width where it ends: this is between.
+ */
+constexpr qreal capLength = 0.25;
+
 bool lieBeyondOneSide(const QPointF &from, const QPointF &to, const QRectF &near)
 {
     return (from.x() < near.left() && to.x() < near.left()) ||
@@ -35,12 +41,19 @@ bool lieBeyondOneSide(const QPointF &from, const QPointF &to, const QRectF &near
            (from.y() > near.bottom() && to.y() > near.bottom());
 }
 
+QLineF lengthened(const QPointF &from, const QPointF &to, qreal atBothEnds)
+{
+    const QPointF along =
+        (to - from) * (atBothEnds / std::hypot(to.x() - from.x(), to.y() - from.y()));
+    return {from - along, to + along};
+}
+
 /** The part of a line near the canvas: the painter does not bear coordinates of any size. */
 void appendClipped(QVector<QLineF> &lines, const QPointF &from, const QPointF &to,
-                   const QRectF &near)
+                   const QRectF &near, qreal cap)
 {
     if (near.contains(from) && near.contains(to)) {
-        lines.append({from, to});
+        lines.append(lengthened(from, to, cap));
         return;
     }
     if (lieBeyondOneSide(from, to, near) || !std::isfinite(from.y()) || !std::isfinite(to.y()))
@@ -66,9 +79,9 @@ public:
     {
         top = qBound(m_near.top(), top, m_near.bottom()) * m_scale;
         bottom = qBound(m_near.top(), bottom, m_near.bottom()) * m_scale;
-        const qreal missing = std::max(0.0, m_width - (bottom - top)) / 2;
-        top = std::round(top - missing);
-        bottom = std::max(top + m_width, std::round(bottom + missing));
+        const qreal added = std::max(m_width * capLength, (m_width - (bottom - top)) / 2);
+        top = std::round(top - added);
+        bottom = std::max(top + m_width, std::round(bottom + added));
         const qreal left = m_left + (column - std::floor(m_width / 2)) / m_scale;
         return {left, top / m_scale, m_width / m_scale, (bottom - top) / m_scale};
     }
@@ -124,6 +137,9 @@ void EnvelopeCurve::drawLines(QPainter *painter, const QwtScaleMap &xMap, const 
     const qreal columnsPerPixel = std::max(1.0, painter->deviceTransform().m11());
     divide(xMap, canvasRect, columnsPerPixel);
     const Strokes found = strokes(xMap, yMap, canvasRect, columnsPerPixel);
+    QPen flat = painter->pen();
+    flat.setCapStyle(Qt::FlatCap);
+    painter->setPen(flat);
     painter->drawLines(found.lines);
     painter->setRenderHint(QPainter::Antialiasing, false); // bars lie on whole pixels
     for (const QRectF &bar : found.bars)
@@ -162,10 +178,11 @@ EnvelopeCurve::Strokes EnvelopeCurve::strokes(const QwtScaleMap &xMap, const Qwt
         const bool onCanvas = run.column >= 0 && run.column < columnCount;
         const bool isBar = onCanvas && run.first < run.last;
         ValueRange span = run.values;
-        if (previous && isBar && previous->column == run.column - 1)
+        if (previous && isBar && previous->column >= 0 && previous->column == run.column - 1)
             span.include(series.value(previous->last)); // the step from the column before
         else if (previous)
-            appendClipped(strokes.lines, pointAt(previous->last), pointAt(run.first), near);
+            appendClipped(strokes.lines, pointAt(previous->last), pointAt(run.first), near,
+                          penWidth * capLength);
         const qreal top = yMap.transform(span.max);
         const qreal bottom = yMap.transform(span.min);
         if (isBar && top <= near.bottom() && bottom >= near.top())
