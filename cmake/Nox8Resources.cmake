@@ -1,4 +1,5 @@
-# What is built into the program: pictures drawn at build time and the list of built-in files.
+# What is built into the program: pictures, sound and database made at build time, and the list of
+# built-in files.
 
 find_program(NOX8_RSVG_CONVERT rsvg-convert DOC "Renders the SVG drawings of the program")
 if(NOT NOX8_RSVG_CONVERT)
@@ -26,6 +27,25 @@ function(nox8_make_database name)
         COMMAND ${NOX8_SQLITE3} -bail ${database} ".read '${schema}'"
         DEPENDS ${schema}
         COMMENT "Making ${name}.db"
+        VERBATIM)
+endfunction()
+
+# nox8_make_sound(<name> SOURCES <file>...)
+#
+# Makes <name>.wav in the current build directory by a small program of its own, which is given the
+# name of the file to write.
+function(nox8_make_sound name)
+    cmake_parse_arguments(arg "" "" "SOURCES" ${ARGN})
+    set(maker make-${name}-sound)
+    set(sound ${CMAKE_CURRENT_BINARY_DIR}/${name}.wav)
+    nox8_add_program(${maker} SOURCES ${arg_SOURCES})
+    set_target_properties(${maker} PROPERTIES
+        AUTOMOC OFF AUTOUIC OFF RUNTIME_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+    add_custom_command(
+        OUTPUT ${sound}
+        COMMAND ${maker} ${sound}
+        DEPENDS ${maker}
+        COMMENT "Making ${name}.wav"
         VERBATIM)
 endfunction()
 

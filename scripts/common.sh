@@ -1,4 +1,4 @@
-# What scripts/run, scripts/test and scripts/fuzz share; sourced, not run.
+# What scripts/run, scripts/test, scripts/fuzz and scripts/pictures share; sourced, not run.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
@@ -77,4 +77,36 @@ startVirtualDisplay() {
     DISPLAY=:$(cat "$numberFile")
     export DISPLAY
     rm -f "$numberFile"
+}
+
+# useSimulators : prepares for simulate; whatever it starts ends with the script.
+useSimulators() {
+    processes=()
+    folder=$(mktemp -d)
+    trap endSimulators EXIT
+    trap 'exit 130' INT TERM
+}
+
+endSimulators() {
+    local process
+    for process in ${processes[@]+"${processes[@]}"}; do
+        kill "$process" 2>/dev/null || true
+        wait "$process" 2>/dev/null || true
+    done
+    rm -rf "$folder"
+}
+
+# simulate <name> <option>... : starts one instrument and waits until its port is there. The array
+# `ports` says where ports are looked for, `bin` where the programs are.
+simulate() {
+    local name=$1 ready=$folder/$1.ready
+    shift
+    "$bin/nox8-sim" --port "$name" ${ports[@]+"${ports[@]}"} "$@" >"$ready" &
+    processes+=($!)
+    local waited=0
+    until [ -s "$ready" ]; do
+        sleep 0.1
+        waited=$((waited + 1))
+        [ $waited -lt 100 ] || { say "The simulated instrument $name did not start."; return 1; }
+    done
 }

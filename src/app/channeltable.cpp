@@ -6,6 +6,7 @@
 
 #include <QTableWidget>
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -49,22 +50,26 @@ ChannelTable::ChannelTable(QTableWidget *table, const noxList *registry, const Q
 void ChannelTable::refresh(int index)
 {
     const noxList::_nox *nox = m_registry->getNoxByIndex(index);
-    const bool onPlot = nox && nox->qwtIndex >= 0;
+    const bool isLinked = nox && nox->devIndex >= 0;
+    const bool lostLink = std::exchange(m_isLinked, isLinked) && !isLinked;
     // what marks a value goes with the link, as it does in the table of the instruments
-    if (std::exchange(m_index, index) != index || !nox || nox->devIndex < 0)
-        m_marks.clear();
-    m_marks.resize(onPlot ? m_plot->getChCount(nox->qwtIndex) : 0);
-    m_main = onPlot ? m_plot->getChMain(nox->qwtIndex) : -1;
-    m_table->setRowCount(m_marks.size() + 1);
-    for (int ch = 0; ch < m_marks.size(); ++ch)
+    if (std::exchange(m_index, index) != index || lostLink)
+        forgetMarks(0);
+    m_qwtIndex = nox ? nox->qwtIndex : -1;
+    const bool onPlot = m_qwtIndex >= 0;
+    m_rows = onPlot ? m_plot->getChCount(m_qwtIndex) : 0;
+    forgetMarks(m_rows);
+    m_main = onPlot ? m_plot->getChMain(m_qwtIndex) : -1;
+    m_table->setRowCount(m_rows + 1);
+    for (int ch = 0; ch < m_rows; ++ch)
         paint(ch);
+    m_touched.reset();
     selectTableRow(m_table, m_main + 1);
 }
 
 void ChannelTable::refreshMain()
 {
-    const int qwtIndex = m_registry->getQWTIndex(m_index);
-    const int main = qwtIndex < 0 ? -1 : m_plot->getChMain(qwtIndex);
+    const int main = m_qwtIndex < 0 ? -1 : m_plot->getChMain(m_qwtIndex);
     const int before = std::exchange(m_main, main);
     if (before == main)
         return;
@@ -75,45 +80,75 @@ void ChannelTable::refreshMain()
 
 void ChannelTable::resetBackgrounds()
 {
-    for (int ch = 0; ch < m_marks.size(); ++ch) {
-        m_marks[ch].fresh = false;
-        m_marks[ch].rejected = false;
+    m_fresh = -1;
+    for (ValueMarks &marks : m_marks)
+        marks.rejected = false;
+    for (int ch = 0; ch < m_rows; ++ch)
         paint(ch);
-    }
 }
 
-void ChannelTable::acceptPoint(uchar ch)
+void ChannelTable::forgetMarks(int first)
 {
-    if (!hasRow(ch))
-        return;
-    for (int other = 0; other < m_marks.size(); ++other)
-        if (std::exchange(m_marks[other].fresh, false) && other != ch)
-            paint(other);
-    m_marks[ch] = {true, false, false};
-    paint(ch);
+    std::fill(m_marks.begin() + first, m_marks.end(), ValueMarks());
+    if (m_fresh >= first)
+        m_fresh = -1;
 }
 
-void ChannelTable::rejectPoint(uchar ch)
+void ChannelTable::acceptPoint(int qwtIndex, uchar ch)
 {
-    if (!hasRow(ch))
+    if (qwtIndex != m_qwtIndex)
         return;
-    m_marks[ch] = {false, false, true};
-    paint(ch);
+    setFresh(ch);
+    note(ch, {});
 }
 
-void ChannelTable::raiseAlarm(uchar ch)
+void ChannelTable::rejectPoint(int qwtIndex, uchar ch)
 {
-    if (!hasRow(ch))
+    if (qwtIndex != m_qwtIndex)
         return;
-    m_marks[ch].alarm = true;
-    paint(ch);
+    if (m_fresh == ch)
+        m_fresh = -1;
+    note(ch, {false, false, true});
+}
+
+void ChannelTable::raiseAlarm(int qwtIndex, uchar ch)
+{
+    if (qwtIndex == m_qwtIndex)
+        note(ch, {false, true, false});
+}
+
+void ChannelTable::note(uchar ch, const ValueMarks &marks)
+{
+    m_marks[ch] = marks;
+    m_touched.set(ch);
+}
+
+void ChannelTable::setFresh(int ch)
+{
+    if (m_fresh >= 0)
+        m_touched.set(size_t(m_fresh));
+    m_fresh = ch;
+}
+
+void ChannelTable::paintTouched()
+{
+    for (int ch = 0; ch < m_rows; ++ch)
+        if (m_touched.test(size_t(ch)))
+            paint(ch);
+    m_touched.reset();
 }
 
 void ChannelTable::paint(int ch, int first, int last)
 {
     const noxList::_nox *nox = m_registry->getNoxByIndex(m_index);
-    if (nox && ch >= 0 && ch < m_marks.size())
+    if (nox && ch >= 0 && ch < m_rows)
         paintRow(m_table, ch + 1, channelRow(stateOf(*nox, ch)), first, last);
+}
+
+QPoint ChannelTable::placeBelow(uchar ch, int column) const
+{
+    const QRect cell = m_table->visualRect(m_table->model()->index(ch + 1, column));
+    return m_table->viewport()->mapToGlobal(cell.bottomLeft());
 }
 
 ChannelState ChannelTable::stateOf(const noxList::_nox &nox, int channel) const
@@ -133,7 +168,8 @@ ChannelState ChannelTable::stateOf(const noxList::_nox &nox, int channel) const
     state.inactive = isInactive(*nox.opt, ch);
     state.main = channel == m_main;
     state.hovered = m_hover.row() == channel + 1;
-    state.marks = m_marks.at(channel);
+    state.marks = m_marks.at(size_t(channel));
+    state.marks.fresh = channel == m_fresh;
     return state;
 }
 

@@ -4,7 +4,8 @@
 #include "app/rowhover.h"
 #include "registry/noxlist.h"
 
-#include <QVector>
+#include <array>
+#include <bitset>
 
 class QTableWidget;
 class QwtNOX;
@@ -12,8 +13,8 @@ class QwtNOX;
 /**
  * The table of the channels of one instrument, channel c in row c + 1.
  *
- * It remembers how the latest value of each channel stands out. Channels that have no row are
- * ignored.
+ * It remembers how the latest value of each channel stands out. What points do to the rows is only
+ * noted when they come, which costs a few nanoseconds, and shown by paintTouched().
  */
 class ChannelTable : public QObject
 {
@@ -29,20 +30,33 @@ public:
     /** Takes back what marks the freshest value and the rejected ones. */
     void resetBackgrounds();
 
-    bool hasRow(uchar ch) const { return ch < m_marks.size(); }
-    /** The plot took a point of the instrument. */
-    void acceptPoint(uchar ch);
-    /** The plot rejected a point of the instrument. */
-    void rejectPoint(uchar ch);
+    // Notes; those about instruments that the table does not show are ignored.
+
+    /** The plot took a point. */
+    void acceptPoint(int qwtIndex, uchar ch);
+    /** The plot rejected a point. */
+    void rejectPoint(int qwtIndex, uchar ch);
     /** The point just taken lies beyond a limit. */
-    void raiseAlarm(uchar ch);
+    void raiseAlarm(int qwtIndex, uchar ch);
+
+    /** True when something was noted about a channel that has no row. */
+    bool lacksRows() const { return (m_touched >> size_t(m_rows)).any(); }
+    /** Brings the rows up to date about which something was noted. */
+    void paintTouched();
 
     /** The channel shown in a row; -1 for the header and beyond the last row. */
-    int channelAt(int row) const { return row <= m_marks.size() ? row - 1 : -1; }
+    int channelAt(int row) const { return row <= m_rows ? row - 1 : -1; }
+    /** The place on the screen right below a cell. */
+    QPoint placeBelow(uchar ch, int column) const;
     /** The mouse entered a cell. */
     void hover(int row, int column) { m_hover.enter(row, column); }
 
 private:
+    static constexpr int mostChannels = 256; ///< every number that fits
+
+    void note(uchar ch, const ValueMarks &marks);
+    void setFresh(int ch);
+    void forgetMarks(int first);
     void paint(int ch, int first = 0, int last = tableColumns - 1);
     ChannelState stateOf(const noxList::_nox &nox, int ch) const;
     void addReference(ChannelState *state, const noxList::_nox &nox) const;
@@ -51,7 +65,12 @@ private:
     const noxList *m_registry;
     const QwtNOX *m_plot;
     RowHover m_hover;
-    int m_index = -1;            ///< registry index of the instrument shown
-    int m_main = -1;             ///< the main channel as it is marked
-    QVector<ValueMarks> m_marks; ///< by channel
+    int m_index = -1;                             ///< registry index of the instrument shown
+    int m_qwtIndex = -1;                          ///< its plot index
+    bool m_isLinked = false;                      ///< it was connected when last looked at
+    int m_rows = 0;                               ///< channels shown
+    int m_main = -1;                              ///< the main channel as it is marked
+    int m_fresh = -1;                             ///< the channel of the latest point
+    std::array<ValueMarks, mostChannels> m_marks; ///< by channel; the fresh one is in m_fresh
+    std::bitset<mostChannels> m_touched;          ///< something was noted and not shown yet
 };

@@ -10,6 +10,9 @@
 #include <QSignalBlocker>
 #include <QTableWidget>
 
+#include <algorithm>
+#include <utility>
+
 namespace
 {
 
@@ -52,25 +55,46 @@ InstrumentTable::InstrumentTable(QTableWidget *table, const noxList *registry, c
 void InstrumentTable::refresh(int currentIndex)
 {
     m_current = currentIndex;
-    m_indices = m_registry->indices().toVector();
-    const auto isGone = [this](auto latest) { return !m_indices.contains(latest.key()); };
-    for (auto latest = m_latest.begin(); latest != m_latest.end();)
-        latest = isGone(latest) ? m_latest.erase(latest) : std::next(latest);
-
-    setRowCount(m_indices.size());
-    for (int row = 1; row <= m_indices.size(); ++row) {
-        const int index = m_indices.at(row - 1);
-        const noxList::_nox &nox = *m_registry->getNoxByIndex(index);
-        ValueMarks &marks = m_latest[index].marks;
-        marks.fresh = false;
+    setRows(m_registry->indices());
+    setRowCount(m_rows.size());
+    for (int row = 1; row <= m_rows.size(); ++row) {
+        Row &shown = m_rows[row - 1];
+        const noxList::_nox &nox = *m_registry->getNoxByIndex(shown.index);
+        shown.touched = false;
+        shown.marks.fresh = false;
         if (nox.devIndex < 0) {
-            marks = {};
+            shown.marks = {};
             m_table->removeCellWidget(row, InstrumentColumn::Menu); // its transfer is over
         }
         bindShowBox(row, nox);
         paintRow(m_table, row, instrumentRow(stateOf(nox)));
     }
     selectTableRow(m_table, rowOf(m_current));
+}
+
+/** Instruments keep what they reported while others come and go. */
+void InstrumentTable::setRows(const QList<int> &indices)
+{
+    QVector<Row> rows;
+    QVector<int> rowByPlot;
+    for (const int index : indices) {
+        const int before = rowOf(index);
+        const int qwtIndex = m_registry->getQWTIndex(index);
+        if (qwtIndex >= rowByPlot.size())
+            rowByPlot.insert(rowByPlot.size(), qwtIndex + 1 - rowByPlot.size(), -1);
+        if (qwtIndex >= 0)
+            rowByPlot[qwtIndex] = rows.size();
+        rows.append(before < 1 ? Row{index} : m_rows.at(before - 1));
+    }
+    m_rows = rows;
+    m_rowByPlot = rowByPlot;
+}
+
+int InstrumentTable::rowOf(int index) const
+{
+    const auto isIt = [index](const Row &row) { return row.index == index; };
+    const auto found = std::find_if(m_rows.cbegin(), m_rows.cend(), isIt);
+    return found == m_rows.cend() ? 0 : int(found - m_rows.cbegin()) + 1;
 }
 
 void InstrumentTable::refreshValue(int index)
@@ -83,27 +107,22 @@ void InstrumentTable::refreshValue(int index)
              InstrumentColumn::Channel);
 }
 
-void InstrumentTable::acceptPoint(int index, uchar ch)
+void InstrumentTable::note(int qwtIndex, uchar ch, const ValueMarks &marks)
 {
-    mark(index, ch, {true, false, false});
-}
-
-void InstrumentTable::rejectPoint(int index, uchar ch)
-{
-    mark(index, ch, {false, false, true});
-}
-
-void InstrumentTable::raiseAlarm(int index, uchar ch)
-{
-    mark(index, ch, {false, true, false});
-}
-
-void InstrumentTable::mark(int index, uchar ch, const ValueMarks &marks)
-{
-    if (rowOf(index) < 1)
+    const int position = m_rowByPlot.value(qwtIndex, -1);
+    if (position < 0)
         return;
-    m_latest[index] = {ch, marks};
-    refreshValue(index);
+    Row &row = m_rows[position];
+    row.channel = ch;
+    row.marks = marks;
+    row.touched = true;
+}
+
+void InstrumentTable::paintTouched()
+{
+    for (Row &row : m_rows)
+        if (std::exchange(row.touched, false))
+            refreshValue(row.index);
 }
 
 void InstrumentTable::showProgress(int index, int progress, int maxProgress)
@@ -126,7 +145,7 @@ void InstrumentTable::showProgress(int index, int progress, int maxProgress)
 
 int InstrumentTable::indexAt(int row) const
 {
-    return row < 1 ? -1 : m_indices.value(row - 1, -1);
+    return m_rows.value(row - 1).index;
 }
 
 void InstrumentTable::setRowCount(int instruments)
@@ -175,7 +194,7 @@ void InstrumentTable::paintMark(int row)
 
 InstrumentState InstrumentTable::stateOf(const noxList::_nox &nox) const
 {
-    Latest latest = m_latest.value(nox.index);
+    Row latest = m_rows.value(rowOf(nox.index) - 1);
     // a model with fewer channels may have taken the place of the one that measured
     if (latest.channel >= m_plot->getChCount(nox.qwtIndex))
         latest = {};

@@ -4,7 +4,6 @@
 #include "app/rowhover.h"
 #include "registry/noxlist.h"
 
-#include <QHash>
 #include <QVector>
 
 class QTableWidget;
@@ -13,8 +12,9 @@ class QwtNOX;
 /**
  * The table of the instruments: one row per registry entry, in the order of the registry indices.
  *
- * It remembers which channel of each instrument reported last and how that value stands out.
- * Registry indices that have no row are ignored.
+ * It remembers which channel of each instrument reported last and how that value stands out. What
+ * points do to the rows is only noted when they come, which costs a few nanoseconds, and shown by
+ * paintTouched(). Instruments that have no row are ignored.
  */
 class InstrumentTable : public QObject
 {
@@ -29,11 +29,13 @@ public:
     void refreshValue(int index);
 
     /** The plot took a point. */
-    void acceptPoint(int index, uchar ch);
+    void acceptPoint(int qwtIndex, uchar ch) { note(qwtIndex, ch, {true, false, false}); }
     /** The plot rejected a point. */
-    void rejectPoint(int index, uchar ch);
+    void rejectPoint(int qwtIndex, uchar ch) { note(qwtIndex, ch, {false, false, true}); }
     /** The point just taken lies beyond a limit. */
-    void raiseAlarm(int index, uchar ch);
+    void raiseAlarm(int qwtIndex, uchar ch) { note(qwtIndex, ch, {false, true, false}); }
+    /** Brings the rows up to date about which something was noted. */
+    void paintTouched();
 
     /** A transfer's progress in the row of the instrument: -1 for an unknown one, 0 of 0 when the
      *  transfer is over. */
@@ -49,14 +51,17 @@ signals:
     void showToggled(int index, bool shown);
 
 private:
-    /** What the instrument reported last. */
-    struct Latest {
+    /** A row below the header, and what its instrument reported last. */
+    struct Row {
+        int index = -1;   ///< registry index
         int channel = -1; ///< -1: nothing yet
-        ValueMarks marks;
+        ValueMarks marks{};
+        bool touched = false; ///< something was noted and not shown yet
     };
 
-    int rowOf(int index) const { return int(m_indices.indexOf(index)) + 1; }
-    void mark(int index, uchar ch, const ValueMarks &marks);
+    int rowOf(int index) const;
+    void note(int qwtIndex, uchar ch, const ValueMarks &marks);
+    void setRows(const QList<int> &indices);
     void setRowCount(int instruments);
     void addShowBox(int row);
     void bindShowBox(int row, const noxList::_nox &nox);
@@ -67,7 +72,7 @@ private:
     const noxList *m_registry;
     const QwtNOX *m_plot;
     RowHover m_hover;
-    QVector<int> m_indices; ///< registry index of row 1, 2, ...
-    QHash<int, Latest> m_latest;
+    QVector<Row> m_rows;      ///< of table row 1, 2, ...
+    QVector<int> m_rowByPlot; ///< where an instrument is in m_rows, by its plot index
     int m_current = -1;
 };

@@ -1,6 +1,8 @@
 #include "app/mainwindow.h"
 
+#include "app/alarmsound.h"
 #include "app/channeltable.h"
+#include "app/differencemenu.h"
 #include "app/instrumenttable.h"
 #include "app/instrumenttitle.h"
 #include "app/numericpanels.h"
@@ -17,6 +19,8 @@
 #include <QDateTime>
 #include <QGuiApplication>
 #include <QPointer>
+
+#include <utility>
 
 // What the main window does when the registry, the plot or the user reports something.
 
@@ -46,19 +50,6 @@ void MainWindow::showNumbers()
     const auto main = uchar(255);
     m_panels->showNumbers(m_plot->getChMeasStr(qwtIndex, main),
                           m_plot->getChAverStr(qwtIndex, main), m_plot->getChDim(qwtIndex, main));
-}
-
-int MainWindow::indexOnPlot(int qwtIndex) const
-{
-    const noxList::_nox *nox = qwtIndex < 0 ? nullptr : m_registry->getNoxByQwtIndex(qwtIndex);
-    return nox ? nox->index : -1;
-}
-
-/** Tells instruments apart where both indices may have been given to another one; may be null. */
-optionsNOX8 *MainWindow::imageOnPlot(int qwtIndex) const
-{
-    const noxList::_nox *nox = m_registry->getNoxByIndex(indexOnPlot(qwtIndex));
-    return nox ? nox->opt.get() : nullptr;
 }
 
 // Instruments come and go
@@ -169,40 +160,39 @@ void MainWindow::addRecords(int index, const QMap<quint8, QVector<optionsNOX8::_
     }
 }
 
-void MainWindow::showPoint(int qwtIndex, uchar ch)
+void MainWindow::notePoint(int qwtIndex, uchar ch)
 {
-    m_instruments->acceptPoint(indexOnPlot(qwtIndex), ch);
-    if (!isCurrent(qwtIndex))
-        return;
-    if (ch == m_plot->getChMain(qwtIndex)) {
-        showNumbers();
-        m_plotButtons->refresh(); // the point may have changed the scales that the plot chooses
-    }
-    if (!m_channels->hasRow(ch))
-        updUI();
-    m_channels->acceptPoint(ch);
+    m_instruments->acceptPoint(qwtIndex, ch);
+    m_channels->acceptPoint(qwtIndex, ch);
+    m_plot->frameClock().request();
 }
 
-void MainWindow::showRejected(int qwtIndex, uchar ch)
+void MainWindow::noteRejected(int qwtIndex, uchar ch)
 {
-    m_instruments->rejectPoint(indexOnPlot(qwtIndex), ch);
-    if (!isCurrent(qwtIndex))
-        return;
-    if (ch == m_plot->getChMain(qwtIndex))
-        showNumbers();
-    if (!m_channels->hasRow(ch))
-        updUI();
-    m_channels->rejectPoint(ch);
+    m_instruments->rejectPoint(qwtIndex, ch);
+    m_channels->rejectPoint(qwtIndex, ch);
+    m_plot->frameClock().request();
 }
 
-void MainWindow::showAlarm(int qwtIndex, uchar ch)
+void MainWindow::noteAlarm(int qwtIndex, uchar ch)
 {
-    m_instruments->raiseAlarm(indexOnPlot(qwtIndex), ch);
-    if (!isCurrent(qwtIndex))
-        return;
-    if (!m_channels->hasRow(ch))
+    m_instruments->raiseAlarm(qwtIndex, ch);
+    m_channels->raiseAlarm(qwtIndex, ch);
+    m_isAlarmDue = true;
+    m_plot->frameClock().request();
+}
+
+/** Shows what the points since the last frame have changed. */
+void MainWindow::showFrame()
+{
+    m_instruments->paintTouched();
+    if (m_channels->lacksRows())
         updUI();
-    m_channels->raiseAlarm(ch);
+    m_channels->paintTouched();
+    showNumbers();
+    m_plotButtons->refresh(); // points may have changed the scales that the plot chooses
+    if (std::exchange(m_isAlarmDue, false))
+        m_alarmSound->play();
 }
 
 // The plot
@@ -231,11 +221,11 @@ void MainWindow::clearPlot(int qwtIndex)
     question.text = tr("Очистить график?");
     question.buttons = QMessageBox::Yes | QMessageBox::No;
     question.defaultButton = QMessageBox::No;
-    const QPointer<optionsNOX8> image = imageOnPlot(qwtIndex);
+    const QPointer<optionsNOX8> image = imageOnPlot(*m_registry, qwtIndex);
     if (UserDialogs::current().ask(this, question) != QMessageBox::Yes)
         return;
     // while the question was open, the instrument may have left its place to another one
-    if (qwtIndex >= 0 && (!image || imageOnPlot(qwtIndex) != image))
+    if (qwtIndex >= 0 && (!image || imageOnPlot(*m_registry, qwtIndex) != image))
         return;
     const QDateTime now = m_plot->now();
     const QList<int> chosen = qwtIndex < 0 ? m_plot->devices().keys() : QList<int>{qwtIndex};
@@ -272,10 +262,7 @@ void MainWindow::pressChannel(uchar ch, int column)
     const int qwtIndex = currentPlotIndex();
     switch (column) {
     case ChannelColumn::Number:
-        if (QGuiApplication::mouseButtons() & Qt::RightButton)
-            chooseColor(ch);
-        else if (QGuiApplication::mouseButtons() & Qt::LeftButton)
-            m_plot->setChShow(!m_plot->getChShow(qwtIndex, ch), qwtIndex, ch);
+        pressNumber(qwtIndex, ch);
         break;
     case ChannelColumn::Value:
     case ChannelColumn::Unit:
@@ -283,26 +270,61 @@ void MainWindow::pressChannel(uchar ch, int column)
     case ChannelColumn::DeltaY:
         m_plot->setChMain(ch, qwtIndex);
         break;
+    case ChannelColumn::Reference:
+        m_differenceMenu->openFor(qwtIndex, ch, m_channels->placeBelow(ch, column));
+        break;
     default:
         break;
     }
 }
 
+void MainWindow::pressNumber(int qwtIndex, uchar ch)
+{
+    const bool isShown = m_plot->getChShow(qwtIndex, ch);
+    const Qt::MouseButtons buttons = QGuiApplication::mouseButtons();
+    if (buttons & Qt::LeftButton)
+        m_plot->setChShow(!isShown, qwtIndex, ch);
+    else if ((buttons & Qt::RightButton) && isShown)
+        chooseColor(ch);
+}
+
 void MainWindow::chooseColor(uchar ch)
 {
     const int qwtIndex = currentPlotIndex();
-    if (!m_plot->getChShow(qwtIndex, ch))
+    const QPointer<optionsNOX8> image = imageOnPlot(*m_registry, qwtIndex);
+    if (!image)
         return;
-    const QPointer<optionsNOX8> image = imageOnPlot(qwtIndex);
     const QColor color = UserDialogs::current().chooseColor(this, m_plot->getChColor(qwtIndex, ch));
     // while the dialog was open, the instrument may have left the plot
-    if (color.isValid() && image && imageOnPlot(qwtIndex) == image)
+    if (color.isValid() && image && imageOnPlot(*m_registry, qwtIndex) == image)
         m_plot->setChColor(color, qwtIndex, ch);
+}
+
+void MainWindow::chooseMainColor()
+{
+    const int ch = m_plot->getChMain();
+    if (ch >= 0)
+        chooseColor(uchar(ch));
 }
 
 void MainWindow::on_chTable_cellEntered(int row, int column)
 {
     m_channels->hover(row, column);
+}
+
+void MainWindow::on_qwtZoomBtn_clicked()
+{
+    m_plotButtons->applyTool(ModeZoom);
+}
+
+void MainWindow::on_qwtScrollBtn_clicked()
+{
+    m_plotButtons->applyTool(ModeScroll);
+}
+
+void MainWindow::on_qwtMeasBtn_clicked()
+{
+    m_plotButtons->applyTool(ModeMeasure);
 }
 
 void MainWindow::on_wideViewBtn_clicked()

@@ -6,13 +6,17 @@
 
 #include <memory>
 
+class AlarmSound;
 class ChannelTable;
+class ChoiceMenu;
 class ClearMenu;
 class ConnectMenu;
+class DifferenceMenu;
 class InstrumentTable;
 class NOXSerialPort;
 class NumericPanels;
 class PlotButtons;
+class PlotMenu;
 class QwtNOX;
 class SettingsMenu;
 class findNox;
@@ -40,6 +44,7 @@ public:
     noxList *registry() const { return m_registry.get(); }
     QwtNOX *plot() const { return m_plot.get(); }
     findNox *discovery() const { return m_discovery.get(); }
+    AlarmSound *alarmSound() const { return m_alarmSound.get(); }
     /** Registry index of the current instrument, -1 when there is none. */
     int currentIndex() const { return m_current; }
 
@@ -59,11 +64,15 @@ private slots:
     void on_chTable_cellEntered(int row, int column);
     void on_devTable_cellPressed(int row, int column);
     void on_devTable_cellEntered(int row, int column);
+    void on_qwtZoomBtn_clicked();
+    void on_qwtScrollBtn_clicked();
+    void on_qwtMeasBtn_clicked();
 
 private:
     // construction, in this order
     void buildForm();
     void buildDatabase();
+    void buildAlarm();
     void buildInstruments();
     void buildPlot();
     void buildDisplays();
@@ -71,6 +80,7 @@ private:
     void connectPlot();
     void buildMenus();
     void buildSettings();
+    void buildPlotTools();
 
     // what the registry reports
     void attachInstrument(int index);
@@ -82,10 +92,11 @@ private:
     void showFault(int index, quint8 code, const QString &reason);
     void searchAgain(int index);
 
-    // what the plot reports
-    void showPoint(int qwtIndex, uchar ch);
-    void showRejected(int qwtIndex, uchar ch);
-    void showAlarm(int qwtIndex, uchar ch);
+    // what the plot reports; points are only noted, and shown with the next frame
+    void notePoint(int qwtIndex, uchar ch);
+    void noteRejected(int qwtIndex, uchar ch);
+    void noteAlarm(int qwtIndex, uchar ch);
+    void showFrame();
     void showMainInstrument(int qwtIndex);
     void showPlotSettings(int qwtIndex);
 
@@ -95,11 +106,11 @@ private:
     void connectPort(const QString &portName);
     void clearPlot(int qwtIndex);
     void showAbout();
-    void chooseColor(uchar ch);
     void pressChannel(uchar ch, int column);
+    void pressNumber(int qwtIndex, uchar ch);
+    void chooseColor(uchar ch);
+    void chooseMainColor();
 
-    int indexOnPlot(int qwtIndex) const;
-    optionsNOX8 *imageOnPlot(int qwtIndex) const;
     int currentPlotIndex() const { return m_registry->getQWTIndex(m_current); }
     bool isCurrent(int qwtIndex) const { return qwtIndex >= 0 && qwtIndex == currentPlotIndex(); }
     void showNumbers();
@@ -114,10 +125,15 @@ private:
     std::unique_ptr<findNox> m_discovery;
     std::unique_ptr<InstrumentTable> m_instruments;
     std::unique_ptr<ChannelTable> m_channels;
+    std::unique_ptr<DifferenceMenu> m_differenceMenu;
     std::unique_ptr<ConnectMenu> m_connectMenu;
     std::unique_ptr<NumericPanels> m_panels;
     std::unique_ptr<ClearMenu> m_clearMenu;
-    std::unique_ptr<PlotButtons> m_plotButtons;
     std::unique_ptr<SettingsMenu> m_settingsMenu;
+    std::unique_ptr<ChoiceMenu> m_limitMenu;
+    std::unique_ptr<PlotMenu> m_plotMenu;
+    std::unique_ptr<PlotButtons> m_plotButtons;
+    std::unique_ptr<AlarmSound> m_alarmSound;
     int m_current = -1;
+    bool m_isAlarmDue = false; ///< a limit was violated since the last frame
 };

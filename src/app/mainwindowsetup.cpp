@@ -1,10 +1,15 @@
+#include "app/alarmsound.h"
 #include "app/channeltable.h"
+#include "app/choicemenu.h"
 #include "app/clearmenu.h"
 #include "app/connectmenu.h"
+#include "app/differencemenu.h"
 #include "app/instrumenttable.h"
 #include "app/mainwindow.h"
 #include "app/numericpanels.h"
 #include "app/plotbuttons.h"
+#include "app/plotchoices.h"
+#include "app/plotmenu.h"
 #include "app/settingsmenu.h"
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
@@ -44,6 +49,7 @@ MainWindow::MainWindow(QWidget *parent)
 {
     buildForm();
     buildDatabase();
+    buildAlarm();
     buildInstruments();
     buildPlot();
     buildDisplays();
@@ -51,6 +57,7 @@ MainWindow::MainWindow(QWidget *parent)
     connectPlot();
     buildMenus();
     buildSettings();
+    buildPlotTools();
     updUI();
 }
 
@@ -62,6 +69,7 @@ MainWindow::~MainWindow()
     m_serialPort->disconnect(this);
     m_registry->disconnect(this);
     m_plot->disconnect(this);
+    m_plot->frameClock().disconnect(this);
 }
 
 void MainWindow::buildForm()
@@ -77,6 +85,11 @@ void MainWindow::buildDatabase()
                          QStringLiteral("/nox8.db");
     provideDatabase(path);
     m_database = std::make_unique<noxSql>(path);
+}
+
+void MainWindow::buildAlarm()
+{
+    m_alarmSound = std::make_unique<AlarmSound>();
 }
 
 void MainWindow::buildInstruments()
@@ -147,12 +160,13 @@ void MainWindow::connectRegistry()
 void MainWindow::connectPlot()
 {
     const QwtNOX *plot = m_plot.get();
-    connect(plot, &QwtNOX::onAddPoint, this, &MainWindow::showPoint);
-    connect(plot, &QwtNOX::onPointTrackOff, this, &MainWindow::showAlarm);
-    connect(plot, &QwtNOX::onErrorAddPoint, this, &MainWindow::showRejected);
+    connect(plot, &QwtNOX::onAddPoint, this, &MainWindow::notePoint);
+    connect(plot, &QwtNOX::onPointTrackOff, this, &MainWindow::noteAlarm);
+    connect(plot, &QwtNOX::onErrorAddPoint, this, &MainWindow::noteRejected);
     connect(plot, &QwtNOX::onChColorChange, this, &MainWindow::updUI);
     connect(plot, &QwtNOX::onDevChange, this, &MainWindow::showMainInstrument);
     connect(plot, &QwtNOX::onChange, this, &MainWindow::showPlotSettings);
+    connect(&m_plot->frameClock(), &FrameClock::frame, this, &MainWindow::showFrame);
 }
 
 void MainWindow::buildMenus()
@@ -162,15 +176,18 @@ void MainWindow::buildMenus()
                                           m_ui->qwtMeasBtn, m_ui->trackBtn};
     m_plotButtons = std::make_unique<PlotButtons>(buttons, m_plot.get());
 
+    m_plotMenu = std::make_unique<PlotMenu>(m_plot.get(), this);
+    m_ui->setQwtBtn->setMenu(m_plotMenu.get());
+    connect(m_plotMenu.get(), &PlotMenu::colorWanted, this, &MainWindow::chooseMainColor);
+
     m_connectMenu = std::make_unique<ConnectMenu>(this);
     m_ui->addDevBtn->setMenu(m_connectMenu.get());
     connect(m_connectMenu.get(), &ConnectMenu::noPortChosen, this,
             [this] { m_registry->newNox(-1, true); });
     connect(m_connectMenu.get(), &ConnectMenu::portChosen, this, &MainWindow::connectPort);
 
-    m_clearMenu = std::make_unique<ClearMenu>(m_registry.get(), this);
-    m_ui->clearBtn->setMenu(m_clearMenu.get());
-    connect(m_clearMenu.get(), &ClearMenu::chosen, this, &MainWindow::clearPlot);
+    m_differenceMenu = std::make_unique<DifferenceMenu>(m_plot.get(), m_registry.get(), this);
+    connect(m_differenceMenu.get(), &DifferenceMenu::chosen, this, &MainWindow::updUI);
 }
 
 void MainWindow::buildSettings()
@@ -181,4 +198,14 @@ void MainWindow::buildSettings()
     if (m_settingsMenu->connectsAtStart())
         QTimer::singleShot(discoveryDelayMs, m_discovery.get(),
                            [this] { m_discovery->find(true, 0, 0); });
+}
+
+void MainWindow::buildPlotTools()
+{
+    m_limitMenu = limitChoices(m_plot.get(), this);
+    m_ui->trackBtn->setMenu(m_limitMenu.get());
+
+    m_clearMenu = std::make_unique<ClearMenu>(m_registry.get(), this);
+    m_ui->clearBtn->setMenu(m_clearMenu.get());
+    connect(m_clearMenu.get(), &ClearMenu::chosen, this, &MainWindow::clearPlot);
 }

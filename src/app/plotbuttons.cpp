@@ -1,23 +1,11 @@
 #include "app/plotbuttons.h"
 
 #include "app/choicemenu.h"
+#include "app/plotchoices.h"
 #include "plot/qwtnox.h"
-#include "plot/scaletables.h"
 
 #include <QPushButton>
 #include <QToolButton>
-
-namespace
-{
-
-template<typename Table>
-void addScales(ChoiceMenu *menu, const Table &scales)
-{
-    for (int row = 0; row < scales.size(); ++row)
-        menu->addChoice(scales.at(row).label, row);
-}
-
-} // namespace
 
 PlotButtons::PlotButtons(const Buttons &buttons, QwtNOX *plot, QObject *parent)
     : QObject(parent)
@@ -28,6 +16,8 @@ PlotButtons::PlotButtons(const Buttons &buttons, QwtNOX *plot, QObject *parent)
     connect(m_buttons.modeX, &QPushButton::clicked, m_plot,
             [plot] { plot->setChModeX(nextModeX(plot->getChModeX())); });
     connect(m_buttons.mode, &QPushButton::clicked, this, &PlotButtons::switchMode);
+    // its check mark tells of the limits: a click, which opens a menu, does not change it
+    connect(m_buttons.track, &QToolButton::toggled, this, &PlotButtons::refresh);
     refresh();
 }
 
@@ -35,16 +25,10 @@ PlotButtons::~PlotButtons() = default;
 
 void PlotButtons::buildScaleMenus()
 {
-    const QwtNOX *plot = m_plot;
-    auto *menuX = new ChoiceMenu([plot] { return plot->getChScaleX(); }, m_buttons.scaleX);
-    addScales(menuX, scalesX());
-    connect(menuX, &ChoiceMenu::chosen, m_plot, &QwtNOX::changeScaleX);
-    m_buttons.scaleX->setMenu(menuX);
-
-    auto *menuY = new ChoiceMenu([plot] { return plot->getChScaleY(); }, m_buttons.scaleY);
-    addScales(menuY, scalesY());
-    connect(menuY, &ChoiceMenu::chosen, m_plot, &QwtNOX::changeScaleY);
-    m_buttons.scaleY->setMenu(menuY);
+    m_scaleXMenu = scaleXChoices(m_plot, m_buttons.scaleX);
+    m_buttons.scaleX->setMenu(m_scaleXMenu.get());
+    m_scaleYMenu = scaleYChoices(m_plot, m_buttons.scaleY);
+    m_buttons.scaleY->setMenu(m_scaleYMenu.get());
 }
 
 void PlotButtons::refresh()
@@ -86,4 +70,22 @@ void PlotButtons::switchMode()
     const TmcMode next = nextMode(mode, fixedScale);
     if (next != mode)
         m_plot->setChMode(next);
+}
+
+const QToolButton *PlotButtons::toolButton(TmcMode tool) const
+{
+    switch (tool) {
+    case ModeZoom:
+        return m_buttons.zoom;
+    case ModeScroll:
+        return m_buttons.scroll;
+    default:
+        return m_buttons.measure;
+    }
+}
+
+void PlotButtons::applyTool(TmcMode tool)
+{
+    m_plot->setChMode(toolButton(tool)->isChecked() ? tool : ModeFollow);
+    refresh(); // without a main instrument the click was in vain
 }

@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+#include <memory>
+
 class ChoiceMenu;
 class QPushButton;
 class QToolButton;
@@ -32,6 +34,9 @@ public:
     /** Brings captions and check states up to date with the main channel of the plot. */
     void refresh();
 
+    /** A click on the button of ModeZoom, ModeScroll or ModeMeasure has checked or unchecked it. */
+    void applyTool(TmcMode tool);
+
     /** The labelling of the X axis that follows at a click. */
     static TmcModeX nextModeX(TmcModeX mode);
     /** The mode that follows at a click; `fixedScale`: a step of X or Y has been chosen. */
@@ -40,7 +45,10 @@ public:
 private:
     void buildScaleMenus();
     void switchMode();
+    const QToolButton *toolButton(TmcMode tool) const;
 
     Buttons m_buttons;
     QwtNOX *m_plot;
+    std::unique_ptr<ChoiceMenu> m_scaleXMenu;
+    std::unique_ptr<ChoiceMenu> m_scaleYMenu;
 };

@@ -1,6 +1,7 @@
 #include "app/plotplaces.h"
 
 #include "plot/qwtnox.h"
+#include "registry/noxlist.h"
 
 int freePlotIndex(const QList<int> &used)
 {
@@ -24,4 +25,10 @@ int attachToPlot(QwtNOX *plot, uchar channelCount)
     else
         emit plot->onChange(qwtIndex);
     return qwtIndex;
+}
+
+optionsNOX8 *imageOnPlot(const noxList &registry, int qwtIndex)
+{
+    const noxList::_nox *nox = qwtIndex < 0 ? nullptr : registry.getNoxByQwtIndex(qwtIndex);
+    return nox ? nox->opt.get() : nullptr;
 }

@@ -3,6 +3,8 @@
 #include <QList>
 
 class QwtNOX;
+class noxList;
+class optionsNOX8;
 
 /** The smallest plot index from 0 that is not in use; -1 when more than 254 are. */
 int freePlotIndex(const QList<int> &used);
@@ -13,3 +15,9 @@ int freePlotIndex(const QList<int> &used);
  * plot is full.
  */
 int attachToPlot(QwtNOX *plot, uchar channelCount);
+
+/**
+ * The image of the instrument that has a place on the plot; null when nobody has it. It tells
+ * instruments apart where both indices may have been given to another one meanwhile.
+ */
+optionsNOX8 *imageOnPlot(const noxList &registry, int qwtIndex);

@@ -1,16 +1,13 @@
 #include "app/rowpainter.h"
 
-#include <QIcon>
-#include <QPainter>
-#include <QPixmap>
+#include "app/swatch.h"
+
 #include <QTableWidget>
 
 namespace
 {
 
 constexpr int swatchRole = Qt::UserRole;
-constexpr int swatchSize = 16;
-constexpr int swatchFrame = 2;
 
 QTableWidgetItem *itemAt(QTableWidget *table, int row, int column)
 {
@@ -20,29 +17,6 @@ QTableWidgetItem *itemAt(QTableWidget *table, int row, int column)
     item->setTextAlignment(Qt::AlignCenter);
     table->setItem(row, column, item);
     return item;
-}
-
-QPixmap swatchPixmap(const QColor &color, int scale)
-{
-    QPixmap pixmap(swatchSize * scale, swatchSize * scale);
-    pixmap.setDevicePixelRatio(scale);
-    pixmap.fill(color);
-    if (color.alpha() == 0)
-        return pixmap;
-    QPainter painter(&pixmap);
-    painter.setPen(QPen(Qt::white, swatchFrame, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-    const int inset = swatchFrame / 2;
-    const int side = swatchSize - swatchFrame;
-    painter.drawRect(inset, inset, side, side);
-    return pixmap;
-}
-
-QIcon swatchIcon(const QColor &color)
-{
-    QIcon icon;
-    for (const int scale : {1, 2})
-        icon.addPixmap(swatchPixmap(color, scale));
-    return icon;
 }
 
 void paintSwatch(QTableWidgetItem *item, const QColor &color)

@@ -2,6 +2,8 @@
 
 #include "plot/channelcolors.h"
 #include "plot/envelopecurve.h"
+#include "plot/plotmeasurement.h"
+#include "plot/plotpickers.h"
 #include "plot/qwtnoxscaledraw.h"
 
 #include <qwt_plot_canvas.h>
@@ -71,6 +73,7 @@ QwtNOX::QwtNOX(QWidget *parent)
     setAxisScaleDraw(yLeft, new QwtNOXScaleYDraw(this));
     setAxisView(xBottom, viewFrom(0, 1, m_divX));
     setAxisView(yLeft, viewFrom(0, 1, m_divY));
+    buildInteraction();
 }
 
 QwtNOX::~QwtNOX() = default;
@@ -85,6 +88,7 @@ void QwtNOX::addDev(int qwtIndex, uchar fixedChCount)
     device.upperMarker = addLimitLine(this);
     device.lowerMarker = addLimitLine(this);
     m_devices.insert(qwtIndex, device);
+    m_measurement->hideFrames();
     setChCount(fixedChCount, qwtIndex);
 }
 
@@ -106,6 +110,8 @@ void QwtNOX::removeDev(int qwtIndex)
     delete removed.lowerMarker;
     if (m_mainIndex == qwtIndex) {
         m_mainIndex = -1;
+        m_measurement->reset();
+        m_pickers->enableFor(ModeAuto);
         installScaleXDraw();
     }
     applyScale();

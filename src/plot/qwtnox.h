@@ -11,8 +11,16 @@
 #include <qwt_plot.h>
 
 #include <functional>
+#include <memory>
 
+class PlotMeasurement;
+class PlotPickers;
+class QwtNoxQwtPlotPicker;
 class QwtPlotTextLabel;
+struct MeasurementTexts;
+struct ScaleRows;
+struct TimeFormat;
+struct ZoomedView;
 
 /** What the caption in the corner of the canvas tells. */
 struct CaptionParts {
@@ -210,6 +218,13 @@ public:
     void setChModeX(TmcModeX mode, int qwtIndex = -1, uchar ch = 255);
     TmcModeX getChModeX(int qwtIndex = -1, uchar ch = 255) const;
 
+    // The mouse on the plot; it acts on the main channel of the main instrument
+
+    /** Fills the frame of the first point and shows it beside `pos`, in pixels of the canvas. */
+    void addMeasPointFirst(const QPointF &p, QPoint pos);
+    /** Time and value of a point as the cross-hair tells them. */
+    QString pointText(const QPointF &point) const;
+
     // Captions of what is in effect for the main channel; "-" without a main instrument.
     QString getScaleXLabel() const;
     QString getScaleYLabel() const;
@@ -227,6 +242,21 @@ public slots:
     void applyScale();
     /** Refreshes the caption in the corner of the canvas. */
     void updLabelScale();
+
+    // What the mouse selects on the canvas, in seconds and values
+
+    /** Places a point of the measurement, the first or a second one. */
+    void setMeasPoint(const QPointF &p);
+    /** Shows a rectangle by the scales that fit it. */
+    void setZoomScale(const QRectF &rect);
+    /** Moves the view so that the point last under the mouse comes to `p`, while the right button
+     *  is held. */
+    void scrollCanvas(const QPointF &p);
+    /** Copies the text of the value that sends this, and marks it. */
+    void copyToClipboard();
+
+    /** Lays the plot out; what stands beside a point stays there. */
+    void updateLayout() override;
 
 signals:
     // Every qwtIndex is the resolved plot index. All signals come from the GUI thread.
@@ -258,6 +288,11 @@ signals:
     /** A point was rejected, or its difference could not be formed. */
     void onErrorAddPoint(int qwtIndex, uchar ch);
 
+protected:
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+
 private:
     int resolveIndex(int qwtIndex) const { return qwtIndex < 0 ? m_mainIndex : qwtIndex; }
     uchar resolveChannel(int qwtIndex, uchar ch) const;
@@ -277,6 +312,7 @@ private:
 
     bool hasFreeView(int qwtIndex, uchar ch) const;
     void setCurrentScales(const _ch &channel);
+    void showMode(const _ch &channel);
     void scaleX(const _ch &channel);
     void scaleY(_ch &channel);
     AxisView axisView(int axis) const;
@@ -284,6 +320,23 @@ private:
     void installScaleXDraw();
     void refreshScaleYLabels();
     void paintFrame();
+
+    void buildInteraction();
+    void startMeasurement(const QPointF &point);
+    void resetMeasurement();
+    MeasurementTexts measurementTexts() const;
+    QString valueText(double value) const;
+    TimeFormat timeFormat() const;
+    void zoomByWheel(bool coarser);
+    ScaleRows rowsInEffect() const;
+    void showZoomed(const ZoomedView &view);
+    QPointF middleOfView() const;
+    QPointF cursor() const;
+    void placeLimit(const QPointF &point);
+    void clickLeft(const QPointF &point);
+    void clickRight();
+    QPointF plotPosition(const QPoint &position) const;
+    QPoint canvasPosition(const QPointF &point) const;
 
     QMap<int, _dev> m_devices;
     int m_mainIndex = -1;
@@ -297,4 +350,10 @@ private:
     uchar m_labelPrecision = 0;            ///< decimals with which the Y axis was labelled last
     QDate m_labelDay;                      ///< what was today when the X axis was labelled last
     FrameClock m_frameClock;
+
+    std::unique_ptr<PlotMeasurement> m_measurement;
+    std::unique_ptr<PlotPickers> m_pickers;
+    QwtNoxQwtPlotPicker *m_crossHair = nullptr; ///< owned by the canvas
+    QPoint m_pressed;         ///< where a button went down, in pixels of this widget
+    bool m_rightHeld = false; ///< the right button is down, and no other
 };

@@ -1,6 +1,8 @@
+#include "plot/plotpickers.h"
 #include "plot/qwtnox.h"
 
 #include <qwt_plot_marker.h>
+#include <qwt_plot_picker.h>
 
 // Limits of the measured values, and the alarm when a point lies beyond.
 
@@ -22,9 +24,36 @@ void QwtNOX::setModeTrack(TmcTrackingMode mode, int qwtIndex)
     device->modeTrack = mode;
     if (mode != TrackOff)
         setChMode(ModeLimits, qwtIndex);
+    else if (qwtIndex == m_mainIndex)
+        m_pickers->limits()->setEnabled(false);
     m_frameClock.request();
     emit onChange(qwtIndex);
     emit onModeTrackChange(qwtIndex, resolveChannel(qwtIndex, 255), mode);
+}
+
+void QwtNOX::placeLimit(const QPointF &point)
+{
+    const _dev *device = findDevice(m_mainIndex);
+    if (!device || !device->upperMarker || !device->lowerMarker)
+        return;
+    QwtPlotMarker *upper = device->upperMarker;
+    QwtPlotMarker *lower = device->lowerMarker;
+    const auto place = [](QwtPlotMarker *limit, const QPointF &at) {
+        limit->setValue(at);
+        limit->setVisible(true);
+    };
+    const bool isFirstOfTwo = device->modeTrack == TrackRange && !upper->isVisible();
+    if (isFirstOfTwo || device->modeTrack == TrackUpper) {
+        place(upper, point);
+    } else if (device->modeTrack == TrackRange && point.y() > upper->yValue()) {
+        place(lower, upper->value());
+        place(upper, point);
+    } else if (device->modeTrack != TrackOff) {
+        place(lower, point);
+    }
+    if (!isFirstOfTwo)
+        m_pickers->limits()->setEnabled(false);
+    m_frameClock.request();
 }
 
 bool QwtNOX::violatesLimit(int qwtIndex, uchar ch) const

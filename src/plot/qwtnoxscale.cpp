@@ -1,3 +1,5 @@
+#include "plot/plotmeasurement.h"
+#include "plot/plotpickers.h"
 #include "plot/qwtnox.h"
 
 // Choosing scales and modes.
@@ -26,15 +28,24 @@ void QwtNOX::setChMode(TmcMode mode, int qwtIndex, uchar ch)
     if (!channel || mode < ModeAuto || mode > ModeLimits)
         return;
     ch = resolveChannel(qwtIndex, ch);
-    if (mode == ModeAuto || mode == ModeFollow) {
-        calcPrecision(channel->scaleY, qwtIndex, ch);
-        if (isMainChannel(qwtIndex, ch))
-            setCurrentScales(*channel);
-    }
     channel->mode = mode;
+    if (mode == ModeAuto || mode == ModeFollow)
+        calcPrecision(channel->scaleY, qwtIndex, ch);
+    if (isMainChannel(qwtIndex, ch))
+        showMode(*channel);
     emit onChange(qwtIndex);
     emit onChModeChange(qwtIndex, ch, mode);
     applyScale();
+}
+
+/** The mouse does what the mode of the main channel says. */
+void QwtNOX::showMode(const _ch &channel)
+{
+    m_pickers->enableFor(channel.mode);
+    if (channel.mode == ModeAuto || channel.mode == ModeFollow) {
+        setCurrentScales(channel);
+        m_measurement->reset();
+    }
 }
 
 TmcMode QwtNOX::getChMode(int qwtIndex, uchar ch) const
@@ -74,7 +85,7 @@ void QwtNOX::setChScaleX(uchar scale, int qwtIndex, uchar ch)
     if (hasFreeView(qwtIndex, ch) && scale != m_scaleX) {
         m_scaleX = scale;
         const double step = scalesX()[scale].step;
-        setAxisView(xBottom, notBelowZero(viewAround(axisView(xBottom).middle(), step, m_divX)));
+        setAxisView(xBottom, notBelowZero(viewAround(middleOfView().x(), step, m_divX)));
         updLabelScale();
         m_frameClock.request();
     } else {
@@ -101,7 +112,7 @@ void QwtNOX::setChScaleY(uchar scale, int qwtIndex, uchar ch)
     if (hasFreeView(qwtIndex, ch) && scale != m_scaleY) {
         m_scaleY = scale;
         calcPrecision(scale, qwtIndex, ch);
-        setAxisView(yLeft, viewAround(axisView(yLeft).middle(), scalesY()[scale].step, m_divY));
+        setAxisView(yLeft, viewAround(middleOfView().y(), scalesY()[scale].step, m_divY));
         refreshScaleYLabels();
         updLabelScale();
         m_frameClock.request();

@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -27,6 +28,11 @@ QString clockFormat(double stepSeconds)
     if (stepSeconds < 1)
         format += QStringLiteral(":zzz");
     return format;
+}
+
+QString tenthsText(double seconds)
+{
+    return QString::number(seconds, 'f', 1);
 }
 
 } // namespace
@@ -57,4 +63,27 @@ QString momentText(const QDateTime &moment, double stepSeconds, bool withDate)
 {
     const QString date = withDate ? QStringLiteral("dd.MM.yy ") : QString();
     return moment.toString(date + clockFormat(stepSeconds));
+}
+
+QString timeText(const TimeFormat &format, double seconds)
+{
+    return timeSpanTexts(format, seconds, seconds).first;
+}
+
+TimeSpanTexts timeSpanTexts(const TimeFormat &format, double first, double second)
+{
+    const double between = second - first;
+    if (format.mode == ModeXSeconds)
+        return {tenthsText(first), tenthsText(second), tenthsText(between)};
+    const bool withDay = needsDay(std::max(first, second));
+    const auto duration = [&](double seconds) {
+        return durationText(seconds, format.stepSeconds, withDay);
+    };
+    if (format.mode == ModeXRelative)
+        return {duration(first), duration(second), duration(between)};
+    const QDateTime begin = momentAfter(format.start, first);
+    const QDateTime end = momentAfter(format.start, second);
+    const bool withDate = begin.date() != format.today || end.date() != format.today;
+    return {momentText(begin, format.stepSeconds, withDate),
+            momentText(end, format.stepSeconds, withDate), duration(between)};
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plot/plotmodes.h"
+
 #include <QDateTime>
 #include <QString>
 
@@ -19,3 +21,23 @@ QString durationText(double seconds, double stepSeconds, bool withDay);
 QDateTime momentAfter(const QDateTime &start, double seconds);
 /** A moment as a time of day, in front of it the date if wanted. */
 QString momentText(const QDateTime &moment, double stepSeconds, bool withDate);
+
+/** How times are written where they are read off the plot. */
+struct TimeFormat {
+    TmcModeX mode = ModeXSeconds;
+    QDateTime start;        ///< time origin of the plot
+    QDate today;            ///< the date that need not be written
+    double stepSeconds = 1; ///< step of the time axis
+};
+
+/** Two times, written alike, and the time between them. */
+struct TimeSpanTexts {
+    QString first;
+    QString second;
+    QString between;
+};
+
+/** A single time. */
+QString timeText(const TimeFormat &format, double seconds);
+/** Two times of which the first is not the later one. */
+TimeSpanTexts timeSpanTexts(const TimeFormat &format, double first, double second);

@@ -174,6 +174,7 @@ void TestMainWindowPlot::readsTheLoggerBack()
     emit fixture->registry().onReadRec(
         index, {{0, {{0, 20, "°С"}, {10, -2000, "°С"}, {20, 22, "°С"}}}, {3, {{5, 19, "мВ"}}}},
         start);
+    fixture->showFrame();
     QCOMPARE(fixture->plot().getStartDateTime(0), start);
     QCOMPARE(fixture->plot().getChMeasCount(0, 0), 2);
     QCOMPARE(fixture->plot().getChTime(0, 0), 20.0);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/alarmsound.h"
 #include "app/mainwindow.h"
 #include "app/rowcontent.h"
 #include "plot/qwtnox.h"
@@ -71,6 +72,7 @@ public:
     {
         PortCatalog::setCurrent(std::make_unique<ListedPorts>(QVector<SerialPortEntry>()));
         window = std::make_unique<MainWindow>();
+        window->alarmSound()->setPlayer({[this] { ++soundsPlayed; }, [] { return true; }});
         window->resize(1280, 800);
         window->show();
     }
@@ -92,9 +94,18 @@ public:
         nox->opt->setDevNumber(number);
         return nox->index;
     }
-    void measure(int index, double value, quint8 ch) const
+    /** A measurement comes in; the frame that shows it is still to come. */
+    void deliver(int index, double value, quint8 ch) const
     {
         emit registry().onReadMeas(index, value, ch, QStringLiteral("°С"));
+    }
+    /** Lets the frame come that is due. */
+    void showFrame() const { plot().frameClock().flush(); }
+    /** A measurement comes in and is shown. */
+    void measure(int index, double value, quint8 ch) const
+    {
+        deliver(index, value, ch);
+        showFrame();
     }
 
     template<typename Widget>
@@ -134,5 +145,6 @@ public:
 
     OwnDataFolder data;
     AnsweredDialogs dialogs;
+    int soundsPlayed = 0; ///< how often the alarm was heard
     std::unique_ptr<MainWindow> window;
 };

@@ -6,6 +6,7 @@
 #include <qwt_scale_div.h>
 
 #include <cmath>
+#include <random>
 
 namespace
 {
@@ -47,6 +48,7 @@ private slots:
     void captionNamesChannelAndScales();
     void stepsBackInTimeAreShown();
     void hugeValuesLeaveAUsableAxis();
+    void anyInputLeavesUsableAxes();
     void paintingWaitsForTheFrame();
 
 private:
@@ -393,6 +395,39 @@ void TestQwtNOXScale::hugeValuesLeaveAUsableAxis()
     m_plot->setChScaleY(oneTenth);
     add(20, m_plot->getChTime() + 1);
     QVERIFY(shows(QwtPlot::yLeft, 19.5, 20.5));
+}
+
+void TestQwtNOXScale::anyInputLeavesUsableAxes()
+{
+    std::mt19937 chance(11);
+    const auto below = [&chance](int end) { return int(chance() % unsigned(end)); };
+    const double values[] = {20, -1299.9, -1300, 1e-300, 1e12, 1.7e308, qInf(), qQNaN()};
+    const double times[] = {0, 0.001, 86399, 3.2e7, 1e15, -1, qInf(), qQNaN()};
+    for (int i = 0; i < 5000; ++i) {
+        switch (below(8)) {
+        case 0:
+            m_plot->setChScaleX(uchar(below(19)));
+            break;
+        case 1:
+            m_plot->setChScaleY(uchar(below(30)));
+            break;
+        case 2:
+            m_plot->setChMode(TmcMode(below(6)));
+            break;
+        case 3:
+            m_plot->setZoomScale({times[below(8)], values[below(8)], times[below(8)], 1});
+            break;
+        default:
+            add(values[below(8)], times[below(8)], uchar(below(2)));
+        }
+        for (const int axis : {QwtPlot::xBottom, QwtPlot::yLeft}) {
+            const QwtInterval shown = m_plot->axisInterval(axis);
+            QVERIFY(qIsFinite(shown.minValue()) && qIsFinite(shown.maxValue()));
+            QVERIFY(shown.minValue() < shown.maxValue() && step(axis) > 0);
+        }
+        QVERIFY(!m_plot->getScaleXLabel().isEmpty() && !m_plot->pointText({1, 1}).contains("nan"));
+    }
+    QVERIFY(!m_plot->grab().isNull());
 }
 
 void TestQwtNOXScale::paintingWaitsForTheFrame()

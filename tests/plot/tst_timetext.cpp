@@ -13,6 +13,8 @@ private slots:
     void writesDurations();
     void writesMoments_data();
     void writesMoments();
+    void writesTimesAlike_data();
+    void writesTimesAlike();
 };
 
 void TestTimeText::writesPlainSeconds_data()
@@ -72,6 +74,40 @@ void TestTimeText::writesMoments()
     QFETCH(bool, withDate);
     const QDateTime start({2026, 12, 31}, {23, 45, 30, 250});
     QTEST(momentText(momentAfter(start, seconds), step, withDate), "text");
+}
+
+void TestTimeText::writesTimesAlike_data()
+{
+    QTest::addColumn<TmcModeX>("mode");
+    QTest::addColumn<double>("first");
+    QTest::addColumn<double>("second");
+    QTest::addColumn<double>("step");
+    QTest::addColumn<QString>("texts");
+    QTest::newRow("seconds") << ModeXSeconds << 1.26 << 90000.0 << 1.0 << "1.3|90000.0|89998.7";
+    QTest::newRow("durations") << ModeXRelative << 3600.9 << 7325.0 << 60.0 << "01:00|02:02|01:02";
+    QTest::newRow("durations to the second")
+        << ModeXRelative << 61.0 << 3725.0 << 30.0 << "00:01:01|01:02:05|01:01:04";
+    QTest::newRow("the second one is over a day")
+        << ModeXRelative << 3600.0 << 90000.0 << 60.0 << "01 01:00|02 01:00|02 00:00";
+    QTest::newRow("both today") << ModeXAbsolute << 0.0 << 3600.0 << 60.0 << "22:45|23:45|01:00";
+    QTest::newRow("one after midnight")
+        << ModeXAbsolute << 0.0 << 7200.0 << 15.0 << "31.12.26 22:45:30|01.01.27 00:45:30|02:00:00";
+    QTest::newRow("finer than a second")
+        << ModeXAbsolute << 1.9 << 2.1 << 0.5 << "22:45:31:250|22:45:32:250|00:00:00:000";
+}
+
+void TestTimeText::writesTimesAlike()
+{
+    QFETCH(TmcModeX, mode);
+    QFETCH(double, first);
+    QFETCH(double, second);
+    QFETCH(double, step);
+    const QDateTime start({2026, 12, 31}, {22, 45, 30, 250});
+    const TimeFormat format{mode, start, start.date(), step};
+    const TimeSpanTexts texts = timeSpanTexts(format, first, second);
+    QTEST(QStringList({texts.first, texts.second, texts.between}).join('|'), "texts");
+    if (mode != ModeXAbsolute)
+        QCOMPARE(timeText(format, second), texts.second);
 }
 
 QTEST_APPLESS_MAIN(TestTimeText)

@@ -14,7 +14,18 @@ QSize readSize(const QString &text)
     return match.hasMatch() ? QSize(match.captured(1).toInt(), match.captured(2).toInt()) : QSize();
 }
 
+QString scenes()
+{
+    return plotScenes().join(QStringLiteral(", "));
+}
+
 } // namespace
+
+QStringList plotScenes()
+{
+    return {QStringLiteral("live"), QStringLiteral("measure"), QStringLiteral("zoom"),
+            QStringLiteral("limits")};
+}
 
 PictureOrder readPictureOrder()
 {
@@ -30,13 +41,17 @@ PictureOrder readPictureOrder()
     const QCommandLineOption ports("ports-directory",
                                    "Look for instruments nowhere but in this directory.", "path");
     const QCommandLineOption showAll("show-all", "Show the curves of all instruments.");
+    const QCommandLineOption plot(
+        "plot", "Show all channels of the first instrument and do this on the plot: " + scenes(),
+        "scene");
     const QCommandLineOption discovery(
         "discovery", "Take the discovery dialog, once it waits for the operator.");
 
     QCommandLineParser parser;
     parser.setApplicationDescription("Takes a picture of nox8 with the instruments it has found.");
     parser.addHelpOption();
-    parser.addOptions({output, size, instruments, patience, seconds, ports, showAll, discovery});
+    parser.addOptions(
+        {output, size, instruments, patience, seconds, ports, showAll, plot, discovery});
     parser.process(*QCoreApplication::instance());
 
     PictureOrder order;
@@ -55,10 +70,13 @@ PictureOrder readPictureOrder()
     order.seconds = readCount(seconds);
     order.portsDirectory = parser.value(ports);
     order.showAll = parser.isSet(showAll);
+    order.plot = parser.value(plot);
     order.discovery = parser.isSet(discovery);
     if (order.output.isEmpty())
         order.error = QStringLiteral("--output is missing");
     else if (!order.size.isValid())
         order.error = QStringLiteral("--size is not of the form 1280x800");
+    else if (parser.isSet(plot) && !plotScenes().contains(order.plot))
+        order.error = QStringLiteral("--plot is none of: ") + scenes();
     return order;
 }

@@ -2,6 +2,7 @@
 
 #include <QSize>
 #include <QString>
+#include <QStringList>
 
 /** What the command line asks for. */
 struct PictureOrder {
@@ -12,9 +13,13 @@ struct PictureOrder {
     int seconds = 45;       ///< how long they measure before the picture is taken
     QString portsDirectory; ///< the only place of ports; empty: the ports of the user
     bool showAll = false;   ///< the curves of all instruments, not those of the first alone
+    QString plot;           ///< one of plotScenes(), to be seen on the plot; empty: none
     bool discovery = false; ///< the discovery dialog that waits for the operator, not the window
     QString error;          ///< not empty: the command line makes no sense
 };
+
+/** What can be done on the plot before the picture is taken. */
+QStringList plotScenes();
 
 /** Reads the command line of the application; ends the program for --help. */
 PictureOrder readPictureOrder();

@@ -1,5 +1,6 @@
 #include "app/mainwindow.h"
 #include "commandline.h"
+#include "plotdriver.h"
 #include "registry/findnox.h"
 #include "serial/portcatalog.h"
 #include "windowdriver.h"
@@ -60,6 +61,16 @@ bool takeDiscovery(const PictureOrder &order, MainWindow &window, const WindowDr
            save(window.discovery(), order.output);
 }
 
+void playScene(const QString &scene, PlotDriver &plot)
+{
+    if (scene == QLatin1String("measure"))
+        plot.measure({0.3, 0.45}, {0.62, 0.3});
+    else if (scene == QLatin1String("zoom"))
+        plot.zoom({0.3, 0.3}, {0.45, 0.5});
+    else if (scene == QLatin1String("limits"))
+        plot.placeLimits(0.25, 0.6);
+}
+
 bool takeWindow(const PictureOrder &order, MainWindow &window, WindowDriver &driver)
 {
     if (!waitFor(
@@ -69,6 +80,10 @@ bool takeWindow(const PictureOrder &order, MainWindow &window, WindowDriver &dri
     driver.clickFirstInstrument();
     if (order.showAll)
         driver.showAllInstruments();
+    PlotDriver plot(&window);
+    if (!order.plot.isEmpty())
+        plot.showAllChannels();
+    playScene(order.plot, plot);
     waitMs(qMin(order.seconds, settlingSeconds) * 1000);
     return save(&window, order.output);
 }

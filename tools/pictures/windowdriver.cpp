@@ -2,29 +2,12 @@
 
 #include "app/mainwindow.h"
 #include "app/rowcontent.h"
+#include "mouse.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
 
 #include <QCheckBox>
-#include <QCoreApplication>
-#include <QMouseEvent>
 #include <QTableWidget>
-
-namespace
-{
-
-void sendClick(QWidget *target, const QPoint &position)
-{
-    const QPoint global = target->mapToGlobal(position);
-    QMouseEvent press(QEvent::MouseButtonPress, position, global, Qt::LeftButton, Qt::LeftButton,
-                      Qt::NoModifier);
-    QMouseEvent release(QEvent::MouseButtonRelease, position, global, Qt::LeftButton, Qt::NoButton,
-                        Qt::NoModifier);
-    QCoreApplication::sendEvent(target, &press);
-    QCoreApplication::sendEvent(target, &release);
-}
-
-} // namespace
 
 WindowDriver::WindowDriver(MainWindow *window)
     : m_window(window)
@@ -52,7 +35,7 @@ void WindowDriver::clickFirstInstrument()
     const auto *table = m_window->findChild<QTableWidget *>(QStringLiteral("devTable"));
     const QModelIndex name = table->model()->index(1, InstrumentColumn::Name);
     if (name.isValid())
-        sendClick(table->viewport(), table->visualRect(name).center());
+        clickMouse(table->viewport(), table->visualRect(name).center());
 }
 
 void WindowDriver::showAllInstruments()

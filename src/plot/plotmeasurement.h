@@ -1,0 +1,46 @@
+#pragma once
+
+#include "plot/measurementmarkers.h"
+
+class MeasurementFrame;
+class PointFrame;
+class QwtPlot;
+class ValueFrame;
+struct MeasurementTexts;
+
+/** A measurement between two points as it is seen: the crosses, and the frames beside them. */
+class PlotMeasurement
+{
+public:
+    /** Crosses and frames are hidden at first; the plot owns them. */
+    explicit PlotMeasurement(QwtPlot *plot);
+
+    const MeasurementMarkers &markers() const { return m_markers; }
+    PointFrame *pointFrame() const { return m_pointFrame; }
+    MeasurementFrame *measurementFrame() const { return m_measurementFrame; }
+
+    /** Begins at `point`, which leaves nothing of an earlier measurement. */
+    void start(const QPointF &point);
+    /** Adds a point to the one or two that are there. */
+    void add(const QPointF &point);
+    /** Shows what is known of the first point, beside a place on the canvas in pixels. */
+    void showPoint(const QPointF &point, const QPoint &place, const QString &x, const QString &y);
+    /** Shows what is known of the interval, beside the point that was added last. */
+    void showInterval(const QPointF &added, const MeasurementTexts &texts);
+    /** Takes crosses and frames away. */
+    void reset();
+    void hideFrames();
+
+    /** Puts the frames back beside their points after the axes have changed. */
+    void followAxes();
+
+private:
+    QPoint placeOf(const QPointF &point) const;
+    void showBeside(ValueFrame *frame, const QPointF &point, const QPoint &place);
+    void moveBeside(ValueFrame *frame, const QPoint &place);
+
+    QwtPlot *m_plot;
+    MeasurementMarkers m_markers;
+    PointFrame *m_pointFrame;
+    MeasurementFrame *m_measurementFrame;
+};

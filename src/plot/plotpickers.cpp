@@ -1,0 +1,61 @@
+#include "plot/plotpickers.h"
+
+#include "plot/plotzoomer.h"
+
+#include <QPen>
+#include <QVariant>
+#include <qwt_picker_machine.h>
+
+namespace
+{
+
+CanvasPicker *addPicker(QWidget *canvas, const char *name, QwtPickerMachine *machine,
+                        QwtPicker::RubberBand rubberBand, const QPen &pen)
+{
+    auto *picker = new CanvasPicker(canvas);
+    picker->setObjectName(QLatin1String(name));
+    picker->setStateMachine(machine);
+    picker->setRubberBand(rubberBand);
+    picker->setRubberBandPen(pen);
+    return picker;
+}
+
+template<typename Picker>
+void stop(Picker *picker)
+{
+    picker->reset(); // a selection must not go on where the picker is enabled again
+    picker->setEnabled(false);
+}
+
+} // namespace
+
+PlotPickers::PlotPickers(QWidget *canvas, const QPen &limitPen)
+{
+    const QPen crossPen(Qt::darkGray, 2, Qt::DotLine);
+    m_click = addPicker(canvas, "clickPicker", new QwtPickerClickPointMachine,
+                        QwtPicker::CrossRubberBand, crossPen);
+    m_measure = addPicker(canvas, "measurePicker", new QwtPickerDragPointMachine,
+                          QwtPicker::CrossRubberBand, crossPen);
+    m_zoomer = new PlotZoomer(canvas);
+    m_zoomer->setObjectName(QStringLiteral("zoomer"));
+    m_scroll = addPicker(canvas, "scrollTracker", new QwtPickerTrackerMachine,
+                         QwtPicker::NoRubberBand, crossPen);
+    m_limits = addPicker(canvas, "limitsPicker", new QwtPickerDragPointMachine,
+                         QwtPicker::HLineRubberBand, limitPen);
+    enableFor(ModeAuto);
+}
+
+void PlotPickers::enableFor(TmcMode mode)
+{
+    for (CanvasPicker *picker : {m_click, m_measure, m_scroll, m_limits})
+        stop(picker);
+    stop(m_zoomer);
+    m_click->setEnabled(mode == ModeAuto || mode == ModeFollow);
+    m_measure->setEnabled(mode == ModeMeasure || mode == ModeScroll);
+    m_zoomer->setEnabled(mode == ModeZoom);
+    m_scroll->setEnabled(mode == ModeScroll);
+    m_limits->setEnabled(mode == ModeLimits);
+    // The view may have moved since the last zoom.
+    if (mode == ModeZoom)
+        m_zoomer->setProperty("center", {});
+}

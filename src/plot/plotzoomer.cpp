@@ -1,0 +1,30 @@
+#include "plot/plotzoomer.h"
+
+#include "plot/mouseclick.h"
+
+#include <QPen>
+
+PlotZoomer::PlotZoomer(QWidget *canvas)
+    : QwtPlotZoomer(canvas, false)
+{
+    setRubberBandPen(QPen(Qt::darkGray, 0, Qt::DotLine));
+    setTrackerMode(AlwaysOff);
+}
+
+void PlotZoomer::zoom(const QRectF &rectangle)
+{
+    emit zoomed(rectangle.normalized());
+}
+
+void PlotZoomer::zoom(int) {}
+
+QSizeF PlotZoomer::minZoomSize() const
+{
+    return {}; // no rectangle is too small for the finest scales
+}
+
+bool PlotZoomer::accept(QPolygon &selection) const
+{
+    const bool isRectangle = selection.size() >= 2 && !isClick(selection.first(), selection.last());
+    return isRectangle && QwtPlotZoomer::accept(selection);
+}
