@@ -43,9 +43,12 @@ bool lieBeyondOneSide(const QPointF &from, const QPointF &to, const QRectF &near
 
 QLineF lengthened(const QPointF &from, const QPointF &to, qreal atBothEnds)
 {
-    const QPointF along =
-        (to - from) * (atBothEnds / std::hypot(to.x() - from.x(), to.y() - from.y()));
-    return {from - along, to + along};
+    const QPointF along = to - from;
+    const qreal length = std::hypot(along.x(), along.y());
+    if (length == 0)
+        return {from, to};
+    const QPointF added = along * (atBothEnds / length);
+    return {from - added, to + added};
 }
 
 /** The part of a line near the canvas: the painter does not bear coordinates of any size. */
