@@ -1,49 +1,142 @@
 #include "plot/envelope.h"
 
+#include "plot/movingaverage.h"
+
+#include <algorithm>
 #include <cmath>
 
 namespace
 {
 
-/** Level of the longest block at `first` whose times all fall into one column; -1: the point. */
-int levelWithinColumn(const Series &times, int first, const PixelColumns &columns)
+/** The times of one column. */
+struct TimeSpan {
+    double start;
+    double end; ///< beyond it
+
+    bool contains(double time) const { return time >= start && time < end; }
+    bool contains(const ValueRange &times) const { return times.min >= start && times.max < end; }
+};
+
+TimeSpan spanOf(const PixelColumns &columns, int column)
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+    return {column < 0 ? -infinity : columns.startOf(column),
+            column >= columns.count ? infinity : columns.startOf(column + 1)};
+}
+
+/** Level of the longest block at `first` whose times all lie in `span`; -1: none of 64 or more. */
+int levelWithin(const TimeSpan &span, const Series &times, int first)
 {
     int level = times.levelFrom(first, times.size());
-    while (level >= 0) {
-        const ValueRange span = times.block(level, first);
-        if (columns.columnOf(span.min) == columns.columnOf(span.max))
-            break;
+    while (level >= 0 && !span.contains(times.block(level, first)))
         --level;
-    }
     return level;
+}
+
+/** The first point from `first` on outside of `span`, or else the end of the block of 64. */
+int endOfSingles(const TimeSpan &span, const Series &times, int first)
+{
+    const int end = std::min(times.size(), SealedLevels::nextBlock(first));
+    const double *stretch = times.stretch(first);
+    int i = first;
+    while (i < end && span.contains(stretch[i - first]))
+        ++i;
+    return i;
+}
+
+/** The first point from `first` on outside of `span`; adds to `read` what it looked at. */
+int walkOutOf(const TimeSpan &span, const Series &times, int first, int &read)
+{
+    int next = first;
+    do {
+        first = next;
+        const int level = levelWithin(span, times, first);
+        next =
+            level < 0 ? endOfSingles(span, times, first) : first + SealedLevels::blockLength(level);
+        read += level < 0 ? next - first + 1 : 1;
+    } while (next != first && next < times.size());
+    return next;
+}
+
+/**
+ * The first point from `first` on whose time, in ascending times, is not below `bound`: first
+ * sought around `guess`, where it is when points come regularly. Adds to `read` what it looked at.
+ */
+int searchFrom(int guess, const Series &times, int first, double bound, int &read)
+{
+    int low = first;         // the points before it are below
+    int high = times.size(); // the points from it on are not
+    int step = 1;
+    for (int probe = guess - 1; probe >= low && probe < high; ++read, step *= 2) {
+        if (times[probe] < bound)
+            low = probe + 1;
+        else
+            high = probe;
+        probe = low > probe ? probe + step : probe - step;
+    }
+    for (; low < high; ++read) {
+        const int middle = low + (high - low) / 2;
+        if (times[middle] < bound)
+            low = middle + 1;
+        else
+            high = middle;
+    }
+    return low;
 }
 
 } // namespace
 
 int PixelColumns::columnOf(double time) const
 {
-    const double column = std::floor((time - leftTime) / secondsPerColumn);
-    if (!(column >= 0))
+    if (!(time >= startOf(0)))
         return -1;
-    return column < count ? static_cast<int>(column) : count;
+    if (time >= startOf(count))
+        return count;
+    // The quotient may be rounded to the column beside.
+    int column =
+        static_cast<int>(std::clamp((time - leftTime) / secondsPerColumn, 0.0, count - 1.0));
+    while (time < startOf(column))
+        --column;
+    while (time >= startOf(column + 1))
+        ++column;
+    return column;
 }
 
-QVector<ColumnRun> columnRuns(const Series &times, const Series &values,
-                              const PixelColumns &columns, int *blocksRead)
+template<typename Values>
+void ColumnRuns::divide(const PixelColumns &columns, const Series &times, const Values &values)
 {
-    QVector<ColumnRun> runs;
-    int steps = 0;
-    for (int i = 0; i < times.size();) {
-        const int level = levelWithinColumn(times, i, columns);
-        const int column = columns.columnOf(times[i]);
-        if (runs.isEmpty() || runs.last().column != column)
-            runs.append({column, i, i, {}});
-        runs.last().last = i + Series::blockLength(level) - 1;
-        runs.last().values.include(values.block(level, i));
-        i += Series::blockLength(level);
-        ++steps;
+    if (!(columns == m_columns))
+        forget();
+    m_columns = columns;
+    m_blocksRead = 0;
+    int next = m_runs.empty() ? 0 : m_runs.back().last + 1;
+    while (next < times.size()) {
+        const int column = columns.columnOf(times[next]);
+        if (m_runs.empty() || m_runs.back().column != column)
+            m_runs.push_back({column, next, next - 1, {}});
+        ColumnRun &run = m_runs.back();
+        const int end = endOfRun(times, next);
+        run.values.include(values.range(next, end, &m_blocksRead));
+        run.last = end - 1;
+        next = end;
     }
-    if (blocksRead)
-        *blocksRead = steps;
-    return runs;
 }
+
+/** End of the stretch of points from `first` on that lie in the column of the newest run. */
+int ColumnRuns::endOfRun(const Series &times, int first)
+{
+    const TimeSpan span = spanOf(m_columns, m_runs.back().column);
+    if (!times.isAscending())
+        return walkOutOf(span, times, first, m_blocksRead);
+    const ColumnRun &before = m_runs[m_runs.size() < 2 ? 0 : m_runs.size() - 2];
+    const int guess = std::min(first + before.last - before.first + 1, times.size());
+    return searchFrom(guess, times, first, span.end, m_blocksRead);
+}
+
+void ColumnRuns::forget()
+{
+    m_runs.clear();
+}
+
+template void ColumnRuns::divide(const PixelColumns &, const Series &, const Series &);
+template void ColumnRuns::divide(const PixelColumns &, const Series &, const MovingAverages &);

@@ -2,11 +2,11 @@
 
 #include "plot/series.h"
 
-#include <QVector>
+#include <vector>
 
 /**
  * The pixel columns of a canvas along the time axis: column 0 begins at `leftTime`, and each is
- * `secondsPerColumn` wide. Times beyond the canvas fall into column -1 or `count`.
+ * `secondsPerColumn` wide. All that lies beyond the canvas is column -1 or `count`.
  */
 struct PixelColumns {
     double leftTime = 0;         ///< seconds
@@ -14,6 +14,13 @@ struct PixelColumns {
     int count = 0;
 
     int columnOf(double time) const;
+    /** First time of column 0 to `count`; the times of a column end where the next one begins. */
+    double startOf(int column) const { return leftTime + column * secondsPerColumn; }
+    bool operator==(const PixelColumns &other) const
+    {
+        return leftTime == other.leftTime && secondsPerColumn == other.secondsPerColumn &&
+               count == other.count;
+    }
 };
 
 /** A stretch of points, one after the other, that fall into one pixel column. */
@@ -25,12 +32,35 @@ struct ColumnRun {
 };
 
 /**
- * Divides a curve into runs of one pixel column each, in the order of the points. What a line
+ * A curve divided into runs of one pixel column each, in the order of the points. What a line
  * through all points paints, it paints through the first, least, greatest and last of every run.
  *
- * Costs a few steps per column, however many points there are. Times may step back: the runs then
- * return to columns that were passed before. Both series have the same length. `blocksRead`, if
- * given, receives the number of steps.
+ * The runs of one picture serve the next: as long as the columns stay, only points that have come
+ * since are looked at. Whole blocks are taken where they fall into one column, so that a new
+ * division costs a few steps per column, however many points there are. Times may step back: the
+ * runs then return to columns that were passed before.
  */
-QVector<ColumnRun> columnRuns(const Series &times, const Series &values,
-                              const PixelColumns &columns, int *blocksRead = nullptr);
+class ColumnRuns
+{
+public:
+    /**
+     * Divides `times` and `values`, of one length: both continue those of the call before, unless
+     * forget() was called. `Values` is Series or MovingAverages.
+     */
+    template<typename Values>
+    void divide(const PixelColumns &columns, const Series &times, const Values &values);
+
+    /** Call it before dividing another curve. */
+    void forget();
+
+    const std::vector<ColumnRun> &runs() const { return m_runs; }
+    /** Number of blocks and single points that the latest divide() looked at. */
+    int blocksRead() const { return m_blocksRead; }
+
+private:
+    int endOfRun(const Series &times, int first);
+
+    PixelColumns m_columns;
+    std::vector<ColumnRun> m_runs;
+    int m_blocksRead = 0;
+};

@@ -1,6 +1,5 @@
 #include "plot/envelopecurve.h"
 
-#include "plot/envelope.h"
 #include "plot/seriesdata.h"
 
 #include <QPainter>
@@ -23,31 +22,79 @@ PixelColumns columnsOf(const QwtScaleMap &xMap, const QRectF &canvasRect, qreal 
     return columns;
 }
 
+bool isUsable(const PixelColumns &columns)
+{
+    return std::isfinite(columns.startOf(0)) && std::isfinite(columns.startOf(columns.count));
+}
+
+/**
+ * What is added at both ends of a stroke, in widths of the pen. A polyline of the painter adds
+ * nothing at a point where it turns, and half a width where it ends: this is between.
+ */
+constexpr qreal capLength = 0.25;
+
+bool lieBeyondOneSide(const QPointF &from, const QPointF &to, const QRectF &near)
+{
+    return (from.x() < near.left() && to.x() < near.left()) ||
+           (from.x() > near.right() && to.x() > near.right()) ||
+           (from.y() < near.top() && to.y() < near.top()) ||
+           (from.y() > near.bottom() && to.y() > near.bottom());
+}
+
+QLineF lengthened(const QPointF &from, const QPointF &to, qreal atBothEnds)
+{
+    const QPointF along = to - from;
+    const qreal length = std::hypot(along.x(), along.y());
+    if (length == 0)
+        return {from, to};
+    const QPointF added = along * (atBothEnds / length);
+    return {from - added, to + added};
+}
+
 /** The part of a line near the canvas: the painter does not bear coordinates of any size. */
 void appendClipped(QVector<QLineF> &lines, const QPointF &from, const QPointF &to,
-                   const QRectF &near)
+                   const QRectF &near, qreal cap)
 {
     if (near.contains(from) && near.contains(to)) {
-        lines.append({from, to});
+        lines.append(lengthened(from, to, cap));
         return;
     }
-    if (!std::isfinite(from.y()) || !std::isfinite(to.y()))
+    if (lieBeyondOneSide(from, to, near) || !std::isfinite(from.y()) || !std::isfinite(to.y()))
         return;
     const QPolygonF clipped = QwtClipper::clipPolygonF(near, QVector<QPointF>{from, to}, false);
     if (clipped.size() >= 2)
         lines.append({clipped.first(), clipped.last()});
 }
 
-/** A bar as wide and at least as high as the pen, on whole device pixels, inside `near`. */
-QRectF barAt(qreal x, qreal top, qreal bottom, qreal penWidth, const QRectF &near)
+/** The bars of one curve: as wide and at least as high as its pen, on whole device pixels. */
+class BarShape
 {
-    top = qBound(near.top(), top, near.bottom());
-    bottom = qBound(near.top(), bottom, near.bottom());
-    const qreal missing = std::max(0.0, penWidth - (bottom - top)) / 2;
-    const qreal left = std::round(x - penWidth / 2);
-    return QRectF(QPointF(left, top - missing), QPointF(left + penWidth, bottom + missing))
-        .intersected(near);
-}
+public:
+    BarShape(const QRectF &canvasRect, qreal penWidth, qreal columnsPerPixel, const QRectF &near)
+        : m_left(canvasRect.left())
+        , m_width(std::max(1.0, std::round(penWidth * columnsPerPixel)))
+        , m_scale(columnsPerPixel)
+        , m_near(near)
+    {
+    }
+
+    QRectF bar(int column, qreal top, qreal bottom) const
+    {
+        top = qBound(m_near.top(), top, m_near.bottom()) * m_scale;
+        bottom = qBound(m_near.top(), bottom, m_near.bottom()) * m_scale;
+        const qreal added = std::max(m_width * capLength, (m_width - (bottom - top)) / 2);
+        top = std::round(top - added);
+        bottom = std::max(top + m_width, std::round(bottom + added));
+        const qreal left = m_left + (column - std::floor(m_width / 2)) / m_scale;
+        return {left, top / m_scale, m_width / m_scale, (bottom - top) / m_scale};
+    }
+
+private:
+    qreal m_left;
+    qreal m_width; ///< device pixels
+    qreal m_scale; ///< device pixels per pixel
+    QRectF m_near;
+};
 
 } // namespace
 
@@ -55,12 +102,31 @@ EnvelopeCurve::EnvelopeCurve(const QColor &color, qreal width)
 {
     setPen(QPen(color, width));
     setRenderHint(QwtPlotItem::RenderAntialiased);
-    setSeries(Series(), Series());
+    setSamples(new SeriesData); // the curve owns it
 }
 
 void EnvelopeCurve::setSeries(const Series &times, const Series &values)
 {
-    setSamples(new SeriesData(times, values)); // the curve owns it
+    if (!seriesData()->show(times, values))
+        m_columns.forget();
+    itemChanged();
+}
+
+void EnvelopeCurve::setSeries(const Series &times, const MovingAverages &averages)
+{
+    if (!seriesData()->show(times, averages))
+        m_columns.forget();
+    itemChanged();
+}
+
+SeriesData *EnvelopeCurve::seriesData()
+{
+    return static_cast<SeriesData *>(data());
+}
+
+const SeriesData *EnvelopeCurve::seriesData() const
+{
+    return static_cast<const SeriesData *>(data());
 }
 
 void EnvelopeCurve::setColor(const QColor &color)
@@ -72,42 +138,58 @@ void EnvelopeCurve::drawLines(QPainter *painter, const QwtScaleMap &xMap, const 
                               const QRectF &canvasRect, int, int) const
 {
     const qreal columnsPerPixel = std::max(1.0, painter->deviceTransform().m11());
+    divide(xMap, canvasRect, columnsPerPixel);
     const Strokes found = strokes(xMap, yMap, canvasRect, columnsPerPixel);
+    QPen flat = painter->pen();
+    flat.setCapStyle(Qt::FlatCap);
+    painter->setPen(flat);
     painter->drawLines(found.lines);
+    painter->setRenderHint(QPainter::Antialiasing, false); // bars lie on whole pixels
     for (const QRectF &bar : found.bars)
         painter->fillRect(bar, painter->pen().color());
+    painter->setRenderHint(QPainter::Antialiasing, testRenderHint(RenderAntialiased));
+}
+
+/** Brings the columns up to date. */
+void EnvelopeCurve::divide(const QwtScaleMap &xMap, const QRectF &canvasRect,
+                           qreal columnsPerPixel) const
+{
+    const PixelColumns columns = columnsOf(xMap, canvasRect, columnsPerPixel);
+    if (!isUsable(columns))
+        return m_columns.forget();
+    const auto divideValues = [&](const auto &values) {
+        m_columns.divide(columns, seriesData()->times(), values);
+    };
+    std::visit(divideValues, seriesData()->values());
 }
 
 EnvelopeCurve::Strokes EnvelopeCurve::strokes(const QwtScaleMap &xMap, const QwtScaleMap &yMap,
                                               const QRectF &canvasRect, qreal columnsPerPixel) const
 {
-    const auto *series = static_cast<const SeriesData *>(data());
+    const SeriesData &series = *seriesData();
     const auto pointAt = [&](int index) {
-        return QPointF(xMap.transform(series->times()[index]),
-                       yMap.transform(series->values()[index]));
+        return QPointF(xMap.transform(series.times()[index]), yMap.transform(series.value(index)));
     };
-    const PixelColumns columns = columnsOf(xMap, canvasRect, columnsPerPixel);
+    const int columnCount = columnsOf(xMap, canvasRect, columnsPerPixel).count;
     const qreal penWidth = std::max(1.0, pen().widthF());
     const QRectF near = canvasRect.adjusted(-penWidth, -penWidth, penWidth, penWidth);
+    const BarShape shape(canvasRect, penWidth, columnsPerPixel, near);
 
     Strokes strokes;
     const ColumnRun *previous = nullptr;
-    const QVector<ColumnRun> runs = columnRuns(series->times(), series->values(), columns);
-    for (const ColumnRun &run : runs) {
-        const bool onCanvas = run.column >= 0 && run.column < columns.count;
+    for (const ColumnRun &run : m_columns.runs()) {
+        const bool onCanvas = run.column >= 0 && run.column < columnCount;
         const bool isBar = onCanvas && run.first < run.last;
         ValueRange span = run.values;
-        if (previous && isBar && previous->column == run.column - 1)
-            span.include(series->values()[previous->last]); // the step from the next column
+        if (previous && isBar && previous->column >= 0 && previous->column == run.column - 1)
+            span.include(series.value(previous->last)); // the step from the column before
         else if (previous)
-            appendClipped(strokes.lines, pointAt(previous->last), pointAt(run.first), near);
-        if (isBar) {
-            const qreal x = canvasRect.left() + (run.column + 0.5) / columnsPerPixel;
-            const QRectF bar =
-                barAt(x, yMap.transform(span.max), yMap.transform(span.min), penWidth, near);
-            if (!bar.isEmpty())
-                strokes.bars.append(bar);
-        }
+            appendClipped(strokes.lines, pointAt(previous->last), pointAt(run.first), near,
+                          penWidth * capLength);
+        const qreal top = yMap.transform(span.max);
+        const qreal bottom = yMap.transform(span.min);
+        if (isBar && top <= near.bottom() && bottom >= near.top())
+            strokes.bars.append(shape.bar(run.column, top, bottom));
         previous = &run;
     }
     return strokes;

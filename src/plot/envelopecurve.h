@@ -1,6 +1,7 @@
 #pragma once
 
-#include "plot/series.h"
+#include "plot/envelope.h"
+#include "plot/movingaverage.h"
 
 #include <QColor>
 #include <QLineF>
@@ -11,8 +12,9 @@
 class SeriesData;
 
 /**
- * A curve over two series that looks like a line through all points and costs a few strokes per
- * pixel column, however many points there are. Reads the series without copying them.
+ * A curve over times and values, or times and averages, that looks like a line through all points
+ * and costs a few strokes per pixel column, however many points there are. Reads the series without
+ * copying them.
  */
 class EnvelopeCurve : public QwtPlotCurve
 {
@@ -20,10 +22,14 @@ public:
     /** `width` is the width of the line in pixels. */
     EnvelopeCurve(const QColor &color, qreal width);
 
-    /** Shows the points that both series, of one length, hold at present. */
+    /** Shows the points that both series, of one length, hold at present. Takes no memory. */
     void setSeries(const Series &times, const Series &values);
+    void setSeries(const Series &times, const MovingAverages &averages);
     /** Recolours the line and keeps its width. */
     void setColor(const QColor &color);
+
+    /** Number of blocks and single points that the latest drawing looked at. */
+    int blocksRead() const { return m_columns.blocksRead(); }
 
 protected:
     void drawLines(QPainter *painter, const QwtScaleMap &xMap, const QwtScaleMap &yMap,
@@ -32,8 +38,13 @@ protected:
 private:
     struct Strokes {
         QVector<QLineF> lines; ///< between points that are a column or more apart
-        QVector<QRectF> bars;  ///< what the points of one column span
+        QVector<QRectF> bars;  ///< what the points of one column span, on whole device pixels
     };
+    void divide(const QwtScaleMap &xMap, const QRectF &canvasRect, qreal columnsPerPixel) const;
     Strokes strokes(const QwtScaleMap &xMap, const QwtScaleMap &yMap, const QRectF &canvasRect,
                     qreal columnsPerPixel) const;
+    SeriesData *seriesData();
+    const SeriesData *seriesData() const;
+
+    mutable ColumnRuns m_columns; ///< of the latest drawing
 };

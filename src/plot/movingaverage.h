@@ -1,12 +1,51 @@
 #pragma once
 
-class Series;
+#include "plot/series.h"
 
 /** Number of points that a moving average looks back over. */
 constexpr int averagingWindow = 10;
 
 /**
- * Takes the newest of `values` into the running sum of the last ten and returns their average; of
- * all of them while there are fewer. Call it once after each append; `sum` starts at 0.
+ * The moving averages of a series: after each value the mean of the last ten, of all of them while
+ * there are fewer.
+ *
+ * An average is not stored; reading one adds up its values. So it knows nothing of what has left
+ * the window, and its error is at most 10 * 2^-53 of the mean of the magnitudes. Minimum and
+ * maximum are sealed per block as in the series itself. Copies are as cheap.
  */
-double movingAverage(double &sum, const Series &values);
+class MovingAverages
+{
+public:
+    /** Averages `values`: call it whenever they have grown or have become others. */
+    void follow(const Series &values);
+
+    int size() const { return m_values.size(); }
+    bool isEmpty() const { return m_values.isEmpty(); }
+    /** The average after the value at `index`, which must exist. */
+    double operator[](int index) const
+    {
+        return sum(index) / (index < averagingWindow ? index + 1 : averagingWindow);
+    }
+    double at(int index) const { return (*this)[index]; }
+    /** The newest average; there must be one. */
+    double last() const { return (*this)[size() - 1]; }
+
+    /** Sum of the values that the average at `index` is the mean of. */
+    double sum(int index) const;
+
+    bool continues(const MovingAverages &earlier) const
+    {
+        return m_values.continues(earlier.m_values);
+    }
+
+    /** Range of the averages from `first` to before `end`; places that do not exist are left out.
+     * Adds to `read` the number of blocks and single values that it took.
+     */
+    ValueRange range(int first, int end, int *read = nullptr) const;
+
+private:
+    ValueRange singles(int first, int end) const;
+
+    Series m_values;
+    std::shared_ptr<SealedLevels> m_levels; ///< null until the first block is sealed
+};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plot/movingaverage.h"
 #include "plot/plotmodes.h"
 #include "plot/series.h"
 #include "plot/unitruns.h"
@@ -19,13 +20,13 @@ class QwtPlotMarker;
  * the channel.
  */
 struct PlotChannel {
-    Series meas;     ///< measured values
-    Series aver;     ///< moving average after each point
-    Series time;     ///< time stamps, seconds since the instrument's startDateTime
-    Series diffMeas; ///< channel minus reference channel
-    Series diffAver; ///< moving average of the differences
-    Series diffTime; ///< time stamps of the differences, seconds
-    UnitRuns dims;   ///< unit text received with each point
+    Series meas;             ///< measured values
+    MovingAverages aver;     ///< moving average after each point
+    Series time;             ///< time stamps, seconds since the instrument's startDateTime
+    Series diffMeas;         ///< channel minus reference channel
+    MovingAverages diffAver; ///< moving average of the differences
+    Series diffTime;         ///< time stamps of the differences, seconds
+    UnitRuns dims;           ///< unit text received with each point
     EnvelopeCurve *averCurve = nullptr;
     EnvelopeCurve *measCurve = nullptr;
     QString dim;              ///< unit text of the latest point
@@ -36,13 +37,22 @@ struct PlotChannel {
     uchar scaleY = 0;         ///< row of the Y scale table, 0 chooses by itself
     TmcMode mode = ModeAuto;
     TmcModeX modeX = ModeXSeconds;
-    double averSum = 0;     ///< running sum of the averaging window of meas
-    double diffAverSum = 0; ///< running sum of the averaging window of diffMeas
+    double averSum = 0;     ///< sum of the averaging window of meas
+    double diffAverSum = 0; ///< sum of the averaging window of diffMeas
     bool error = true;      ///< the latest point was rejected, or none has arrived yet
     bool show = true;       ///< the channel's curves may be shown
 
     /** True when the channel is shown as the difference against another channel. */
     bool hasDifference() const { return diffQwtIndex >= 0 && diffCh != 255; }
+
+    /** Stores a point and its average. The unit becomes that of the channel. */
+    void appendPoint(double value, double seconds, const QString &unit);
+    /** Stores a difference and its average. */
+    void appendDifference(double value, double seconds);
+    /** Empties the difference series. */
+    void clearDifferences();
+    /** Empties all series. */
+    void clearPoints();
 };
 
 /** One instrument on the plot. The markers are null until the limits' lines exist; the plot owns

@@ -22,6 +22,20 @@ struct ScaleRows;
 struct TimeFormat;
 struct ZoomedView;
 
+/** What the caption in the corner of the canvas tells. */
+struct CaptionParts {
+    int ch = -1; ///< main channel, -1 without one
+    QString unit;
+    uchar scaleX = 0; ///< rows of the scale tables
+    uchar scaleY = 0;
+
+    bool operator==(const CaptionParts &other) const
+    {
+        return ch == other.ch && scaleX == other.scaleX && scaleY == other.scaleY &&
+               unit == other.unit;
+    }
+};
+
 /**
  * The time plot of all instruments.
  *
@@ -332,6 +346,7 @@ private:
     uchar m_scaleX = 0; ///< row of scalesX() in effect, chosen by the user or by the data
     uchar m_scaleY = 0; ///< row of scalesY() in effect
     QwtPlotTextLabel *m_caption = nullptr; ///< owned by the plot's item list
+    CaptionParts m_captionParts;           ///< what it shows at present
     uchar m_labelPrecision = 0;            ///< decimals with which the Y axis was labelled last
     QDate m_labelDay;                      ///< what was today when the X axis was labelled last
     FrameClock m_frameClock;

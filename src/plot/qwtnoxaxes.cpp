@@ -25,28 +25,28 @@ const Series &shownTimes(const PlotChannel &channel)
     return channel.hasDifference() ? channel.diffTime : channel.time;
 }
 
-/** The series of the curve that decides on the Y scale: of the visible ones, values first. */
-const Series &decidingValues(const PlotChannel &channel)
+/** Range, from point `first` on, of the curve that decides on the Y scale: of the visible ones,
+ * values first. */
+ValueRange decidingRange(const PlotChannel &channel, int first)
 {
     const bool byAverage = channel.averCurve->isVisible() && !channel.measCurve->isVisible();
+    const int end = shownTimes(channel).size();
     if (channel.hasDifference())
-        return byAverage ? channel.diffAver : channel.diffMeas;
-    return byAverage ? channel.aver : channel.meas;
+        return byAverage ? channel.diffAver.range(first, end) : channel.diffMeas.range(first, end);
+    return byAverage ? channel.aver.range(first, end) : channel.meas.range(first, end);
 }
 
 /** Range of the newest values, back to the first time left of the view. */
 ValueRange valuesInView(const PlotChannel &channel, double leftTime)
 {
     const int before = leftTime > 0 ? shownTimes(channel).lastBelow(leftTime) : -1;
-    const Series &values = decidingValues(channel);
-    return values.range(before + 1, values.size());
+    return decidingRange(channel, before + 1);
 }
 
-QString captionText(const PlotChannel &channel, int ch, const QString &labelX,
-                    const QString &labelY)
+QString captionText(const CaptionParts &parts, const QString &labelX, const QString &labelY)
 {
     return QwtNOX::tr("Кн. № %1 [%2], dX: %3, dY: %4")
-        .arg(QString::number(ch + 1), channel.dim, labelX, labelY);
+        .arg(QString::number(parts.ch + 1), parts.unit, labelX, labelY);
 }
 
 /** Keeps the canvas where it is while labels gain and lose a digit; only much shorter ones move it.
@@ -93,7 +93,7 @@ void QwtNOX::scaleY(_ch &channel)
         values = valuesInView(channel, axisView(xBottom).lower);
         m_scaleY = static_cast<uchar>(rowForValues(values, m_divY));
     } else {
-        values.include(decidingValues(channel).last());
+        values = decidingRange(channel, shownTimes(channel).size() - 1); // the newest
     }
     channel.precision = static_cast<uchar>(decimalsForRow(m_scaleY));
     const double step = scalesY()[m_scaleY].step;
@@ -152,11 +152,14 @@ void QwtNOX::paintFrame()
 void QwtNOX::updLabelScale()
 {
     const _ch *channel = findChannel(m_mainIndex, 255);
-    const QString text = channel ? captionText(*channel, resolveChannel(m_mainIndex, 255),
-                                               getScaleXLabel(), getScaleYLabel())
-                                 : QString();
-    if (text == m_caption->text().text())
+    const CaptionParts parts =
+        channel ? CaptionParts{resolveChannel(m_mainIndex, 255), channel->dim, m_scaleX, m_scaleY}
+                : CaptionParts{};
+    if (parts == m_captionParts)
         return;
+    m_captionParts = parts;
+    const QString text =
+        channel ? captionText(parts, getScaleXLabel(), getScaleYLabel()) : QString();
     QwtText caption(text, QwtText::PlainText); // a unit is the user's own text
     QFont font = caption.font();
     font.setPointSize(captionPoints);

@@ -1,5 +1,4 @@
 #include "plot/differences.h"
-#include "plot/movingaverage.h"
 #include "plot/qwtnox.h"
 
 // A channel as the difference against another one.
@@ -43,14 +42,10 @@ void QwtNOX::endDifference(int qwtIndex, uchar ch)
 
 void QwtNOX::rebuildDifference(_ch &channel, const _ch &reference) const
 {
-    channel.diffMeas.clear();
-    channel.diffAver.clear();
-    channel.diffTime.clear();
-    channel.diffAverSum = 0;
+    channel.clearDifferences();
     pairDifferences(channel.time, reference.time, [&](int point, int referencePoint) {
-        channel.diffTime.append(channel.time[point]);
-        channel.diffMeas.append(channel.meas[point] - reference.meas[referencePoint]);
-        channel.diffAver.append(movingAverage(channel.diffAverSum, channel.diffMeas));
+        channel.appendDifference(channel.meas[point] - reference.meas[referencePoint],
+                                 channel.time[point]);
     });
 }
 
@@ -65,8 +60,6 @@ bool QwtNOX::extendDifference(_ch &channel) const
         !channel.diffTime.isEmpty() && reference->time.last() <= channel.diffTime.last();
     if (isStale || reference->error)
         return false;
-    channel.diffTime.append(channel.time.last());
-    channel.diffMeas.append(channel.meas.last() - reference->meas.last());
-    channel.diffAver.append(movingAverage(channel.diffAverSum, channel.diffMeas));
+    channel.appendDifference(channel.meas.last() - reference->meas.last(), channel.time.last());
     return true;
 }

@@ -1,4 +1,3 @@
-#include "plot/movingaverage.h"
 #include "plot/qwtnox.h"
 
 #include <cmath>
@@ -13,26 +12,6 @@ constexpr double lowestValue = -1300; // what an instrument sends for a broken s
 bool isAcceptable(double val, double time)
 {
     return std::isfinite(val) && val > lowestValue && std::isfinite(time) && time >= 0;
-}
-
-void storePoint(PlotChannel &channel, double val, double time, const QString &dim)
-{
-    channel.dim = dim;
-    channel.dims.append(dim);
-    channel.meas.append(val);
-    channel.time.append(time);
-    channel.aver.append(movingAverage(channel.averSum, channel.meas));
-}
-
-void clearChannel(PlotChannel &channel)
-{
-    for (Series *series : {&channel.meas, &channel.aver, &channel.time, &channel.diffMeas,
-                           &channel.diffAver, &channel.diffTime})
-        series->clear();
-    channel.dims.clear();
-    channel.averSum = 0;
-    channel.diffAverSum = 0;
-    showSeries(channel);
 }
 
 } // namespace
@@ -57,7 +36,7 @@ bool QwtNOX::addPoint(double val, double time, const QString &dim, int qwtIndex,
         emit onErrorAddPoint(qwtIndex, ch);
         return false;
     }
-    storePoint(channel, val, time, dim);
+    channel.appendPoint(val, time, dim);
     if (!extendDifference(channel)) {
         emit onErrorAddPoint(qwtIndex, ch);
         return false;
@@ -81,8 +60,10 @@ void QwtNOX::clear(int qwtIndex)
     _dev *device = findDevice(qwtIndex);
     if (!device)
         return;
-    for (_ch &channel : device->ch)
-        clearChannel(channel);
+    for (_ch &channel : device->ch) {
+        channel.clearPoints();
+        showSeries(channel);
+    }
     applyScale();
 }
 

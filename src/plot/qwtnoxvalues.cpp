@@ -29,7 +29,8 @@ const Series &timesOf(const PlotChannel &channel, bool diff)
 }
 
 /** The value at `index`, or the newest when there is none there; `series` is not empty. */
-double valueAt(const Series &series, int index)
+template<typename Sequence>
+double valueAt(const Sequence &series, int index)
 {
     return index >= 0 && index < series.size() ? series[index] : series.last();
 }
@@ -96,7 +97,7 @@ QString QwtNOX::getChAverStr(int qwtIndex, uchar ch, signed char precision, int 
         return {};
     if (channel->error)
         return noValue();
-    const Series &averages = channel->hasDifference() ? channel->diffAver : channel->aver;
+    const MovingAverages &averages = channel->hasDifference() ? channel->diffAver : channel->aver;
     if (averages.isEmpty())
         return {};
     const int decimals = decimalsFor(precision, channel->precision, getPrecision(qwtIndex));

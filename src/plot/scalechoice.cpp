@@ -12,9 +12,9 @@ namespace
 template<typename Table>
 int firstFittingRow(const Table &table, double width, int divisions)
 {
-    // Row 0 has no step of its own and never fits.
-    const auto row = std::find_if(table.cbegin() + 1, table.cend(), [&](const auto &scale) {
-        return std::ceil(width / scale.step + 0.5) < divisions;
+    // Row 0 has no step of its own and never fits. The others are sorted by their steps.
+    const auto row = std::partition_point(table.cbegin() + 1, table.cend(), [&](const auto &scale) {
+        return !(std::ceil(width / scale.step + 0.5) < divisions);
     });
     return row == table.cend() ? table.size() - 1 : static_cast<int>(row - table.cbegin());
 }

@@ -1,29 +1,14 @@
 #pragma once
 
-#include <limits>
+#include "plot/sealedlevels.h"
+
 #include <memory>
-
-/** The least and the greatest of some values; min > max when there are none. */
-struct ValueRange {
-    double min = std::numeric_limits<double>::infinity();
-    double max = -std::numeric_limits<double>::infinity();
-
-    bool isEmpty() const { return min > max; }
-    void include(double value) { include(ValueRange{value, value}); }
-    void include(const ValueRange &other)
-    {
-        min = other.min < min ? other.min : min;
-        max = other.max > max ? other.max : max;
-    }
-    bool operator==(const ValueRange &other) const { return min == other.min && max == other.max; }
-};
 
 /**
  * An append-only series of finite numbers that knows its minimum and maximum over any stretch.
  *
- * Appending never moves a value. Every 64 values seal a block with their range, every 16 blocks a
- * block of the next level; a sealed block never changes, so questions cost the logarithm of the
- * length. Values need not be sorted.
+ * Appending never moves a value. Every 64 values seal a block with their range, so questions cost
+ * the logarithm of the length. Values need not be sorted.
  *
  * A copy costs nothing: it reads the same values and keeps its own length. Only appending to a copy
  * that has fallen behind its original duplicates the values.
@@ -41,7 +26,7 @@ public:
     int size() const { return m_size; }
     bool isEmpty() const { return m_size == 0; }
     /** The value at `index`, which must exist. */
-    double operator[](int index) const;
+    double operator[](int index) const { return m_storage->values[index]; }
     double at(int index) const { return (*this)[index]; }
     /** The newest value; there must be one. */
     double last() const { return (*this)[m_size - 1]; }
@@ -49,27 +34,45 @@ public:
     void append(double value);
     void clear();
 
-    /** Range of the values from `first` to before `end`; places that do not exist are left out. */
-    ValueRange range(int first, int end) const;
+    /** True when this series holds all that `earlier` holds, and perhaps more: the same values,
+     * not equal ones. */
+    bool continues(const Series &earlier) const
+    {
+        return m_storage == earlier.m_storage && m_size >= earlier.m_size;
+    }
+
+    /** True when no value is less than the one before it. */
+    bool isAscending() const { return !m_storage || m_storage->ascending >= m_size; }
+
+    /** Range of the values from `first` to before `end`; places that do not exist are left out.
+     * Adds to `read` the number of blocks and single values that it took. */
+    ValueRange range(int first, int end, int *read = nullptr) const;
 
     /** Index of the first value not below `bound`; size() when there is none. */
     int firstNotBelow(double bound) const;
     /** Index of the newest value below `bound`; -1 when there is none. */
     int lastBelow(double bound) const;
 
-    // The sealed blocks themselves, for those who walk them. Level 0 holds the smallest.
+    // The blocks themselves, for those who walk them: see SealedLevels.
 
-    /** Number of values in a block of `level`; 1 for -1, a single value. */
-    static int blockLength(int level);
-    /** Level of the longest block that begins at `first` and fits before `end`; -1 for none. */
-    int levelFrom(int first, int end) const;
-    /** Range of the block of `level` that begins at `first`; of the single value for -1. */
-    ValueRange block(int level, int first) const;
+    int levelFrom(int first, int end) const { return m_storage->levels.levelFrom(first, end); }
+    /** Range of the sealed block of `level` that begins at `first`. */
+    const ValueRange &block(int level, int first) const
+    {
+        return m_storage->levels.block(level, first);
+    }
+    /** The values from `index` to the end of its block of 64, one after the other. */
+    const double *stretch(int index) const { return &m_storage->values[index]; }
 
 private:
-    int levelBefore(int end) const;
+    struct Storage {
+        ChunkedList<double, 10> values;
+        SealedLevels levels;
+        int ascending = 0; ///< number of values up to the first one less than that before it
 
-    struct Storage;
+        void append(double value);
+    };
+
     std::shared_ptr<Storage> m_storage; ///< null until the first append; may hold more than m_size
     int m_size = 0;
 };

@@ -24,7 +24,8 @@ void refer(QwtNOX &plot, int qwtIndex, int ch, int diffQwtIndex, uchar diffCh)
     plot.devices()[qwtIndex].ch[ch].diffCh = diffCh;
 }
 
-QVector<double> toVector(const Series &series)
+template<typename Sequence>
+QVector<double> toVector(const Sequence &series)
 {
     QVector<double> values;
     for (int i = 0; i < series.size(); ++i)
@@ -51,6 +52,8 @@ private slots:
     void storesWithUnitAndAverage();
     void averageRecoversFromHugeValues();
     void curvesShowTheRecord();
+    void framesLookAtNewPointsOnly();
+    void hugeValuesCanBePainted();
     void formsDifferences();
     void differenceNeedsAFreshReference();
     void differenceNeedsASoundReference();
@@ -198,6 +201,51 @@ void TestQwtNOXPoints::curvesShowTheRecord()
     QCOMPARE(copy.measCurve->sample(2), QPointF(2, 60));
     QCOMPARE(copy.averCurve->sample(2), QPointF(2, 30));
     QCOMPARE(copy.measCurve->plot(), m_plot.get());
+}
+
+void TestQwtNOXPoints::framesLookAtNewPointsOnly()
+{
+    m_plot->resize(800, 600);
+    for (int i = 0; i < 70000; ++i)
+        m_plot->addPoint(20 + i % 7, i, "°С", 0, 0);
+    const EnvelopeCurve *values = m_plot->devices()[0].ch[0].measCurve;
+    const EnvelopeCurve *averages = m_plot->devices()[0].ch[0].averCurve;
+    const auto paint = [this] {
+        m_plot->replot();
+        m_plot->grab();
+    };
+    paint();
+    QVERIFY(values->blocksRead() > 1000 && averages->blocksRead() > 1000);
+
+    addPoints(*m_plot, 0, 0, QVector<double>(10, 21.0), 70000);
+    paint();
+    for (const EnvelopeCurve *curve : {values, averages})
+        QVERIFY2(curve->blocksRead() >= 10 && curve->blocksRead() <= 30,
+                 qPrintable(QString::number(curve->blocksRead())));
+    paint();
+    QCOMPARE(values->blocksRead(), 0);
+
+    m_plot->clear(0);
+    addPoints(*m_plot, 0, 0, QVector<double>(100, 22.0));
+    paint();
+    QVERIFY2(values->blocksRead() >= 100, "points of an emptied series are all new");
+}
+
+void TestQwtNOXPoints::hugeValuesCanBePainted()
+{
+    m_plot->resize(800, 600);
+    for (const TmcMode mode : {ModeAuto, ModeFollow}) {
+        m_plot->setChMode(mode);
+        addPoints(*m_plot, 0, 0, {20, 1e300, -1299.5, 1.7e308, 1.7e308, 20, 1e300, 21});
+        m_plot->replot();
+        m_plot->grab();
+        addPoints(*m_plot, 0, 0, {20, 21}, 1e300); // and a huge time
+        m_plot->replot();
+        m_plot->grab();
+        QCOMPARE(m_plot->getChMeas(0, 0), 21.0);
+        QVERIFY(m_plot->axisInterval(QwtPlot::yLeft).isValid());
+        m_plot->clear(0);
+    }
 }
 
 void TestQwtNOXPoints::formsDifferences()
