@@ -303,6 +303,7 @@ private:
     void scaleY(_ch &channel);
     AxisView axisView(int axis) const;
     void setAxisView(int axis, const AxisView &view);
+    void steadyLabels(int axis);
     void installScaleXDraw();
     void refreshScaleYLabels();
     void paintFrame();
