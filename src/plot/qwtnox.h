@@ -309,6 +309,7 @@ private:
     void paintFrame();
 
     void buildInteraction();
+    void restMouse();
     void startMeasurement(const QPointF &point);
     void resetMeasurement();
     MeasurementTexts measurementTexts() const;
