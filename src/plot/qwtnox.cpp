@@ -101,6 +101,7 @@ void QwtNOX::removeDev(int qwtIndex)
             if (channel.diffQwtIndex == qwtIndex) {
                 channel.diffQwtIndex = -1;
                 channel.diffCh = 255;
+                showSeries(channel);
             }
         }
     }
