@@ -14,3 +14,8 @@ void QwtLabelClick::mousePressEvent(QMouseEvent *event)
     event->accept(); // the plot below would take the click for one of its own
     emit clicked();
 }
+
+void QwtLabelClick::mouseReleaseEvent(QMouseEvent *event)
+{
+    event->accept();
+}

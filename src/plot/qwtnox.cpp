@@ -101,6 +101,7 @@ void QwtNOX::removeDev(int qwtIndex)
             if (channel.diffQwtIndex == qwtIndex) {
                 channel.diffQwtIndex = -1;
                 channel.diffCh = 255;
+                showSeries(channel);
             }
         }
     }
@@ -110,8 +111,6 @@ void QwtNOX::removeDev(int qwtIndex)
     delete removed.lowerMarker;
     if (m_mainIndex == qwtIndex) {
         m_mainIndex = -1;
-        m_measurement->reset();
-        m_pickers->enableFor(ModeAuto);
         installScaleXDraw();
     }
     applyScale();
@@ -148,6 +147,8 @@ void QwtNOX::setChCount(uchar count, int qwtIndex)
     const _dev *device = findDevice(qwtIndex);
     if (device && count > 0 && device->mainCh >= count)
         setChMain(0, qwtIndex);
+    if (count == 0 && qwtIndex == m_mainIndex)
+        restMouse();
     applyScale();
     emit onChange(qwtIndex);
 }

@@ -317,11 +317,13 @@ private:
     void scaleY(_ch &channel);
     AxisView axisView(int axis) const;
     void setAxisView(int axis, const AxisView &view);
+    void steadyLabels(int axis);
     void installScaleXDraw();
     void refreshScaleYLabels();
     void paintFrame();
 
     void buildInteraction();
+    void restMouse();
     void startMeasurement(const QPointF &point);
     void resetMeasurement();
     MeasurementTexts measurementTexts() const;

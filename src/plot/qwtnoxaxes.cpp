@@ -49,14 +49,37 @@ QString captionText(const CaptionParts &parts, const QString &labelX, const QStr
         .arg(QString::number(parts.ch + 1), parts.unit, labelX, labelY);
 }
 
-/** Keeps the canvas where it is while labels gain and lose a digit; only much shorter ones move it.
+/** The room to go on with: what was kept, unless labels need more or far less. */
+double steadyRoom(double kept, double needed)
+{
+    return needed > kept || needed < 0.7 * kept ? needed : kept;
+}
+
+/** Keeps the room beside the axis while labels gain and lose a digit; true when it had to change.
  */
-void steadyExtent(QwtScaleDraw *draw, const QFont &font)
+bool steadyExtent(QwtScaleDraw *draw, const QFont &font)
 {
     const double kept = draw->minimumExtent();
     draw->setMinimumExtent(0);
-    const double needed = draw->extent(font);
-    draw->setMinimumExtent(needed > kept || needed < 0.7 * kept ? needed : kept);
+    draw->setMinimumExtent(steadyRoom(kept, draw->extent(font)));
+    return draw->minimumExtent() != kept;
+}
+
+/**
+ * Keeps room for half a label beyond the ends of the axis, whether a tick is there or not: ticks
+ * that pass the edge of the canvas do not move it. True when the room had to change.
+ */
+bool steadyBorders(QwtScaleWidget *axis)
+{
+    const QwtScaleDraw *draw = axis->scaleDraw();
+    const int label = draw->orientation() == Qt::Horizontal ? draw->maxLabelWidth(axis->font())
+                                                            : draw->maxLabelHeight(axis->font());
+    int kept = 0;
+    int keptAtEnd = 0;
+    axis->getMinBorderDist(kept, keptAtEnd);
+    const int room = static_cast<int>(steadyRoom(kept, label / 2 + 1));
+    axis->setMinBorderDist(room, room);
+    return room != kept;
 }
 
 } // namespace
@@ -112,7 +135,19 @@ void QwtNOX::setAxisView(int axis, const AxisView &view)
         return;
     setAxisScale(axis, view.lower, view.upper, view.step);
     updateAxes();
-    steadyExtent(axisScaleDraw(axis), axisFont(axis));
+    steadyLabels(axis);
+}
+
+/** Where labels need another room the canvas gets its new place at once: what is under the mouse is
+ *  asked for before the next event. */
+void QwtNOX::steadyLabels(int axis)
+{
+    const bool hasOtherExtent = steadyExtent(axisScaleDraw(axis), axisFont(axis));
+    const bool hasOtherBorders = steadyBorders(axisWidget(axis));
+    if (hasOtherExtent || hasOtherBorders) {
+        updateAxes();
+        updateLayout();
+    }
 }
 
 void QwtNOX::installScaleXDraw()
@@ -129,6 +164,7 @@ void QwtNOX::installScaleXDraw()
         setAxisScaleDraw(xBottom, new QwtNOXScaleXDrawMode2(this));
         break;
     }
+    steadyLabels(xBottom);
 }
 
 /** Labels are kept per value: other decimals need new ones though the axis stays. */

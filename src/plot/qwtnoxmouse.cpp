@@ -42,6 +42,13 @@ void QwtNOX::buildInteraction()
     connect(m_pickers->limits(), selected, this, &QwtNOX::placeLimit);
 }
 
+/** What the mouse does where no channel says it: nothing is selected, and a click would measure. */
+void QwtNOX::restMouse()
+{
+    m_measurement->reset();
+    m_pickers->enableFor(ModeAuto);
+}
+
 void QwtNOX::mousePressEvent(QMouseEvent *event)
 {
     m_pressed = event->pos();
@@ -63,7 +70,7 @@ void QwtNOX::mouseReleaseEvent(QMouseEvent *event)
     m_rightHeld = false;
     if (!isClick(m_pressed, event->pos()))
         return;
-    if (event->button() == Qt::LeftButton && canvas()->geometry().contains(event->pos()))
+    if (event->button() == Qt::LeftButton && childAt(m_pressed) == canvas())
         clickLeft(plotPosition(event->pos()));
     else if (event->button() == Qt::RightButton)
         clickRight();

@@ -1,5 +1,4 @@
 #include "plot/envelopecurve.h"
-#include "plot/plotmeasurement.h"
 #include "plot/qwtnox.h"
 
 #include <qwt_plot_marker.h>
@@ -50,7 +49,7 @@ void QwtNOX::setDevMain(int qwtIndex)
     if (qwtIndex >= 0 && !m_devices.contains(qwtIndex))
         return;
     m_mainIndex = qwtIndex;
-    m_measurement->reset();
+    restMouse();
     for (auto device = m_devices.begin(); device != m_devices.end(); ++device) {
         const bool isMain = device.key() == qwtIndex;
         showLimits(*device, isMain ? device->modeTrack : TrackOff);
