@@ -21,7 +21,9 @@ Series seriesOf(const Numbers &numbers)
     return series;
 }
 
-Numbers numbersOf(const Series &series)
+/** Of a Series or of MovingAverages. */
+template<typename Values>
+Numbers numbersOf(const Values &series)
 {
     Numbers numbers;
     for (int i = 0; i < series.size(); ++i)
