@@ -57,6 +57,11 @@ QPointF MeasurementMarkers::second() const
     return m_second->value();
 }
 
+bool MeasurementMarkers::standAt(const QPointF &point) const
+{
+    return (hasFirst() && first() == point) || (hasSecond() && second() == point);
+}
+
 void MeasurementMarkers::start(const QPointF &point)
 {
     takeAway(m_second);

@@ -16,6 +16,8 @@ public:
     bool hasSecond() const;
     QPointF first() const;
     QPointF second() const;
+    /** True when one of the crosses stands at `point`. */
+    bool standAt(const QPointF &point) const;
 
     /** Begins a measurement: the first cross at `point`, no second one. */
     void start(const QPointF &point);

@@ -24,6 +24,8 @@ void PlotMeasurement::start(const QPointF &point)
 void PlotMeasurement::add(const QPointF &point)
 {
     m_markers.add(point);
+    if (!m_markers.standAt(m_pointFrame->anchor()))
+        m_pointFrame->hide(); // its point has given way to the new one
 }
 
 void PlotMeasurement::showPoint(const QPointF &point, const QPoint &place, const QString &x,
@@ -35,7 +37,6 @@ void PlotMeasurement::showPoint(const QPointF &point, const QPoint &place, const
 
 void PlotMeasurement::showInterval(const QPointF &added, const MeasurementTexts &texts)
 {
-    m_pointFrame->hide(); // all it says stands in the other frame
     m_measurementFrame->setTexts(texts);
     showBeside(m_measurementFrame, added, placeOf(added));
 }
