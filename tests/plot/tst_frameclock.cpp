@@ -113,18 +113,16 @@ void TestFrameClock::pointsPaintAtMostThirtyTimesASecond()
         screen.plot.setChColor(points % 2 ? Qt::red : Qt::blue);
         screen.plot.setMeasPoint({points * 1.0, 20});
         screen.mouse.moveTo({100 + points % 300, 100});
-        if (++points == 1000 || (points > 100 && clock.elapsed() > 1500))
+        if (++points >= 1000 && clock.elapsed() > 1500)
             source.stop();
     });
     source.start(0);
     QTRY_VERIFY_WITH_TIMEOUT(!source.isActive(), 60000);
-    while (points < 1000) // the rest at once
-        screen.add(20, points++);
     QTRY_VERIFY(!screen.plot.frameClock().isDue());
     QVERIFY(frames.count() > 0);
     QVERIFY2(log.count() > 0, "nothing was painted at all");
     QVERIFY2(log.mostInASecond() <= 30, qPrintable(QString::number(log.mostInASecond())));
-    QCOMPARE(screen.plot.getChMeasCount(), 1000);
+    QCOMPARE(screen.plot.getChMeasCount(), points);
 }
 
 void TestFrameClock::nothingIsPaintedWhereNothingChanged()

@@ -382,8 +382,8 @@ void TestQwtNOXMeasure::framesFollowTheAxes()
         return standsBeside(frame, at, at.x() + axis <= canvas->width() / 2,
                             at.y() <= canvas->height() / 2);
     };
-    QTRY_VERIFY(followed("pointFrame", crosses[0]));
-    QTRY_VERIFY(followed("measurementFrame", crosses[1]));
+    QTRY_VERIFY_WITH_TIMEOUT(followed("pointFrame", crosses[0]), 1000);
+    QTRY_VERIFY_WITH_TIMEOUT(followed("measurementFrame", crosses[1]), 1000);
     QVERIFY(isSeen("pointFrame") && isSeen("measurementFrame"));
 }
 
