@@ -63,9 +63,9 @@ void PlotMeasurement::followAxes()
 
 QPoint PlotMeasurement::placeOf(const QPointF &point) const
 {
-    return QPointF(m_plot->transform(QwtPlot::xBottom, point.x()),
-                   m_plot->transform(QwtPlot::yLeft, point.y()))
-        .toPoint();
+    constexpr double farBeyond = 1e6; // pixels; a frame there is as little seen as farther off
+    return {qRound(qBound(-farBeyond, m_plot->transform(QwtPlot::xBottom, point.x()), farBeyond)),
+            qRound(qBound(-farBeyond, m_plot->transform(QwtPlot::yLeft, point.y()), farBeyond))};
 }
 
 void PlotMeasurement::showBeside(ValueFrame *frame, const QPointF &point, const QPoint &place)

@@ -31,11 +31,12 @@ public:
     void reset();
     void hideFrames();
 
+    /** Where on the canvas a point is, in pixels; far beyond it the place is not exact. */
+    QPoint placeOf(const QPointF &point) const;
     /** Puts the frames back beside their points after the axes have changed. */
     void followAxes();
 
 private:
-    QPoint placeOf(const QPointF &point) const;
     void showBeside(ValueFrame *frame, const QPointF &point, const QPoint &place);
     void moveBeside(ValueFrame *frame, const QPoint &place);
 

@@ -326,6 +326,7 @@ private:
     void restMouse();
     void startMeasurement(const QPointF &point);
     void resetMeasurement();
+    void rewriteMeasurement();
     MeasurementTexts measurementTexts() const;
     QString valueText(double value) const;
     TimeFormat timeFormat() const;
@@ -338,7 +339,6 @@ private:
     void clickLeft(const QPointF &point);
     void clickRight();
     QPointF plotPosition(const QPoint &position) const;
-    QPoint canvasPosition(const QPointF &point) const;
 
     QMap<int, _dev> m_devices;
     int m_mainIndex = -1;

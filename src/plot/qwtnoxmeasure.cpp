@@ -2,7 +2,7 @@
 #include "plot/measurementframe.h"
 #include "plot/numbertext.h"
 #include "plot/plotmeasurement.h"
-#include "plot/plotpickers.h"
+#include "plot/pointframe.h"
 #include "plot/qwtlabelclick.h"
 #include "plot/qwtnox.h"
 #include "plot/timetext.h"
@@ -28,7 +28,7 @@ void QwtNOX::startMeasurement(const QPointF &point)
         return;
     setChMode(ModeMeasure);
     m_measurement->start(point);
-    addMeasPointFirst(point, canvasPosition(point));
+    addMeasPointFirst(point, m_measurement->placeOf(point));
     m_frameClock.request();
 }
 
@@ -39,7 +39,7 @@ void QwtNOX::setMeasPoint(const QPointF &p)
     m_measurement->add(p);
     m_frameClock.request();
     if (!m_measurement->markers().hasSecond())
-        return addMeasPointFirst(p, canvasPosition(p));
+        return addMeasPointFirst(p, m_measurement->placeOf(p));
     m_measurement->showInterval(p, measurementTexts());
     if (getChMode() != ModeMeasure)
         setChMode(ModeMeasure);
@@ -76,6 +76,17 @@ MeasurementTexts QwtNOX::measurementTexts() const
     return texts;
 }
 
+/** Writes what is shown anew, in place: times may be written otherwise now. */
+void QwtNOX::rewriteMeasurement()
+{
+    const PointFrame *point = m_measurement->pointFrame();
+    if (!point->isHidden())
+        addMeasPointFirst(point->anchor(), m_measurement->placeOf(point->anchor()));
+    const MeasurementFrame *interval = m_measurement->measurementFrame();
+    if (!interval->isHidden())
+        m_measurement->showInterval(interval->anchor(), measurementTexts());
+}
+
 void QwtNOX::resetMeasurement()
 {
     m_measurement->reset();
@@ -105,9 +116,4 @@ QString QwtNOX::valueText(double value) const
 TimeFormat QwtNOX::timeFormat() const
 {
     return {getChModeX(), getStartDateTime(), now().date(), axisStepSize(xBottom)};
-}
-
-QPoint QwtNOX::canvasPosition(const QPointF &point) const
-{
-    return QPointF(transform(xBottom, point.x()), transform(yLeft, point.y())).toPoint();
 }

@@ -67,6 +67,7 @@ void QwtNOX::setChModeX(TmcModeX mode, int qwtIndex, uchar ch)
     }
     installScaleXDraw();
     applyScale();
+    rewriteMeasurement();
 }
 
 TmcModeX QwtNOX::getChModeX(int qwtIndex, uchar ch) const

@@ -23,6 +23,7 @@ private slots:
     void pointsAreOrdered();
     void writesTimes_data();
     void writesTimes();
+    void textsFollowTheLabelsOfTheAxis();
     void writesStatistics_data();
     void writesStatistics();
     void writesStatisticsOfTheDifference();
@@ -198,6 +199,18 @@ void TestQwtNOXMeasure::writesTimes()
     QTEST(QStringList({m_screen->text("measurementX1"), m_screen->text("measurementX2"),
                        m_screen->text("measurementDeltaX")}),
           "texts");
+}
+
+void TestQwtNOXMeasure::textsFollowTheLabelsOfTheAxis()
+{
+    measure(30, 50);
+    m_screen->plot.changeModeX(ModeXRelative);
+    QCOMPARE(m_screen->text("pointX"), QString("00:00:30"));
+    QCOMPARE(m_screen->text("measurementX2"), QString("00:00:50"));
+    QCOMPARE(m_screen->text("measurementDeltaX"), QString("00:00:20"));
+    m_screen->plot.changeMode(ModeFollow);
+    m_screen->plot.changeModeX(ModeXSeconds);
+    QVERIFY(!isSeen("pointFrame") && !isSeen("measurementFrame"));
 }
 
 void TestQwtNOXMeasure::writesStatistics_data()
