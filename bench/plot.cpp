@@ -240,7 +240,8 @@ public:
     }
     double newViewMilliseconds()
     {
-        return viewMilliseconds([](int frame) { return QPointF(0, viewSeconds + frame * 777.7); });
+        return viewMilliseconds(
+            [](int frame) { return QPointF(0, viewSeconds + (frame + 1) * 777.7); });
     }
     double newestMilliseconds()
     {
