@@ -1,12 +1,5 @@
 #include "plot/sealedlevels.h"
 
-namespace
-{
-
-constexpr int blocksPerBlock = 16;
-
-} // namespace
-
 void SealedLevels::seal(std::size_t level, const ValueRange &range)
 {
     if (level == m_levels.size())

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plot/chunkedlist.h"
+#include "plot/prefetch.h"
 #include "plot/valuerange.h"
 
 #include <algorithm>
@@ -15,6 +16,7 @@ class SealedLevels
 {
 public:
     static constexpr int valuesPerBlock = 64;
+    static constexpr int blocksPerBlock = 16;
 
     /** Number of values in the sealed blocks, a multiple of valuesPerBlock. */
     int sealedValues() const
@@ -55,6 +57,7 @@ public:
             return singles(first, end);
         }
         *read += firstBlock * valuesPerBlock - first + end - endBlock * valuesPerBlock;
+        prefetchEnds(firstBlock, endBlock);
         ValueRange range = blocks(firstBlock, endBlock, read);
         if (first < firstBlock * valuesPerBlock)
             range.include(singles(first, firstBlock * valuesPerBlock));
@@ -68,6 +71,24 @@ private:
 
     void seal(std::size_t level, const ValueRange &range);
     ValueRange blocks(int first, int end, int *read) const;
+    [[gnu::always_inline]] void prefetchEnds(int first, int end) const;
 
     std::vector<Level> m_levels;
 };
+
+/** Fetches what blocks() reads at both ends of the lower levels; those above are small. */
+inline void SealedLevels::prefetchEnds(int first, int end) const
+{
+    constexpr std::size_t largeLevels = 2;
+    for (std::size_t level = 0; level < largeLevels && first < end; ++level) {
+        const Level &blocks = m_levels[level];
+        const int upperFirst = (first + blocksPerBlock - 1) / blocksPerBlock;
+        const int upperEnd = end / blocksPerBlock;
+        const int right = std::max(first, upperEnd * blocksPerBlock);
+        prefetch(&blocks[first], std::min(end, upperFirst * blocksPerBlock) - first);
+        if (right < end)
+            prefetch(&blocks[right], end - right);
+        first = upperFirst;
+        end = upperEnd;
+    }
+}

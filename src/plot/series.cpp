@@ -59,6 +59,7 @@ ValueRange Series::range(int first, int end, int *read) const
     end = std::min(end, m_size);
     if (first >= end)
         return {};
+    prefetchEnds(first, end);
     const auto singles = [this](int from, int to) { return rangeOf(stretch(from), to - from); };
     int unread = 0;
     return m_storage->levels.range(first, end, singles, read ? read : &unread);

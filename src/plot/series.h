@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plot/prefetch.h"
 #include "plot/sealedlevels.h"
 
 #include <memory>
@@ -47,6 +48,14 @@ public:
     /** Range of the values from `first` to before `end`; places that do not exist are left out.
      * Adds to `read` the number of blocks and single values that it took. */
     ValueRange range(int first, int end, int *read = nullptr) const;
+
+    /** Fetches the single values that range() reads of the same stretch, which is not empty. */
+    [[gnu::always_inline]] void prefetchEnds(int first, int end) const
+    {
+        const int blockOfEnd = SealedLevels::nextBlock(end - 1) - SealedLevels::valuesPerBlock;
+        prefetch(stretch(first), std::min(end, SealedLevels::nextBlock(first)) - first);
+        prefetch(stretch(blockOfEnd), end - blockOfEnd);
+    }
 
     /** Index of the first value not below `bound`; size() when there is none. */
     int firstNotBelow(double bound) const;
