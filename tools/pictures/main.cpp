@@ -64,7 +64,7 @@ bool takeDiscovery(const PictureOrder &order, MainWindow &window, const WindowDr
 void playScene(const QString &scene, PlotDriver &plot)
 {
     if (scene == QLatin1String("measure"))
-        plot.measure({0.3, 0.45}, {0.62, 0.3});
+        plot.measure({0.08, 0.55}, {0.36, 0.3});
     else if (scene == QLatin1String("zoom"))
         plot.zoom({0.3, 0.3}, {0.45, 0.5});
     else if (scene == QLatin1String("limits"))
