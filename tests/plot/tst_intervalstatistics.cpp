@@ -1,3 +1,4 @@
+#include "numbers.h"
 #include "plot/intervalstatistics.h"
 
 #include <QtTest>
@@ -16,16 +17,6 @@ private slots:
 
 namespace
 {
-
-using Numbers = QVector<double>;
-
-Series seriesOf(const Numbers &numbers)
-{
-    Series series;
-    for (const double number : numbers)
-        series.append(number);
-    return series;
-}
 
 /** The rule word by word: all points but the newest are looked at, one after the other. */
 IntervalStatistics plainScan(const Numbers &times, const Numbers &values, double from, double to)

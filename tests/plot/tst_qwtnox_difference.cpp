@@ -1,3 +1,4 @@
+#include "numbers.h"
 #include "plot/differences.h"
 #include "plot/envelopecurve.h"
 #include "plot/qwtnox.h"
@@ -7,31 +8,6 @@
 #include <qwt_plot_curve.h>
 
 // A channel shown as the difference against another one.
-
-namespace
-{
-
-using Numbers = QVector<double>;
-
-Series seriesOf(const Numbers &numbers)
-{
-    Series series;
-    for (const double number : numbers)
-        series.append(number);
-    return series;
-}
-
-/** Of a Series or of MovingAverages. */
-template<typename Values>
-Numbers numbersOf(const Values &series)
-{
-    Numbers numbers;
-    for (int i = 0; i < series.size(); ++i)
-        numbers.append(series[i]);
-    return numbers;
-}
-
-} // namespace
 
 class TestQwtNOXDifference : public QObject
 {

@@ -157,30 +157,18 @@ void TestQwtNOXMeasure::writesTimes_data()
     using Texts = QStringList;
     QTest::newRow("seconds") << int(ModeXSeconds) << 1.0 << 0 << 12.34 << 47.06
                              << Texts{"12.3", "47.1", "34.7"};
-    QTest::newRow("duration in minutes")
-        << int(ModeXRelative) << 60.0 << 0 << 60.9 << 3725.0 << Texts{"00:01", "01:02", "01:01"};
     QTest::newRow("duration in seconds") << int(ModeXRelative) << 30.0 << 0 << 60.9 << 3725.0
                                          << Texts{"00:01:00", "01:02:05", "01:01:04"};
-    QTest::newRow("duration in milliseconds")
-        << int(ModeXRelative) << 0.5 << 0 << 0.75 << 2.5
-        << Texts{"00:00:00:000", "00:00:02:000", "00:00:01:000"};
-    QTest::newRow("duration of exactly a day") << int(ModeXRelative) << 3600.0 << 0 << 3600.0
-                                               << 86400.0 << Texts{"01:00", "00:00", "23:00"};
     QTest::newRow("duration of more than a day: all with their day")
         << int(ModeXRelative) << 3600.0 << 0 << 3600.0 << 90000.0
         << Texts{"01 01:00", "02 01:00", "02 00:00"};
     QTest::newRow("moments of today")
         << int(ModeXAbsolute) << 60.0 << 0 << 60.0 << 180.0 << Texts{"23:01", "23:03", "00:02"};
-    QTest::newRow("moments of today, in seconds") << int(ModeXAbsolute) << 5.0 << 0 << 60.0 << 182.0
-                                                  << Texts{"23:01:00", "23:03:02", "00:02:02"};
     QTest::newRow("moments around midnight: both with their date")
         << int(ModeXAbsolute) << 60.0 << 0 << 60.0 << 3660.0
         << Texts{"01.03.26 23:01", "02.03.26 00:01", "01:00"};
     QTest::newRow("moments of yesterday") << int(ModeXAbsolute) << 60.0 << 1 << 60.0 << 180.0
                                           << Texts{"01.03.26 23:01", "01.03.26 23:03", "00:02"};
-    QTest::newRow("moments more than a day apart")
-        << int(ModeXAbsolute) << 3600.0 << 2 << 0.0 << 90000.0
-        << Texts{"01.03.26 23:00", "03.03.26 00:00", "02 01:00"};
 }
 
 void TestQwtNOXMeasure::writesTimes()
@@ -221,13 +209,9 @@ void TestQwtNOXMeasure::writesStatistics_data()
     QTest::addColumn<QStringList>("texts"); // count, mean, deviation
     using Texts = QStringList;
     QTest::newRow("two of five") << 5 << 0.5 << 2.5 << Texts{"2", "3.000", "1.4142"};
-    QTest::newRow("both ends count") << 5 << 1.0 << 2.0 << Texts{"2", "3.000", "1.4142"};
     QTest::newRow("the newest does not") << 5 << 0.5 << 10.0 << Texts{"3", "4.667", "3.0551"};
-    QTest::newRow("all but the newest") << 5 << -1.0 << 4.0 << Texts{"4", "3.750", "3.0957"};
     QTest::newRow("a single one has no deviation") << 5 << 0.5 << 1.5 << Texts{"1", "2.000", "--"};
     QTest::newRow("none between") << 5 << 1.2 << 1.8 << Texts{"0", "--", "--"};
-    QTest::newRow("only the newest") << 5 << 3.5 << 9.0 << Texts{"0", "--", "--"};
-    QTest::newRow("beyond all") << 5 << 10.0 << 20.0 << Texts{"0", "--", "--"};
     QTest::newRow("a series of one point") << 1 << -1.0 << 9.0 << Texts{"0", "--", "--"};
     QTest::newRow("no points") << 0 << 0.0 << 9.0 << Texts{"0", "--", "--"};
 }

@@ -87,6 +87,8 @@ void TestTimeText::writesTimesAlike_data()
     QTest::newRow("durations") << ModeXRelative << 3600.9 << 7325.0 << 60.0 << "01:00|02:02|01:02";
     QTest::newRow("durations to the second")
         << ModeXRelative << 61.0 << 3725.0 << 30.0 << "00:01:01|01:02:05|01:01:04";
+    QTest::newRow("just a day is not over it")
+        << ModeXRelative << 3600.0 << 86400.0 << 3600.0 << "01:00|00:00|23:00";
     QTest::newRow("the second one is over a day")
         << ModeXRelative << 3600.0 << 90000.0 << 60.0 << "01 01:00|02 01:00|02 00:00";
     QTest::newRow("both today") << ModeXAbsolute << 0.0 << 3600.0 << 60.0 << "22:45|23:45|01:00";

@@ -48,6 +48,10 @@ void TestZoomChoice::showsARectangle_data()
         << QRectF(7.3, 20, 0, 0) << 7.3 << "1 сек." << 19.999995 << "0.000001";
     QTest::newRow("higher by a hair than a row allows")
         << QRectF(0, -0.4, 10, 0.9) << 0.0 << "1 сек." << -1.0 << "0.2";
+    QTest::newRow("a height that just fits")
+        << QRectF(0, 16, 10, 8.8) << 0.0 << "1 сек." << 15.0 << "1";
+    QTest::newRow("a height that just does not")
+        << QRectF(0, 16, 10, 9) << 0.0 << "1 сек." << 10.0 << "2";
     QTest::newRow("wider than any row") << QRectF(0, 0, 2e6, 1) << 0.0 << "30 ч." << -0.4 << "0.2";
     QTest::newRow("higher than any row")
         << QRectF(0, -1e5, 10, 2e5) << 0.0 << "1 сек." << -10000.0 << "2000";
