@@ -46,6 +46,18 @@ QwtPlotMarker *addLimitLine(QwtPlot *plot)
     return line;
 }
 
+/** Plot index and number of every channel whose difference has that reference. */
+QVector<QPair<int, uchar>> referringTo(const QMap<int, PlotDevice> &devices, int diffQwtIndex,
+                                       int diffCh)
+{
+    QVector<QPair<int, uchar>> found;
+    for (auto device = devices.cbegin(); device != devices.cend(); ++device)
+        for (int ch = 0; ch < device->ch.size(); ++ch)
+            if (device->ch[ch].diffQwtIndex == diffQwtIndex && device->ch[ch].diffCh == diffCh)
+                found.append({device.key(), static_cast<uchar>(ch)});
+    return found;
+}
+
 } // namespace
 
 QwtNOX::QwtNOX(QWidget *parent)
@@ -176,10 +188,11 @@ void QwtNOX::removeLastChannel(int qwtIndex)
     delete device.ch.last().averCurve;
     device.ch.removeLast();
 
-    for (auto other = m_devices.cbegin(); other != m_devices.cend(); ++other) {
-        for (int ch = 0; ch < other->ch.size(); ++ch)
-            if (other->ch[ch].diffQwtIndex == qwtIndex && other->ch[ch].diffCh == removed)
-                endDifference(other.key(), static_cast<uchar>(ch));
+    // Whoever hears that a difference ended may change the records: all are found before.
+    for (const auto &[index, ch] : referringTo(m_devices, qwtIndex, removed)) {
+        const _ch *channel = findChannel(index, ch);
+        if (channel && channel->diffQwtIndex == qwtIndex && channel->diffCh == removed)
+            endDifference(index, ch);
     }
 }
 

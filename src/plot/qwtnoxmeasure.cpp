@@ -27,6 +27,8 @@ void QwtNOX::startMeasurement(const QPointF &point)
     if (!findChannel(m_mainIndex, 255))
         return;
     setChMode(ModeMeasure);
+    if (getChMode() != ModeMeasure)
+        return; // whoever heard of it has taken the instrument away or chosen another mode
     m_measurement->start(point);
     addMeasPointFirst(point, m_measurement->placeOf(point));
     m_frameClock.request();

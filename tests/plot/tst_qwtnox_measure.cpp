@@ -41,6 +41,7 @@ private slots:
     void crossHairReadsTimeAndValue();
     void lostInstrumentLeavesNothingBehind_data();
     void lostInstrumentLeavesNothingBehind();
+    void instrumentLostAtTheFirstPoint();
 
 private:
     void measure(double x1, double x2)
@@ -491,6 +492,15 @@ void TestQwtNOXMeasure::lostInstrumentLeavesNothingBehind()
         QCOMPARE(screen.plot.getChMode(), ModeMeasure);
         QCOMPARE(screen.crosses().size(), 1);
     }
+}
+
+void TestQwtNOXMeasure::instrumentLostAtTheFirstPoint()
+{
+    connect(&m_screen->plot, &QwtNOX::onChModeChange, &m_screen->plot,
+            [this] { m_screen->plot.removeDev(0); });
+    m_screen->mouse.click(m_screen->mouse.middle());
+    QVERIFY(!isSeen("pointFrame"));
+    QVERIFY(m_screen->crosses().isEmpty());
 }
 
 QTEST_MAIN(TestQwtNOXMeasure)

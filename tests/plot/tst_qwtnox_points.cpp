@@ -68,6 +68,7 @@ private slots:
     void removingADeviceLeavesNothingBehind();
     void secondDeviceSharesTheTimeOrigin();
     void listenerMayRemoveTheDevice();
+    void listenerMayRemoveWhoLosesItsReference();
 
 private:
     const QDateTime m_start{{2026, 3, 1}, {12, 0}};
@@ -452,6 +453,22 @@ void TestQwtNOXPoints::listenerMayRemoveTheDevice()
     connect(m_plot.get(), &QwtNOX::onAddPoint, m_plot.get(), [this] { m_plot->removeDev(0); });
     QVERIFY(m_plot->addPoint(20, 1, "°С", 0, 0));
     QVERIFY(m_plot->devices().isEmpty());
+}
+
+void TestQwtNOXPoints::listenerMayRemoveWhoLosesItsReference()
+{
+    for (const int qwtIndex : {1, 2, 3}) {
+        m_plot->addDev(qwtIndex, 2);
+        for (const uchar ch : {0, 1})
+            refer(*m_plot, qwtIndex, ch, 0, 1);
+    }
+    connect(m_plot.get(), &QwtNOX::onChModeChange, m_plot.get(), [this](int qwtIndex) {
+        m_plot->removeDev(qwtIndex);
+        m_plot->removeDev(2);
+    });
+    m_plot->setChCount(1, 0);
+    QCOMPARE(m_plot->devices().keys(), QList<int>({0}));
+    QCOMPARE(int(m_plot->getChCount(0)), 1);
 }
 
 QTEST_MAIN(TestQwtNOXPoints)
