@@ -118,6 +118,8 @@ void QwtNOX::removeDev(int qwtIndex)
         }
     }
     setChCount(0, qwtIndex);
+    while (getChCount(qwtIndex) > 0) // whoever heard of it added a point
+        removeLastChannel(qwtIndex);
     const _dev removed = m_devices.take(qwtIndex);
     delete removed.upperMarker;
     delete removed.lowerMarker;

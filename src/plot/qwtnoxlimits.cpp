@@ -18,9 +18,12 @@ void QwtNOX::setModeTrack(TmcTrackingMode mode, int qwtIndex)
     _dev *device = findDevice(qwtIndex);
     if (!device || mode < TrackOff || mode > TrackLower)
         return;
-    for (QwtPlotMarker *limit : {device->upperMarker, device->lowerMarker})
-        if (limit)
-            limit->setVisible(false);
+    for (QwtPlotMarker *limit : {device->upperMarker, device->lowerMarker}) {
+        if (!limit)
+            continue;
+        limit->setVisible(false);
+        limit->setValue(0, qQNaN()); // nowhere, until it is placed
+    }
     device->modeTrack = mode;
     if (mode != TrackOff)
         setChMode(ModeLimits, qwtIndex);
@@ -59,7 +62,8 @@ void QwtNOX::placeLimit(const QPointF &point)
 bool QwtNOX::violatesLimit(int qwtIndex, uchar ch) const
 {
     const _dev *device = findDevice(qwtIndex);
-    if (!device)
+    // whoever heard of the point may have cleared the series
+    if (!device || device->modeTrack == TrackOff || getChMeasCount(qwtIndex, ch) == 0)
         return false;
     const double value = getChMeas(qwtIndex, ch);
     const auto isChecked = [device](const QwtPlotMarker *limit, TmcTrackingMode alone) {

@@ -22,12 +22,15 @@ void updateVisibility(const PlotDevice &device)
         updateVisibility(device, channel);
 }
 
+/** Shows the limits that `mode` watches, as far as they have been placed. */
 void showLimits(const PlotDevice &device, TmcTrackingMode mode)
 {
-    if (device.upperMarker)
-        device.upperMarker->setVisible(mode == TrackRange || mode == TrackUpper);
-    if (device.lowerMarker)
-        device.lowerMarker->setVisible(mode == TrackRange || mode == TrackLower);
+    const auto show = [](QwtPlotMarker *limit, bool isWatched) {
+        if (limit)
+            limit->setVisible(isWatched && !qIsNaN(limit->yValue()));
+    };
+    show(device.upperMarker, mode == TrackRange || mode == TrackUpper);
+    show(device.lowerMarker, mode == TrackRange || mode == TrackLower);
 }
 
 /** Leaves one channel of the instrument on show, and that only on the main instrument. */

@@ -22,6 +22,7 @@ private slots:
     void viewFollowsWhilePlacing();
     void leavingTheModeLeavesNothingUnderWay();
     void mainInstrumentShowsItsOwnLimits();
+    void limitsNeverPlacedStayAway();
     void otherInstrumentsChoiceLeavesTheMouse();
 
 private:
@@ -221,6 +222,22 @@ void TestQwtNOXLimits::mainInstrumentShowsItsOwnLimits()
     m_screen->plot.setDevMain(0);
     QCOMPARE(limits(0) + limits(1), QStringList({"20.40", "20.10", "-", "-"}));
     QCOMPARE(m_screen->plot.getModeTrack(1), TrackLower);
+}
+
+void TestQwtNOXLimits::limitsNeverPlacedStayAway()
+{
+    m_screen->plot.setModeTrack(TrackRange);
+    place(20.4); // the lower one is left out
+    m_screen->plot.setDevMain(1);
+    m_screen->plot.setDevMain(0);
+    QCOMPARE(limits(), QStringList({"20.40", "-"}));
+    m_screen->plot.setModeTrack(TrackRange);
+    m_screen->plot.setDevMain(1);
+    m_screen->plot.setDevMain(0);
+    QCOMPARE(limits(), QStringList({"-", "-"}));
+    SignalLog log(m_screen->plot);
+    m_screen->add(500, 66);
+    QCOMPARE(log.take(), QStringList("onAddPoint 0 0"));
 }
 
 void TestQwtNOXLimits::otherInstrumentsChoiceLeavesTheMouse()

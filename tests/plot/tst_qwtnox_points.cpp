@@ -1,8 +1,10 @@
+#include "numbers.h"
 #include "plot/envelopecurve.h"
 #include "signallog.h"
 
 #include <QtTest>
 #include <qwt_plot_marker.h>
+#include <qwt_scale_draw.h>
 
 #include <cmath>
 #include <limits>
@@ -22,15 +24,6 @@ void refer(QwtNOX &plot, int qwtIndex, int ch, int diffQwtIndex, uchar diffCh)
 {
     plot.devices()[qwtIndex].ch[ch].diffQwtIndex = diffQwtIndex;
     plot.devices()[qwtIndex].ch[ch].diffCh = diffCh;
-}
-
-template<typename Sequence>
-QVector<double> toVector(const Sequence &series)
-{
-    QVector<double> values;
-    for (int i = 0; i < series.size(); ++i)
-        values.append(series[i]);
-    return values;
 }
 
 } // namespace
@@ -67,6 +60,9 @@ private slots:
     void preparingMovesTheTimeOrigin();
     void removingADeviceLeavesNothingBehind();
     void secondDeviceSharesTheTimeOrigin();
+    void listenerMayAddPointsToWhoLeaves();
+    void listenerMayClear();
+    void otherChannelsAskForAFrameToo();
     void listenerMayRemoveTheDevice();
     void listenerMayRemoveWhoLosesItsReference();
 
@@ -179,9 +175,9 @@ void TestQwtNOXPoints::storesWithUnitAndAverage()
     m_plot->addPoint(10, 1, "°С", 0, 0);
     m_plot->addPoint(20, 2, "Ом", 0, 0);
     const QwtNOX::_ch &channel = m_plot->devices()[0].ch[0];
-    QCOMPARE(toVector(channel.meas), QVector<double>({10, 20}));
-    QCOMPARE(toVector(channel.time), QVector<double>({1, 2}));
-    QCOMPARE(toVector(channel.aver), QVector<double>({10, 15}));
+    QCOMPARE(numbersOf(channel.meas), QVector<double>({10, 20}));
+    QCOMPARE(numbersOf(channel.time), QVector<double>({1, 2}));
+    QCOMPARE(numbersOf(channel.aver), QVector<double>({10, 15}));
     QCOMPARE(channel.dims.at(0), QString("°С"));
     QCOMPARE(m_plot->getChDim(0, 0), QString("Ом"));
 }
@@ -386,6 +382,9 @@ void TestQwtNOXPoints::shrinkingEndsDifferences()
     m_plot->getChDiff(&diffCh, &diffQwtIndex, 1, 1);
     QCOMPARE(int(diffCh), 0);
     QCOMPARE(diffQwtIndex, 0);
+    refer(*m_plot, 1, 2, 0, 1); // one more than there are
+    m_plot->getChDiff(&diffCh, &diffQwtIndex, 1, 2);
+    QCOMPARE(int(diffCh), 255);
 }
 
 void TestQwtNOXPoints::clearingKeepsTheSettings()
@@ -407,11 +406,16 @@ void TestQwtNOXPoints::clearingKeepsTheSettings()
 void TestQwtNOXPoints::preparingMovesTheTimeOrigin()
 {
     addPoints(*m_plot, 0, 0, {1, 2, 3});
+    m_plot->setChModeX(ModeXAbsolute);
+    const QwtScaleDraw *labels = m_plot->axisScaleDraw(QwtPlot::xBottom);
+    const int widthWithoutDate = labels->maxLabelWidth(QFont());
     m_log->take();
     m_plot->prepareMeas(0, m_start.addDays(-1));
     QCOMPARE(m_log->take(), QStringList("onChange 0"));
     QCOMPARE(m_plot->getChMeasCount(0, 0), 0);
     QCOMPARE(m_plot->getStartDateTime(0), m_start.addDays(-1));
+    labels = m_plot->axisScaleDraw(QwtPlot::xBottom);
+    QVERIFY(labels->maxLabelWidth(QFont()) > widthWithoutDate);
     m_plot->addPoint(20, "°С", 0, 0);
     QCOMPARE(m_plot->getChTime(0, 0), 86400.0);
     m_plot->prepareMeas(5, m_start);
@@ -446,6 +450,39 @@ void TestQwtNOXPoints::secondDeviceSharesTheTimeOrigin()
     m_plot->addDev(-1, 7);
     QCOMPARE(m_plot->devices().keys(), QList<int>({0, 1}));
     QCOMPARE(int(m_plot->getChCount(1)), 2);
+}
+
+void TestQwtNOXPoints::listenerMayAddPointsToWhoLeaves()
+{
+    m_plot->addDev(1, 0);
+    m_plot->addPoint(20, 1, "°С", 1, 0);
+    const int curves = m_plot->itemList(QwtPlotItem::Rtti_PlotCurve).size();
+    connect(m_plot.get(), &QwtNOX::onChange, m_plot.get(), [this](int qwtIndex) {
+        if (qwtIndex == 1 && m_plot->getChCount(1) == 0)
+            m_plot->addPoint(20, 2, "°С", 1, 0);
+    });
+    m_plot->removeDev(1);
+    QCOMPARE(m_plot->itemList(QwtPlotItem::Rtti_PlotCurve).size(), curves - 2);
+}
+
+void TestQwtNOXPoints::listenerMayClear()
+{
+    QwtNOX::_dev &device = m_plot->devices()[0];
+    device.modeTrack = TrackLower;
+    device.lowerMarker->setYValue(10);
+    device.lowerMarker->setVisible(true);
+    connect(m_plot.get(), &QwtNOX::onAddPoint, m_plot.get(), [this] { m_plot->clear(0); });
+    m_log->take();
+    QVERIFY(m_plot->addPoint(20, 1, "°С", 0, 0));
+    QCOMPARE(m_log->take(), QStringList("onAddPoint 0 0"));
+}
+
+void TestQwtNOXPoints::otherChannelsAskForAFrameToo()
+{
+    m_plot->frameClock().flush();
+    QVERIFY(!m_plot->frameClock().isDue());
+    m_plot->addPoint(20, 1, "°С", 0, 1);
+    QVERIFY(m_plot->frameClock().isDue());
 }
 
 void TestQwtNOXPoints::listenerMayRemoveTheDevice()

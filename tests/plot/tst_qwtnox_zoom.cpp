@@ -36,6 +36,7 @@ private slots:
     void wheelStopsAtTheEnds_data();
     void wheelStopsAtTheEnds();
     void wheelCentresAtTheCursor();
+    void wheelCentresInTheAutomaticModeToo();
     void wheelNeverShowsTimesBelowZero();
     void wheelWorksFromAutomaticScales_data();
     void wheelWorksFromAutomaticScales();
@@ -326,6 +327,18 @@ void TestQwtNOXZoom::wheelCentresAtTheCursor()
     QCOMPARE(zoomer()->property("center").toPointF(), cursor);
     m_screen->plot.changeScaleX(6);
     QVERIFY(std::abs(m_screen->middle(QwtPlot::xBottom) - cursor.x()) < 1e-6);
+}
+
+void TestQwtNOXZoom::wheelCentresInTheAutomaticModeToo()
+{
+    m_screen->plot.setChMode(ModeAuto);
+    const QPoint at = m_screen->mouse.pixel(50, 20.3);
+    const QPointF cursor = m_screen->mouse.point(at);
+    m_screen->mouse.wheel(at, false);
+    QCOMPARE(m_screen->plot.getChMode(), ModeFollow);
+    QCOMPARE(rows(),
+             qMakePair(int(m_screen->plot.getChScaleX()), int(m_screen->plot.getChScaleY())));
+    QVERIFY(std::abs(m_screen->middle(QwtPlot::yLeft) - cursor.y()) < 1e-9);
 }
 
 void TestQwtNOXZoom::wheelNeverShowsTimesBelowZero()
