@@ -201,5 +201,6 @@ void QwtNOX::updLabelScale()
     font.setPointSize(captionPoints);
     caption.setFont(font);
     caption.setRenderFlags(Qt::AlignRight | Qt::AlignTop);
+    caption.setBackgroundBrush(QColor(255, 255, 255, 200)); // legible above curves
     m_caption->setText(caption);
 }
