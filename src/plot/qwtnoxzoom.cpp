@@ -83,8 +83,7 @@ QPointF QwtNOX::middleOfView() const
 QPointF QwtNOX::cursor() const
 {
     const QVariant position = m_crossHair->property("pos");
-    return position.isValid() ? position.toPointF()
-                              : QPointF(axisView(xBottom).middle(), axisView(yLeft).middle());
+    return position.isValid() ? position.toPointF() : middleOfView();
 }
 
 void QwtNOX::scrollCanvas(const QPointF &p)
