@@ -357,10 +357,13 @@ void NOXSerialPort::sendDevWord(int devIndex, QByteArray buf, quint8 address, bo
     sendDevWord(devIndex, dataItem(buf, address, showPr, qMode));
 }
 
-/** Hands the head of the read queue to the worker, unless it has it already. */
+/**
+ * Hands the head of the read queue to the worker, unless it has it already, or has a write: the two
+ * would begin in an order of chance, and what the read says may be what the write changes.
+ */
 void NOXSerialPort::startQuery(int devIndex)
 {
-    if (m_queryHandedOver.contains(devIndex))
+    if (isExchanging(devIndex))
         return;
     m_queryHandedOver.insert(devIndex);
     emit readyDevQuery(devIndex, m_queryQueues[devIndex].head());
@@ -374,6 +377,11 @@ void NOXSerialPort::startData(int devIndex)
     emit readyDevData(devIndex, m_dataQueues[devIndex].head());
 }
 
+bool NOXSerialPort::isExchanging(int devIndex) const
+{
+    return m_queryHandedOver.contains(devIndex) || m_dataHandedOver.contains(devIndex);
+}
+
 /** Chooses a device's next exchange: a write, else a read, else its stream flows again. */
 void NOXSerialPort::startNext(int devIndex)
 {
@@ -384,7 +392,7 @@ void NOXSerialPort::startNext(int devIndex)
         startData(devIndex);
     else if (!m_queryQueues.value(devIndex).isEmpty())
         startQuery(devIndex);
-    else
+    else if (!isExchanging(devIndex)) // what the worker still has may be forgotten, but not done
         emit blockStatusEvent(devIndex, false);
 }
 

@@ -60,7 +60,8 @@ public:
     bool isEmptyDataQueue(int devIndex) const;
     /**
      * Forgets a device's queued reads, writes and held replies, for an instrument that moves to
-     * another record. An exchange that its worker has begun is finished and changes no queue.
+     * another record. An exchange that its worker has begun is finished and changes no queue; what
+     * is queued meanwhile waits for it.
      */
     void emptyQueues(int devIndex);
 
@@ -165,6 +166,7 @@ private:
     void connectWorker(noxSerialPortThread *worker);
     int senderIndex() const;
     bool isBlocked(int devIndex) const { return m_blockedDevices.contains(devIndex); }
+    bool isExchanging(int devIndex) const;
     void startQuery(int devIndex);
     void startData(int devIndex);
     void startNext(int devIndex);

@@ -287,6 +287,14 @@ void TestNoxSerialPort::emptiedQueuesForgetTheExchangeInProgress()
     port->sendDevQuery(device, configuration, 3976);
     QTRY_VERIFY(port->isReadAllQuery());
     QCOMPARE(exchanged(), (QVector<int>{reference, configuration}));
+
+    port->sendDevData(device, clockBytes('x'), clockWrite);
+    port->emptyQueues(device);
+    QSignalSpy handedOver(port.get(), &NOXSerialPort::readyDevQuery);
+    port->sendDevQuery(device, identification, identificationSize);
+    QVERIFY2(handedOver.isEmpty(), "a read beside a write, which may begin after it");
+    QTRY_VERIFY(port->isReadAllQuery());
+    QCOMPARE(exchanged().mid(2), (QVector<int>{clockWrite, identification}));
     bench->host.setStreaming("a", true);
     QTRY_VERIFY(!journal->measurements.isEmpty());
 }
