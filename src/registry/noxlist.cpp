@@ -8,7 +8,6 @@ namespace
 {
 
 constexpr int mostRecords = 255;
-constexpr quint8 connectionLostCode = 200;
 
 } // namespace
 
@@ -20,6 +19,7 @@ noxList::noxList(NOXSerialPort *serialPort, noxSql *database)
             [this](int devIndex, QByteArray *buf, quint8 address, noxQueryMode mode) {
                 m_serialPort->sendDevData(devIndex, buf, address, true, mode);
             });
+    connectSerialPort();
 }
 
 noxList::~noxList()
@@ -129,12 +129,13 @@ void noxList::rmByIndex(int index)
         return;
     disConnByIndex(index);
     // while the worker was ending, the record may have been removed by somebody else
-    const std::unique_ptr<_nox> nox(m_records.take(index));
+    std::unique_ptr<_nox> nox(m_records.take(index));
     if (!nox)
         return;
     nox->opt->disconnect(this);
-    disconnectWhenEmpty();
-    emit onRmNox(index, nox->qwtIndex);
+    const int qwtIndex = nox->qwtIndex;
+    nox.reset(); // with its timer, before anybody hears of it and lets other events in
+    emit onRmNox(index, qwtIndex);
 }
 
 void noxList::detachByIndex(int index)
@@ -144,7 +145,6 @@ void noxList::detachByIndex(int index)
         return;
     nox->opt->disconnect(this);
     nox->txTimer->disconnect(this);
-    disconnectWhenEmpty();
 }
 
 void noxList::detachByDevIndex(int devIndex)

@@ -19,7 +19,8 @@ class noxSql;
  * It maps the four indices of an instrument (registry index, `devIndex` at the multiplexer,
  * `qwtIndex` on the plot, `dbIndex` in the database) to each other, hands the multiplexer's replies
  * to the instrument's image, turns what the image asks for into writes, passes measurements on
- * under the registry index with a unit text, and reports a lost connection. GUI thread only.
+ * under the registry index with a unit text, and reports a lost connection. It listens to the
+ * multiplexer from its construction on. GUI thread only.
  *
  * A record belongs to the registry from newNox() or addNox() on until it is removed or detached.
  * While it is handed over, between addNox() of the one registry and the detaching from the other,
@@ -143,7 +144,6 @@ private:
     void connectChanges(const _nox *nox);
     void connectRequests(_nox *nox);
     void connectSerialPort();
-    void disconnectWhenEmpty();
     void setCommandByte(const _nox *nox);
     QString unitText(const _nox &nox, quint8 ch, char dim) const;
 
@@ -159,7 +159,7 @@ private:
     void applyIdentity(_nox *nox);
     void applyDevice(const _nox *nox);
 
-    void storeUnit(const _nox *nox, quint8 ch);
+    void storeUnit(int index, quint8 ch);
     void storeIdentity(_nox *nox);
     void updateReferenceData(const _nox *nox);
     void recogniseSnapShot(_nox *nox);
@@ -169,5 +169,4 @@ private:
     noxSql *m_database;          ///< not owned
     QMap<int, _nox *> m_records; ///< owned, by registry index
     int m_writeDelayMs = 5000;
-    bool m_isListening = false; ///< the multiplexer's signals are connected
 };

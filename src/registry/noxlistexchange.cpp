@@ -175,9 +175,10 @@ void noxList::storeIdentity(_nox *nox)
     emit onIdentChange(nox->index);
 }
 
-void noxList::storeUnit(const _nox *nox, quint8 ch)
+void noxList::storeUnit(int index, quint8 ch)
 {
-    if (nox->dbIndex < 1 || ch >= nox->opt->getDevChCount())
+    const _nox *nox = getNoxByIndex(index); // whoever heard of the change may have removed it
+    if (!nox || nox->dbIndex < 1 || ch >= nox->opt->getDevChCount())
         return;
     const bool isCustom = nox->opt->getCh(ch).measType == measTemperatureCustom &&
                           !nox->opt->getChDimCust(ch).isEmpty();

@@ -8,35 +8,27 @@ constexpr quint8 connectionLostCode = 200;
 
 } // namespace
 
-/** Connects what a record of this registry reports and, with the first one, the multiplexer. */
+/** Connects what a record of this registry reports. */
 void noxList::setSignal(_nox *nox)
 {
     connect(nox->txTimer.get(), &QTimer::timeout, this,
             [this, index = nox->index] { writePending(index); });
-    connectSerialPort();
     connectRequests(nox);
     connectChanges(nox);
 }
 
+/**
+ * Connects the multiplexer, once and from the beginning: whoever listens to it later finds replies
+ * applied to the records that were there, and not to one that he makes of the reply himself.
+ */
 void noxList::connectSerialPort()
 {
-    if (m_isListening)
-        return;
-    m_isListening = true;
     connect(m_serialPort, QOverload<int, QByteArray *, quint8>::of(&NOXSerialPort::readyDevReply),
             this, &noxList::applyDevQuery);
     connect(m_serialPort, &NOXSerialPort::doneSendDevData, this, &noxList::onDoneSendDevData);
     connect(m_serialPort, &NOXSerialPort::readyDevMeas, this, &noxList::onReadyDevMeas);
     connect(m_serialPort, QOverload<int, quint16>::of(&NOXSerialPort::onDevError), this,
             &noxList::onLinkError);
-}
-
-void noxList::disconnectWhenEmpty()
-{
-    if (!m_records.isEmpty())
-        return;
-    m_serialPort->disconnect(this);
-    m_isListening = false;
 }
 
 /** What the image asks to be written. */
@@ -47,9 +39,9 @@ void noxList::connectRequests(_nox *nox)
     const auto request = [this, nox](Image::tx_code code) {
         return [this, nox, code] { sendNoxData(nox->index, code); };
     };
-    connect(image, &Image::onChApply, this, [this, nox](quint8 ch) {
+    connect(image, &Image::onChApply, this, [this, nox, index = nox->index](quint8 ch) {
         writeChannel(nox, ch);
-        storeUnit(nox, ch);
+        storeUnit(index, ch);
     });
     connect(image, &Image::onIdentApply, this, [this, nox] { applyIdentity(nox); });
     connect(image, &Image::onSNApply, this, [this, nox, image] {
@@ -74,9 +66,9 @@ void noxList::connectChanges(const _nox *nox)
 {
     using Image = optionsNOX8;
     const Image *const image = nox->opt.get();
-    connect(image, &Image::onChChange, this, [this, nox](quint8 ch) {
-        emit onChChange(nox->index, ch);
-        storeUnit(nox, ch);
+    connect(image, &Image::onChChange, this, [this, index = nox->index](quint8 ch) {
+        emit onChChange(index, ch);
+        storeUnit(index, ch);
     });
     connect(image, &Image::onDevChange, this, [this, nox] {
         setCommandByte(nox);

@@ -50,6 +50,7 @@ private slots:
     void failedExchangeIsALostConnection();
     void errorOfAnUnknownDeviceIsIgnored();
     void recordRemovedByTheReceiverOfItsError();
+    void instrumentOnAnotherPortLeavesNoLinkBehind();
 
 private:
     /** A wired record on the plot for a device. */
@@ -432,6 +433,22 @@ void TestNoxList::recordRemovedByTheReceiverOfItsError()
     QTRY_COMPARE(removed.size(), 1);
     QVERIFY(list->indices().isEmpty());
     QTRY_COMPARE(port->getPortName(device), QString("-"));
+}
+
+void TestNoxList::instrumentOnAnotherPortLeavesNoLinkBehind()
+{
+    noxList::_nox *nox = onPlot(connectInstrument("a"));
+    noxList found(port.get(), &closedDatabase);
+    noxList::_nox *same = found.newNox(connectInstrument("b"), false);
+    for (const noxList::_nox *record : {nox, same}) {
+        record->opt->setDevType(typeB);
+        record->opt->setDevNumber(5);
+    }
+    const int former = nox->devIndex;
+    QVERIFY(list->addNox(same));
+    QCOMPARE(nox->portName, QString("b"));
+    QTRY_COMPARE(port->devices(), QList<int>{nox->devIndex});
+    QVERIFY(nox->devIndex != former);
 }
 
 QTEST_GUILESS_MAIN(TestNoxList)

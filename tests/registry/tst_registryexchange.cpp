@@ -27,6 +27,7 @@ private slots:
     void requestsExtendTheDelay();
     void measurementsWaitForTheWrites();
     void recordRemovedWhileWritesWait();
+    void recordRemovedWhenAChannelChanges();
     void unitsAreStored();
     void identityGivesTheRow();
     void writtenReferenceDataAreStored();
@@ -183,6 +184,24 @@ void TestRegistryExchange::recordRemovedWhileWritesWait()
     nox.opt->triggerDevChange();
     QTRY_VERIFY(registry->indices().isEmpty());
     QVERIFY(written.isEmpty());
+
+    // who hears of a removal may let events in for longer than writes wait
+    connect(registry.get(), &noxList::onRmNox, this, [] { QTest::qWait(200); });
+    noxList::_nox &leaving = *add(0x22, 5, true);
+    leaving.opt->triggerRefChange();
+    registry->rmByIndex(leaving.index);
+    QVERIFY(written.isEmpty());
+}
+
+void TestRegistryExchange::recordRemovedWhenAChannelChanges()
+{
+    noxList::_nox &nox = *add(0x22, 5, true);
+    connect(registry.get(), &noxList::onChChange, this,
+            [this](int index) { registry->rmByIndex(index); });
+    const int row = nox.dbIndex;
+    nox.opt->setChMeasType(3, measTemperatureCustom, "K");
+    QVERIFY(registry->indices().isEmpty());
+    QVERIFY(!database->getDevProperty(row).contains("ch_3-dim"));
 }
 
 void TestRegistryExchange::unitsAreStored()
