@@ -31,12 +31,13 @@ findNox::findNox(QWidget *parent, noxList *registry)
     , m_message(new QLabel(this))
 {
     m_ui->setupUi(this);
+    m_table = std::make_unique<FoundTable>(m_ui->newDevTable);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     layout()->setSizeConstraint(QLayout::SetFixedSize);
+    // its records only wait here: what their instruments answer is this dialog's to decide
+    registry->serialPort()->disconnect(m_found.get());
     m_message->setAlignment(Qt::AlignCenter);
-    m_message->hide();
-    m_ui->progressLayout->addWidget(m_message);
-    buildTable();
+    m_ui->progressStack->addWidget(m_message);
     connect(this, &QDialog::finished, this, &findNox::endSearch);
 }
 
@@ -79,19 +80,18 @@ void findNox::runScan()
     forgetFound();
     if (!m_isSearching) // ... and they may have closed the dialog
         return;
-    clearTable();
     if (PortCatalog::current().ports().isEmpty())
         return showIdle(tr("Нет доступных портов"));
 
     m_ui->newDevTable->setEnabled(false);
     m_ui->connectBtn->setEnabled(false);
     m_ui->scanBtn->setEnabled(false);
-    m_message->hide();
     m_ui->progressBar->setRange(0, 0);
-    m_ui->progressBar->show();
+    m_ui->progressStack->setCurrentWidget(m_ui->progressBar);
     const int opened = openFreePorts();
     m_ui->progressBar->setValue(0);
     m_ui->progressBar->setProperty("max", opened);
+    tellWhoIsAwaited();
     if (opened == 0)
         showIdle(tr("Нет доступных портов"));
 }
@@ -116,13 +116,27 @@ int findNox::openFreePorts()
 
 void findNox::showIdle(const QString &message)
 {
-    clearTable();
     m_ui->newDevTable->setEnabled(false);
     m_ui->connectBtn->setEnabled(false);
     m_ui->scanBtn->setEnabled(true);
-    m_ui->progressBar->hide();
-    m_message->setText(message);
-    m_message->show();
+    showMessage(message);
+}
+
+/** Shows a text in the place of the progress bar. */
+void findNox::showMessage(const QString &text)
+{
+    m_message->setText(text);
+    m_ui->progressStack->setCurrentWidget(m_message);
+}
+
+/** A port that says nothing holds a scan for a minute: the operator can see which one it is. */
+void findNox::tellWhoIsAwaited()
+{
+    QStringList names;
+    for (const int devIndex : m_awaited)
+        names << m_registry->serialPort()->getPortName(devIndex);
+    names.sort();
+    m_ui->progressBar->setToolTip(tr("Ожидается ответ: %1").arg(names.join(QStringLiteral(", "))));
 }
 
 /** A device of the scan has been dealt with, for whatever reason; counted once. */
@@ -133,6 +147,7 @@ void findNox::countStep(int devIndex)
     const int opened = m_ui->progressBar->property("max").toInt();
     m_ui->progressBar->setRange(0, opened);
     m_ui->progressBar->setValue(opened - m_awaited.size());
+    tellWhoIsAwaited();
     if (m_awaited.isEmpty())
         allQueryCopmlite();
 }
@@ -189,7 +204,7 @@ void findNox::forgetFound()
     const QScopedValueRollback<bool> clearing(m_isClearing, true);
     ++m_search;
     m_awaited.clear();
-    m_rows.clear();
+    m_table->clear();
     while (!m_found->indices().isEmpty())
         forgetRecord(m_found->indices().first());
     dropUnknownDevices();
@@ -263,7 +278,8 @@ void findNox::takeRecognised(noxList::_nox *found)
 {
     const int devIndex = found->devIndex;
     const bool isTheOne = m_numberFilter != 0 && found->opt->devNumber == m_numberFilter;
-    addRecognisedRow(*found);
+    m_table->addRecognised(found->portName, found->opt->getDevName(false),
+                           found->opt->getDevNumberStr());
     if ((m_numberFilter == 0 || isTheOne) && handOver(found) && isTheOne)
         return accept();
     countStep(devIndex);
@@ -298,19 +314,19 @@ void findNox::devError(int devIndex, quint16 code)
         dropWaiting(devIndex);
 }
 
-/** An instrument that waits for the operator has gone: its row goes too. */
+/** An instrument that was found and not handed over has gone, and nobody with it. */
 void findNox::dropWaiting(int devIndex)
 {
     const int search = m_search;
     const int index = m_found->getIndexByDev(devIndex);
-    readNumbers();
-    m_rows.erase(std::remove_if(m_rows.begin(), m_rows.end(),
-                                [index](const WaitingRow &row) { return row.index == index; }),
-                 m_rows.end());
-    showWaiting();
+    m_table->removeWaiting(index);
     forgetRecord(index);
-    if (search == m_search && m_rows.isEmpty())
+    if (search != m_search || !m_awaited.isEmpty()) // the removal lets other events in
+        return;
+    if (waiting().isEmpty())
         accept();
+    else
+        showCount();
 }
 
 // What is left for the operator
@@ -320,40 +336,55 @@ void findNox::allQueryCopmlite()
     if (m_ui->skipNoneCB->isChecked())
         return accept();
     m_ui->scanBtn->setEnabled(true);
-    m_ui->progressBar->hide();
-    m_message->setText(tr("Найдено приборов: ") + QString::number(m_found->indices().size()));
-    m_message->show();
+    showCount();
     const int search = m_search;
     dropUnknownDevices();
     if (search != m_search) // the removals let other events in
         return;
-    if (m_found->indices().isEmpty())
+    if (waiting().isEmpty())
         return accept();
 
     listWaiting();
     m_ui->newDevTable->setEnabled(true);
+    m_ui->newDevTable->setFocus();
     m_ui->connectBtn->setEnabled(true);
     if (m_autoConnect && connectsByItself())
         on_connectBtn_clicked();
 }
 
+void findNox::showCount()
+{
+    showMessage(tr("Найдено приборов: ") + QString::number(waiting().size()));
+}
+
+/** Who was found and not handed over; those whose worker is just ending are gone already. */
+QList<int> findNox::waiting() const
+{
+    QList<int> indices;
+    const auto all = m_found->indices();
+    for (const int index : all)
+        if (m_found->getNoxByIndex(index)->devIndex >= 0)
+            indices << index;
+    return indices;
+}
+
 void findNox::listWaiting()
 {
-    m_rows.clear();
-    const auto waiting = m_found->indices();
-    for (const int index : waiting) {
+    m_table->clear();
+    const auto indices = waiting();
+    for (const int index : indices) {
         noxList::_nox *const found = m_found->getNoxByIndex(index);
         const optionsNOX8 &image = *found->opt;
         if (image.identValid)
             found->dbIndex = m_registry->database()->findDev(image.devType, image.devNumber);
         else
             adoptFromDatabase(found);
-        WaitingRow row{index, FoundInstrument(image, found->dbIndex >= 1)};
+        FoundTable::WaitingRow row{index, FoundInstrument(image, found->dbIndex >= 1)};
         if (searchesForOne() && !isSearched(image))
             row.instrument.check(false);
-        m_rows.append(row);
+        m_table->addWaiting(row, found->portName);
     }
-    showWaiting();
+    m_ui->newDevTable->setCurrentCell(1, 0);
 }
 
 bool findNox::isSearched(const optionsNOX8 &image) const
@@ -363,26 +394,28 @@ bool findNox::isSearched(const optionsNOX8 &image) const
 
 bool findNox::connectsByItself() const
 {
+    const auto &rows = m_table->waiting();
     if (searchesForOne())
-        return std::any_of(m_rows.begin(), m_rows.end(), [this](const WaitingRow &row) {
+        return std::any_of(rows.begin(), rows.end(), [this](const FoundTable::WaitingRow &row) {
             return isSearched(*m_found->getNoxByIndex(row.index)->opt);
         });
-    return std::all_of(m_rows.begin(), m_rows.end(),
-                       [](const WaitingRow &row) { return row.instrument.isUnambiguous(); });
+    return std::all_of(rows.begin(), rows.end(), [](const FoundTable::WaitingRow &row) {
+        return row.instrument.isUnambiguous();
+    });
 }
 
 void findNox::on_connectBtn_clicked()
 {
-    readNumbers();
-    const QVector<WaitingRow> rows = m_rows;
-    for (const WaitingRow &row : rows)
+    m_table->takeTypedNumber();
+    const auto rows = m_table->waiting();
+    for (const FoundTable::WaitingRow &row : rows)
         if (row.instrument.isChecked())
             connectRow(row);
     accept();
 }
 
 /** Connects an instrument as the operator has described it. */
-void findNox::connectRow(const WaitingRow &row)
+void findNox::connectRow(const FoundTable::WaitingRow &row)
 {
     noxList::_nox *const found = m_found->getNoxByIndex(row.index);
     if (!found) // its plug was pulled meanwhile
@@ -432,6 +465,11 @@ void findNox::on_cancelBtn_clicked()
 void findNox::on_scanBtn_clicked()
 {
     runScan();
+}
+
+void findNox::on_newDevTable_cellClicked(int row, int column)
+{
+    m_table->click(row, column);
 }
 
 void findNox::on_skipNoneCB_toggled(bool checked)

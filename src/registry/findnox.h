@@ -1,12 +1,10 @@
 #pragma once
 
-#include "registry/foundinstrument.h"
+#include "registry/foundtable.h"
 #include "registry/noxlist.h"
 
 #include <QDialog>
-#include <QMap>
 #include <QSet>
-#include <QVector>
 
 #include <memory>
 
@@ -51,17 +49,13 @@ private slots:
     void devError(int devIndex, quint16 code);
 
 private:
-    /** A row of the table that waits for the operator. */
-    struct WaitingRow {
-        int index; ///< in the dialog's registry
-        FoundInstrument instrument;
-    };
-
     bool searchesForOne() const { return m_typeFilter != 0 && m_numberFilter != 0; }
     bool isSearched(const optionsNOX8 &image) const;
 
     void runScan();
     int openFreePorts();
+    void tellWhoIsAwaited();
+    void showMessage(const QString &text);
     void showIdle(const QString &message);
     void countStep(int devIndex);
     void dropDevice(int devIndex);
@@ -77,23 +71,18 @@ private:
     bool handOver(noxList::_nox *found);
     void provideRow(noxList::_nox *found);
 
+    QList<int> waiting() const;
     void listWaiting();
     void dropWaiting(int devIndex);
+    void showCount();
     bool connectsByItself() const;
-    void connectRow(const WaitingRow &row);
-
-    void buildTable();
-    void clearTable();
-    void addRecognisedRow(const noxList::_nox &found);
-    void showWaiting();
-    void paintWaitingRow(int i);
-    void readNumbers();
-    void toggleAll();
+    void connectRow(const FoundTable::WaitingRow &row);
 
     noxList *m_registry; ///< the main one, not owned
     std::unique_ptr<Ui::findNox> m_ui;
     std::unique_ptr<noxList> m_found;
-    QLabel *m_message; ///< child of the dialog
+    std::unique_ptr<FoundTable> m_table;
+    QLabel *m_message; ///< child of the dialog, in the place of the progress bar
     bool m_autoConnect = false;
     quint32 m_typeFilter = 0;
     quint16 m_numberFilter = 0;
@@ -101,5 +90,4 @@ private:
     bool m_isClearing = false; ///< what a search has found is being removed
     int m_search = 0;          ///< changes with each search, and when one ends
     QSet<int> m_awaited;       ///< devices of the scan that have not been dealt with
-    QVector<WaitingRow> m_rows;
 };

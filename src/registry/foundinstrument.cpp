@@ -37,6 +37,13 @@ FoundInstrument::FoundInstrument(const optionsNOX8 &image, bool isStored)
 {
 }
 
+bool FoundInstrument::lacksNumber() const
+{
+    bool isNumber = false;
+    const quint16 number = m_number.toUShort(&isNumber);
+    return m_isNumberEditable && (!isNumber || number == 0);
+}
+
 void FoundInstrument::chooseModel(int model)
 {
     m_model = model;

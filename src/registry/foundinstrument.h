@@ -25,6 +25,12 @@ public:
     bool isNumberEditable() const { return m_isNumberEditable; }
     bool isChecked() const { return m_isChecked; }
     bool isCheckEnabled() const { return m_isCheckEnabled; }
+    /** The operator has to choose a model before anything else. */
+    bool lacksModel() const { return typeCode() == 0; }
+    /** It could be connected and nobody has said that it should be. */
+    bool lacksCheck() const { return m_isCheckEnabled && !m_isChecked; }
+    /** Its number can be entered and is none from 1 to 65535. */
+    bool lacksNumber() const;
     /** Its model and number are known: nothing has to be asked. */
     bool isUnambiguous() const { return m_isUnambiguous; }
 

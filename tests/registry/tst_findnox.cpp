@@ -5,9 +5,12 @@
 #include "storage/noxsql.h"
 #include "support/instrumentbench.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTemporaryDir>
@@ -39,6 +42,8 @@ private slots:
     void measuringInstrumentIsNotDisturbed();
     void lostInstrumentContinuesUnderItsIndex();
     void waitingInstrumentThatGoesTakesItsRow();
+    void lostDuringTheScanItGoesAlone_data();
+    void lostDuringTheScanItGoesAlone();
     void identificationThatIsNone();
     void wrongModelIsReadAgain();
     void instrumentOnAnotherPortIsMoved();
@@ -61,13 +66,25 @@ private:
     {
         return dialog->findChild<Widget *>(QString::fromLatin1(name));
     }
+    /** Clicks on the number of a row: its editor; null when there is none. */
+    QWidget *startTyping(int row) const
+    {
+        const QRect cell = table()->visualItemRect(table()->item(row, 2));
+        QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, cell.center());
+        return table()->viewport()->findChild<QLineEdit *>();
+    }
     QTableWidget *table() const { return find<QTableWidget>("newDevTable"); }
     QCheckBox *box(int row) const { return table()->cellWidget(row, 3)->findChild<QCheckBox *>(); }
+    bool isMarked(int row, int column) const
+    {
+        return table()->item(row, column)->background().style() != Qt::NoBrush;
+    }
     bool isNumberEditable(int row) const
     {
         return table()->item(row, 2)->flags().testFlag(Qt::ItemIsEditable);
     }
 
+    LinkTiming timing;
     std::unique_ptr<QTemporaryDir> folder;
     std::unique_ptr<InstrumentBench> bench;
     std::unique_ptr<noxSql> database;
@@ -90,7 +107,7 @@ void TestFindNox::init()
     QVERIFY(provideDatabase(folder->filePath("nox8.db")));
     database = std::make_unique<noxSql>(folder->filePath("nox8.db"));
     port = std::make_unique<NOXSerialPort>();
-    LinkTiming timing = shortTiming();
+    timing = shortTiming();
     timing.startBase = 5;
     timing.initDelay = 50;
     timing.queueDelay = 5;
@@ -164,6 +181,9 @@ void TestFindNox::instrumentsWithAnIdentityConnectByThemselves()
         found << nox.portName + ' ' + nox.opt->getDevName(true);
         QVERIFY(nox.dbIndex >= 1);
         QVERIFY(nox.opt->identValid);
+        // nothing is written to an instrument only because it was found
+        QVERIFY(nox.txCodes.isEmpty() && !nox.txTimer->isActive());
+        QCOMPARE(bench->addressings(nox.portName, 50), 0);
     }
     QCOMPARE(found, (QSet<QString>{"A NOX CM1 rev.4 № 4071", "B NOX B № 1234"}));
     QCOMPARE(port->devices().size(), 2);
@@ -191,10 +211,11 @@ void TestFindNox::olderInstrumentWaitsForTheOperator()
     const auto *models = qobject_cast<QComboBox *>(table()->cellWidget(1, 1));
     QCOMPARE(models->count(), 1);
     QCOMPARE(models->currentText(), QStringLiteral("NOX D"));
-    QVERIFY(box(1)->isChecked() && isNumberEditable(1));
+    QVERIFY(box(1)->isChecked() && isNumberEditable(1) && isMarked(1, 2));
     QVERIFY(registry->indices().isEmpty());
 
-    table()->item(1, 2)->setText("no number");
+    QWidget *const editor = startTyping(1);
+    QTest::keyClicks(editor, "no number 0");
     find<QPushButton>("connectBtn")->click();
     QVERIFY(!dialog->isVisible());
     QVERIFY(registry->indices().isEmpty()); // without a number it is nobody
@@ -202,11 +223,11 @@ void TestFindNox::olderInstrumentWaitsForTheOperator()
 
     dialog->find(true);
     QVERIFY(waitUntilListed());
-    table()->item(1, 2)->setText("2218");
+    QTest::keyClicks(startTyping(1), "2218000"); // as much of it as is a number up to 65535
     find<QPushButton>("connectBtn")->click();
     QVERIFY(only() && waitUntilRead(only()->index));
-    QCOMPARE(only()->opt->getDevName(true), QStringLiteral("NOX D № 2218"));
-    QCOMPARE(database->findDev(0x31, 2218), only()->dbIndex);
+    QCOMPARE(only()->opt->getDevName(true), QStringLiteral("NOX D № 22180"));
+    QCOMPARE(database->findDev(0x31, 22180), only()->dbIndex);
 }
 
 void TestFindNox::instrumentWithoutAModelIsNamedByTheOperator()
@@ -217,14 +238,28 @@ void TestFindNox::instrumentWithoutAModelIsNamedByTheOperator()
     auto *const models = qobject_cast<QComboBox *>(table()->cellWidget(1, 1));
     QCOMPARE(models->count(), 7);
     QVERIFY(!box(1)->isChecked() && !box(1)->isEnabled() && !isNumberEditable(1));
+    QCOMPARE(box(1)->toolTip(), QStringLiteral("Выберите модель прибора"));
     models->setCurrentText("NOX CM1");
     QVERIFY(box(1)->isEnabled() && isNumberEditable(1));
+    QVERIFY(isMarked(1, 2) && isMarked(1, 3));
     models->setCurrentText("--");
     QVERIFY(!box(1)->isEnabled() && !isNumberEditable(1));
-    models->setCurrentText("NOX CM1");
-    table()->item(1, 2)->setText("99");
-    box(1)->setChecked(true);
-    find<QPushButton>("connectBtn")->click();
+    QVERIFY(!isMarked(1, 2) && !isMarked(1, 3));
+
+    // by keyboard alone
+    QTest::keyClick(table(), Qt::Key_F4);
+    QWidget *const list = models->view();
+    QTest::keyClicks(list, "NOX CM1");
+    QTest::keyClick(list, Qt::Key_Return);
+    QCOMPARE(models->currentText(), QStringLiteral("NOX CM1"));
+    QTest::keyClick(table(), Qt::Key_9);
+    QTest::keyClicks(dialog->focusWidget(), "9\r");
+    QTRY_VERIFY(!isMarked(1, 2));
+    QTest::keyClick(table(), Qt::Key_Space);
+    QVERIFY(box(1)->isChecked() && !isMarked(1, 3));
+    QTest::keyClick(table(), Qt::Key_Tab);
+    QCOMPARE(dialog->focusWidget(), find<QCheckBox>("skipNoneCB"));
+    QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
     QVERIFY(only() && waitUntilRead(only()->index));
     QCOMPARE(only()->opt->getDevChCount(), quint8(16));
     QCOMPARE(database->findDev(0x41, 99), only()->dbIndex);
@@ -353,18 +388,57 @@ void TestFindNox::waitingInstrumentThatGoesTakesItsRow()
     dialog->find(true);
     QVERIFY(waitUntilListed());
     QCOMPARE(table()->rowCount(), 3);
-    for (int row : {1, 2})
-        table()->item(row, 2)->setText(table()->item(row, 0)->text() == "A" ? "11" : "22");
+    QWidget *const editor = startTyping(table()->item(1, 0)->text() == "B" ? 1 : 2);
+    QVERIFY(editor);
+    QTest::keyClicks(editor, "22");
     bench->host.unplug("A");
     QTRY_COMPARE_WITH_TIMEOUT(table()->rowCount(), 2, patienceMs);
+    QTest::keyClicks(editor, "7");
+    QTest::keyClick(editor, Qt::Key_Return);
     QCOMPARE(table()->item(1, 0)->text(), QStringLiteral("B"));
-    QCOMPARE(table()->item(1, 2)->text(), QStringLiteral("22"));
+    QTRY_COMPARE(table()->item(1, 2)->text(), QStringLiteral("227"));
 
     add("C", "NOX B", 2); // takes the device that has become free
     QVERIFY(registry->newNox(port->addDev("C"), true));
     bench->host.unplug("B");
     QVERIFY(waitUntilClosed());
     QVERIFY(only() && port->devices() == QList<int>{only()->devIndex});
+}
+
+void TestFindNox::lostDuringTheScanItGoesAlone_data()
+{
+    QTest::addColumn<bool>("isOlder");
+    QTest::addColumn<quint16>("number");
+    QTest::newRow("unidentified") << true << quint16(0);
+    QTest::newRow("set aside by the number") << false << quint16(3);
+}
+
+void TestFindNox::lostDuringTheScanItGoesAlone()
+{
+    QFETCH(bool, isOlder);
+    QFETCH(quint16, number);
+    add("A", "NOX D", 1, isOlder);
+    add("B", "NOX B", 2);
+    add("C", "NOX B", 3, isOlder, isOlder ? 8 : 5);
+    timing.initDelay = 300; // so that it answers when the others have been dealt with
+    port->setLinkTiming(timing);
+    const auto *const progress = find<QProgressBar>("progressBar");
+    dialog->find(true, number ? 0x11 : 0, number);
+    QTRY_COMPARE_WITH_TIMEOUT(progress->value(), 2, patienceMs);
+    QCOMPARE(progress->toolTip(), QStringLiteral("Ожидается ответ: C"));
+    const int rows = table()->rowCount();
+    bench->host.unplug("A");
+    QTRY_COMPARE_WITH_TIMEOUT(port->devices().size(), 2, patienceMs);
+    QVERIFY(dialog->isVisible());
+    QCOMPARE(table()->rowCount(), rows);
+    if (isOlder) {
+        QVERIFY(waitUntilListed());
+        QCOMPARE(table()->item(1, 0)->text(), QStringLiteral("C"));
+    } else {
+        QVERIFY(waitUntilClosed());
+    }
+    QVERIFY(only());
+    QCOMPARE(only()->portName, isOlder ? QStringLiteral("B") : QStringLiteral("C"));
 }
 
 void TestFindNox::identificationThatIsNone()

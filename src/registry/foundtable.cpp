@@ -1,0 +1,331 @@
+#include "registry/foundtable.h"
+
+#include "registry/numberdelegate.h"
+#include "widgets/qlabelclick.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QTableWidget>
+
+namespace
+{
+
+enum Column { PortColumn, NameColumn, NumberColumn, ConnectColumn };
+
+constexpr int portWidth = 100;
+constexpr int numberWidth = 100;
+constexpr int pictureSize = 24;
+const QColor incompleteColor(255, 236, 179);
+
+QTableWidgetItem *newItem(const QString &text)
+{
+    auto *const item = new QTableWidgetItem(text);
+    item->setTextAlignment(Qt::AlignCenter);
+    item->setFlags(Qt::ItemIsEnabled);
+    return item;
+}
+
+/** A check box in the middle of its cell. */
+QCheckBox *addCheckBox(QTableWidget *table, int row)
+{
+    auto *const cell = new QWidget;
+    auto *const box = new QCheckBox(cell);
+    auto *const layout = new QHBoxLayout(cell);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(box, 0, Qt::AlignCenter);
+    box->setFocusPolicy(Qt::NoFocus);
+    table->setCellWidget(row, ConnectColumn, cell);
+    return box;
+}
+
+/** The models that the operator can choose from. */
+QComboBox *addModels(QTableWidget *table, int row, const FoundInstrument &instrument)
+{
+    auto *const models = new QComboBox;
+    models->setFocusPolicy(Qt::NoFocus); // the table keeps the focus, and opens the list by a key
+    for (const ModelChoice &model : instrument.models())
+        models->addItem(model.name, model.typeCode);
+    models->setCurrentIndex(instrument.model());
+    table->setCellWidget(row, NameColumn, models);
+    return models;
+}
+
+QCheckBox *checkBoxAt(const QTableWidget *table, int row)
+{
+    const QWidget *const cell = table->cellWidget(row, ConnectColumn);
+    return cell ? cell->findChild<QCheckBox *>() : nullptr;
+}
+
+QString chooseModelFirst()
+{
+    return FoundTable::tr("Выберите модель прибора");
+}
+
+QBrush groundOf(bool isIncomplete)
+{
+    return isIncomplete ? QBrush(incompleteColor) : QBrush();
+}
+
+// Each touches only what changes: an item that is touched takes back what is being typed in it.
+
+void paintNumber(QTableWidgetItem *item, const FoundInstrument &instrument)
+{
+    const Qt::ItemFlags flags = instrument.isNumberEditable()
+                                    ? Qt::ItemIsEnabled | Qt::ItemIsEditable | Qt::ItemIsSelectable
+                                    : Qt::ItemFlags(Qt::NoItemFlags);
+    if (item->flags() != flags)
+        item->setFlags(flags);
+    item->setBackground(groundOf(instrument.lacksNumber()));
+    if (instrument.isNumberEditable())
+        item->setToolTip(FoundTable::tr("Введите номер прибора, от 1 до 65535"));
+    else
+        item->setToolTip(instrument.lacksModel() ? chooseModelFirst() : QString());
+}
+
+void paintModels(QWidget *models, const FoundInstrument &instrument)
+{
+    const QColor ground = instrument.lacksModel() ? incompleteColor : QColor();
+    QPalette palette;
+    if (ground.isValid())
+        palette.setColor(QPalette::Button, ground);
+    models->setPalette(palette);
+    models->setToolTip(instrument.lacksModel() ? chooseModelFirst() : QString());
+}
+
+QString checkTip(const FoundInstrument &instrument)
+{
+    if (instrument.lacksModel())
+        return chooseModelFirst();
+    if (!instrument.isChecked())
+        return FoundTable::tr("Отметьте прибор, чтобы подключиться к нему");
+    return instrument.lacksNumber() ? FoundTable::tr("Без номера прибор не подключится")
+                                    : FoundTable::tr("Прибор будет подключён");
+}
+
+void paintCheck(QTableWidgetItem *item, QCheckBox *box, const FoundInstrument &instrument)
+{
+    const QSignalBlocker noEcho(box);
+    box->setChecked(instrument.isChecked());
+    box->setEnabled(instrument.isCheckEnabled());
+    item->setBackground(groundOf(instrument.lacksCheck()));
+    item->setToolTip(checkTip(instrument));
+    box->setToolTip(item->toolTip());
+    box->parentWidget()->setToolTip(item->toolTip());
+}
+
+} // namespace
+
+FoundTable::FoundTable(QTableWidget *table)
+    : m_table(table)
+{
+    m_table->horizontalHeader()->setMinimumSectionSize(pictureSize);
+    m_table->setColumnWidth(PortColumn, portWidth);
+    m_table->horizontalHeader()->setSectionResizeMode(NameColumn, QHeaderView::Stretch);
+    m_table->setColumnWidth(NumberColumn, numberWidth);
+    m_table->setColumnWidth(ConnectColumn, 2 * pictureSize);
+    m_table->setItemDelegateForColumn(NumberColumn, new NumberDelegate(m_table));
+    m_table->setToolTip(tr("Стрелки выбирают прибор, пробел отмечает его, цифры вводят номер, "
+                           "F4 открывает список моделей"));
+    addTitles();
+    connect(m_table, &QTableWidget::itemChanged, this, &FoundTable::takeNumber);
+    m_table->installEventFilter(this);
+}
+
+void FoundTable::addTitles()
+{
+    m_table->setRowCount(1);
+    const QStringList titles = {tr("Порт"), tr("Имя/тип прибора"), tr("№ прибора")};
+    for (int column = PortColumn; column <= NumberColumn; ++column) {
+        auto *const title = new QLabel(titles.at(column));
+        title->setAlignment(Qt::AlignCenter);
+        m_table->setCellWidget(0, column, title);
+    }
+    auto *const connectAll = new QLabelClick;
+    connectAll->setAlignment(Qt::AlignCenter);
+    connectAll->setPixmap(
+        QIcon(QStringLiteral(":/resource/images/connect.png")).pixmap(pictureSize, pictureSize));
+    connectAll->setCursor(Qt::PointingHandCursor);
+    connectAll->setToolTip(tr("Отметить все приборы или снять отметки (Ctrl+A)"));
+    m_table->setCellWidget(0, ConnectColumn, connectAll);
+    connect(connectAll, &QLabelClick::clicked, this, &FoundTable::toggleAll);
+}
+
+void FoundTable::clear()
+{
+    m_rows.clear();
+    m_table->setRowCount(1);
+}
+
+void FoundTable::addRecognised(const QString &portName, const QString &name, const QString &number)
+{
+    m_table->insertRow(1);
+    m_table->setItem(1, PortColumn, newItem(portName));
+    m_table->setItem(1, NameColumn, newItem(name));
+    m_table->setItem(1, NumberColumn, newItem(number));
+    QCheckBox *const box = addCheckBox(m_table, 1);
+    box->setChecked(true);
+    box->setEnabled(false);
+}
+
+void FoundTable::addWaiting(const WaitingRow &waiting, const QString &portName)
+{
+    const int row = m_rows.size() + 1;
+    m_table->insertRow(row);
+    m_table->setItem(row, PortColumn, newItem(portName));
+    m_table->setItem(row, NumberColumn, newItem(waiting.instrument.number()));
+    m_table->setItem(row, ConnectColumn, newItem(QString()));
+    QComboBox *const models = addModels(m_table, row, waiting.instrument);
+    models->setAccessibleName(tr("Модель прибора, порт %1").arg(portName));
+    QCheckBox *const box = addCheckBox(m_table, row);
+    box->setAccessibleName(tr("Подключить прибор, порт %1").arg(portName));
+    m_rows.append(waiting);
+    paint(row);
+
+    connect(models, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            [this, index = waiting.index](int model) {
+                change(index,
+                       [model](FoundInstrument &instrument) { instrument.chooseModel(model); });
+            });
+    connect(box, &QCheckBox::toggled, this, [this, index = waiting.index](bool checked) {
+        change(index, [checked](FoundInstrument &instrument) { instrument.check(checked); });
+    });
+}
+
+void FoundTable::removeWaiting(int index)
+{
+    for (int i = 0; i < m_rows.size(); ++i) {
+        if (m_rows.at(i).index != index)
+            continue;
+        m_rows.remove(i);
+        m_table->removeRow(i + 1);
+        return;
+    }
+}
+
+/** The operator changes what is known of an instrument. */
+void FoundTable::change(int index, const std::function<void(FoundInstrument &)> &change)
+{
+    takeTypedNumber();
+    for (int i = 0; i < m_rows.size(); ++i) {
+        if (m_rows.at(i).index != index)
+            continue;
+        change(m_rows[i].instrument);
+        paint(i + 1);
+    }
+}
+
+/** Brings the cells of a row up to what may be edited now, and to what is still missing. */
+void FoundTable::paint(int row)
+{
+    const QSignalBlocker noEcho(m_table);
+    const FoundInstrument &instrument = m_rows.at(row - 1).instrument;
+    paintNumber(m_table->item(row, NumberColumn), instrument);
+    paintModels(m_table->cellWidget(row, NameColumn), instrument);
+    paintCheck(m_table->item(row, ConnectColumn), checkBoxAt(m_table, row), instrument);
+}
+
+// The number
+
+void FoundTable::takeNumber(const QTableWidgetItem *cell)
+{
+    if (cell->column() != NumberColumn || !isWaiting(cell->row()))
+        return;
+    m_rows[cell->row() - 1].instrument.enterNumber(cell->text());
+    paint(cell->row());
+}
+
+/** Where a number is being typed; null when none is. */
+QLineEdit *FoundTable::numberEditor() const
+{
+    return m_table->viewport()->findChild<QLineEdit *>();
+}
+
+void FoundTable::takeTypedNumber()
+{
+    QLineEdit *const editor = numberEditor();
+    if (!editor)
+        return;
+    QAbstractItemDelegate *const delegate = m_table->itemDelegateForColumn(NumberColumn);
+    emit delegate->commitData(editor);
+    emit delegate->closeEditor(editor);
+}
+
+/** The table has no edit triggers of its own; `typed` is what the number begins with. */
+void FoundTable::editNumber(int row, const QString &typed)
+{
+    if (!m_rows.at(row - 1).instrument.isNumberEditable())
+        return;
+    m_table->editItem(m_table->item(row, NumberColumn));
+    if (!typed.isEmpty())
+        numberEditor()->insert(typed);
+}
+
+// The operator
+
+void FoundTable::click(int row, int column)
+{
+    if (!isWaiting(row))
+        return;
+    if (column == ConnectColumn)
+        toggle(row);
+    if (column == NumberColumn)
+        editNumber(row);
+}
+
+void FoundTable::toggle(int row)
+{
+    QCheckBox *const box = checkBoxAt(m_table, row);
+    if (box->isEnabled())
+        box->toggle();
+}
+
+/** Every row takes the opposite of what the first one has. */
+void FoundTable::toggleAll()
+{
+    if (m_rows.isEmpty())
+        return;
+    const bool checked = !m_rows.first().instrument.isChecked();
+    for (int row = 1; row <= m_rows.size(); ++row)
+        checkBoxAt(m_table, row)->setChecked(checked);
+}
+
+/** Keys do in the table what the mouse does in its cells. */
+bool FoundTable::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress && pressKey(*static_cast<const QKeyEvent *>(event)))
+        return true;
+    return QObject::eventFilter(watched, event);
+}
+
+bool FoundTable::pressKey(const QKeyEvent &event)
+{
+    if (numberEditor()) // Return ends the typing, and not the dialog
+        return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    if (event.matches(QKeySequence::SelectAll)) {
+        toggleAll();
+        return true;
+    }
+    const int row = m_table->currentRow();
+    return isWaiting(row) && pressRowKey(row, event);
+}
+
+bool FoundTable::pressRowKey(int row, const QKeyEvent &event)
+{
+    const QString text = event.text();
+    const bool opensList = event.key() == Qt::Key_Down && event.modifiers() & Qt::AltModifier;
+    if (opensList || event.key() == Qt::Key_F4)
+        static_cast<QComboBox *>(m_table->cellWidget(row, NameColumn))->showPopup();
+    else if (event.key() == Qt::Key_Space)
+        toggle(row);
+    else if (event.key() == Qt::Key_F2)
+        editNumber(row);
+    else if (text.size() == 1 && text.at(0).isDigit())
+        editNumber(row, text);
+    else
+        return false;
+    return true;
+}

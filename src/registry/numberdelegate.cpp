@@ -1,0 +1,40 @@
+#include "registry/numberdelegate.h"
+
+#include <QIntValidator>
+#include <QLineEdit>
+
+namespace
+{
+
+constexpr int largestNumber = 65535;
+
+} // namespace
+
+QWidget *NumberDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
+                                      const QModelIndex &) const
+{
+    auto *const editor = new QLineEdit(parent);
+    editor->setAlignment(Qt::AlignCenter);
+    editor->setFrame(false);
+    editor->setValidator(new QIntValidator(1, largestNumber, editor));
+    editor->setPlaceholderText(QStringLiteral("1…%1").arg(largestNumber));
+    editor->setAccessibleName(tr("Номер прибора"));
+    return editor;
+}
+
+/** What stands for an unknown number is nothing to begin with. */
+void NumberDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
+{
+    auto *const line = static_cast<QLineEdit *>(editor);
+    line->setText(index.data().toString());
+    if (!line->hasAcceptableInput())
+        line->clear();
+}
+
+void NumberDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
+                                  const QModelIndex &index) const
+{
+    const auto *const line = static_cast<const QLineEdit *>(editor);
+    if (line->hasAcceptableInput())
+        model->setData(index, line->text());
+}
