@@ -71,30 +71,45 @@ class BarShape
 {
 public:
     BarShape(const QRectF &canvasRect, qreal penWidth, qreal columnsPerPixel, const QRectF &near)
-        : m_left(canvasRect.left())
-        , m_width(std::max(1.0, std::round(penWidth * columnsPerPixel)))
+        : m_left(qRound(canvasRect.left() * columnsPerPixel))
+        , m_width(std::max(1, qRound(penWidth * columnsPerPixel)))
         , m_scale(columnsPerPixel)
         , m_near(near)
     {
     }
 
-    QRectF bar(int column, qreal top, qreal bottom) const
+    QRect bar(int column, qreal top, qreal bottom) const
     {
         top = qBound(m_near.top(), top, m_near.bottom()) * m_scale;
         bottom = qBound(m_near.top(), bottom, m_near.bottom()) * m_scale;
         const qreal added = std::max(m_width * capLength, (m_width - (bottom - top)) / 2);
-        top = std::round(top - added);
-        bottom = std::max(top + m_width, std::round(bottom + added));
-        const qreal left = m_left + (column - std::floor(m_width / 2)) / m_scale;
-        return {left, top / m_scale, m_width / m_scale, (bottom - top) / m_scale};
+        const int firstRow = qRound(top - added);
+        const int rows = std::max(m_width, qRound(bottom + added) - firstRow);
+        return {m_left + column - m_width / 2, firstRow, m_width, rows};
     }
 
 private:
-    qreal m_left;
-    qreal m_width; ///< device pixels
+    int m_left;    ///< device pixels
+    int m_width;   ///< device pixels
     qreal m_scale; ///< device pixels per pixel
     QRectF m_near;
 };
+
+/**
+ * Fills bars of device pixels with the colour of the pen. What is neither smoothed nor scaled the
+ * painter copies into the picture; smoothed by whichever hint, or one by one, it costs many times
+ * as much.
+ */
+void drawBars(QPainter *painter, const QVector<QRect> &bars, qreal columnsPerPixel)
+{
+    painter->save();
+    painter->setRenderHints(painter->renderHints(), false);
+    painter->scale(1 / columnsPerPixel, 1 / columnsPerPixel);
+    painter->setBrush(painter->pen().color());
+    painter->setPen(Qt::NoPen);
+    painter->drawRects(bars);
+    painter->restore();
+}
 
 } // namespace
 
@@ -144,10 +159,7 @@ void EnvelopeCurve::drawLines(QPainter *painter, const QwtScaleMap &xMap, const 
     flat.setCapStyle(Qt::FlatCap);
     painter->setPen(flat);
     painter->drawLines(found.lines);
-    painter->setRenderHint(QPainter::Antialiasing, false); // bars lie on whole pixels
-    for (const QRectF &bar : found.bars)
-        painter->fillRect(bar, painter->pen().color());
-    painter->setRenderHint(QPainter::Antialiasing, testRenderHint(RenderAntialiased));
+    drawBars(painter, found.bars, columnsPerPixel);
 }
 
 /** Brings the columns up to date. */

@@ -5,7 +5,7 @@
 
 #include <QColor>
 #include <QLineF>
-#include <QRectF>
+#include <QRect>
 #include <QVector>
 #include <qwt_plot_curve.h>
 
@@ -38,7 +38,7 @@ protected:
 private:
     struct Strokes {
         QVector<QLineF> lines; ///< between points that are a column or more apart
-        QVector<QRectF> bars;  ///< what the points of one column span, on whole device pixels
+        QVector<QRect> bars;   ///< what the points of one column span, in device pixels
     };
     void divide(const QwtScaleMap &xMap, const QRectF &canvasRect, qreal columnsPerPixel) const;
     Strokes strokes(const QwtScaleMap &xMap, const QwtScaleMap &yMap, const QRectF &canvasRect,

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QRandomGenerator>
 #include <QtTest>
+#include <qwt_null_paintdevice.h>
 #include <qwt_painter.h>
 #include <qwt_scale_map.h>
 
@@ -91,14 +92,28 @@ QString difference(const std::vector<ColumnRun> &runs, const std::vector<ColumnR
 constexpr int canvasWidth = 200;
 constexpr int canvasHeight = 100;
 
-/** What a curve draws on a canvas of 200 x 100 pixels, `scale` device pixels to a pixel. */
-QImage painted(const QwtPlotCurve &curve, const QRectF &view, int scale = 1)
+/** Notes the lists of rectangles that are painted, and the hints that held for them. */
+class BarLists : public QwtNullPaintDevice
 {
-    QImage image(canvasWidth * scale, canvasHeight * scale, QImage::Format_RGB32);
-    image.setDevicePixelRatio(scale);
-    image.fill(Qt::white);
-    QPainter painter(&image);
+public:
+    QVector<int> lengths;
+    QPainter::RenderHints hints;
+
+protected:
+    QSize sizeMetrics() const override { return {canvasWidth, canvasHeight}; }
+    void drawRects(const QRect *, int count) override
+    {
+        lengths.append(count);
+        hints |= paintEngine()->painter()->renderHints();
+    }
+};
+
+/** Draws a curve as Qwt does, on a canvas of 200 x 100 pixels. */
+void draw(const QwtPlotCurve &curve, const QRectF &view, QPaintDevice *device)
+{
+    QPainter painter(device);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.setRenderHint(static_cast<QPainter::RenderHint>(8)); // deprecated, yet Qwt sets it, too
     QwtScaleMap x;
     x.setPaintInterval(0, canvasWidth);
     x.setScaleInterval(view.left(), view.right());
@@ -108,6 +123,15 @@ QImage painted(const QwtPlotCurve &curve, const QRectF &view, int scale = 1)
     const QRectF canvas(0, 0, canvasWidth, canvasHeight);
     painter.setClipRect(canvas);
     curve.drawSeries(&painter, x, y, canvas, 0, static_cast<int>(curve.dataSize()) - 1);
+}
+
+/** What it looks like, `scale` device pixels to a pixel. */
+QImage painted(const QwtPlotCurve &curve, const QRectF &view, int scale = 1)
+{
+    QImage image(canvasWidth * scale, canvasHeight * scale, QImage::Format_RGB32);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::white);
+    draw(curve, view, &image);
     return image;
 }
 
@@ -447,6 +471,10 @@ void TestEnvelope::denseColumnsFillTheirSpan()
                  qPrintable(QString("column %1 has a hole").arg(x)));
         QVERIFY(!isBlack(image, x, 17) && !isBlack(image, x, 83));
     }
+    BarLists bars;
+    draw(curve, QRectF(0, 0, 200, 10), &bars);
+    QVERIFY2(bars.lengths == QVector<int>{200}, "each bar by itself costs many times as much");
+    QVERIFY2(!bars.hints, "smoothed bars cost many times as much");
 }
 
 void TestEnvelope::sparsePointsAreJoinedByLines()
