@@ -113,7 +113,8 @@ void drawBars(QPainter *painter, const QVector<QRect> &bars, qreal columnsPerPix
 
 } // namespace
 
-EnvelopeCurve::EnvelopeCurve(const QColor &color, qreal width)
+EnvelopeCurve::EnvelopeCurve(const QColor &color, qreal width, std::shared_ptr<TimeRuns> times)
+    : m_columns(std::move(times))
 {
     setPen(QPen(color, width));
     setRenderHint(QwtPlotItem::RenderAntialiased);
@@ -179,8 +180,8 @@ EnvelopeCurve::Strokes EnvelopeCurve::strokes(const QwtScaleMap &xMap, const Qwt
                                               const QRectF &canvasRect, qreal columnsPerPixel) const
 {
     const SeriesData &series = *seriesData();
-    const auto pointAt = [&](int index) {
-        return QPointF(xMap.transform(series.times()[index]), yMap.transform(series.value(index)));
+    const auto pointOf = [&](int index, double value) {
+        return QPointF(xMap.transform(series.times()[index]), yMap.transform(value));
     };
     const int columnCount = columnsOf(xMap, canvasRect, columnsPerPixel).count;
     const qreal penWidth = std::max(1.0, pen().widthF());
@@ -194,10 +195,10 @@ EnvelopeCurve::Strokes EnvelopeCurve::strokes(const QwtScaleMap &xMap, const Qwt
         const bool isBar = onCanvas && run.first < run.last;
         ValueRange span = run.values;
         if (previous && isBar && previous->column >= 0 && previous->column == run.column - 1)
-            span.include(series.value(previous->last)); // the step from the column before
+            span.include(previous->lastValue); // the step from the column before
         else if (previous)
-            appendClipped(strokes.lines, pointAt(previous->last), pointAt(run.first), near,
-                          penWidth * capLength);
+            appendClipped(strokes.lines, pointOf(previous->last, previous->lastValue),
+                          pointOf(run.first, series.value(run.first)), near, penWidth * capLength);
         const qreal top = yMap.transform(span.max);
         const qreal bottom = yMap.transform(span.min);
         if (isBar && top <= near.bottom() && bottom >= near.top())

@@ -19,8 +19,12 @@ class SeriesData;
 class EnvelopeCurve : public QwtPlotCurve
 {
 public:
-    /** `width` is the width of the line in pixels. */
-    EnvelopeCurve(const QColor &color, qreal width);
+    /**
+     * `width` is the width of the line in pixels. Two curves may have one `times`, when they are
+     * never drawn with different ones.
+     */
+    EnvelopeCurve(const QColor &color, qreal width,
+                  std::shared_ptr<TimeRuns> times = std::make_shared<TimeRuns>());
 
     /** Shows the points that both series, of one length, hold at present. Takes no memory. */
     void setSeries(const Series &times, const Series &values);

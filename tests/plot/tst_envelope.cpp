@@ -69,8 +69,9 @@ std::vector<ColumnRun> runsPointByPoint(const History &history, const Values &va
     for (int i = 0; i < history.size(); ++i) {
         const int column = columns.columnOf(history.times[i]);
         if (runs.empty() || runs.back().column != column)
-            runs.push_back({column, i, i, {}});
+            runs.push_back({{column, i, i}, {}, 0});
         runs.back().last = i;
+        runs.back().lastValue = values[i];
         runs.back().values.include(values[i]);
     }
     return runs;
@@ -81,7 +82,8 @@ QString difference(const std::vector<ColumnRun> &runs, const std::vector<ColumnR
 {
     for (std::size_t i = 0; i < std::min(runs.size(), expected.size()); ++i) {
         if (runs[i].column != expected[i].column || runs[i].first != expected[i].first ||
-            runs[i].last != expected[i].last || !(runs[i].values == expected[i].values))
+            runs[i].last != expected[i].last || !(runs[i].values == expected[i].values) ||
+            runs[i].lastValue != expected[i].lastValue)
             return QStringLiteral("run %1 differs").arg(i);
     }
     return runs.size() == expected.size()
@@ -287,13 +289,14 @@ void TestEnvelope::runsGrowWithTheSeries()
     const auto expectedAverages = runsPointByPoint(history, history.averages, columns);
     for (int split = 0; split <= history.size(); ++split) {
         History growing;
-        ColumnRuns ofValues;
-        ColumnRuns ofAverages;
+        const auto times = std::make_shared<TimeRuns>();
+        ColumnRuns ofValues(times);
+        ColumnRuns ofAverages(times); // of a curve that is not on show all the time
         for (int i = 0; i <= history.size(); ++i) {
-            if (i == split || i == history.size()) {
+            if (i == split || i == history.size())
                 ofValues.divide(columns, growing.times, growing.values);
+            if (i == split / 2 || i == history.size())
                 ofAverages.divide(columns, growing.times, growing.averages);
-            }
             if (i < history.size())
                 growing.append(history.times[i], history.values[i]);
         }
