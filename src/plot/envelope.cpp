@@ -102,40 +102,72 @@ int PixelColumns::columnOf(double time) const
     return column;
 }
 
-template<typename Values>
-void ColumnRuns::divide(const PixelColumns &columns, const Series &times, const Values &values)
+void TimeRuns::divide(const PixelColumns &columns, const Series &times, int *read)
 {
     if (!(columns == m_columns))
         forget();
     m_columns = columns;
-    m_blocksRead = 0;
     int next = m_runs.empty() ? 0 : m_runs.back().last + 1;
     while (next < times.size()) {
         const int column = columns.columnOf(times[next]);
         if (m_runs.empty() || m_runs.back().column != column)
-            m_runs.push_back({column, next, next - 1, {}});
-        ColumnRun &run = m_runs.back();
-        const int end = endOfRun(times, next);
-        run.values.include(values.range(next, end, &m_blocksRead));
-        run.last = end - 1;
-        next = end;
+            m_runs.push_back({column, next, next - 1});
+        next = endOfRun(times, next, read);
+        m_runs.back().last = next - 1;
     }
 }
 
 /** End of the stretch of points from `first` on that lie in the column of the newest run. */
-int ColumnRuns::endOfRun(const Series &times, int first)
+int TimeRuns::endOfRun(const Series &times, int first, int *read) const
 {
     const TimeSpan span = spanOf(m_columns, m_runs.back().column);
     if (!times.isAscending())
-        return walkOutOf(span, times, first, m_blocksRead);
-    const ColumnRun &before = m_runs[m_runs.size() < 2 ? 0 : m_runs.size() - 2];
-    const int guess = std::min(first + before.last - before.first + 1, times.size());
-    return searchFrom(guess, times, first, span.end, m_blocksRead);
+        return walkOutOf(span, times, first, *read);
+    const TimeRun &before = m_runs[m_runs.size() < 2 ? 0 : m_runs.size() - 2];
+    const int length = before.last - before.first + 1;
+    const int guess = std::min(first + length, times.size());
+    prefetch(times.stretch(std::min(guess + length, times.size() - 1)), 1); // of the run after it
+    return searchFrom(guess, times, first, span.end, *read);
+}
+
+void TimeRuns::forget()
+{
+    m_runs.clear();
+    ++m_division;
+}
+
+ColumnRuns::ColumnRuns(std::shared_ptr<TimeRuns> times)
+    : m_times(std::move(times))
+{
+}
+
+template<typename Values>
+void ColumnRuns::divide(const PixelColumns &columns, const Series &times, const Values &values)
+{
+    m_blocksRead = 0;
+    m_times->divide(columns, times, &m_blocksRead);
+    if (m_division != m_times->division())
+        m_runs.clear();
+    m_division = m_times->division();
+
+    const std::vector<TimeRun> &divided = m_times->runs();
+    for (std::size_t i = m_runs.empty() ? 0 : m_runs.size() - 1; i < divided.size(); ++i) {
+        if (i + 1 < divided.size())
+            values.prefetchRange(divided[i + 1].first, divided[i + 1].last + 1);
+        if (i == m_runs.size())
+            m_runs.push_back({{divided[i].column, divided[i].first, divided[i].first - 1}, {}, 0});
+        ColumnRun &run = m_runs[i];
+        if (run.last == divided[i].last)
+            continue;
+        run.values.include(values.range(run.last + 1, divided[i].last + 1, &m_blocksRead));
+        run.last = divided[i].last;
+        run.lastValue = values[run.last];
+    }
 }
 
 void ColumnRuns::forget()
 {
-    m_runs.clear();
+    m_times->forget();
 }
 
 template void ColumnRuns::divide(const PixelColumns &, const Series &, const Series &);

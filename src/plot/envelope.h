@@ -2,6 +2,7 @@
 
 #include "plot/series.h"
 
+#include <memory>
 #include <vector>
 
 /**
@@ -24,25 +25,60 @@ struct PixelColumns {
 };
 
 /** A stretch of points, one after the other, that fall into one pixel column. */
-struct ColumnRun {
+struct TimeRun {
     int column = 0;
     int first = 0; ///< index of the first point
     int last = 0;  ///< index of the last point
-    ValueRange values;
 };
 
 /**
- * A curve divided into runs of one pixel column each, in the order of the points. What a line
- * through all points paints, it paints through the first, least, greatest and last of every run.
+ * Times divided into runs of one pixel column each, in the order of the points. Curves that have
+ * their times in common share it, so that they are divided once.
  *
  * The runs of one picture serve the next: as long as the columns stay, only points that have come
  * since are looked at. Whole blocks are taken where they fall into one column, so that a new
  * division costs a few steps per column, however many points there are. Times may step back: the
  * runs then return to columns that were passed before.
  */
+class TimeRuns
+{
+public:
+    /** Divides `times`, which continue those of the call before unless forget() was called. Adds to
+     * `read` the number of blocks and single times that it looked at. */
+    void divide(const PixelColumns &columns, const Series &times, int *read);
+
+    /** Call it before dividing other times. */
+    void forget();
+
+    const std::vector<TimeRun> &runs() const { return m_runs; }
+    /** Another number after each begin from the first point on; else runs only grow. */
+    int division() const { return m_division; }
+
+private:
+    int endOfRun(const Series &times, int first, int *read) const;
+
+    PixelColumns m_columns;
+    std::vector<TimeRun> m_runs;
+    int m_division = 0;
+};
+
+/** A run together with the values of its points. */
+struct ColumnRun : TimeRun {
+    ValueRange values;
+    double lastValue = 0; ///< of the last point
+};
+
+/**
+ * A curve divided into runs of one pixel column each. What a line through all points paints, it
+ * paints through the first, least, greatest and last of every run. As with the times, the values of
+ * one picture serve the next.
+ */
 class ColumnRuns
 {
 public:
+    /** `times` may be those of another curve that shows the same times at any moment. */
+    explicit ColumnRuns(std::shared_ptr<TimeRuns> times = std::make_shared<TimeRuns>());
+
     /**
      * Divides `times` and `values`, of one length: both continue those of the call before, unless
      * forget() was called. `Values` is Series or MovingAverages.
@@ -58,9 +94,8 @@ public:
     int blocksRead() const { return m_blocksRead; }
 
 private:
-    int endOfRun(const Series &times, int first);
-
-    PixelColumns m_columns;
+    std::shared_ptr<TimeRuns> m_times;
+    int m_division = 0; ///< of the times, to which the runs belong
     std::vector<ColumnRun> m_runs;
     int m_blocksRead = 0;
 };

@@ -71,34 +71,50 @@ class BarShape
 {
 public:
     BarShape(const QRectF &canvasRect, qreal penWidth, qreal columnsPerPixel, const QRectF &near)
-        : m_left(canvasRect.left())
-        , m_width(std::max(1.0, std::round(penWidth * columnsPerPixel)))
+        : m_left(qRound(canvasRect.left() * columnsPerPixel))
+        , m_width(std::max(1, qRound(penWidth * columnsPerPixel)))
         , m_scale(columnsPerPixel)
         , m_near(near)
     {
     }
 
-    QRectF bar(int column, qreal top, qreal bottom) const
+    QRect bar(int column, qreal top, qreal bottom) const
     {
         top = qBound(m_near.top(), top, m_near.bottom()) * m_scale;
         bottom = qBound(m_near.top(), bottom, m_near.bottom()) * m_scale;
         const qreal added = std::max(m_width * capLength, (m_width - (bottom - top)) / 2);
-        top = std::round(top - added);
-        bottom = std::max(top + m_width, std::round(bottom + added));
-        const qreal left = m_left + (column - std::floor(m_width / 2)) / m_scale;
-        return {left, top / m_scale, m_width / m_scale, (bottom - top) / m_scale};
+        const int firstRow = qRound(top - added);
+        const int rows = std::max(m_width, qRound(bottom + added) - firstRow);
+        return {m_left + column - m_width / 2, firstRow, m_width, rows};
     }
 
 private:
-    qreal m_left;
-    qreal m_width; ///< device pixels
+    int m_left;    ///< device pixels
+    int m_width;   ///< device pixels
     qreal m_scale; ///< device pixels per pixel
     QRectF m_near;
 };
 
+/**
+ * Fills bars of device pixels with the colour of the pen. What is neither smoothed nor scaled the
+ * painter copies into the picture; smoothed by whichever hint, or one by one, it costs many times
+ * as much.
+ */
+void drawBars(QPainter *painter, const QVector<QRect> &bars, qreal columnsPerPixel)
+{
+    painter->save();
+    painter->setRenderHints(painter->renderHints(), false);
+    painter->scale(1 / columnsPerPixel, 1 / columnsPerPixel);
+    painter->setBrush(painter->pen().color());
+    painter->setPen(Qt::NoPen);
+    painter->drawRects(bars);
+    painter->restore();
+}
+
 } // namespace
 
-EnvelopeCurve::EnvelopeCurve(const QColor &color, qreal width)
+EnvelopeCurve::EnvelopeCurve(const QColor &color, qreal width, std::shared_ptr<TimeRuns> times)
+    : m_columns(std::move(times))
 {
     setPen(QPen(color, width));
     setRenderHint(QwtPlotItem::RenderAntialiased);
@@ -144,10 +160,7 @@ void EnvelopeCurve::drawLines(QPainter *painter, const QwtScaleMap &xMap, const 
     flat.setCapStyle(Qt::FlatCap);
     painter->setPen(flat);
     painter->drawLines(found.lines);
-    painter->setRenderHint(QPainter::Antialiasing, false); // bars lie on whole pixels
-    for (const QRectF &bar : found.bars)
-        painter->fillRect(bar, painter->pen().color());
-    painter->setRenderHint(QPainter::Antialiasing, testRenderHint(RenderAntialiased));
+    drawBars(painter, found.bars, columnsPerPixel);
 }
 
 /** Brings the columns up to date. */
@@ -167,8 +180,8 @@ EnvelopeCurve::Strokes EnvelopeCurve::strokes(const QwtScaleMap &xMap, const Qwt
                                               const QRectF &canvasRect, qreal columnsPerPixel) const
 {
     const SeriesData &series = *seriesData();
-    const auto pointAt = [&](int index) {
-        return QPointF(xMap.transform(series.times()[index]), yMap.transform(series.value(index)));
+    const auto pointOf = [&](int index, double value) {
+        return QPointF(xMap.transform(series.times()[index]), yMap.transform(value));
     };
     const int columnCount = columnsOf(xMap, canvasRect, columnsPerPixel).count;
     const qreal penWidth = std::max(1.0, pen().widthF());
@@ -182,10 +195,10 @@ EnvelopeCurve::Strokes EnvelopeCurve::strokes(const QwtScaleMap &xMap, const Qwt
         const bool isBar = onCanvas && run.first < run.last;
         ValueRange span = run.values;
         if (previous && isBar && previous->column >= 0 && previous->column == run.column - 1)
-            span.include(series.value(previous->last)); // the step from the column before
+            span.include(previous->lastValue); // the step from the column before
         else if (previous)
-            appendClipped(strokes.lines, pointAt(previous->last), pointAt(run.first), near,
-                          penWidth * capLength);
+            appendClipped(strokes.lines, pointOf(previous->last, previous->lastValue),
+                          pointOf(run.first, series.value(run.first)), near, penWidth * capLength);
         const qreal top = yMap.transform(span.max);
         const qreal bottom = yMap.transform(span.min);
         if (isBar && top <= near.bottom() && bottom >= near.top())

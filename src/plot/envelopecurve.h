@@ -5,7 +5,7 @@
 
 #include <QColor>
 #include <QLineF>
-#include <QRectF>
+#include <QRect>
 #include <QVector>
 #include <qwt_plot_curve.h>
 
@@ -19,8 +19,12 @@ class SeriesData;
 class EnvelopeCurve : public QwtPlotCurve
 {
 public:
-    /** `width` is the width of the line in pixels. */
-    EnvelopeCurve(const QColor &color, qreal width);
+    /**
+     * `width` is the width of the line in pixels. Two curves may have one `times`, when they are
+     * never drawn with different ones.
+     */
+    EnvelopeCurve(const QColor &color, qreal width,
+                  std::shared_ptr<TimeRuns> times = std::make_shared<TimeRuns>());
 
     /** Shows the points that both series, of one length, hold at present. Takes no memory. */
     void setSeries(const Series &times, const Series &values);
@@ -38,7 +42,7 @@ protected:
 private:
     struct Strokes {
         QVector<QLineF> lines; ///< between points that are a column or more apart
-        QVector<QRectF> bars;  ///< what the points of one column span, on whole device pixels
+        QVector<QRect> bars;   ///< what the points of one column span, in device pixels
     };
     void divide(const QwtScaleMap &xMap, const QRectF &canvasRect, qreal columnsPerPixel) const;
     Strokes strokes(const QwtScaleMap &xMap, const QwtScaleMap &yMap, const QRectF &canvasRect,

@@ -43,6 +43,13 @@ public:
      */
     ValueRange range(int first, int end, int *read = nullptr) const;
 
+    [[gnu::always_inline]] void prefetchRange(int first, int end) const
+    {
+        m_values.prefetchEnds(first, end);
+        if (m_levels)
+            m_levels->prefetchRange(first, end);
+    }
+
 private:
     ValueRange singles(int first, int end) const;
 

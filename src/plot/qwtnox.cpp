@@ -172,11 +172,12 @@ void QwtNOX::appendChannel(int qwtIndex)
     _dev &device = *findDevice(qwtIndex);
     const bool shown = device.devShow && qwtIndex == m_mainIndex;
     const QColor color = defaultChannelColor(device.ch.size());
+    const auto times = std::make_shared<TimeRuns>(); // those of values and of averages are the same
     _ch channel;
-    channel.averCurve = new EnvelopeCurve(color, 2);
+    channel.averCurve = new EnvelopeCurve(color, 2, times);
     channel.averCurve->setVisible(shown && device.averShow);
     channel.averCurve->attach(this);
-    channel.measCurve = new EnvelopeCurve(color, 1);
+    channel.measCurve = new EnvelopeCurve(color, 1, times);
     channel.measCurve->setVisible(shown && device.measShow);
     channel.measCurve->attach(this);
     device.ch.append(channel);

@@ -66,6 +66,12 @@ public:
         return range;
     }
 
+    /** Fetches the blocks that range() reads of the same stretch. */
+    [[gnu::always_inline]] void prefetchRange(int first, int end) const
+    {
+        prefetchEnds((first + valuesPerBlock - 1) / valuesPerBlock, end / valuesPerBlock);
+    }
+
 private:
     using Level = ChunkedList<ValueRange, 6>;
 

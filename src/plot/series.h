@@ -57,6 +57,12 @@ public:
         prefetch(stretch(blockOfEnd), end - blockOfEnd);
     }
 
+    [[gnu::always_inline]] void prefetchRange(int first, int end) const
+    {
+        prefetchEnds(first, end);
+        m_storage->levels.prefetchRange(first, end);
+    }
+
     /** Index of the first value not below `bound`; size() when there is none. */
     int firstNotBelow(double bound) const;
     /** Index of the newest value below `bound`; -1 when there is none. */

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QRandomGenerator>
 #include <QtTest>
+#include <qwt_null_paintdevice.h>
 #include <qwt_painter.h>
 #include <qwt_scale_map.h>
 
@@ -68,8 +69,9 @@ std::vector<ColumnRun> runsPointByPoint(const History &history, const Values &va
     for (int i = 0; i < history.size(); ++i) {
         const int column = columns.columnOf(history.times[i]);
         if (runs.empty() || runs.back().column != column)
-            runs.push_back({column, i, i, {}});
+            runs.push_back({{column, i, i}, {}, 0});
         runs.back().last = i;
+        runs.back().lastValue = values[i];
         runs.back().values.include(values[i]);
     }
     return runs;
@@ -80,7 +82,8 @@ QString difference(const std::vector<ColumnRun> &runs, const std::vector<ColumnR
 {
     for (std::size_t i = 0; i < std::min(runs.size(), expected.size()); ++i) {
         if (runs[i].column != expected[i].column || runs[i].first != expected[i].first ||
-            runs[i].last != expected[i].last || !(runs[i].values == expected[i].values))
+            runs[i].last != expected[i].last || !(runs[i].values == expected[i].values) ||
+            runs[i].lastValue != expected[i].lastValue)
             return QStringLiteral("run %1 differs").arg(i);
     }
     return runs.size() == expected.size()
@@ -91,14 +94,28 @@ QString difference(const std::vector<ColumnRun> &runs, const std::vector<ColumnR
 constexpr int canvasWidth = 200;
 constexpr int canvasHeight = 100;
 
-/** What a curve draws on a canvas of 200 x 100 pixels, `scale` device pixels to a pixel. */
-QImage painted(const QwtPlotCurve &curve, const QRectF &view, int scale = 1)
+/** Notes the lists of rectangles that are painted, and the hints that held for them. */
+class BarLists : public QwtNullPaintDevice
 {
-    QImage image(canvasWidth * scale, canvasHeight * scale, QImage::Format_RGB32);
-    image.setDevicePixelRatio(scale);
-    image.fill(Qt::white);
-    QPainter painter(&image);
+public:
+    QVector<int> lengths;
+    QPainter::RenderHints hints;
+
+protected:
+    QSize sizeMetrics() const override { return {canvasWidth, canvasHeight}; }
+    void drawRects(const QRect *, int count) override
+    {
+        lengths.append(count);
+        hints |= paintEngine()->painter()->renderHints();
+    }
+};
+
+/** Draws a curve as Qwt does, on a canvas of 200 x 100 pixels. */
+void draw(const QwtPlotCurve &curve, const QRectF &view, QPaintDevice *device)
+{
+    QPainter painter(device);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.setRenderHint(static_cast<QPainter::RenderHint>(8)); // deprecated, yet Qwt sets it, too
     QwtScaleMap x;
     x.setPaintInterval(0, canvasWidth);
     x.setScaleInterval(view.left(), view.right());
@@ -108,6 +125,15 @@ QImage painted(const QwtPlotCurve &curve, const QRectF &view, int scale = 1)
     const QRectF canvas(0, 0, canvasWidth, canvasHeight);
     painter.setClipRect(canvas);
     curve.drawSeries(&painter, x, y, canvas, 0, static_cast<int>(curve.dataSize()) - 1);
+}
+
+/** What it looks like, `scale` device pixels to a pixel. */
+QImage painted(const QwtPlotCurve &curve, const QRectF &view, int scale = 1)
+{
+    QImage image(canvasWidth * scale, canvasHeight * scale, QImage::Format_RGB32);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::white);
+    draw(curve, view, &image);
     return image;
 }
 
@@ -263,13 +289,14 @@ void TestEnvelope::runsGrowWithTheSeries()
     const auto expectedAverages = runsPointByPoint(history, history.averages, columns);
     for (int split = 0; split <= history.size(); ++split) {
         History growing;
-        ColumnRuns ofValues;
-        ColumnRuns ofAverages;
+        const auto times = std::make_shared<TimeRuns>();
+        ColumnRuns ofValues(times);
+        ColumnRuns ofAverages(times); // of a curve that is not on show all the time
         for (int i = 0; i <= history.size(); ++i) {
-            if (i == split || i == history.size()) {
+            if (i == split || i == history.size())
                 ofValues.divide(columns, growing.times, growing.values);
+            if (i == split / 2 || i == history.size())
                 ofAverages.divide(columns, growing.times, growing.averages);
-            }
             if (i < history.size())
                 growing.append(history.times[i], history.values[i]);
         }
@@ -447,6 +474,10 @@ void TestEnvelope::denseColumnsFillTheirSpan()
                  qPrintable(QString("column %1 has a hole").arg(x)));
         QVERIFY(!isBlack(image, x, 17) && !isBlack(image, x, 83));
     }
+    BarLists bars;
+    draw(curve, QRectF(0, 0, 200, 10), &bars);
+    QVERIFY2(bars.lengths == QVector<int>{200}, "each bar by itself costs many times as much");
+    QVERIFY2(!bars.hints, "smoothed bars cost many times as much");
 }
 
 void TestEnvelope::sparsePointsAreJoinedByLines()
