@@ -11,6 +11,13 @@
 class EnvelopeCurve;
 class QwtPlotMarker;
 
+/** A point as it comes from a record of the past. */
+struct PlotPoint {
+    int channel;    ///< from 0
+    double seconds; ///< since the instrument's start
+    double value;
+};
+
 /**
  * One channel on the plot.
  *

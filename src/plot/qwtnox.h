@@ -18,6 +18,7 @@ class PlotPickers;
 class QwtNoxQwtPlotPicker;
 class QwtPlotTextLabel;
 struct MeasurementTexts;
+struct PointOutcome;
 struct ScaleRows;
 struct TimeFormat;
 struct ZoomedView;
@@ -113,6 +114,15 @@ public:
      * 254 where the model is unknown (a channel count of 255 does not exist).
      */
     bool addPoint(double val, double time, const QString &dim, int qwtIndex, uchar ch);
+
+    /**
+     * Adds points of one instrument in their order; `units` are those of its channels. Series,
+     * averages, differences and errors come out as if addPoint() had taken each, but curves, axes
+     * and listeners learn of all of them at the end: of each channel once, in the order of their
+     * last points, with onErrorAddPoint and onPointTrackOff if any of its points asks for it. How
+     * many were accepted.
+     */
+    int addPoints(int qwtIndex, const QVector<PlotPoint> &points, const QVector<QString> &units);
 
     /** Empties all series of the instrument; its settings, differences and limits stay. */
     void clear(int qwtIndex = -1);
@@ -303,12 +313,15 @@ private:
     bool isMainChannel(int qwtIndex, uchar ch) const;
 
     bool ensureChannel(int qwtIndex, uchar ch);
+    bool storePoint(_ch &channel, double val, double time, const QString &dim) const;
+    void announce(int qwtIndex, const QVector<PointOutcome> &outcomes);
     void appendChannel(int qwtIndex);
     void removeLastChannel(int qwtIndex);
     void endDifference(int qwtIndex, uchar ch);
     bool extendDifference(_ch &channel) const;
     void rebuildDifference(_ch &channel, const _ch &reference) const;
     bool violatesLimit(int qwtIndex, uchar ch) const;
+    bool violatesLimit(const _dev &device, const _ch &channel) const;
 
     bool hasFreeView(int qwtIndex, uchar ch) const;
     void setCurrentScales(const _ch &channel);

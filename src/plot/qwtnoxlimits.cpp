@@ -62,14 +62,22 @@ void QwtNOX::placeLimit(const QPointF &point)
 bool QwtNOX::violatesLimit(int qwtIndex, uchar ch) const
 {
     const _dev *device = findDevice(qwtIndex);
+    const _ch *channel = findChannel(qwtIndex, ch);
+    return channel && violatesLimit(*device, *channel);
+}
+
+/** Whether the newest value of a channel, or its newest difference, lies beyond a limit. */
+bool QwtNOX::violatesLimit(const _dev &device, const _ch &channel) const
+{
+    const Series &values = channel.hasDifference() ? channel.diffMeas : channel.meas;
     // whoever heard of the point may have cleared the series
-    if (!device || device->modeTrack == TrackOff || getChMeasCount(qwtIndex, ch) == 0)
+    if (device.modeTrack == TrackOff || values.isEmpty())
         return false;
-    const double value = getChMeas(qwtIndex, ch);
-    const auto isChecked = [device](const QwtPlotMarker *limit, TmcTrackingMode alone) {
-        const bool byMode = device->modeTrack == TrackRange || device->modeTrack == alone;
+    const auto isChecked = [&device](const QwtPlotMarker *limit, TmcTrackingMode alone) {
+        const bool byMode = device.modeTrack == TrackRange || device.modeTrack == alone;
         return byMode && limit && limit->isVisible();
     };
-    return (isChecked(device->upperMarker, TrackUpper) && value > device->upperMarker->yValue()) ||
-           (isChecked(device->lowerMarker, TrackLower) && value < device->lowerMarker->yValue());
+    const double value = values.last();
+    return (isChecked(device.upperMarker, TrackUpper) && value > device.upperMarker->yValue()) ||
+           (isChecked(device.lowerMarker, TrackLower) && value < device.lowerMarker->yValue());
 }

@@ -50,6 +50,9 @@ private slots:
     void formsDifferences();
     void differenceNeedsAFreshReference();
     void differenceNeedsASoundReference();
+    void manyPointsAtOnceAreAsOneByOne();
+    void manyPointsAreToldOfOnce_data();
+    void manyPointsAreToldOfOnce();
     void checksLimits_data();
     void checksLimits();
     void hiddenLimitsAreNotChecked();
@@ -293,6 +296,90 @@ void TestQwtNOXPoints::differenceNeedsASoundReference()
     refer(*m_plot, 0, 0, 0, 9); // a channel that does not exist gives no difference and no error
     QVERIFY(m_plot->addPoint(30, 3, "°С", 0, 0));
     QCOMPARE(m_plot->getChMeasCount(0, 0, true), 0);
+}
+
+void TestQwtNOXPoints::manyPointsAtOnceAreAsOneByOne()
+{
+    const auto addInstrument = [](QwtNOX &plot) {
+        plot.addDev(1, 0);
+        plot.addDev(2, 3);
+        plot.setDevMain(2);
+        plot.addPoint(20, 0, "°С", 1, 0);
+        refer(plot, 2, 1, 2, 0); // against a channel of its own
+        refer(plot, 2, 2, 1, 0); // whose reference soon has nothing new
+        PlotDevice &device = plot.devices()[2];
+        device.modeTrack = TrackUpper;
+        device.upperMarker->setYValue(90);
+        device.upperMarker->setVisible(true);
+    };
+    QwtNOX single;
+    addInstrument(single);
+    addInstrument(*m_plot);
+    const QVector<QString> units = {"Ω", "°С", "мВ", "K"};
+    QRandomGenerator random(1);
+    QVector<PlotPoint> points;
+    for (int i = 0; i < 3000; ++i) {
+        const int kind = random.bounded(50);
+        const double value = kind == 0 ? -2000 : kind == 1 ? qQNaN() : random.bounded(100.0);
+        points.append({random.bounded(5), i / 10.0, value}); // the fourth and fifth do not exist
+    }
+    int accepted = 0;
+    for (const PlotPoint &point : points)
+        if (point.channel < units.size())
+            accepted += single.addPoint(point.value, point.seconds, units.at(point.channel), 2,
+                                        uchar(point.channel));
+    int acceptedAtOnce = 0;
+    for (int first = 0; first < points.size(); first += 700)
+        acceptedAtOnce += m_plot->addPoints(2, points.mid(first, 700), units);
+    QCOMPARE(acceptedAtOnce, accepted);
+
+    QCOMPARE(int(m_plot->getChCount(2)), 3);
+    for (uchar ch = 0; ch < 3; ++ch) {
+        const PlotChannel &one = single.devices()[2].ch[ch];
+        const PlotChannel &other = m_plot->devices()[2].ch[ch];
+        QCOMPARE(numbersOf(other.time), numbersOf(one.time));
+        QCOMPARE(numbersOf(other.meas), numbersOf(one.meas));
+        QCOMPARE(numbersOf(other.aver), numbersOf(one.aver));
+        QCOMPARE(numbersOf(other.diffTime), numbersOf(one.diffTime));
+        QCOMPARE(numbersOf(other.diffMeas), numbersOf(one.diffMeas));
+        QCOMPARE(numbersOf(other.diffAver), numbersOf(one.diffAver));
+        QCOMPARE(other.averSum, one.averSum);
+        QCOMPARE(other.error, one.error);
+        QCOMPARE(m_plot->getChDim(2, ch), single.getChDim(2, ch));
+        QCOMPARE(int(other.measCurve->dataSize()), int(one.measCurve->dataSize()));
+    }
+}
+
+void TestQwtNOXPoints::manyPointsAreToldOfOnce_data()
+{
+    QTest::addColumn<QVector<double>>("values");
+    QTest::addColumn<QStringList>("told");
+    const QString added = "onAddPoint 0 0";
+    const QString alarm = "onPointTrackOff 0 0";
+    const QString error = "onErrorAddPoint 0 0";
+    using Values = QVector<double>;
+    QTest::newRow("regular") << Values{20, 21, 22} << QStringList{added};
+    QTest::newRow("the last beyond the limit") << Values{20, 40} << QStringList{added, alarm};
+    QTest::newRow("back below it") << Values{40, 20} << QStringList{added, alarm, added};
+    QTest::newRow("the last rejected") << Values{20, -2000} << QStringList{added, error};
+    QTest::newRow("one rejected") << Values{-2000, 20} << QStringList{error, added};
+    QTest::newRow("all rejected") << Values{-2000, -2000} << QStringList{error};
+}
+
+void TestQwtNOXPoints::manyPointsAreToldOfOnce()
+{
+    QFETCH(QVector<double>, values);
+    QFETCH(QStringList, told);
+    PlotDevice &device = m_plot->devices()[0];
+    device.modeTrack = TrackUpper;
+    device.upperMarker->setYValue(30);
+    device.upperMarker->setVisible(true);
+    QVector<PlotPoint> points;
+    for (int i = 0; i < values.size(); ++i)
+        points.append({0, double(i), values.at(i)});
+    m_log->take();
+    m_plot->addPoints(0, points, {"°С"});
+    QCOMPARE(m_log->take(), told);
 }
 
 void TestQwtNOXPoints::checksLimits_data()
