@@ -366,6 +366,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
     question.title = tr("Выход из программы");
     question.text = tr("Вы уверены что хотите выйти из программы?");
     question.buttons = QMessageBox::Yes | QMessageBox::No;
+    question.defaultButton = QMessageBox::No;
     if (UserDialogs::current().ask(this, question) == QMessageBox::Yes)
         event->accept();
 }
