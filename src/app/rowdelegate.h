@@ -2,7 +2,10 @@
 
 #include <QStyledItemDelegate>
 
-/** Paints table cells so that the selection of their row never hides the colours of their own. */
+/**
+ * Paints table cells so that the selection of their row never hides the colours of their own, and
+ * that faint texts can be read on any ground.
+ */
 class RowDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
