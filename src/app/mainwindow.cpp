@@ -42,6 +42,8 @@ void MainWindow::showTitle()
 void MainWindow::showNumbers()
 {
     m_panels->showCurveKinds(m_plot->getMeasShow(), m_plot->getAverShow());
+    const noxList::_nox *nox = m_registry->getNoxByIndex(m_current);
+    m_panels->showAge(nox && nox->devIndex < 0);
     const int qwtIndex = currentPlotIndex();
     if (qwtIndex < 0) {
         m_panels->showNumbers(QStringLiteral("--"), QStringLiteral("--"), QString());

@@ -4,6 +4,8 @@
 
 #include <QFrame>
 #include <QHBoxLayout>
+#include <QStyle>
+#include <QVariant>
 
 namespace
 {
@@ -53,8 +55,9 @@ QString numberStyle(bool shown)
 
 NumericPanels::NumericPanels(QFrame *valueFrame, QFrame *averageFrame, QObject *parent)
     : QObject(parent)
+    , m_frames{valueFrame, averageFrame}
 {
-    for (QFrame *frame : {valueFrame, averageFrame}) {
+    for (QFrame *frame : qAsConst(m_frames)) {
         auto *row = new QHBoxLayout(frame);
         row->setContentsMargins(sideMargin, 0, sideMargin, 0);
     }
@@ -82,6 +85,19 @@ void NumericPanels::showCurveKinds(bool values, bool averages)
 {
     setStyle(m_value, numberStyle(values));
     setStyle(m_average, numberStyle(averages));
+}
+
+void NumericPanels::showAge(bool old)
+{
+    constexpr char property[] = "old";
+    for (QFrame *frame : qAsConst(m_frames)) {
+        if (frame->property(property).toBool() == old)
+            continue;
+        frame->setProperty(property, old);
+        frame->setToolTip(old ? tr("Нет связи с прибором: значения старые") : QString());
+        frame->style()->unpolish(frame); // the style sheet looks at the property
+        frame->style()->polish(frame);
+    }
 }
 
 QString NumericPanels::unitStyle(const QString &unit)

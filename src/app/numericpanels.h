@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QString>
 
@@ -22,6 +23,8 @@ public:
     void showNumbers(const QString &value, const QString &average, const QString &unit);
     /** Colours a number by whether its kind of curve is on the plot. */
     void showCurveKinds(bool values, bool averages);
+    /** Shows by the ground of the panels whether the numbers are old: nothing renews them. */
+    void showAge(bool old);
 
     /** Style of the unit label: the longer the unit, the smaller. */
     static QString unitStyle(const QString &unit);
@@ -31,6 +34,7 @@ signals:
     void averageClicked();
 
 private:
+    QList<QFrame *> m_frames;
     FittedLabel *m_value;
     QLabel *m_unit;
     FittedLabel *m_average;

@@ -20,6 +20,7 @@ private slots:
     void choosesTheNextCurrentInstrument();
     void boxesStayWithTheirInstruments();
     void tellsOfAFaultOnce();
+    void oldNumbersLookOld();
     void marksTheRowUnderTheMouse();
     void widensThePlot();
     void closes();
@@ -197,6 +198,22 @@ void TestMainWindow::tellsOfAFaultOnce()
 
     emit fixture->registry().onDevError(7, 200, "Обрыв связи [код 252]");
     QCOMPARE(fixture->dialogs.told.size(), 1);
+}
+
+void TestMainWindow::oldNumbersLookOld()
+{
+    noxList::_nox *nox = fixture->registry().getNoxByIndex(fixture->add(0x11, 1));
+    const auto ground = [this](const char *frame) {
+        return fixture->find<QFrame>(frame)->grab().toImage().pixelColor(6, 20);
+    };
+    for (const char *frame : {"frameMainLCDMeas", "frameMainLCDAver"}) {
+        nox->devIndex = 0; // as if it were connected
+        emit fixture->registry().onChange();
+        QCOMPARE(ground(frame), QColor(Qt::white));
+        nox->devIndex = -1;
+        emit fixture->registry().onChange();
+        QVERIFY(ground(frame) != QColor(Qt::white));
+    }
 }
 
 void TestMainWindow::marksTheRowUnderTheMouse()
