@@ -1,5 +1,6 @@
 #include "app/channeltable.h"
 
+#include "app/plotplaces.h"
 #include "app/rowpainter.h"
 #include "app/tablesetup.h"
 #include "plot/qwtnox.h"
@@ -14,13 +15,16 @@ namespace
 
 QVector<TableColumn> columns()
 {
-    return {{QString(), QStringLiteral(":/resource/images/line_graph.png"), 50},
-            {ChannelTable::tr("Результат"), QString(), 0},
-            {ChannelTable::tr("Разм."), QString(), 50},
-            {ChannelTable::tr("ΔX"), QString(), 75},
-            {ChannelTable::tr("ΔY"), QString(), 75},
-            {ChannelTable::tr("ΔКанал"), QString(), 55},
-            {QString(), QStringLiteral(":/resource/images/settings_32.png"), 50}};
+    return {
+        {ChannelTable::tr("Графики каналов: левая кнопка мыши — показать или скрыть,\n"
+                          "правая — выбрать цвет"),
+         QStringLiteral(":/resource/images/line_graph.png"), 50},
+        {ChannelTable::tr("Результат"), QString(), 0},
+        {ChannelTable::tr("Разм."), QString(), 50},
+        {ChannelTable::tr("ΔX"), QString(), 75},
+        {ChannelTable::tr("ΔY"), QString(), 75},
+        {ChannelTable::tr("ΔКанал"), QString(), 55},
+        {ChannelTable::tr("Меню канала"), QStringLiteral(":/resource/images/settings_32.png"), 50}};
 }
 
 /** True when the model is known and does not measure the channel. */
@@ -159,6 +163,7 @@ ChannelState ChannelTable::stateOf(const noxList::_nox &nox, int channel) const
     state.color = m_plot->getChColor(nox.qwtIndex, ch);
     state.shown = m_plot->getChShow(nox.qwtIndex, ch);
     state.value = m_plot->getChMeasStr(nox.qwtIndex, ch);
+    state.received = receivedValue(*m_plot, nox.qwtIndex, ch);
     state.unit = m_plot->getChDim(nox.qwtIndex, ch);
     if (state.unit.isEmpty())
         state.unit = nox.opt->getChMeasTypeName(ch);

@@ -1,5 +1,6 @@
 #include "app/instrumenttable.h"
 
+#include "app/plotplaces.h"
 #include "app/rowpainter.h"
 #include "app/tablesetup.h"
 #include "plot/qwtnox.h"
@@ -26,13 +27,15 @@ QCheckBox *showBoxAt(const QTableWidget *table, int row)
 
 QVector<TableColumn> columns()
 {
-    return {{QString(), QStringLiteral(":/resource/images/line_graph.png"), 50},
+    return {{InstrumentTable::tr("Графики прибора: флажок показывает и скрывает их"),
+             QStringLiteral(":/resource/images/line_graph.png"), 50},
             {InstrumentTable::tr("Имя/тип"), QString(), 0},
             {InstrumentTable::tr("Номер"), QString(), 75},
             {InstrumentTable::tr("Результат"), QString(), 0},
             {InstrumentTable::tr("Разм."), QString(), 50},
             {InstrumentTable::tr("Канал"), QString(), 55},
-            {QString(), QStringLiteral(":/resource/images/settings_32.png"), 50}};
+            {InstrumentTable::tr("Меню прибора"),
+             QStringLiteral(":/resource/images/settings_32.png"), 50}};
 }
 
 } // namespace
@@ -137,6 +140,7 @@ void InstrumentTable::showProgress(int index, int progress, int maxProgress)
         bar = new QProgressBar;
         bar->setFixedWidth(progressWidth);
         bar->setTextVisible(false);
+        bar->setAccessibleName(tr("Ход обмена с прибором"));
         m_table->setCellWidget(row, InstrumentColumn::Menu, bar);
     }
     bar->setRange(0, maxProgress);
@@ -163,6 +167,7 @@ void InstrumentTable::addShowBox(int row)
 {
     auto *holder = new QWidget;
     auto *box = new QCheckBox;
+    box->setAccessibleName(tr("Показать графики прибора"));
     auto *layout = new QHBoxLayout(holder);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(box, 0, Qt::AlignCenter);
@@ -213,6 +218,7 @@ InstrumentState InstrumentTable::stateOf(const noxList::_nox &nox) const
     const auto ch = uchar(channel);
     state.channel = channel;
     state.value = m_plot->getChMeasStr(nox.qwtIndex, ch);
+    state.received = receivedValue(*m_plot, nox.qwtIndex, ch);
     state.unit = m_plot->getChDim(nox.qwtIndex, ch);
     if (state.unit.isEmpty())
         state.unit = nox.opt->getChMeasTypeName(ch);

@@ -103,6 +103,7 @@ void MainWindow::buildPlot()
 {
     m_plot = std::make_unique<QwtNOX>(this);
     m_ui->qwtWidgetLayout->insertWidget(0, m_plot.get(), 1);
+    m_plot->canvas()->setAccessibleName(tr("График"));
     m_plot->setDivX(plotDivisions);
     m_plot->setDivY(plotDivisions);
     m_plot->applyScale();

@@ -46,6 +46,16 @@ void setStyle(QWidget *widget, const QString &style)
         widget->setStyleSheet(style);
 }
 
+/** Shows a number, and names its panel by it for whoever cannot see it. */
+void showNumber(FittedLabel *label, const QString &title, const QString &text)
+{
+    QWidget *const panel = label->parentWidget();
+    if (label->text() == text && !panel->accessibleName().isEmpty())
+        return;
+    label->showText(text);
+    panel->setAccessibleName(title + QStringLiteral(": ") + text);
+}
+
 QString numberStyle(bool shown)
 {
     return shown ? QStringLiteral("color: #215767;") : QStringLiteral("color: gray;");
@@ -65,6 +75,8 @@ NumericPanels::NumericPanels(QFrame *valueFrame, QFrame *averageFrame, QObject *
     m_unit = addUnit(valueFrame, QStringLiteral("mainDimLabel"));
     m_average = addNumber(averageFrame, QStringLiteral("mainAverLabel"), averagePoints, false);
     addUnit(averageFrame, QStringLiteral("mainAverDimLabel"));
+    m_value->setToolTip(tr("Значение: щелчок показывает и скрывает его график"));
+    m_average->setToolTip(tr("Среднее: щелчок показывает и скрывает его график"));
     m_unit->setStyleSheet(unitStyle(QString()));
     showCurveKinds(true, true);
     connect(m_value, &QLabelClick::clicked, this, &NumericPanels::valueClicked);
@@ -73,8 +85,8 @@ NumericPanels::NumericPanels(QFrame *valueFrame, QFrame *averageFrame, QObject *
 
 void NumericPanels::showNumbers(const QString &value, const QString &average, const QString &unit)
 {
-    m_value->showText(value);
-    m_average->showText(average);
+    showNumber(m_value, tr("Значение"), value);
+    showNumber(m_average, tr("Среднее"), average);
     if (m_unit->text() == unit)
         return;
     m_unit->setText(unit);

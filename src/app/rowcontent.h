@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <array>
+#include <optional>
 
 // What the rows of the instrument table and of the channel table show, free of any widget.
 
@@ -45,7 +46,8 @@ struct InstrumentState {
     QString number;
     QString value;
     QString unit;
-    int channel = -1; ///< where the value came from, from 0; -1: there is no channel
+    std::optional<double> received; ///< the value as the instrument sent it; none: nothing came
+    int channel = -1;               ///< where the value came from, from 0; -1: there is no channel
     bool attached = false;
     bool current = false;
     bool hovered = false; ///< the mouse is over the row
@@ -59,6 +61,7 @@ struct ChannelState {
     bool shown = true; ///< its curves are on the plot
     QString value;
     QString unit;
+    std::optional<double> received; ///< the value as the instrument sent it; none: nothing came
     QString deltaX;
     QString deltaY;
     int referenceChannel = -1;   ///< from 0; -1: no difference is measured

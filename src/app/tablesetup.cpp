@@ -37,6 +37,8 @@ QLabel *headerCell(const TableColumn &column, bool clickable)
     label->setAlignment(Qt::AlignCenter);
     label->setAutoFillBackground(true);
     if (!column.picture.isEmpty()) {
+        label->setToolTip(column.title);
+        label->setAccessibleName(column.title);
         label->setPixmap(QIcon(column.picture).pixmap(pictureSize));
         return label;
     }
