@@ -1,5 +1,6 @@
 #include "app/instrumenttable.h"
 
+#include "app/headedtable.h"
 #include "app/plotplaces.h"
 #include "app/rowpainter.h"
 #include "app/tablesetup.h"
@@ -9,7 +10,6 @@
 #include <QHBoxLayout>
 #include <QProgressBar>
 #include <QSignalBlocker>
-#include <QTableWidget>
 
 #include <algorithm>
 #include <utility>
@@ -40,7 +40,7 @@ QVector<TableColumn> columns()
 
 } // namespace
 
-InstrumentTable::InstrumentTable(QTableWidget *table, const noxList *registry, const QwtNOX *plot,
+InstrumentTable::InstrumentTable(HeadedTable *table, const noxList *registry, const QwtNOX *plot,
                                  QObject *parent)
     : QObject(parent)
     , m_table(table)
@@ -49,6 +49,7 @@ InstrumentTable::InstrumentTable(QTableWidget *table, const noxList *registry, c
     , m_hover(table, {InstrumentColumn::Menu})
 {
     setUpTable(m_table, columns());
+    m_table->setMenuColumns({InstrumentColumn::Menu});
     connect(&m_hover, &RowHover::moved, this, [this](int from, int to) {
         paintMark(from);
         paintMark(to);
@@ -57,7 +58,8 @@ InstrumentTable::InstrumentTable(QTableWidget *table, const noxList *registry, c
 
 void InstrumentTable::refresh(int currentIndex)
 {
-    m_current = currentIndex;
+    const bool isOther = std::exchange(m_current, currentIndex) != currentIndex;
+    const int before = m_rows.size();
     setRows(m_registry->indices());
     setRowCount(m_rows.size());
     for (int row = 1; row <= m_rows.size(); ++row) {
@@ -73,6 +75,8 @@ void InstrumentTable::refresh(int currentIndex)
         paintRow(m_table, row, instrumentRow(stateOf(nox)));
     }
     selectTableRow(m_table, rowOf(m_current));
+    if (isOther && m_rows.size() <= before)
+        m_table->showRow(rowOf(m_current));
 }
 
 /** Instruments keep what they reported while others come and go. */
@@ -147,6 +151,12 @@ void InstrumentTable::showProgress(int index, int progress, int maxProgress)
     bar->setValue(progress);
 }
 
+void InstrumentTable::toggleShow(int row)
+{
+    if (indexAt(row) >= 0)
+        showBoxAt(m_table, row)->click();
+}
+
 int InstrumentTable::indexAt(int row) const
 {
     return m_rows.value(row - 1).index;
@@ -161,12 +171,15 @@ void InstrumentTable::setRowCount(int instruments)
     m_table->setRowCount(instruments + 1);
     for (int row = before; row <= instruments; ++row)
         addShowBox(row);
+    if (instruments >= before)
+        m_table->showRow(instruments);
 }
 
 void InstrumentTable::addShowBox(int row)
 {
     auto *holder = new QWidget;
     auto *box = new QCheckBox;
+    box->setFocusPolicy(Qt::NoFocus); // the table has the keyboard, see toggleShow()
     box->setAccessibleName(tr("Показать графики прибора"));
     auto *layout = new QHBoxLayout(holder);
     layout->setContentsMargins(0, 0, 0, 0);

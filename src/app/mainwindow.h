@@ -76,11 +76,13 @@ private:
     void buildInstruments();
     void buildPlot();
     void buildDisplays();
+    void connectKeys();
     void connectRegistry();
     void connectPlot();
     void buildMenus();
     void buildSettings();
     void buildPlotTools();
+    void orderFocus();
 
     // what the registry reports
     void attachInstrument(int index);
@@ -106,8 +108,9 @@ private:
     void connectPort(const QString &portName);
     void clearPlot(int qwtIndex);
     void showAbout();
-    void pressChannel(uchar ch, int column);
-    void pressNumber(int qwtIndex, uchar ch);
+    void pressInstrument(int row, int column);
+    void pressChannel(int row, int column, Qt::MouseButtons buttons);
+    void pressNumber(int qwtIndex, uchar ch, Qt::MouseButtons buttons);
     void chooseColor(uchar ch);
     void chooseMainColor();
 

@@ -4,6 +4,7 @@
 
 #include <QFrame>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QStyle>
 #include <QVariant>
 
@@ -70,13 +71,16 @@ NumericPanels::NumericPanels(QFrame *valueFrame, QFrame *averageFrame, QObject *
     for (QFrame *frame : qAsConst(m_frames)) {
         auto *row = new QHBoxLayout(frame);
         row->setContentsMargins(sideMargin, 0, sideMargin, 0);
+        // not the label: QLabel makes a slow document of a text that can have the focus
+        frame->setFocusPolicy(Qt::TabFocus);
+        frame->installEventFilter(this);
     }
     m_value = addNumber(valueFrame, QStringLiteral("mainMeasLabel"), valuePoints, true);
     m_unit = addUnit(valueFrame, QStringLiteral("mainDimLabel"));
     m_average = addNumber(averageFrame, QStringLiteral("mainAverLabel"), averagePoints, false);
     addUnit(averageFrame, QStringLiteral("mainAverDimLabel"));
-    m_value->setToolTip(tr("Значение: щелчок показывает и скрывает его график"));
-    m_average->setToolTip(tr("Среднее: щелчок показывает и скрывает его график"));
+    m_value->setToolTip(tr("Значение: щелчок (Пробел) показывает и скрывает его график"));
+    m_average->setToolTip(tr("Среднее: щелчок (Пробел) показывает и скрывает его график"));
     m_unit->setStyleSheet(unitStyle(QString()));
     showCurveKinds(true, true);
     connect(m_value, &QLabelClick::clicked, this, &NumericPanels::valueClicked);
@@ -110,6 +114,20 @@ void NumericPanels::showAge(bool old)
         frame->style()->unpolish(frame); // the style sheet looks at the property
         frame->style()->polish(frame);
     }
+}
+
+bool NumericPanels::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return QObject::eventFilter(watched, event);
+    const auto *key = static_cast<QKeyEvent *>(event);
+    const bool isPress =
+        key->key() == Qt::Key_Space || key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+    if (!isPress)
+        return QObject::eventFilter(watched, event);
+    if (!key->isAutoRepeat())
+        watched == m_frames.first() ? emit valueClicked() : emit averageClicked();
+    return true;
 }
 
 QString NumericPanels::unitStyle(const QString &unit)

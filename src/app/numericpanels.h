@@ -30,8 +30,12 @@ public:
     static QString unitStyle(const QString &unit);
 
 signals:
+    // A click on the number, or Space or Return on its panel.
     void valueClicked();
     void averageClicked();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     QList<QFrame *> m_frames;

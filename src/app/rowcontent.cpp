@@ -99,6 +99,11 @@ QColor freshColor()
     return {144, 238, 144, 128};
 }
 
+QColor accentColor()
+{
+    return {27, 116, 136};
+}
+
 RowContent instrumentRow(const InstrumentState &state)
 {
     using namespace InstrumentColumn;

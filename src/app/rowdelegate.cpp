@@ -1,6 +1,9 @@
 #include "app/rowdelegate.h"
 
 #include "app/legibility.h"
+#include "app/rowcontent.h"
+
+#include <QPainter>
 
 namespace
 {
@@ -14,7 +17,25 @@ QColor groundOf(const QStyleOptionViewItem &option)
     return hasOwn ? blended(option.backgroundBrush.color(), row) : row;
 }
 
+void paintFocus(QPainter *painter, const QRect &cell)
+{
+    constexpr int width = 2;
+    painter->setPen(QPen(accentColor(), width, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter->setBrush(Qt::NoBrush);
+    painter->drawRect(cell.adjusted(width / 2, width / 2, -width / 2, -width / 2));
+}
+
 } // namespace
+
+void RowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                        const QModelIndex &index) const
+{
+    QStyledItemDelegate::paint(painter, option, index);
+    painter->save();
+    if (option.state & QStyle::State_HasFocus)
+        paintFocus(painter, option.rect);
+    painter->restore();
+}
 
 void RowDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
 {
@@ -25,6 +46,7 @@ void RowDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelInde
         option->palette.setColor(QPalette::Text, color);
         option->palette.setColor(QPalette::HighlightedText, color);
     }
+    option->state &= ~QStyle::State_HasFocus; // paintFocus() shows it
     if (option->backgroundBrush.style() != Qt::NoBrush)
         option->state &= ~QStyle::State_Selected;
     if (option->features & QStyleOptionViewItem::HasDecoration)
