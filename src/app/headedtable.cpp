@@ -1,5 +1,6 @@
 #include "app/headedtable.h"
 
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QScrollBar>
 
@@ -8,6 +9,24 @@ HeadedTable::HeadedTable(QWidget *parent)
 {
     setTabKeyNavigation(false);
     setWordWrap(false); // a row has one line: what does not fit into it is cut at its end
+}
+
+int HeadedTable::neededHeight() const
+{
+    return verticalHeader()->length() + 2 * frameWidth();
+}
+
+void HeadedTable::setPreferredHeight(int height)
+{
+    if (height == m_preferredHeight)
+        return;
+    m_preferredHeight = height;
+    updateGeometry();
+}
+
+QSize HeadedTable::sizeHint() const
+{
+    return {QTableWidget::sizeHint().width(), qMax(minimumHeight(), m_preferredHeight)};
 }
 
 void HeadedTable::showRow(int row)

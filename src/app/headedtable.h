@@ -19,6 +19,12 @@ public:
     /** The columns in which a click, and so Return too, opens a menu. */
     void setMenuColumns(const QSet<int> &columns) { m_menuColumns = columns; }
 
+    /** Height at which all rows are seen at once. */
+    int neededHeight() const;
+    /** The height for which it asks its layout; at first the smallest that it may have. */
+    void setPreferredHeight(int height);
+    QSize sizeHint() const override;
+
     /** Scrolls until a row is seen, one just added included. */
     void showRow(int row);
     /** The header covers nothing of what has been scrolled to. */
@@ -49,4 +55,5 @@ private:
     void pinHeader();
 
     QSet<int> m_menuColumns;
+    int m_preferredHeight = 0;
 };

@@ -19,6 +19,7 @@ class PlotButtons;
 class PlotMenu;
 class QwtNOX;
 class SettingsMenu;
+class TableHeights;
 class findNox;
 class noxSql;
 
@@ -128,6 +129,7 @@ private:
     std::unique_ptr<findNox> m_discovery;
     std::unique_ptr<InstrumentTable> m_instruments;
     std::unique_ptr<ChannelTable> m_channels;
+    std::unique_ptr<TableHeights> m_tableHeights;
     std::unique_ptr<DifferenceMenu> m_differenceMenu;
     std::unique_ptr<ConnectMenu> m_connectMenu;
     std::unique_ptr<NumericPanels> m_panels;

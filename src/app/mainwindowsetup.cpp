@@ -11,6 +11,7 @@
 #include "app/plotchoices.h"
 #include "app/plotmenu.h"
 #include "app/settingsmenu.h"
+#include "app/tableheights.h"
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
@@ -117,6 +118,7 @@ void MainWindow::buildPlot()
 {
     m_plot = std::make_unique<QwtNOX>(this);
     m_ui->qwtWidgetLayout->insertWidget(0, m_plot.get(), 1);
+    m_plot->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     showFocusOf(m_plot->canvas());
     m_plot->canvas()->setAccessibleName(tr("График"));
     m_plot->setDivX(plotDivisions);
@@ -138,6 +140,7 @@ void MainWindow::buildDisplays()
     m_channels = std::make_unique<ChannelTable>(m_ui->chTable, m_registry.get(), m_plot.get());
     m_instruments =
         std::make_unique<InstrumentTable>(m_ui->devTable, m_registry.get(), m_plot.get());
+    m_tableHeights = std::make_unique<TableHeights>(m_ui->chTable, m_ui->devTable);
     connect(m_instruments.get(), &InstrumentTable::showToggled, this,
             [this](int index, bool shown) {
                 const int qwtIndex = m_registry->getQWTIndex(index);
