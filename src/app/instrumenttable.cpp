@@ -5,6 +5,7 @@
 #include "app/rowpainter.h"
 #include "app/tablesetup.h"
 #include "plot/qwtnox.h"
+#include "serial/noxserialport.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -125,6 +126,13 @@ void InstrumentTable::note(int qwtIndex, uchar ch, const ValueMarks &marks)
     row.touched = true;
 }
 
+void InstrumentTable::noteExchange(int index)
+{
+    const int row = rowOf(index);
+    if (row >= 1)
+        m_rows[row - 1].touched = true;
+}
+
 void InstrumentTable::paintTouched()
 {
     for (Row &row : m_rows)
@@ -221,6 +229,7 @@ InstrumentState InstrumentTable::stateOf(const noxList::_nox &nox) const
     state.number = nox.opt->getDevNumberStr();
     state.value = QStringLiteral("--");
     state.attached = nox.devIndex >= 0;
+    state.exchanging = state.attached && m_registry->serialPort()->hasExchanges(nox.devIndex);
     state.current = nox.index == m_current;
     state.hovered = indexAt(m_hover.row()) == nox.index;
     state.marks = latest.marks;

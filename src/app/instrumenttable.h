@@ -34,6 +34,8 @@ public:
     void rejectPoint(int qwtIndex, uchar ch) { note(qwtIndex, ch, {false, false, true}); }
     /** The point just taken lies beyond a limit. */
     void raiseAlarm(int qwtIndex, uchar ch) { note(qwtIndex, ch, {false, true, false}); }
+    /** An exchange with the instrument was queued, or its last one is over. */
+    void noteExchange(int index);
     /** Brings the rows up to date about which something was noted. */
     void paintTouched();
 

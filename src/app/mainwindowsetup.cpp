@@ -179,6 +179,12 @@ void MainWindow::connectRegistry()
                 m_instruments->showProgress(m_registry->getIndexByDev(devIndex), progress,
                                             maxProgress);
             });
+    // fired when an exchange is queued, and when none is left
+    connect(m_serialPort.get(), QOverload<int, bool>::of(&NOXSerialPort::blockStatusEvent), this,
+            [this](int devIndex) {
+                m_instruments->noteExchange(m_registry->getIndexByDev(devIndex));
+                m_plot->frameClock().request();
+            });
     const noxList *registry = m_registry.get();
     connect(registry, &noxList::onAddNox, this, &MainWindow::attachInstrument);
     connect(registry, &noxList::onChange, this, &MainWindow::updUI);

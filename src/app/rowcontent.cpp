@@ -66,6 +66,15 @@ void markInstrumentValue(CellContent &cell, const ValueMarks &marks)
     cell.background = marks.rejected ? QColor(Qt::yellow) : QColor();
 }
 
+/** Silence has a reason: the instrument measures again when the last block has been exchanged. */
+void showExchange(RowContent &row)
+{
+    using namespace InstrumentColumn;
+    row[Value].waiting = true;
+    for (const int column : {Value, Unit, Channel})
+        row[column].toolTip = RowTexts::tr("Идёт обмен с прибором, измерения появятся после него");
+}
+
 void markChannelCell(CellContent &cell, const ChannelState &state)
 {
     cell.textColor = state.marks.alarm ? QColor(Qt::red) : textColor(!state.inactive);
@@ -123,6 +132,8 @@ RowContent instrumentRow(const InstrumentState &state)
     row[Menu].text = menuMark(state.current, state.hovered);
     for (const int column : {Value, Unit, Channel})
         markInstrumentValue(row[column], state.marks);
+    if (state.exchanging)
+        showExchange(row);
     return row;
 }
 

@@ -29,6 +29,7 @@ struct CellContent {
     QColor background; ///< invalid: that of the table
     QColor swatch;     ///< colour of the cell's icon; transparent: an empty icon; invalid: none
     QString toolTip;
+    bool waiting = false; ///< it carries the sign that something is awaited
 };
 
 using RowContent = std::array<CellContent, tableColumns>;
@@ -50,7 +51,8 @@ struct InstrumentState {
     int channel = -1;               ///< where the value came from, from 0; -1: there is no channel
     bool attached = false;
     bool current = false;
-    bool hovered = false; ///< the mouse is over the row
+    bool hovered = false;    ///< the mouse is over the row
+    bool exchanging = false; ///< blocks are still to be read or written; it does not measure
     ValueMarks marks;
 };
 

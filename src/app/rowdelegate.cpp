@@ -25,6 +25,17 @@ void paintFocus(QPainter *painter, const QRect &cell)
     painter->drawRect(cell.adjusted(width / 2, width / 2, -width / 2, -width / 2));
 }
 
+/** Three dots at the left of the cell. */
+void paintWaiting(QPainter *painter, const QRect &cell)
+{
+    constexpr int dot = 3;
+    constexpr int pitch = 5;
+    QRect place(0, 0, dot, dot);
+    place.moveCenter({cell.left() + 2 * pitch, cell.center().y()});
+    for (const int shift : {-pitch, 0, pitch})
+        painter->fillRect(place.translated(shift, 0), accentColor());
+}
+
 } // namespace
 
 void RowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
@@ -32,6 +43,8 @@ void RowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
 {
     QStyledItemDelegate::paint(painter, option, index);
     painter->save();
+    if (index.data(waitingRole).toBool())
+        paintWaiting(painter, option.rect);
     if (option.state & QStyle::State_HasFocus)
         paintFocus(painter, option.rect);
     painter->restore();

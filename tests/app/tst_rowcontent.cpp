@@ -61,7 +61,7 @@ private slots:
     void coloursAChannel_data();
     void coloursAChannel();
     void drawsTheColourOfAChannel();
-    void tellsWhatCame();
+    void tellsWhatCameAndWhatIsAwaited();
 };
 
 void TestRowContent::writesAnInstrument_data()
@@ -217,13 +217,17 @@ void TestRowContent::drawsTheColourOfAChannel()
     QCOMPARE(channelRow(state)[ChannelColumn::Number].swatch, QColor(Qt::transparent));
 }
 
-void TestRowContent::tellsWhatCame()
+void TestRowContent::tellsWhatCameAndWhatIsAwaited()
 {
     const int value = InstrumentColumn::Value;
     InstrumentState state = instrument();
     QCOMPARE(instrumentRow(state)[value].toolTip, QString());
     state.received = 21.512345678;
     QCOMPARE(instrumentRow(state)[value].toolTip, QString("Принято: 21.51234568 °С"));
+    QVERIFY(!instrumentRow(state)[value].waiting);
+    state.exchanging = true;
+    QVERIFY(instrumentRow(state)[value].waiting);
+    QVERIFY(instrumentRow(state)[value].toolTip.startsWith("Идёт обмен"));
 
     ChannelState channelState = channel();
     channelState.received = 21.5;

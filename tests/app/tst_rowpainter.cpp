@@ -42,6 +42,7 @@ private slots:
     void selectionLeavesColoursAlone();
     void textsCanBeRead_data();
     void textsCanBeRead();
+    void signShowsThatSomethingIsAwaited();
 
 private:
     std::unique_ptr<QTableWidget> table;
@@ -136,6 +137,17 @@ void TestRowPainter::textsCanBeRead()
     QVERIFY2(reached >= 4.5, qPrintable(QString::number(reached)));
     QVERIFY(painted != QColor(Qt::black)); // off looks off
     QCOMPARE(painted.hslHue(), text.hslHue());
+}
+
+void TestRowPainter::signShowsThatSomethingIsAwaited()
+{
+    RowContent row;
+    paintRow(table.get(), 1, row);
+    const auto picture = [this] { return table->viewport()->grab().toImage(); };
+    const QImage quiet = picture();
+    row[1].waiting = true;
+    paintRow(table.get(), 1, row);
+    QVERIFY(picture() != quiet);
 }
 
 QTEST_MAIN(TestRowPainter)
