@@ -1,10 +1,10 @@
 #include "app/channeltable.h"
 
+#include "app/headedtable.h"
+#include "app/plotplaces.h"
 #include "app/rowpainter.h"
 #include "app/tablesetup.h"
 #include "plot/qwtnox.h"
-
-#include <QTableWidget>
 
 #include <algorithm>
 #include <utility>
@@ -14,13 +14,22 @@ namespace
 
 QVector<TableColumn> columns()
 {
-    return {{QString(), QStringLiteral(":/resource/images/line_graph.png"), 50},
-            {ChannelTable::tr("Результат"), QString(), 0},
-            {ChannelTable::tr("Разм."), QString(), 50},
-            {ChannelTable::tr("ΔX"), QString(), 75},
-            {ChannelTable::tr("ΔY"), QString(), 75},
-            {ChannelTable::tr("ΔКанал"), QString(), 55},
-            {QString(), QStringLiteral(":/resource/images/settings_32.png"), 50}};
+    return {
+        {ChannelTable::tr("Графики каналов: левая кнопка мыши — показать или скрыть,\n"
+                          "правая — выбрать цвет"),
+         QStringLiteral(":/resource/images/line_graph.png"), 50},
+        {ChannelTable::tr("Результат"), QString(), 0},
+        {ChannelTable::tr("Разм."), QString(), 50},
+        {ChannelTable::tr("ΔX"), QString(), 75},
+        {ChannelTable::tr("ΔY"), QString(), 75},
+        {ChannelTable::tr("ΔКанал"), QString(), 55},
+        {ChannelTable::tr("Меню канала"), QStringLiteral(":/resource/images/settings_32.png"), 50}};
+}
+
+/** Where a click opens a menu. */
+QSet<int> menuColumns()
+{
+    return {ChannelColumn::Reference, ChannelColumn::Menu};
 }
 
 /** True when the model is known and does not measure the channel. */
@@ -32,15 +41,16 @@ bool isInactive(const optionsNOX8 &options, quint8 ch)
 
 } // namespace
 
-ChannelTable::ChannelTable(QTableWidget *table, const noxList *registry, const QwtNOX *plot,
+ChannelTable::ChannelTable(HeadedTable *table, const noxList *registry, const QwtNOX *plot,
                            QObject *parent)
     : QObject(parent)
     , m_table(table)
     , m_registry(registry)
     , m_plot(plot)
-    , m_hover(table, {ChannelColumn::Reference, ChannelColumn::Menu})
+    , m_hover(table, menuColumns())
 {
     setUpTable(m_table, columns());
+    m_table->setMenuColumns(menuColumns());
     connect(&m_hover, &RowHover::moved, this, [this](int from, int to) {
         for (const int row : {from, to})
             paint(channelAt(row), ChannelColumn::Menu, ChannelColumn::Menu);
@@ -53,18 +63,30 @@ void ChannelTable::refresh(int index)
     const bool isLinked = nox && nox->devIndex >= 0;
     const bool lostLink = std::exchange(m_isLinked, isLinked) && !isLinked;
     // what marks a value goes with the link, as it does in the table of the instruments
-    if (std::exchange(m_index, index) != index || lostLink)
+    const bool isOther = std::exchange(m_index, index) != index;
+    if (isOther || lostLink)
         forgetMarks(0);
     m_qwtIndex = nox ? nox->qwtIndex : -1;
     const bool onPlot = m_qwtIndex >= 0;
     m_rows = onPlot ? m_plot->getChCount(m_qwtIndex) : 0;
     forgetMarks(m_rows);
     m_main = onPlot ? m_plot->getChMain(m_qwtIndex) : -1;
-    m_table->setRowCount(m_rows + 1);
+    setRowCount(isOther);
     for (int ch = 0; ch < m_rows; ++ch)
         paint(ch);
     m_touched.reset();
     selectTableRow(m_table, m_main + 1);
+}
+
+/** Channels that come on demand are shown as they come; of another instrument, the main one is. */
+void ChannelTable::setRowCount(bool isOther)
+{
+    const int before = m_table->rowCount();
+    m_table->setRowCount(m_rows + 1);
+    if (isOther && m_main >= 0)
+        m_table->showRow(m_main + 1);
+    else if (m_table->rowCount() > before)
+        m_table->showRow(m_rows);
 }
 
 void ChannelTable::refreshMain()
@@ -159,6 +181,7 @@ ChannelState ChannelTable::stateOf(const noxList::_nox &nox, int channel) const
     state.color = m_plot->getChColor(nox.qwtIndex, ch);
     state.shown = m_plot->getChShow(nox.qwtIndex, ch);
     state.value = m_plot->getChMeasStr(nox.qwtIndex, ch);
+    state.received = receivedValue(*m_plot, nox.qwtIndex, ch);
     state.unit = m_plot->getChDim(nox.qwtIndex, ch);
     if (state.unit.isEmpty())
         state.unit = nox.opt->getChMeasTypeName(ch);

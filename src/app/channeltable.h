@@ -7,7 +7,7 @@
 #include <array>
 #include <bitset>
 
-class QTableWidget;
+class HeadedTable;
 class QwtNOX;
 
 /**
@@ -20,7 +20,7 @@ class ChannelTable : public QObject
 {
     Q_OBJECT
 public:
-    ChannelTable(QTableWidget *table, const noxList *registry, const QwtNOX *plot,
+    ChannelTable(HeadedTable *table, const noxList *registry, const QwtNOX *plot,
                  QObject *parent = nullptr);
 
     /** Brings all rows up to date for an instrument; without one (-1) only the header remains. */
@@ -56,12 +56,13 @@ private:
 
     void note(uchar ch, const ValueMarks &marks);
     void setFresh(int ch);
+    void setRowCount(bool isOther);
     void forgetMarks(int first);
     void paint(int ch, int first = 0, int last = tableColumns - 1);
     ChannelState stateOf(const noxList::_nox &nox, int ch) const;
     void addReference(ChannelState *state, const noxList::_nox &nox) const;
 
-    QTableWidget *m_table;
+    HeadedTable *m_table;
     const noxList *m_registry;
     const QwtNOX *m_plot;
     RowHover m_hover;

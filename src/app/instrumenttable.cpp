@@ -1,14 +1,16 @@
 #include "app/instrumenttable.h"
 
+#include "app/headedtable.h"
+#include "app/plotplaces.h"
 #include "app/rowpainter.h"
 #include "app/tablesetup.h"
 #include "plot/qwtnox.h"
+#include "serial/noxserialport.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QProgressBar>
 #include <QSignalBlocker>
-#include <QTableWidget>
 
 #include <algorithm>
 #include <utility>
@@ -26,18 +28,20 @@ QCheckBox *showBoxAt(const QTableWidget *table, int row)
 
 QVector<TableColumn> columns()
 {
-    return {{QString(), QStringLiteral(":/resource/images/line_graph.png"), 50},
+    return {{InstrumentTable::tr("Графики прибора: флажок показывает и скрывает их"),
+             QStringLiteral(":/resource/images/line_graph.png"), 50},
             {InstrumentTable::tr("Имя/тип"), QString(), 0},
             {InstrumentTable::tr("Номер"), QString(), 75},
             {InstrumentTable::tr("Результат"), QString(), 0},
             {InstrumentTable::tr("Разм."), QString(), 50},
             {InstrumentTable::tr("Канал"), QString(), 55},
-            {QString(), QStringLiteral(":/resource/images/settings_32.png"), 50}};
+            {InstrumentTable::tr("Меню прибора"),
+             QStringLiteral(":/resource/images/settings_32.png"), 50}};
 }
 
 } // namespace
 
-InstrumentTable::InstrumentTable(QTableWidget *table, const noxList *registry, const QwtNOX *plot,
+InstrumentTable::InstrumentTable(HeadedTable *table, const noxList *registry, const QwtNOX *plot,
                                  QObject *parent)
     : QObject(parent)
     , m_table(table)
@@ -46,6 +50,7 @@ InstrumentTable::InstrumentTable(QTableWidget *table, const noxList *registry, c
     , m_hover(table, {InstrumentColumn::Menu})
 {
     setUpTable(m_table, columns());
+    m_table->setMenuColumns({InstrumentColumn::Menu});
     connect(&m_hover, &RowHover::moved, this, [this](int from, int to) {
         paintMark(from);
         paintMark(to);
@@ -54,7 +59,8 @@ InstrumentTable::InstrumentTable(QTableWidget *table, const noxList *registry, c
 
 void InstrumentTable::refresh(int currentIndex)
 {
-    m_current = currentIndex;
+    const bool isOther = std::exchange(m_current, currentIndex) != currentIndex;
+    const int before = m_rows.size();
     setRows(m_registry->indices());
     setRowCount(m_rows.size());
     for (int row = 1; row <= m_rows.size(); ++row) {
@@ -70,6 +76,8 @@ void InstrumentTable::refresh(int currentIndex)
         paintRow(m_table, row, instrumentRow(stateOf(nox)));
     }
     selectTableRow(m_table, rowOf(m_current));
+    if (isOther && m_rows.size() <= before)
+        m_table->showRow(rowOf(m_current));
 }
 
 /** Instruments keep what they reported while others come and go. */
@@ -118,6 +126,13 @@ void InstrumentTable::note(int qwtIndex, uchar ch, const ValueMarks &marks)
     row.touched = true;
 }
 
+void InstrumentTable::noteExchange(int index)
+{
+    const int row = rowOf(index);
+    if (row >= 1)
+        m_rows[row - 1].touched = true;
+}
+
 void InstrumentTable::paintTouched()
 {
     for (Row &row : m_rows)
@@ -137,10 +152,17 @@ void InstrumentTable::showProgress(int index, int progress, int maxProgress)
         bar = new QProgressBar;
         bar->setFixedWidth(progressWidth);
         bar->setTextVisible(false);
+        bar->setAccessibleName(tr("Ход обмена с прибором"));
         m_table->setCellWidget(row, InstrumentColumn::Menu, bar);
     }
     bar->setRange(0, maxProgress);
     bar->setValue(progress);
+}
+
+void InstrumentTable::toggleShow(int row)
+{
+    if (indexAt(row) >= 0)
+        showBoxAt(m_table, row)->click();
 }
 
 int InstrumentTable::indexAt(int row) const
@@ -157,12 +179,16 @@ void InstrumentTable::setRowCount(int instruments)
     m_table->setRowCount(instruments + 1);
     for (int row = before; row <= instruments; ++row)
         addShowBox(row);
+    if (instruments >= before)
+        m_table->showRow(instruments);
 }
 
 void InstrumentTable::addShowBox(int row)
 {
     auto *holder = new QWidget;
     auto *box = new QCheckBox;
+    box->setFocusPolicy(Qt::NoFocus); // the table has the keyboard, see toggleShow()
+    box->setAccessibleName(tr("Показать графики прибора"));
     auto *layout = new QHBoxLayout(holder);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(box, 0, Qt::AlignCenter);
@@ -203,6 +229,7 @@ InstrumentState InstrumentTable::stateOf(const noxList::_nox &nox) const
     state.number = nox.opt->getDevNumberStr();
     state.value = QStringLiteral("--");
     state.attached = nox.devIndex >= 0;
+    state.exchanging = state.attached && m_registry->serialPort()->hasExchanges(nox.devIndex);
     state.current = nox.index == m_current;
     state.hovered = indexAt(m_hover.row()) == nox.index;
     state.marks = latest.marks;
@@ -213,6 +240,7 @@ InstrumentState InstrumentTable::stateOf(const noxList::_nox &nox) const
     const auto ch = uchar(channel);
     state.channel = channel;
     state.value = m_plot->getChMeasStr(nox.qwtIndex, ch);
+    state.received = receivedValue(*m_plot, nox.qwtIndex, ch);
     state.unit = m_plot->getChDim(nox.qwtIndex, ch);
     if (state.unit.isEmpty())
         state.unit = nox.opt->getChMeasTypeName(ch);

@@ -6,7 +6,7 @@
 
 #include <QVector>
 
-class QTableWidget;
+class HeadedTable;
 class QwtNOX;
 
 /**
@@ -20,7 +20,7 @@ class InstrumentTable : public QObject
 {
     Q_OBJECT
 public:
-    InstrumentTable(QTableWidget *table, const noxList *registry, const QwtNOX *plot,
+    InstrumentTable(HeadedTable *table, const noxList *registry, const QwtNOX *plot,
                     QObject *parent = nullptr);
 
     /** Brings all rows up to date and selects that of the current instrument. */
@@ -34,12 +34,17 @@ public:
     void rejectPoint(int qwtIndex, uchar ch) { note(qwtIndex, ch, {false, false, true}); }
     /** The point just taken lies beyond a limit. */
     void raiseAlarm(int qwtIndex, uchar ch) { note(qwtIndex, ch, {false, true, false}); }
+    /** An exchange with the instrument was queued, or its last one is over. */
+    void noteExchange(int index);
     /** Brings the rows up to date about which something was noted. */
     void paintTouched();
 
     /** A transfer's progress in the row of the instrument: -1 for an unknown one, 0 of 0 when the
      *  transfer is over. */
     void showProgress(int index, int progress, int maxProgress);
+
+    /** Does what a click on the check box of a row does. */
+    void toggleShow(int row);
 
     /** The registry index shown in a row; -1 for the header and beyond the last row. */
     int indexAt(int row) const;
@@ -68,7 +73,7 @@ private:
     void paintMark(int row);
     InstrumentState stateOf(const noxList::_nox &nox) const;
 
-    QTableWidget *m_table;
+    HeadedTable *m_table;
     const noxList *m_registry;
     const QwtNOX *m_plot;
     RowHover m_hover;

@@ -42,6 +42,8 @@ void MainWindow::showTitle()
 void MainWindow::showNumbers()
 {
     m_panels->showCurveKinds(m_plot->getMeasShow(), m_plot->getAverShow());
+    const noxList::_nox *nox = m_registry->getNoxByIndex(m_current);
+    m_panels->showAge(nox && nox->devIndex < 0);
     const int qwtIndex = currentPlotIndex();
     if (qwtIndex < 0) {
         m_panels->showNumbers(QStringLiteral("--"), QStringLiteral("--"), QString());
@@ -238,6 +240,11 @@ void MainWindow::clearPlot(int qwtIndex)
 
 void MainWindow::on_devTable_cellPressed(int row, int column)
 {
+    pressInstrument(row, column);
+}
+
+void MainWindow::pressInstrument(int row, int column)
+{
     const int index = m_instruments->indexAt(row);
     if (index >= 0 && column != InstrumentColumn::Menu)
         makeCurrent(index);
@@ -250,19 +257,19 @@ void MainWindow::on_devTable_cellEntered(int row, int column)
 
 void MainWindow::on_chTable_cellPressed(int row, int column)
 {
-    const int ch = m_channels->channelAt(row);
-    if (ch >= 0 && currentPlotIndex() >= 0) {
-        pressChannel(uchar(ch), column);
-        updUI();
-    }
+    pressChannel(row, column, QGuiApplication::mouseButtons());
 }
 
-void MainWindow::pressChannel(uchar ch, int column)
+void MainWindow::pressChannel(int row, int column, Qt::MouseButtons buttons)
 {
+    const int channel = m_channels->channelAt(row);
     const int qwtIndex = currentPlotIndex();
+    if (channel < 0 || qwtIndex < 0)
+        return;
+    const auto ch = uchar(channel);
     switch (column) {
     case ChannelColumn::Number:
-        pressNumber(qwtIndex, ch);
+        pressNumber(qwtIndex, ch, buttons);
         break;
     case ChannelColumn::Value:
     case ChannelColumn::Unit:
@@ -276,12 +283,12 @@ void MainWindow::pressChannel(uchar ch, int column)
     default:
         break;
     }
+    updUI();
 }
 
-void MainWindow::pressNumber(int qwtIndex, uchar ch)
+void MainWindow::pressNumber(int qwtIndex, uchar ch, Qt::MouseButtons buttons)
 {
     const bool isShown = m_plot->getChShow(qwtIndex, ch);
-    const Qt::MouseButtons buttons = QGuiApplication::mouseButtons();
     if (buttons & Qt::LeftButton)
         m_plot->setChShow(!isShown, qwtIndex, ch);
     else if ((buttons & Qt::RightButton) && isShown)
@@ -366,6 +373,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
     question.title = tr("Выход из программы");
     question.text = tr("Вы уверены что хотите выйти из программы?");
     question.buttons = QMessageBox::Yes | QMessageBox::No;
+    question.defaultButton = QMessageBox::No;
     if (UserDialogs::current().ask(this, question) == QMessageBox::Yes)
         event->accept();
 }

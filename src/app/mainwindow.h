@@ -19,6 +19,7 @@ class PlotButtons;
 class PlotMenu;
 class QwtNOX;
 class SettingsMenu;
+class TableHeights;
 class findNox;
 class noxSql;
 
@@ -76,11 +77,13 @@ private:
     void buildInstruments();
     void buildPlot();
     void buildDisplays();
+    void connectKeys();
     void connectRegistry();
     void connectPlot();
     void buildMenus();
     void buildSettings();
     void buildPlotTools();
+    void orderFocus();
 
     // what the registry reports
     void attachInstrument(int index);
@@ -106,8 +109,9 @@ private:
     void connectPort(const QString &portName);
     void clearPlot(int qwtIndex);
     void showAbout();
-    void pressChannel(uchar ch, int column);
-    void pressNumber(int qwtIndex, uchar ch);
+    void pressInstrument(int row, int column);
+    void pressChannel(int row, int column, Qt::MouseButtons buttons);
+    void pressNumber(int qwtIndex, uchar ch, Qt::MouseButtons buttons);
     void chooseColor(uchar ch);
     void chooseMainColor();
 
@@ -125,6 +129,7 @@ private:
     std::unique_ptr<findNox> m_discovery;
     std::unique_ptr<InstrumentTable> m_instruments;
     std::unique_ptr<ChannelTable> m_channels;
+    std::unique_ptr<TableHeights> m_tableHeights;
     std::unique_ptr<DifferenceMenu> m_differenceMenu;
     std::unique_ptr<ConnectMenu> m_connectMenu;
     std::unique_ptr<NumericPanels> m_panels;

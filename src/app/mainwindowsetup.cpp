@@ -11,6 +11,7 @@
 #include "app/plotchoices.h"
 #include "app/plotmenu.h"
 #include "app/settingsmenu.h"
+#include "app/tableheights.h"
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
@@ -18,7 +19,9 @@
 #include "storage/noxsql.h"
 #include "ui_mainwindow.h"
 
+#include <QApplication>
 #include <QFile>
+#include <QFocusFrame>
 #include <QLocale>
 #include <QStandardPaths>
 #include <QTimer>
@@ -41,6 +44,16 @@ QString readStyleSheet(const QString &path)
     return QString::fromUtf8(text.constData()); // up to the first zero byte
 }
 
+/** Frames a widget that shows its focus in no way of its own. */
+void showFocusOf(QWidget *widget)
+{
+    auto *frame = new QFocusFrame(widget);
+    QObject::connect(qApp, &QApplication::focusChanged, frame,
+                     [frame, widget](const QWidget *, const QWidget *now) {
+                         frame->setWidget(now == widget ? widget : nullptr);
+                     });
+}
+
 } // namespace
 
 MainWindow::MainWindow(QWidget *parent)
@@ -53,11 +66,13 @@ MainWindow::MainWindow(QWidget *parent)
     buildInstruments();
     buildPlot();
     buildDisplays();
+    connectKeys();
     connectRegistry();
     connectPlot();
     buildMenus();
     buildSettings();
     buildPlotTools();
+    orderFocus();
     updUI();
 }
 
@@ -103,6 +118,9 @@ void MainWindow::buildPlot()
 {
     m_plot = std::make_unique<QwtNOX>(this);
     m_ui->qwtWidgetLayout->insertWidget(0, m_plot.get(), 1);
+    m_plot->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    showFocusOf(m_plot->canvas());
+    m_plot->canvas()->setAccessibleName(tr("График"));
     m_plot->setDivX(plotDivisions);
     m_plot->setDivY(plotDivisions);
     m_plot->applyScale();
@@ -122,6 +140,7 @@ void MainWindow::buildDisplays()
     m_channels = std::make_unique<ChannelTable>(m_ui->chTable, m_registry.get(), m_plot.get());
     m_instruments =
         std::make_unique<InstrumentTable>(m_ui->devTable, m_registry.get(), m_plot.get());
+    m_tableHeights = std::make_unique<TableHeights>(m_ui->chTable, m_ui->devTable);
     connect(m_instruments.get(), &InstrumentTable::showToggled, this,
             [this](int index, bool shown) {
                 const int qwtIndex = m_registry->getQWTIndex(index);
@@ -130,12 +149,41 @@ void MainWindow::buildDisplays()
             });
 }
 
+/** The keys of the tables do what the mouse does in their columns. */
+void MainWindow::connectKeys()
+{
+    const HeadedTable *instruments = m_ui->devTable;
+    connect(instruments, &HeadedTable::showToggled, m_instruments.get(),
+            &InstrumentTable::toggleShow);
+    connect(instruments, &HeadedTable::chosen, this,
+            [this](int row) { pressInstrument(row, InstrumentColumn::Name); });
+    connect(instruments, &HeadedTable::menuWanted, this,
+            [this](int row) { pressInstrument(row, InstrumentColumn::Menu); });
+
+    const HeadedTable *channels = m_ui->chTable;
+    connect(channels, &HeadedTable::showToggled, this,
+            [this](int row) { pressChannel(row, ChannelColumn::Number, Qt::LeftButton); });
+    connect(channels, &HeadedTable::chosen, this,
+            [this](int row) { pressChannel(row, ChannelColumn::Value, Qt::LeftButton); });
+    connect(channels, &HeadedTable::menuWanted, this, [this](int row, int column) {
+        const bool hasItsOwn =
+            column == ChannelColumn::Number || column == ChannelColumn::Reference;
+        pressChannel(row, hasItsOwn ? column : ChannelColumn::Menu, Qt::RightButton);
+    });
+}
+
 void MainWindow::connectRegistry()
 {
     connect(m_serialPort.get(), QOverload<int, int, int, quint8>::of(&NOXSerialPort::setProgress),
             this, [this](int devIndex, int progress, int maxProgress) {
                 m_instruments->showProgress(m_registry->getIndexByDev(devIndex), progress,
                                             maxProgress);
+            });
+    // fired when an exchange is queued, and when none is left
+    connect(m_serialPort.get(), QOverload<int, bool>::of(&NOXSerialPort::blockStatusEvent), this,
+            [this](int devIndex) {
+                m_instruments->noteExchange(m_registry->getIndexByDev(devIndex));
+                m_plot->frameClock().request();
             });
     const noxList *registry = m_registry.get();
     connect(registry, &noxList::onAddNox, this, &MainWindow::attachInstrument);
@@ -208,4 +256,36 @@ void MainWindow::buildPlotTools()
     m_clearMenu = std::make_unique<ClearMenu>(m_registry.get(), this);
     m_ui->clearBtn->setMenu(m_clearMenu.get());
     connect(m_clearMenu.get(), &ClearMenu::chosen, this, &MainWindow::clearPlot);
+}
+
+/** Tab goes the way of the eye: down the left column, down the plot's tools, along its buttons. */
+void MainWindow::orderFocus()
+{
+    const QList<QWidget *> order = {m_ui->frameMainLCDMeas,
+                                    m_ui->frameMainLCDAver,
+                                    m_ui->chTable,
+                                    m_ui->devTable,
+                                    m_ui->addDevBtn,
+                                    m_ui->findDevBtn,
+                                    m_ui->exitBtm,
+                                    m_ui->settingsBtn,
+                                    m_plot->canvas(),
+                                    m_ui->qwtMeasBtn,
+                                    m_ui->qwtZoomBtn,
+                                    m_ui->qwtScrollBtn,
+                                    m_ui->trackBtn,
+                                    m_ui->recBtn,
+                                    m_ui->clearBtn,
+                                    m_ui->toolButton,
+                                    m_ui->toolButton_2,
+                                    m_ui->toolButton_3,
+                                    m_ui->wideViewBtn,
+                                    m_ui->setQwtBtn,
+                                    m_ui->dXBtn,
+                                    m_ui->dYBtn,
+                                    m_ui->modeXBtn,
+                                    m_ui->modeBtn};
+    for (int next = 1; next < order.size(); ++next)
+        setTabOrder(order.at(next - 1), order.at(next));
+    m_ui->devTable->setFocus();
 }

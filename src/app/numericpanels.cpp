@@ -4,6 +4,9 @@
 
 #include <QFrame>
 #include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QStyle>
+#include <QVariant>
 
 namespace
 {
@@ -44,6 +47,16 @@ void setStyle(QWidget *widget, const QString &style)
         widget->setStyleSheet(style);
 }
 
+/** Shows a number, and names its panel by it for whoever cannot see it. */
+void showNumber(FittedLabel *label, const QString &title, const QString &text)
+{
+    QWidget *const panel = label->parentWidget();
+    if (label->text() == text && !panel->accessibleName().isEmpty())
+        return;
+    label->showText(text);
+    panel->setAccessibleName(title + QStringLiteral(": ") + text);
+}
+
 QString numberStyle(bool shown)
 {
     return shown ? QStringLiteral("color: #215767;") : QStringLiteral("color: gray;");
@@ -53,15 +66,21 @@ QString numberStyle(bool shown)
 
 NumericPanels::NumericPanels(QFrame *valueFrame, QFrame *averageFrame, QObject *parent)
     : QObject(parent)
+    , m_frames{valueFrame, averageFrame}
 {
-    for (QFrame *frame : {valueFrame, averageFrame}) {
+    for (QFrame *frame : qAsConst(m_frames)) {
         auto *row = new QHBoxLayout(frame);
         row->setContentsMargins(sideMargin, 0, sideMargin, 0);
+        // not the label: QLabel makes a slow document of a text that can have the focus
+        frame->setFocusPolicy(Qt::TabFocus);
+        frame->installEventFilter(this);
     }
     m_value = addNumber(valueFrame, QStringLiteral("mainMeasLabel"), valuePoints, true);
     m_unit = addUnit(valueFrame, QStringLiteral("mainDimLabel"));
     m_average = addNumber(averageFrame, QStringLiteral("mainAverLabel"), averagePoints, false);
     addUnit(averageFrame, QStringLiteral("mainAverDimLabel"));
+    m_value->setToolTip(tr("Значение: щелчок (Пробел) показывает и скрывает его график"));
+    m_average->setToolTip(tr("Среднее: щелчок (Пробел) показывает и скрывает его график"));
     m_unit->setStyleSheet(unitStyle(QString()));
     showCurveKinds(true, true);
     connect(m_value, &QLabelClick::clicked, this, &NumericPanels::valueClicked);
@@ -70,8 +89,8 @@ NumericPanels::NumericPanels(QFrame *valueFrame, QFrame *averageFrame, QObject *
 
 void NumericPanels::showNumbers(const QString &value, const QString &average, const QString &unit)
 {
-    m_value->showText(value);
-    m_average->showText(average);
+    showNumber(m_value, tr("Значение"), value);
+    showNumber(m_average, tr("Среднее"), average);
     if (m_unit->text() == unit)
         return;
     m_unit->setText(unit);
@@ -82,6 +101,33 @@ void NumericPanels::showCurveKinds(bool values, bool averages)
 {
     setStyle(m_value, numberStyle(values));
     setStyle(m_average, numberStyle(averages));
+}
+
+void NumericPanels::showAge(bool old)
+{
+    constexpr char property[] = "old";
+    for (QFrame *frame : qAsConst(m_frames)) {
+        if (frame->property(property).toBool() == old)
+            continue;
+        frame->setProperty(property, old);
+        frame->setToolTip(old ? tr("Нет связи с прибором: значения старые") : QString());
+        frame->style()->unpolish(frame); // the style sheet looks at the property
+        frame->style()->polish(frame);
+    }
+}
+
+bool NumericPanels::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return QObject::eventFilter(watched, event);
+    const auto *key = static_cast<QKeyEvent *>(event);
+    const bool isPress =
+        key->key() == Qt::Key_Space || key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+    if (!isPress)
+        return QObject::eventFilter(watched, event);
+    if (!key->isAutoRepeat())
+        watched == m_frames.first() ? emit valueClicked() : emit averageClicked();
+    return true;
 }
 
 QString NumericPanels::unitStyle(const QString &unit)

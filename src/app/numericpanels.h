@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QString>
 
@@ -22,15 +23,22 @@ public:
     void showNumbers(const QString &value, const QString &average, const QString &unit);
     /** Colours a number by whether its kind of curve is on the plot. */
     void showCurveKinds(bool values, bool averages);
+    /** Shows by the ground of the panels whether the numbers are old: nothing renews them. */
+    void showAge(bool old);
 
     /** Style of the unit label: the longer the unit, the smaller. */
     static QString unitStyle(const QString &unit);
 
 signals:
+    // A click on the number, or Space or Return on its panel.
     void valueClicked();
     void averageClicked();
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    QList<QFrame *> m_frames;
     FittedLabel *m_value;
     QLabel *m_unit;
     FittedLabel *m_average;

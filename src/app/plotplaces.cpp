@@ -32,3 +32,11 @@ optionsNOX8 *imageOnPlot(const noxList &registry, int qwtIndex)
     const noxList::_nox *nox = qwtIndex < 0 ? nullptr : registry.getNoxByQwtIndex(qwtIndex);
     return nox ? nox->opt.get() : nullptr;
 }
+
+std::optional<double> receivedValue(const QwtNOX &plot, int qwtIndex, uchar ch)
+{
+    constexpr bool diff = false;
+    if (plot.getChMeasCount(qwtIndex, ch, diff) == 0)
+        return std::nullopt;
+    return plot.getChMeas(qwtIndex, ch, -1, diff);
+}

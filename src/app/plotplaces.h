@@ -2,6 +2,8 @@
 
 #include <QList>
 
+#include <optional>
+
 class QwtNOX;
 class noxList;
 class optionsNOX8;
@@ -21,3 +23,6 @@ int attachToPlot(QwtNOX *plot, uchar channelCount);
  * instruments apart where both indices may have been given to another one meanwhile.
  */
 optionsNOX8 *imageOnPlot(const noxList &registry, int qwtIndex);
+
+/** The latest value that the plot took from a channel, as it came; none while there is none. */
+std::optional<double> receivedValue(const QwtNOX &plot, int qwtIndex, uchar ch);

@@ -34,6 +34,17 @@ QString asToolTip(const QString &text)
     return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
 }
 
+/** The latest value in the digits in which it came. */
+QString receivedTip(const std::optional<double> &received, const QString &unit,
+                    const ValueMarks &marks)
+{
+    if (!received || marks.rejected)
+        return {};
+    constexpr int digits = 10;
+    return asToolTip(
+        RowTexts::tr("Принято: %1 %2").arg(QString::number(*received, 'g', digits), unit));
+}
+
 QColor textColor(bool active)
 {
     return active ? Qt::black : Qt::lightGray;
@@ -53,6 +64,15 @@ void markInstrumentValue(CellContent &cell, const ValueMarks &marks)
         return;
     cell.textColor = marks.alarm ? Qt::red : Qt::black;
     cell.background = marks.rejected ? QColor(Qt::yellow) : QColor();
+}
+
+/** Silence has a reason: the instrument measures again when the last block has been exchanged. */
+void showExchange(RowContent &row)
+{
+    using namespace InstrumentColumn;
+    row[Value].waiting = true;
+    for (const int column : {Value, Unit, Channel})
+        row[column].toolTip = RowTexts::tr("Идёт обмен с прибором, измерения появятся после него");
 }
 
 void markChannelCell(CellContent &cell, const ChannelState &state)
@@ -88,6 +108,11 @@ QColor freshColor()
     return {144, 238, 144, 128};
 }
 
+QColor accentColor()
+{
+    return {27, 116, 136};
+}
+
 RowContent instrumentRow(const InstrumentState &state)
 {
     using namespace InstrumentColumn;
@@ -96,15 +121,19 @@ RowContent instrumentRow(const InstrumentState &state)
         cell.textColor = textColor(state.attached);
         cell.background = state.current ? currentColor() : QColor();
     }
+    row[Show].toolTip = RowTexts::tr("Показать или скрыть графики прибора (Пробел)");
     row[Name].text = state.name;
     row[Name].toolTip = asToolTip(state.name); // the column may be too narrow for it
     row[Number].text = state.number;
     row[Value].text = state.marks.rejected ? missingValue() : state.value;
+    row[Value].toolTip = receivedTip(state.received, state.unit, state.marks);
     row[Unit].text = state.unit;
     row[Channel].text = sourceText(state);
     row[Menu].text = menuMark(state.current, state.hovered);
     for (const int column : {Value, Unit, Channel})
         markInstrumentValue(row[column], state.marks);
+    if (state.exchanging)
+        showExchange(row);
     return row;
 }
 
@@ -114,7 +143,10 @@ RowContent channelRow(const ChannelState &state)
     RowContent row;
     row[Number].text = QString::number(state.number + 1);
     row[Number].swatch = state.shown ? state.color : QColor(Qt::transparent);
+    row[Number].toolTip = RowTexts::tr("Левая кнопка мыши (Пробел): показать или скрыть график\n"
+                                       "Правая кнопка мыши (Menu): выбрать цвет графика");
     row[Value].text = state.value;
+    row[Value].toolTip = receivedTip(state.received, state.unit, state.marks);
     row[Unit].text = state.unit;
     row[DeltaX].text = state.deltaX;
     row[DeltaY].text = state.deltaY;

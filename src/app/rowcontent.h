@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <array>
+#include <optional>
 
 // What the rows of the instrument table and of the channel table show, free of any widget.
 
@@ -28,6 +29,7 @@ struct CellContent {
     QColor background; ///< invalid: that of the table
     QColor swatch;     ///< colour of the cell's icon; transparent: an empty icon; invalid: none
     QString toolTip;
+    bool waiting = false; ///< it carries the sign that something is awaited
 };
 
 using RowContent = std::array<CellContent, tableColumns>;
@@ -45,10 +47,12 @@ struct InstrumentState {
     QString number;
     QString value;
     QString unit;
-    int channel = -1; ///< where the value came from, from 0; -1: there is no channel
+    std::optional<double> received; ///< the value as the instrument sent it; none: nothing came
+    int channel = -1;               ///< where the value came from, from 0; -1: there is no channel
     bool attached = false;
     bool current = false;
-    bool hovered = false; ///< the mouse is over the row
+    bool hovered = false;    ///< the mouse is over the row
+    bool exchanging = false; ///< blocks are still to be read or written; it does not measure
     ValueMarks marks;
 };
 
@@ -59,6 +63,7 @@ struct ChannelState {
     bool shown = true; ///< its curves are on the plot
     QString value;
     QString unit;
+    std::optional<double> received; ///< the value as the instrument sent it; none: nothing came
     QString deltaX;
     QString deltaY;
     int referenceChannel = -1;   ///< from 0; -1: no difference is measured
@@ -73,6 +78,8 @@ struct ChannelState {
 QColor currentColor();
 /** Background of the channel that received the latest point. */
 QColor freshColor();
+/** Marks where the keyboard acts and what is going on; that of the style sheet. */
+QColor accentColor();
 
 RowContent instrumentRow(const InstrumentState &state);
 RowContent channelRow(const ChannelState &state);

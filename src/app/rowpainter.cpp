@@ -1,5 +1,6 @@
 #include "app/rowpainter.h"
 
+#include "app/rowdelegate.h"
 #include "app/swatch.h"
 
 #include <QTableWidget>
@@ -34,6 +35,7 @@ void paintCell(QTableWidgetItem *item, const CellContent &content)
     item->setToolTip(content.toolTip);
     item->setForeground(content.textColor);
     item->setBackground(content.background.isValid() ? QBrush(content.background) : QBrush());
+    item->setData(waitingRole, content.waiting);
     paintSwatch(item, content.swatch);
 }
 

@@ -33,10 +33,14 @@ QLabel *headerCell(const TableColumn &column, bool clickable)
         label->setCursor(Qt::PointingHandCursor);
     } else {
         label = new QLabel;
+        label->setCursor(Qt::ArrowCursor);
     }
     label->setAlignment(Qt::AlignCenter);
     label->setAutoFillBackground(true);
+    label->setAttribute(Qt::WA_NoMousePropagation); // the rows may lie below it
     if (!column.picture.isEmpty()) {
+        label->setToolTip(column.title);
+        label->setAccessibleName(column.title);
         label->setPixmap(QIcon(column.picture).pixmap(pictureSize));
         return label;
     }

@@ -7,7 +7,7 @@ class QTableWidget;
 
 /** One column of a table: what its header cell shows, and how wide it is. */
 struct TableColumn {
-    QString title;
+    QString title;   ///< the tool tip of a picture
     QString picture; ///< path of the picture shown instead of the title
     int width = 0;   ///< pixels; 0: the column takes what the others leave
 };

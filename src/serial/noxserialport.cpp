@@ -242,6 +242,11 @@ bool NOXSerialPort::isEmptyDataQueue(int devIndex) const
     return queue != m_dataQueues.constEnd() && queue->isEmpty();
 }
 
+bool NOXSerialPort::hasExchanges(int devIndex) const
+{
+    return !m_queryQueues.value(devIndex).isEmpty() || !m_dataQueues.value(devIndex).isEmpty();
+}
+
 bool NOXSerialPort::isSendAllData() const
 {
     return allEmpty(m_dataQueues);

@@ -46,6 +46,8 @@ public:
     QList<int> devices() const { return m_workers.keys(); }
     /** True only if the device has had a read and none is queued now. */
     bool isEmptyQueryQueue(int devIndex) const;
+    /** A read or a write of the device is queued, the one in progress included. */
+    bool hasExchanges(int devIndex) const;
     /** No device has a queued write. */
     bool isSendAllData() const;
     /** No device has a queued read or a held reply. */

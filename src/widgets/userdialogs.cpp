@@ -1,6 +1,10 @@
 #include "widgets/userdialogs.h"
 
 #include <QColorDialog>
+#include <QPointer>
+#include <QQueue>
+
+#include <memory>
 
 namespace
 {
@@ -14,25 +18,74 @@ void fill(QMessageBox *box, const Message &message)
     box->setDefaultButton(message.defaultButton);
 }
 
-QMessageBox::StandardButton askOnScreen(QWidget *parent, const Message &message)
+/** What is on the screen, and the messages that wait for their turn. */
+class DialogsOnScreen : public QObject
 {
-    QMessageBox box(parent);
-    fill(&box, message);
-    return QMessageBox::StandardButton(box.exec());
-}
+public:
+    QMessageBox::StandardButton ask(QWidget *parent, const Message &message)
+    {
+        QMessageBox box(parent);
+        fill(&box, message);
+        ++m_questions;
+        const int answer = box.exec();
+        endQuestion();
+        return QMessageBox::StandardButton(answer);
+    }
 
-void tellOnScreen(QWidget *parent, const Message &message)
-{
-    auto *box = new QMessageBox(parent);
-    fill(box, message);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->open();
-}
+    void tell(QWidget *parent, const Message &message)
+    {
+        m_waiting.enqueue({parent, parent != nullptr, message});
+        showNext();
+    }
 
-QColor chooseColorOnScreen(QWidget *parent, const QColor &current)
-{
-    return QColorDialog::getColor(current, parent);
-}
+    QColor chooseColor(QWidget *parent, const QColor &current)
+    {
+        ++m_questions;
+        const QColor color = QColorDialog::getColor(current, parent);
+        endQuestion();
+        return color;
+    }
+
+private:
+    struct Waiting {
+        QPointer<QWidget> parent;
+        bool hasParent;
+        Message message;
+    };
+
+    void endQuestion()
+    {
+        --m_questions;
+        if (m_box)
+            m_box->activateWindow(); // it lost the keyboard to the question
+        showNext();
+    }
+
+    void showNext()
+    {
+        if (m_box || m_questions > 0)
+            return;
+        while (!m_waiting.isEmpty() && !m_box) {
+            const Waiting next = m_waiting.dequeue();
+            if (next.parent || !next.hasParent)
+                show(next);
+        }
+    }
+
+    void show(const Waiting &next)
+    {
+        m_box = new QMessageBox(next.parent);
+        fill(m_box, next.message);
+        m_box->setAttribute(Qt::WA_DeleteOnClose);
+        // later, for its parent may be about to end as well
+        connect(m_box, &QObject::destroyed, this, &DialogsOnScreen::showNext, Qt::QueuedConnection);
+        m_box->open();
+    }
+
+    QPointer<QMessageBox> m_box;
+    QQueue<Waiting> m_waiting;
+    int m_questions = 0; ///< open at present
+};
 
 } // namespace
 
@@ -44,5 +97,11 @@ UserDialogs &UserDialogs::current()
 
 UserDialogs UserDialogs::onScreen()
 {
-    return {askOnScreen, tellOnScreen, chooseColorOnScreen};
+    const auto screen = std::make_shared<DialogsOnScreen>();
+    return {
+        [screen](QWidget *parent, const Message &message) { return screen->ask(parent, message); },
+        [screen](QWidget *parent, const Message &message) { screen->tell(parent, message); },
+        [screen](QWidget *parent, const QColor &current) {
+            return screen->chooseColor(parent, current);
+        }};
 }

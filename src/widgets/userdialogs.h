@@ -24,7 +24,10 @@ struct Message {
 struct UserDialogs {
     /** Shows a message and waits for the button pressed. */
     std::function<QMessageBox::StandardButton(QWidget *parent, const Message &message)> ask;
-    /** Shows a message and goes on; the box lives until it is closed. */
+    /**
+     * Shows a message and goes on. One message is on the screen at a time, and none beside a
+     * question; the others wait. Whose parent is gone when its turn comes is dropped.
+     */
     std::function<void(QWidget *parent, const Message &message)> tell;
     /** Asks for a colour; an invalid one when the user gives none. */
     std::function<QColor(QWidget *parent, const QColor &current)> chooseColor;

@@ -1,3 +1,4 @@
+#include "serial/noxserialport.h"
 #include "simulator/instrumenthost.h"
 #include "windowfixture.h"
 
@@ -67,6 +68,12 @@ void TestLiveWindow::showsThreeInstrumentsAndTheLossOfOne()
     fixture.click(channels, 4, ChannelColumn::Value);
     QCOMPARE(fixture.plot().getChMain(0), 3);
     QCOMPARE(fixture.text(channels, 4, ChannelColumn::Menu), QString("<"));
+
+    // while a block is read the row tells why it is silent
+    const auto tip = [&] { return instruments->item(1, InstrumentColumn::Value)->toolTip(); };
+    fixture.window->serialPort()->sendDevQuery(0, 3, 72);
+    QTRY_VERIFY_WITH_TIMEOUT(tip().startsWith("Идёт обмен"), longWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(tip().startsWith("Принято"), longWaitMs);
 
     // a pulled plug greys its row and is told of once; the others go on
     host.unplug("SIM2");

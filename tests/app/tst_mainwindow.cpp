@@ -20,8 +20,11 @@ private slots:
     void choosesTheNextCurrentInstrument();
     void boxesStayWithTheirInstruments();
     void tellsOfAFaultOnce();
+    void oldNumbersLookOld();
     void marksTheRowUnderTheMouse();
     void widensThePlot();
+    void fitsASmallScreen();
+    void givesRoomToTheTableThatNeedsIt();
     void closes();
 
 private:
@@ -199,6 +202,22 @@ void TestMainWindow::tellsOfAFaultOnce()
     QCOMPARE(fixture->dialogs.told.size(), 1);
 }
 
+void TestMainWindow::oldNumbersLookOld()
+{
+    noxList::_nox *nox = fixture->registry().getNoxByIndex(fixture->add(0x11, 1));
+    const auto ground = [this](const char *frame) {
+        return fixture->find<QFrame>(frame)->grab().toImage().pixelColor(6, 20);
+    };
+    for (const char *frame : {"frameMainLCDMeas", "frameMainLCDAver"}) {
+        nox->devIndex = 0; // as if it were connected
+        emit fixture->registry().onChange();
+        QCOMPARE(ground(frame), QColor(Qt::white));
+        nox->devIndex = -1;
+        emit fixture->registry().onChange();
+        QVERIFY(ground(frame) != QColor(Qt::white));
+    }
+}
+
 void TestMainWindow::marksTheRowUnderTheMouse()
 {
     for (int i = 0; i < 3; ++i)
@@ -248,6 +267,31 @@ void TestMainWindow::widensThePlot()
     QVERIFY(left->isVisible());
     QCOMPARE(button->arrowType(), Qt::LeftArrow);
     QTRY_COMPARE(fixture->plot().width(), narrow);
+}
+
+void TestMainWindow::fitsASmallScreen()
+{
+    const QSize least = fixture->window->minimumSizeHint();
+    QVERIFY2(least.width() <= 940, qPrintable(QString::number(least.width())));
+    QVERIFY2(least.height() <= 490, qPrintable(QString::number(least.height())));
+}
+
+void TestMainWindow::givesRoomToTheTableThatNeedsIt()
+{
+    const QTableWidget *table = fixture->instruments();
+    const auto isSeen = [table](int row) {
+        const QRect cell = table->visualRect(table->model()->index(row, 1));
+        return table->viewport()->rect().contains(cell);
+    };
+    for (quint16 number = 1; number <= 8; ++number)
+        fixture->add(0x11, number);
+    QTRY_VERIFY(isSeen(1) && isSeen(8));
+    for (quint16 number = 9; number <= 30; ++number) {
+        fixture->add(0x11, number);
+        QCoreApplication::processEvents();
+        QVERIFY(isSeen(number));
+    }
+    QCOMPARE(fixture->channels()->verticalScrollBar()->maximum(), 0);
 }
 
 void TestMainWindow::closes()

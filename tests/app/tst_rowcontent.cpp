@@ -61,6 +61,7 @@ private slots:
     void coloursAChannel_data();
     void coloursAChannel();
     void drawsTheColourOfAChannel();
+    void tellsWhatCameAndWhatIsAwaited();
 };
 
 void TestRowContent::writesAnInstrument_data()
@@ -214,6 +215,27 @@ void TestRowContent::drawsTheColourOfAChannel()
     QCOMPARE(channelRow(state)[ChannelColumn::Number].swatch, QColor(Qt::blue));
     state.shown = false;
     QCOMPARE(channelRow(state)[ChannelColumn::Number].swatch, QColor(Qt::transparent));
+}
+
+void TestRowContent::tellsWhatCameAndWhatIsAwaited()
+{
+    const int value = InstrumentColumn::Value;
+    InstrumentState state = instrument();
+    QCOMPARE(instrumentRow(state)[value].toolTip, QString());
+    state.received = 21.512345678;
+    QCOMPARE(instrumentRow(state)[value].toolTip, QString("Принято: 21.51234568 °С"));
+    QVERIFY(!instrumentRow(state)[value].waiting);
+    state.exchanging = true;
+    QVERIFY(instrumentRow(state)[value].waiting);
+    QVERIFY(instrumentRow(state)[value].toolTip.startsWith("Идёт обмен"));
+
+    ChannelState channelState = channel();
+    channelState.received = 21.5;
+    channelState.unit = "<i>"; // the user's own
+    QCOMPARE(channelRow(channelState)[ChannelColumn::Value].toolTip,
+             QString("Принято: 21.5 &lt;i&gt;"));
+    channelState.marks.rejected = true;
+    QCOMPARE(channelRow(channelState)[ChannelColumn::Value].toolTip, QString());
 }
 
 QTEST_APPLESS_MAIN(TestRowContent)

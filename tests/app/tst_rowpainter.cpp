@@ -1,3 +1,4 @@
+#include "app/legibility.h"
 #include "app/rowpainter.h"
 #include "app/tablesetup.h"
 
@@ -39,6 +40,9 @@ private slots:
     void keepsToTheColumnsGiven();
     void framesTheColourInWhite();
     void selectionLeavesColoursAlone();
+    void textsCanBeRead_data();
+    void textsCanBeRead();
+    void signShowsThatSomethingIsAwaited();
 
 private:
     std::unique_ptr<QTableWidget> table;
@@ -101,6 +105,49 @@ void TestRowPainter::selectionLeavesColoursAlone()
     selectTableRow(table.get(), 1);
     QCOMPARE(centreOf(*table, 1, 1), QColor(Qt::yellow));
     QVERIFY(centreOf(*table, 1, 3) != plain);
+}
+
+void TestRowPainter::textsCanBeRead_data()
+{
+    QTest::addColumn<QColor>("text");
+    QTest::addColumn<QColor>("ground");
+    QTest::addColumn<bool>("selected");
+    QTest::newRow("off") << QColor(Qt::lightGray) << QColor() << false;
+    QTest::newRow("off, current") << QColor(Qt::lightGray) << currentColor() << true;
+    QTest::newRow("off, selected") << QColor(Qt::lightGray) << QColor() << true;
+    QTest::newRow("off, fresh, selected") << QColor(Qt::lightGray) << freshColor() << true;
+    QTest::newRow("off, rejected") << QColor(Qt::lightGray) << QColor(Qt::yellow) << false;
+    QTest::newRow("alarm, fresh") << QColor(Qt::red) << freshColor() << false;
+}
+
+void TestRowPainter::textsCanBeRead()
+{
+    QFETCH(QColor, text);
+    QFETCH(QColor, ground);
+    QFETCH(bool, selected);
+    RowContent row;
+    row[1] = {QString(3, QChar(0x2588)), text, ground, {}, {}}; // the cell is full of text
+    row[2].background = ground;
+    paintRow(table.get(), 1, row);
+    selectTableRow(table.get(), selected ? 1 : 0);
+    QCOMPARE(table->item(1, 1)->foreground().color(), text);
+    const QRect cell = table->visualItemRect(table->item(1, 1));
+    const QColor painted = table->viewport()->grab().toImage().pixelColor(cell.center());
+    const double reached = contrast(painted, centreOf(*table, 1, 2));
+    QVERIFY2(reached >= 4.5, qPrintable(QString::number(reached)));
+    QVERIFY(painted != QColor(Qt::black)); // off looks off
+    QCOMPARE(painted.hslHue(), text.hslHue());
+}
+
+void TestRowPainter::signShowsThatSomethingIsAwaited()
+{
+    RowContent row;
+    paintRow(table.get(), 1, row);
+    const auto picture = [this] { return table->viewport()->grab().toImage(); };
+    const QImage quiet = picture();
+    row[1].waiting = true;
+    paintRow(table.get(), 1, row);
+    QVERIFY(picture() != quiet);
 }
 
 QTEST_MAIN(TestRowPainter)

@@ -77,6 +77,7 @@ void TestStart::exitIsAskedFor()
     QCOMPARE(question.title, QStringLiteral("Выход из программы"));
     QCOMPARE(question.text, QStringLiteral("Вы уверены что хотите выйти из программы?"));
     QCOMPARE(question.buttons, QMessageBox::Yes | QMessageBox::No);
+    QCOMPARE(question.defaultButton, QMessageBox::No);
     QVERIFY(fixture.window->isVisible());
     fixture.dialogs.answer = QMessageBox::Yes;
     QVERIFY(fixture.window->close());
