@@ -40,12 +40,16 @@ void QwtNOX::zoomByWheel(bool coarser)
     const ScaleRows next = neighbouringRows(current, coarser);
     if (!channel || next == current)
         return;
-    showZoomed(viewAround(cursor(), next, m_divX, m_divY));
+    const ZoomedView view = viewAround(cursor(), next, m_divX, m_divY);
     if (channel->mode == ModeAuto || channel->mode == ModeFollow) {
         channel->scaleY = static_cast<uchar>(next.y); // both at once: no Y chosen by data between
         setChScaleX(static_cast<uchar>(next.x));
         setChScaleY(static_cast<uchar>(next.y));
+        // Unless whoever heard of it chose otherwise: following waits for the next point.
+        if (rowsInEffect() == next && getChMode() == ModeFollow)
+            showZoomed(view);
     } else {
+        showZoomed(view);
         emit onChange(m_mainIndex);
     }
 }

@@ -36,7 +36,8 @@ private slots:
     void wheelStopsAtTheEnds_data();
     void wheelStopsAtTheEnds();
     void wheelCentresAtTheCursor();
-    void wheelCentresInTheAutomaticModeToo();
+    void wheelCentresWhileFollowingToo_data();
+    void wheelCentresWhileFollowingToo();
     void wheelNeverShowsTimesBelowZero();
     void wheelWorksFromAutomaticScales_data();
     void wheelWorksFromAutomaticScales();
@@ -329,16 +330,28 @@ void TestQwtNOXZoom::wheelCentresAtTheCursor()
     QVERIFY(std::abs(m_screen->middle(QwtPlot::xBottom) - cursor.x()) < 1e-6);
 }
 
-void TestQwtNOXZoom::wheelCentresInTheAutomaticModeToo()
+void TestQwtNOXZoom::wheelCentresWhileFollowingToo_data()
 {
-    m_screen->plot.setChMode(ModeAuto);
-    const QPoint at = m_screen->mouse.pixel(50, 20.3);
+    QTest::addColumn<int>("scaleX");
+    QTest::newRow("automatic") << 0;
+    QTest::newRow("following") << 8; // 2 min.
+}
+
+void TestQwtNOXZoom::wheelCentresWhileFollowingToo()
+{
+    QFETCH(int, scaleX);
+    m_screen->addRamp(900); // 0 to 1200 s
+    m_screen->plot.changeScaleX(scaleX);
+    const QPoint at = m_screen->mouse.pixel(400, 20.3);
     const QPointF cursor = m_screen->mouse.point(at);
-    m_screen->mouse.wheel(at, false);
+    m_screen->mouse.wheel(at, true);
     QCOMPARE(m_screen->plot.getChMode(), ModeFollow);
     QCOMPARE(rows(),
              qMakePair(int(m_screen->plot.getChScaleX()), int(m_screen->plot.getChScaleY())));
+    QVERIFY(std::abs(m_screen->middle(QwtPlot::xBottom) - cursor.x()) < 1e-6);
     QVERIFY(std::abs(m_screen->middle(QwtPlot::yLeft) - cursor.y()) < 1e-9);
+    m_screen->add(20, 901);
+    QVERIFY(m_screen->shows(QwtPlot::xBottom, 360, 60)); // the end again
 }
 
 void TestQwtNOXZoom::wheelNeverShowsTimesBelowZero()
