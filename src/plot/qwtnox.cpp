@@ -83,8 +83,7 @@ QwtNOX::QwtNOX(QWidget *parent)
     }
     installScaleXDraw();
     setAxisScaleDraw(yLeft, new QwtNOXScaleYDraw(this));
-    setAxisView(xBottom, viewFrom(0, 1, m_divX));
-    setAxisView(yLeft, viewFrom(0, 1, m_divY));
+    restAxes();
     buildInteraction();
 }
 

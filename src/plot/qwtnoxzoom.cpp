@@ -36,9 +36,8 @@ void QwtNOX::setZoomScale(const QRectF &rect)
 void QwtNOX::zoomByWheel(bool coarser)
 {
     _ch *channel = findChannel(m_mainIndex, 255);
-    const ScaleRows current = rowsInEffect();
-    const ScaleRows next = neighbouringRows(current, coarser);
-    if (!channel || next == current)
+    const ScaleRows next = neighbouringRows(rowsInEffect(), coarser);
+    if (!channel || next == ScaleRows{m_scaleX, m_scaleY})
         return;
     const ZoomedView view = viewAround(cursor(), next, m_divX, m_divY);
     if (channel->mode == ModeAuto || channel->mode == ModeFollow) {
