@@ -12,6 +12,19 @@ namespace
 constexpr int lastX = 18; // rows of the tables
 constexpr int lastY = 29;
 
+/** Rows of pixels that the edge of a rectangle at `from` has changed between its corners. */
+int inkedRows(const QImage &before, const QImage &now, const QPoint &from, const QPoint &to)
+{
+    int inked = 0;
+    for (int y = from.y() - 5; y <= from.y() + 5; ++y) {
+        bool differs = false;
+        for (int x = std::min(from.x(), to.x()) + 20; x < std::max(from.x(), to.x()) - 20; ++x)
+            differs = differs || before.pixel(x, y) != now.pixel(x, y);
+        inked += differs ? 1 : 0;
+    }
+    return inked;
+}
+
 } // namespace
 
 class TestQwtNOXZoom : public QObject
@@ -94,7 +107,10 @@ void TestQwtNOXZoom::rectangleOfTheMouse()
         if (backwards)
             std::swap(from, to);
         SignalLog log(m_screen->plot);
-        mouse.drag(from, to);
+        const QImage before = m_screen->plot.canvas()->grab().toImage();
+        mouse.pull(from, to);
+        QCOMPARE(inkedRows(before, m_screen->plot.canvas()->grab().toImage(), from, to), 2);
+        mouse.release(to);
         QCOMPARE(m_screen->plot.getChMode(), ModeZoom);
         QCOMPARE(log.take(), QStringList("onChange 0"));
         QCOMPARE(m_screen->plot.getScaleXLabel(), QString("5 сек."));
