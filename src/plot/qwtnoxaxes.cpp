@@ -211,7 +211,7 @@ void QwtNOX::updLabelScale()
     QFont font = caption.font();
     font.setPointSize(captionPoints);
     caption.setFont(font);
-    caption.setRenderFlags(Qt::AlignRight | Qt::AlignTop);
+    caption.setRenderFlags(Qt::AlignRight | Qt::AlignTop | Qt::TextWordWrap);
     caption.setBackgroundBrush(QColor(255, 255, 255, 200)); // legible above curves
     m_caption->setText(caption);
 }

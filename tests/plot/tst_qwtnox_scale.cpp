@@ -375,6 +375,9 @@ void TestQwtNOXScale::captionNamesChannelAndScales()
     m_plot->setChScaleX(oneMinute);
     QCOMPARE(caption->text().text(), QString("Кн. № 2 [Ом], dX: 1 мин., dY: 0.000001"));
     QCOMPARE(caption->text().font().pointSize(), 15);
+    const QRectF narrow(0, 0, 380, 300); // a canvas on which one line has no room
+    QVERIFY(caption->text().textSize().width() > narrow.width());
+    QVERIFY(narrow.contains(caption->textRect(narrow, caption->text().textSize())));
     m_plot->removeDev(0);
     QCOMPARE(caption->text().text(), QString());
 }
