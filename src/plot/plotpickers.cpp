@@ -31,15 +31,15 @@ void stop(Picker *picker)
 
 PlotPickers::PlotPickers(QWidget *canvas, const QPen &limitPen)
 {
-    const QPen crossPen(Qt::darkGray, 2, Qt::DotLine);
+    const QPen selectionPen(Qt::darkGray, 2, Qt::DotLine);
     m_click = addPicker(canvas, "clickPicker", new QwtPickerClickPointMachine,
-                        QwtPicker::CrossRubberBand, crossPen);
+                        QwtPicker::CrossRubberBand, selectionPen);
     m_measure = addPicker(canvas, "measurePicker", new QwtPickerDragPointMachine,
-                          QwtPicker::CrossRubberBand, crossPen);
-    m_zoomer = new PlotZoomer(canvas);
+                          QwtPicker::CrossRubberBand, selectionPen);
+    m_zoomer = new PlotZoomer(canvas, selectionPen);
     m_zoomer->setObjectName(QStringLiteral("zoomer"));
     m_scroll = addPicker(canvas, "scrollTracker", new QwtPickerTrackerMachine,
-                         QwtPicker::NoRubberBand, crossPen);
+                         QwtPicker::NoRubberBand, selectionPen);
     m_limits = addPicker(canvas, "limitsPicker", new QwtPickerDragPointMachine,
                          QwtPicker::HLineRubberBand, limitPen);
     enableFor(ModeAuto);

@@ -2,12 +2,10 @@
 
 #include "plot/mouseclick.h"
 
-#include <QPen>
-
-PlotZoomer::PlotZoomer(QWidget *canvas)
+PlotZoomer::PlotZoomer(QWidget *canvas, const QPen &pen)
     : QwtPlotZoomer(canvas, false)
 {
-    setRubberBandPen(QPen(Qt::darkGray, 0, Qt::DotLine));
+    setRubberBandPen(pen);
     setTrackerMode(AlwaysOff);
 }
 

@@ -13,7 +13,8 @@ class PlotZoomer : public QwtPlotZoomer
 {
     Q_OBJECT
 public:
-    explicit PlotZoomer(QWidget *canvas);
+    /** `pen` draws the rectangle while it is selected. */
+    PlotZoomer(QWidget *canvas, const QPen &pen);
 
     using QwtPlotZoomer::reset;
     void zoom(const QRectF &rectangle) override;

@@ -5,12 +5,12 @@
 #include "plot/plotmeasurement.h"
 #include "plot/plotpickers.h"
 #include "plot/qwtnoxscaledraw.h"
+#include "plot/wrappedlabel.h"
 
 #include <qwt_plot_canvas.h>
 #include <qwt_plot_grid.h>
 #include <qwt_plot_layout.h>
 #include <qwt_plot_marker.h>
-#include <qwt_plot_textlabel.h>
 #include <qwt_scale_widget.h>
 
 // Construction and the records: instruments and their channels.
@@ -30,7 +30,7 @@ void addGrid(QwtPlot *plot)
 
 QwtPlotTextLabel *addCaption(QwtPlot *plot)
 {
-    auto *caption = new QwtPlotTextLabel;
+    auto *caption = new WrappedLabel;
     caption->setZ(100); // above curves and lines
     caption->attach(plot);
     return caption;
@@ -83,8 +83,7 @@ QwtNOX::QwtNOX(QWidget *parent)
     }
     installScaleXDraw();
     setAxisScaleDraw(yLeft, new QwtNOXScaleYDraw(this));
-    setAxisView(xBottom, viewFrom(0, 1, m_divX));
-    setAxisView(yLeft, viewFrom(0, 1, m_divY));
+    restAxes();
     buildInteraction();
 }
 

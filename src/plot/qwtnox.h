@@ -328,6 +328,7 @@ private:
     void showMode(const _ch &channel);
     void scaleX(const _ch &channel);
     void scaleY(_ch &channel);
+    void restAxes();
     AxisView axisView(int axis) const;
     void setAxisView(int axis, const AxisView &view);
     void steadyLabels(int axis);

@@ -1,6 +1,7 @@
 #include "plot/envelopecurve.h"
 #include "plot/qwtnox.h"
 #include "plot/qwtnoxscaledraw.h"
+#include "plot/zoomchoice.h"
 
 #include <qwt_plot_textlabel.h>
 #include <qwt_scale_div.h>
@@ -111,16 +112,26 @@ void QwtNOX::scaleX(const _ch &channel)
 
 void QwtNOX::scaleY(_ch &channel)
 {
-    ValueRange values;
-    if (channel.mode == ModeAuto || m_scaleY == 0) {
-        values = valuesInView(channel, axisView(xBottom).lower);
-        m_scaleY = static_cast<uchar>(rowForValues(values, m_divY));
-    } else {
-        values = decidingRange(channel, shownTimes(channel).size() - 1); // the newest
-    }
+    const bool isAutomatic = channel.mode == ModeAuto || m_scaleY == 0;
+    const ValueRange values = isAutomatic ? valuesInView(channel, axisView(xBottom).lower)
+                                          : decidingRange(channel, shownTimes(channel).size() - 1);
+    if (isAutomatic) // with nothing in view the axis stays
+        m_scaleY = static_cast<uchar>(values.isEmpty() ? rowOfStepY(axisStepSize(yLeft))
+                                                       : rowForValues(values, m_divY));
     channel.precision = static_cast<uchar>(decimalsForRow(m_scaleY));
     const double step = scalesY()[m_scaleY].step;
     setAxisView(yLeft, followValues(axisView(yLeft), values, step, m_divY));
+}
+
+/** Without points of the main channel the axes are as in the beginning: those of another one would
+ * be labelled with decimals that do not suit them. */
+void QwtNOX::restAxes()
+{
+    const _ch *channel = findChannel(m_mainIndex, 255);
+    if (channel && !shownTimes(*channel).isEmpty())
+        return;
+    setAxisView(xBottom, viewFrom(0, 1, m_divX));
+    setAxisView(yLeft, viewFrom(0, 1, m_divY));
 }
 
 AxisView QwtNOX::axisView(int axis) const
@@ -200,7 +211,7 @@ void QwtNOX::updLabelScale()
     QFont font = caption.font();
     font.setPointSize(captionPoints);
     caption.setFont(font);
-    caption.setRenderFlags(Qt::AlignRight | Qt::AlignTop);
+    caption.setRenderFlags(Qt::AlignRight | Qt::AlignTop | Qt::TextWordWrap);
     caption.setBackgroundBrush(QColor(255, 255, 255, 200)); // legible above curves
     m_caption->setText(caption);
 }

@@ -60,6 +60,7 @@ void QwtNOX::setDevMain(int qwtIndex)
     }
     if (const _dev *device = findDevice(qwtIndex)) {
         const uchar mainCh = device->mainCh;
+        restAxes();
         setChMode(ModeFollow, qwtIndex);
         installScaleXDraw();
         applyScale();
@@ -81,6 +82,8 @@ void QwtNOX::setChMain(uchar ch, int qwtIndex)
     showOnly(*device, ch, qwtIndex == m_mainIndex);
     if (device->mainCh != ch) {
         device->mainCh = ch;
+        if (qwtIndex == m_mainIndex)
+            restAxes();
         const bool hasScale = channel->scaleX != 0 || channel->scaleY != 0;
         setChMode(hasScale ? ModeFollow : ModeAuto, qwtIndex, ch);
         emit onChMainChange(qwtIndex, ch);

@@ -36,16 +36,19 @@ void QwtNOX::setZoomScale(const QRectF &rect)
 void QwtNOX::zoomByWheel(bool coarser)
 {
     _ch *channel = findChannel(m_mainIndex, 255);
-    const ScaleRows current = rowsInEffect();
-    const ScaleRows next = neighbouringRows(current, coarser);
-    if (!channel || next == current)
+    const ScaleRows next = neighbouringRows(rowsInEffect(), coarser);
+    if (!channel || next == ScaleRows{m_scaleX, m_scaleY})
         return;
-    showZoomed(viewAround(cursor(), next, m_divX, m_divY));
+    const ZoomedView view = viewAround(cursor(), next, m_divX, m_divY);
     if (channel->mode == ModeAuto || channel->mode == ModeFollow) {
         channel->scaleY = static_cast<uchar>(next.y); // both at once: no Y chosen by data between
         setChScaleX(static_cast<uchar>(next.x));
         setChScaleY(static_cast<uchar>(next.y));
+        // Unless whoever heard of it chose otherwise: following waits for the next point.
+        if (rowsInEffect() == next && getChMode() == ModeFollow)
+            showZoomed(view);
     } else {
+        showZoomed(view);
         emit onChange(m_mainIndex);
     }
 }

@@ -92,6 +92,14 @@ void TestQwtNOXScale::startsWithATidyView()
     QVERIFY(shows(QwtPlot::yLeft, 0, 10));
     m_plot->applyScale(); // without points: stays
     QVERIFY(shows(QwtPlot::xBottom, 0, 10));
+    add(30, 1000);
+    QVERIFY(shows(QwtPlot::yLeft, 29.999995, 30.000005));
+    m_plot->setChMain(1); // has no points, so its decimals suit no other view
+    QVERIFY(shows(QwtPlot::yLeft, 0, 10));
+    m_plot->setChMain(0);
+    m_plot->setDevMain(1);
+    QVERIFY(shows(QwtPlot::xBottom, 0, 10));
+    QVERIFY(shows(QwtPlot::yLeft, 0, 10));
     QVERIFY(!m_plot->axisAutoScale(QwtPlot::xBottom) && !m_plot->axisAutoScale(QwtPlot::yLeft));
 }
 
@@ -367,6 +375,9 @@ void TestQwtNOXScale::captionNamesChannelAndScales()
     m_plot->setChScaleX(oneMinute);
     QCOMPARE(caption->text().text(), QString("Кн. № 2 [Ом], dX: 1 мин., dY: 0.000001"));
     QCOMPARE(caption->text().font().pointSize(), 15);
+    const QRectF narrow(0, 0, 380, 300); // a canvas on which one line has no room
+    QVERIFY(caption->text().textSize().width() > narrow.width());
+    QVERIFY(narrow.contains(caption->textRect(narrow, caption->text().textSize())));
     m_plot->removeDev(0);
     QCOMPARE(caption->text().text(), QString());
 }
@@ -380,6 +391,16 @@ void TestQwtNOXScale::stepsBackInTimeAreShown()
     QVERIFY(shows(QwtPlot::xBottom, 90, 100));
     add(22, 101);
     QVERIFY(shows(QwtPlot::xBottom, 91, 101));
+    m_plot->setChScaleX(0);
+    QCOMPARE(m_plot->getChMode(), ModeAuto);
+    m_plot->clear();
+    add(0, 5000);
+    add(500, 5001);
+    const QwtInterval values = m_plot->axisInterval(QwtPlot::yLeft);
+    add(22, 100); // left of what is in view
+    QCOMPARE(m_plot->axisInterval(QwtPlot::yLeft), values);
+    QCOMPARE(m_plot->getScaleYLabel(), QString("100"));
+    QCOMPARE(int(m_plot->getPrecision()), 0);
 }
 
 void TestQwtNOXScale::hugeValuesLeaveAUsableAxis()

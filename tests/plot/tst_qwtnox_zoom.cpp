@@ -12,6 +12,19 @@ namespace
 constexpr int lastX = 18; // rows of the tables
 constexpr int lastY = 29;
 
+/** Rows of pixels that the edge of a rectangle at `from` has changed between its corners. */
+int inkedRows(const QImage &before, const QImage &now, const QPoint &from, const QPoint &to)
+{
+    int inked = 0;
+    for (int y = from.y() - 5; y <= from.y() + 5; ++y) {
+        bool differs = false;
+        for (int x = std::min(from.x(), to.x()) + 20; x < std::max(from.x(), to.x()) - 20; ++x)
+            differs = differs || before.pixel(x, y) != now.pixel(x, y);
+        inked += differs ? 1 : 0;
+    }
+    return inked;
+}
+
 } // namespace
 
 class TestQwtNOXZoom : public QObject
@@ -36,7 +49,8 @@ private slots:
     void wheelStopsAtTheEnds_data();
     void wheelStopsAtTheEnds();
     void wheelCentresAtTheCursor();
-    void wheelCentresInTheAutomaticModeToo();
+    void wheelCentresWhileFollowingToo_data();
+    void wheelCentresWhileFollowingToo();
     void wheelNeverShowsTimesBelowZero();
     void wheelWorksFromAutomaticScales_data();
     void wheelWorksFromAutomaticScales();
@@ -93,7 +107,10 @@ void TestQwtNOXZoom::rectangleOfTheMouse()
         if (backwards)
             std::swap(from, to);
         SignalLog log(m_screen->plot);
-        mouse.drag(from, to);
+        const QImage before = m_screen->plot.canvas()->grab().toImage();
+        mouse.pull(from, to);
+        QCOMPARE(inkedRows(before, m_screen->plot.canvas()->grab().toImage(), from, to), 2);
+        mouse.release(to);
         QCOMPARE(m_screen->plot.getChMode(), ModeZoom);
         QCOMPARE(log.take(), QStringList("onChange 0"));
         QCOMPARE(m_screen->plot.getScaleXLabel(), QString("5 сек."));
@@ -329,16 +346,28 @@ void TestQwtNOXZoom::wheelCentresAtTheCursor()
     QVERIFY(std::abs(m_screen->middle(QwtPlot::xBottom) - cursor.x()) < 1e-6);
 }
 
-void TestQwtNOXZoom::wheelCentresInTheAutomaticModeToo()
+void TestQwtNOXZoom::wheelCentresWhileFollowingToo_data()
 {
-    m_screen->plot.setChMode(ModeAuto);
-    const QPoint at = m_screen->mouse.pixel(50, 20.3);
+    QTest::addColumn<int>("scaleX");
+    QTest::newRow("automatic") << 0;
+    QTest::newRow("following") << 8; // 2 min.
+}
+
+void TestQwtNOXZoom::wheelCentresWhileFollowingToo()
+{
+    QFETCH(int, scaleX);
+    m_screen->addRamp(900); // 0 to 1200 s
+    m_screen->plot.changeScaleX(scaleX);
+    const QPoint at = m_screen->mouse.pixel(400, 20.3);
     const QPointF cursor = m_screen->mouse.point(at);
-    m_screen->mouse.wheel(at, false);
+    m_screen->mouse.wheel(at, true);
     QCOMPARE(m_screen->plot.getChMode(), ModeFollow);
     QCOMPARE(rows(),
              qMakePair(int(m_screen->plot.getChScaleX()), int(m_screen->plot.getChScaleY())));
+    QVERIFY(std::abs(m_screen->middle(QwtPlot::xBottom) - cursor.x()) < 1e-6);
     QVERIFY(std::abs(m_screen->middle(QwtPlot::yLeft) - cursor.y()) < 1e-9);
+    m_screen->add(20, 901);
+    QVERIFY(m_screen->shows(QwtPlot::xBottom, 360, 60)); // the end again
 }
 
 void TestQwtNOXZoom::wheelNeverShowsTimesBelowZero()
