@@ -1,0 +1,128 @@
+#include "storage/resultsexport.h"
+
+#include <QElapsedTimer>
+#include <QIODevice>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr int sliceBytes = 64 * 1024;
+constexpr int slicePoints = 16 * 1024; ///< looked at before the clock is, if few rows are due
+constexpr int leastPoints = 2;         ///< a channel with fewer is written without values
+
+/** The first channel with the most points. */
+const PlotChannel &longestChannel(const QVector<PlotChannel> &channels)
+{
+    return *std::max_element(channels.cbegin(), channels.cend(),
+                             [](const PlotChannel &one, const PlotChannel &other) {
+                                 return one.time.size() < other.time.size();
+                             });
+}
+
+QStringList unitsOf(const PlotDevice &instrument)
+{
+    QStringList units;
+    for (const PlotChannel &channel : instrument.ch)
+        units << channel.dim;
+    return units;
+}
+
+} // namespace
+
+void SeriesCursor::stepBack()
+{
+    if (m_next == m_begin)
+        return; // nothing was measured before
+    while (!isRunOver())
+        ++m_next;
+    m_begin = m_next;
+}
+
+int SeriesCursor::pointAt(double seconds)
+{
+    while (!isRunOver() && m_times[m_next] <= seconds)
+        ++m_next;
+    if (m_next == m_begin || (m_next == m_times.size() && m_times.last() < seconds))
+        return -1;
+    return m_next - 1;
+}
+
+/** No point follows before the next step back. */
+bool SeriesCursor::isRunOver() const
+{
+    return m_next == m_times.size() || (m_next > m_begin && m_times[m_next] < m_times[m_next - 1]);
+}
+
+ResultsExport::ResultsExport(const PlotDevice &instrument, const ResultsFormat &format)
+    : m_text(format)
+    , m_intervalMinutes(format.intervalMinutes)
+{
+    m_text.addHeader(instrument.startDateTime, unitsOf(instrument));
+    for (const PlotChannel &channel : instrument.ch) {
+        const bool hasValues = !channel.error && channel.meas.size() >= leastPoints;
+        m_channels.append({channel.meas, SeriesCursor(channel.time), hasValues});
+    }
+    if (instrument.ch.isEmpty())
+        return;
+    const PlotChannel &longest = longestChannel(instrument.ch);
+    const bool hasDifferences = longest.hasDifference() && !longest.diffTime.isEmpty();
+    m_times = longest.time;
+    m_distances = hasDifferences ? longest.diffTime : longest.time;
+    m_end = std::min(m_times.size(), m_distances.size());
+}
+
+ResultsExport::State ResultsExport::writeOn(QIODevice *device, int milliseconds)
+{
+    QElapsedTimer timer;
+    timer.start();
+    do {
+        addRows();
+        if (!flush(device))
+            return Failed;
+        if (m_next == m_end)
+            return Finished;
+    } while (timer.elapsed() < milliseconds);
+    return Unfinished;
+}
+
+int ResultsExport::percent() const
+{
+    return m_end == 0 ? 100 : int(100.0 * m_next / m_end);
+}
+
+/** Adds rows until there is a slice of text, or long enough none. */
+void ResultsExport::addRows()
+{
+    const int end = std::min(m_end, m_next + slicePoints);
+    for (; m_next < end && m_text.bytes().size() < sliceBytes; ++m_next) {
+        if (m_next > 0 && m_times[m_next] < m_times[m_next - 1])
+            for (Channel &channel : m_channels)
+                channel.cursor.stepBack();
+        if (!isRowDue(m_lastSeconds, m_distances[m_next], m_intervalMinutes))
+            continue;
+        m_lastSeconds = m_distances[m_next];
+        addRow(m_times[m_next]);
+    }
+}
+
+void ResultsExport::addRow(double seconds)
+{
+    m_text.beginRow(++m_number, seconds);
+    for (Channel &channel : m_channels) {
+        const int point = channel.hasValues ? channel.cursor.pointAt(seconds) : -1;
+        if (point >= 0)
+            m_text.addValue(channel.values[point]);
+        else
+            m_text.addNoValue();
+    }
+    m_text.endRow();
+}
+
+bool ResultsExport::flush(QIODevice *device)
+{
+    const bool isWritten = device->write(m_text.bytes()) == m_text.bytes().size();
+    m_text.clear();
+    return isWritten;
+}
