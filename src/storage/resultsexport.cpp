@@ -1,5 +1,7 @@
 #include "storage/resultsexport.h"
 
+#include "storage/resultssource.h"
+
 #include <QElapsedTimer>
 #include <QIODevice>
 
@@ -11,23 +13,6 @@ namespace
 constexpr int sliceBytes = 64 * 1024;
 constexpr int slicePoints = 16 * 1024; ///< looked at before the clock is, if few rows are due
 constexpr int leastPoints = 2;         ///< a channel with fewer is written without values
-
-/** The first channel with the most points. */
-const PlotChannel &longestChannel(const QVector<PlotChannel> &channels)
-{
-    return *std::max_element(channels.cbegin(), channels.cend(),
-                             [](const PlotChannel &one, const PlotChannel &other) {
-                                 return one.time.size() < other.time.size();
-                             });
-}
-
-QStringList unitsOf(const PlotDevice &instrument)
-{
-    QStringList units;
-    for (const PlotChannel &channel : instrument.ch)
-        units << channel.dim;
-    return units;
-}
 
 } // namespace
 
