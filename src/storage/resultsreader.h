@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QDateTime>
+#include <QMetaType>
 #include <QString>
 #include <QVector>
 
@@ -78,3 +79,5 @@ private:
     qint64 m_lineNumber = 0;
     char m_separator = '\0';
 };
+
+Q_DECLARE_METATYPE(ResultsFindings)
