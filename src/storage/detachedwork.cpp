@@ -1,7 +1,5 @@
 #include "storage/detachedwork.h"
 
-#include <QFile>
-
 #include <fcntl.h>
 #include <system_error>
 #include <thread>
@@ -26,9 +24,9 @@ bool syncFile(int descriptor)
     return ::fsync(descriptor) == 0;
 }
 
-bool syncPath(const QString &path)
+bool syncPath(const QByteArray &encodedName)
 {
-    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    const int descriptor = ::open(encodedName.constData(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
         return false;
     const bool isSynced = syncFile(descriptor);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QByteArray>
 
 #include <atomic>
 #include <functional>
@@ -16,12 +16,13 @@ using SharedWorkState = std::shared_ptr<std::atomic<WorkState>>;
  * Lets a thread of its own do something that may wait for the disk, and tells how far it is.
  *
  * Nobody waits for the thread, not even the end of the program: a disk that does not answer holds
- * up nothing. So the work owns all that it uses. It answers whether it has succeeded.
+ * up nothing. So the work owns all that it uses, and calls nothing of Qt that may be gone by then,
+ * such as text codecs. It answers whether it has succeeded.
  */
 SharedWorkState startDetached(std::function<bool()> work);
 
 /** Brings what was written to a file to the disk, and waits for that. False when it fails. */
 bool syncFile(int descriptor);
 
-/** The same for a file or a folder by its name; a folder's entries are what is brought. */
-bool syncPath(const QString &path);
+/** The same for a file or a folder by its encoded name; a folder's entries are what is brought. */
+bool syncPath(const QByteArray &encodedName);

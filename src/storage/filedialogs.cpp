@@ -5,6 +5,13 @@
 namespace
 {
 
+constexpr const char *tableFilter = QT_TRANSLATE_NOOP("FileDialogs", "CSV (*.csv *.CSV);; * (*.*)");
+
+QString translated(const char *text)
+{
+    return QCoreApplication::translate("FileDialogs", text);
+}
+
 QString chooseOnScreen(QWidget *parent, const FileQuestion &question)
 {
     QFileDialog dialog(parent, question.title, question.directory, question.filter);
@@ -35,9 +42,32 @@ FileDialogs FileDialogs::onScreen()
 FileQuestion resultsFileQuestion(const QString &directory, const QString &name)
 {
     FileQuestion question;
-    question.title = QCoreApplication::translate("FileDialogs", "Файл для сохранения результатов");
-    question.filter = QCoreApplication::translate("FileDialogs", "CSV (*.csv *.CSV);; * (*.*)");
+    question.title =
+        translated(QT_TRANSLATE_NOOP("FileDialogs", "Файл для сохранения результатов"));
+    question.filter = translated(tableFilter);
     question.defaultSuffix = QStringLiteral("csv");
+    question.directory = directory;
+    question.name = name;
+    return question;
+}
+
+FileQuestion savedResultsQuestion(const QString &directory)
+{
+    FileQuestion question;
+    question.mode = QFileDialog::AcceptOpen;
+    question.title =
+        translated(QT_TRANSLATE_NOOP("FileDialogs", "Чтение результатов измерений из файла"));
+    question.filter = translated(tableFilter);
+    question.directory = directory;
+    return question;
+}
+
+FileQuestion plotImageQuestion(const QString &directory, const QString &name)
+{
+    FileQuestion question;
+    question.title = translated(QT_TRANSLATE_NOOP("FileDialogs", "Сохранить график в файл"));
+    question.filter = translated(QT_TRANSLATE_NOOP("FileDialogs", "PNG (*.png *.PNG);; * (*.*)"));
+    question.defaultSuffix = QStringLiteral("png");
     question.directory = directory;
     question.name = name;
     return question;

@@ -31,5 +31,9 @@ struct FileDialogs {
     static FileDialogs onScreen();
 };
 
-/** Asks for a results file in CSV to be written. */
+/** Asks for a results file to be written. */
 FileQuestion resultsFileQuestion(const QString &directory, const QString &name);
+/** Asks for a results file to be read. */
+FileQuestion savedResultsQuestion(const QString &directory);
+/** Asks for a picture of the plot to be written. */
+FileQuestion plotImageQuestion(const QString &directory, const QString &name);

@@ -148,11 +148,13 @@ void Recorder::startSync()
 {
     if (m_sync && *m_sync == WorkState::Running)
         return m_syncTimer.start(); // the disk is slow: one batch after the other
-    m_sync = startDetached([fileNames = std::exchange(m_unsynced, {})] {
-        for (const QString &fileName : fileNames) {
-            syncPath(fileName);
-            syncPath(QFileInfo(fileName).path()); // the name of a new file
-        }
+    QByteArrayList names;
+    for (const QString &fileName : std::exchange(m_unsynced, {}))
+        names << QFile::encodeName(fileName)
+              << QFile::encodeName(QFileInfo(fileName).path()); // where a new file has its name
+    m_sync = startDetached([names] {
+        for (const QByteArray &name : names)
+            syncPath(name);
         return true;
     });
 }

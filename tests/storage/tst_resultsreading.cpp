@@ -3,6 +3,7 @@
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
 #include "storage/noxsql.h"
+#include "storage/plotimage.h"
 #include "storage/resultsreading.h"
 
 #include <QSignalSpy>
@@ -28,6 +29,7 @@ private slots:
     void interrupted_data();
     void interrupted();
     void another();
+    void picture();
 
 private:
     /** A file with this many rows of two channels. */
@@ -142,6 +144,25 @@ void TestResultsReading::another()
     QCOMPARE(findings.points, 400001);
     QCOMPARE(m_plot.getChMeasCount(5, 0), 400001);
     QVERIFY(steps.size() > 1);
+}
+
+void TestResultsReading::picture()
+{
+    m_plot.resize(321, 123);
+    m_plot.setDevMain(5);
+    for (const int second : {0, 1, 2})
+        m_plot.addPoint(second % 2, second, "K", 5, 0);
+    m_plot.setChColor(Qt::magenta, 5, 0);
+    const QString fileName = m_directory.filePath("график.png");
+    QVERIFY(savePlotImage(&m_plot, fileName));
+    const QImage image(fileName, "PNG");
+    QCOMPARE(image.size(), QSize(321, 123));
+    int ink = 0; // of the curve, which no frame has painted yet
+    for (int x = 0; x < image.width(); ++x)
+        for (int y = 0; y < image.height(); ++y)
+            ink += image.pixelColor(x, y) == Qt::magenta ? 1 : 0;
+    QVERIFY(ink > 20);
+    QVERIFY(!savePlotImage(&m_plot, m_directory.path()));
 }
 
 QTEST_MAIN(TestResultsReading)
