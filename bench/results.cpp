@@ -33,7 +33,7 @@ constexpr int plotIndex = 0;
 
 double valueOf(int row, int channel)
 {
-    const unsigned noise = (unsigned(row) * channels + unsigned(channel)) * 2654435761u;
+    const unsigned noise = (unsigned(row) * channels + unsigned(channel)) * 2654435761U;
     return 20 + channel + (noise >> 8) * 0x1p-25;
 }
 

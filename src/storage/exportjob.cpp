@@ -8,9 +8,9 @@
 namespace
 {
 
-constexpr int sliceMs = 15;              ///< of work between two looks at other events
-constexpr int syncLookMs = 20;           ///< between two looks at the disk
-constexpr qint64 shortFile = 256 * 1024; ///< bytes that a disk takes in no time
+constexpr int sliceMs = 15;                ///< of work between two looks at other events
+constexpr int syncLookMs = 20;             ///< between two looks at the disk
+constexpr qint64 shortFile = 256 * 1024LL; ///< bytes that a disk takes in no time
 
 } // namespace
 

@@ -181,8 +181,8 @@ bool LineFields::next(const char **begin, const char **end)
 
 QDateTime startOfLine(const QByteArray &line, const QDateTime &now)
 {
-    static const QRegularExpression dateExpression("([\\d]{2}).([\\d]{2}).([\\d]{4})");
-    static const QRegularExpression timeExpression("([\\d]{2}):([\\d]{2}):([\\d]{2})");
+    static const QRegularExpression dateExpression(R"(([\d]{2}).([\d]{2}).([\d]{4}))");
+    static const QRegularExpression timeExpression(R"(([\d]{2}):([\d]{2}):([\d]{2}))");
     const QString text = fromWindows1251(line);
     const auto dateMatch = dateExpression.match(text);
     const auto timeMatch = timeExpression.match(text);
@@ -191,8 +191,8 @@ QDateTime startOfLine(const QByteArray &line, const QDateTime &now)
     };
     const QDate date(number(dateMatch, 3), number(dateMatch, 2), number(dateMatch, 1));
     const QTime time(number(timeMatch, 1), number(timeMatch, 2), number(timeMatch, 3));
-    return QDateTime(dateMatch.hasMatch() && date.isValid() ? date : now.date(),
-                     timeMatch.hasMatch() && time.isValid() ? time : now.time());
+    return {dateMatch.hasMatch() && date.isValid() ? date : now.date(),
+            timeMatch.hasMatch() && time.isValid() ? time : now.time()};
 }
 
 QVector<QString> unitsOfLine(const QByteArray &line, char separator)

@@ -70,13 +70,11 @@ void ResultsReading::begin(const QDateTime &start)
 
 bool ResultsReading::take(const QVector<ResultsPoint> &points, const QVector<QString> &units)
 {
-    for (const ResultsPoint &point : points) {
-        if (!ownsSeries()) // whoever heard of the last point may have done anything
-            return false;
-        m_plot->addPoint(point.value, point.seconds, units.at(point.channel), m_qwtIndex,
-                         uchar(point.channel));
-    }
-    return true;
+    // whoever hears of a point may do anything to the instrument
+    for (auto point = points.cbegin(); point != points.cend() && ownsSeries(); ++point)
+        m_plot->addPoint(point->value, point->seconds, units.at(point->channel), m_qwtIndex,
+                         uchar(point->channel));
+    return ownsSeries();
 }
 
 bool ResultsReading::ownsSeries() const
