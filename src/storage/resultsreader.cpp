@@ -148,7 +148,6 @@ bool ResultsReader::deliver()
     if (m_points.isEmpty())
         return true;
     m_findings.points += m_points.size();
-    m_findings.channels = m_units.size();
     const bool wantsMore = m_sink->take(m_points, m_units);
     m_points.resize(0); // keeps the memory
     return wantsMore;

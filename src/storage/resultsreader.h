@@ -32,7 +32,6 @@ public:
 /** What was in a results file. */
 struct ResultsFindings {
     bool hasColumns = false; ///< the third line had three fields at least
-    int channels = 0;        ///< up to the last one with a unit
     qint64 rows = 0;         ///< lines with a time
     qint64 skippedLines = 0; ///< lines after that of the units without a time
     qint64 points = 0;
