@@ -58,7 +58,7 @@ PlotSettingsStore::PlotSettingsStore(QwtNOX *plot, noxList *registry, noxSql *da
 {
     m_timer.setSingleShot(true);
     m_timer.setInterval(gatheringMs);
-    connect(&m_timer, &QTimer::timeout, this, &PlotSettingsStore::flush);
+    connect(&m_timer, &QTimer::timeout, this, &PlotSettingsStore::writeNow);
     connect(registry, &noxList::onRmNox, this, &PlotSettingsStore::flush);
     connectPlot();
 }
@@ -103,7 +103,16 @@ void PlotSettingsStore::store(int qwtIndex, const QString &key, const QVariant &
         return;
     m_unwritten.insert({idOf(*nox), key}, value);
     if (!m_timer.isActive())
-        m_timer.start();
+        writeNow();
+}
+
+/** What comes in the time after this is gathered. */
+void PlotSettingsStore::writeNow()
+{
+    if (m_unwritten.isEmpty())
+        return;
+    flush();
+    m_timer.start();
 }
 
 void PlotSettingsStore::storeOfChannel(int qwtIndex, uchar ch, const char *name,
@@ -116,7 +125,9 @@ void PlotSettingsStore::storeOfChannel(int qwtIndex, uchar ch, const char *name,
 void PlotSettingsStore::flush()
 {
     const QSqlDatabase database = QSqlDatabase::database(QSqlDatabase::defaultConnection, false);
-    if (m_unwritten.isEmpty() || !database.isOpen())
+    if (!database.isOpen()) // nor will it ever be
+        m_unwritten.clear();
+    if (m_unwritten.isEmpty())
         return;
     bool isWritten = execute(database, "BEGIN IMMEDIATE", {}).has_value();
     if (isWritten) {
@@ -129,7 +140,7 @@ void PlotSettingsStore::flush()
     if (isWritten)
         m_unwritten.clear();
     else
-        m_timer.start(); // the disk is full, or another program holds the database: later, then
+        m_timer.start(); // the disk is full, or another program holds the database: once more, then
 }
 
 /** What is stored for an instrument, which takes over what it inherits: else its first own setting

@@ -15,10 +15,11 @@ class noxSql;
  * Keeps in the database how the user last looked at each instrument on the plot: its main channel,
  * the kinds of curves on show, and scales, colour and time labels of its channels.
  *
- * What the user changes is gathered for half a second and then written at once; nothing is lost at
- * a normal end. Applying what is stored stores nothing. An instrument without any settings takes
- * over all of those of the current one, and keeps them as its own from then on. Instruments that
- * the database does not know share one set.
+ * A change is written at once. What follows within half a second is gathered and written together,
+ * so that turning the wheel does not wait for the disk; nothing is lost at a normal end. Applying
+ * what is stored stores nothing. An instrument without any settings takes over all of those of the
+ * current one, and keeps them as its own from then on. Instruments that the database does not know
+ * share one set.
  */
 class PlotSettingsStore : public QObject
 {
@@ -44,6 +45,7 @@ private:
     void connectPlot();
     void store(int qwtIndex, const QString &key, const QVariant &value);
     void storeOfChannel(int qwtIndex, uchar ch, const char *name, const QVariant &value);
+    void writeNow();
     void flush();
     Settings settingsOf(const noxList::_nox &nox);
 

@@ -38,11 +38,12 @@ QString encodableCharacter(QChar character)
     if (character == greekMu)
         return QStringLiteral("µ"); // the micro sign, which the code page has
     QString replacement;
-    for (const QChar part : QString(character).normalized(QString::NormalizationForm_KD))
+    for (const QChar part : QString(character).normalized(QString::NormalizationForm_KD)) {
         if (part == ohm)
             replacement += ohmInFile();
         else if (isEncodable(part))
             replacement += part;
+    }
     return replacement.isEmpty() ? QStringLiteral("?") : replacement;
 }
 
