@@ -52,10 +52,9 @@ ResultsExport::ResultsExport(const PlotDevice &instrument, const ResultsFormat &
     if (instrument.ch.isEmpty())
         return;
     const PlotChannel &longest = longestChannel(instrument.ch);
-    const bool hasDifferences = longest.hasDifference() && !longest.diffTime.isEmpty();
     m_times = longest.time;
-    m_distances = hasDifferences ? longest.diffTime : longest.time;
-    m_end = std::min(m_times.size(), m_distances.size());
+    if (longest.hasDifference())
+        m_differenceTimes = longest.diffTime;
 }
 
 ResultsExport::State ResultsExport::writeOn(QIODevice *device, int milliseconds)
@@ -66,7 +65,7 @@ ResultsExport::State ResultsExport::writeOn(QIODevice *device, int milliseconds)
         addRows();
         if (!flush(device))
             return Failed;
-        if (m_next == m_end)
+        if (m_next == m_times.size())
             return Finished;
     } while (timer.elapsed() < milliseconds);
     return Unfinished;
@@ -74,22 +73,30 @@ ResultsExport::State ResultsExport::writeOn(QIODevice *device, int milliseconds)
 
 int ResultsExport::percent() const
 {
-    return m_end == 0 ? 100 : int(100.0 * m_next / m_end);
+    return m_times.isEmpty() ? 100 : int(100.0 * m_next / m_times.size());
 }
 
 /** Adds rows until there is a slice of text, or long enough none. */
 void ResultsExport::addRows()
 {
-    const int end = std::min(m_end, m_next + slicePoints);
+    const int end = std::min(m_times.size(), m_next + slicePoints);
     for (; m_next < end && m_text.bytes().size() < sliceBytes; ++m_next) {
         if (m_next > 0 && m_times[m_next] < m_times[m_next - 1])
             for (Channel &channel : m_channels)
                 channel.cursor.stepBack();
-        if (!isRowDue(m_lastSeconds, m_distances[m_next], m_intervalMinutes))
+        const double seconds = dueSeconds(m_next);
+        if (!isRowDue(m_lastSeconds, seconds, m_intervalMinutes))
             continue;
-        m_lastSeconds = m_distances[m_next];
+        m_lastSeconds = seconds;
         addRow(m_times[m_next]);
     }
+}
+
+/** The time that tells whether the row of a point is due: that of the difference with its number,
+ *  where the channel has so many. */
+double ResultsExport::dueSeconds(int point) const
+{
+    return point < m_differenceTimes.size() ? m_differenceTimes[point] : m_times[point];
 }
 
 void ResultsExport::addRow(double seconds)

@@ -63,16 +63,16 @@ private:
     };
 
     void addRows();
+    double dueSeconds(int point) const;
     void addRow(double seconds);
     bool flush(QIODevice *device);
 
     ResultsText m_text;
     int m_intervalMinutes;
     QVector<Channel> m_channels;
-    Series m_times;     ///< of the rows: those of the channel with the most points
-    Series m_distances; ///< the times that tell whether a row is due
-    int m_next = 0;     ///< point of that channel
-    int m_end = 0;
-    int m_number = 0; ///< of the last row
+    Series m_times;           ///< of the rows: those of the channel with the most points
+    Series m_differenceTimes; ///< of its differences
+    int m_next = 0;           ///< point of that channel
+    int m_number = 0;         ///< of the last row
     std::optional<double> m_lastSeconds;
 };

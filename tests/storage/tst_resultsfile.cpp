@@ -101,6 +101,7 @@ private slots:
     void exportLayout();
     void exportRows_data();
     void exportRows();
+    void exportOfDifference();
     void exportOntoFullDisk();
     void reading_data();
     void reading();
@@ -246,6 +247,20 @@ void TestResultsFile::exportRows()
     instrument.ch[1].error = true;
     for (const QString &row : exportedRows(instrument, format).mid(0, rows.size()))
         QVERIFY2(row.endsWith(";--;"), qPrintable(row));
+}
+
+void TestResultsFile::exportOfDifference()
+{
+    PlotChannel channel = channelAt({0, 10, 20, 80, 85}, 0, "");
+    channel.diffQwtIndex = 0;
+    channel.diffCh = 1;
+    for (const double time : {0.0, 70.0, 75.0}) // fewer than there are values
+        channel.appendDifference(5, time);
+    const PlotDevice instrument = instrumentWith({channel});
+    QCOMPARE(exportedRows(instrument, ResultsFormat::fromTexts(";", "", 2, 0)).mid(0, 5),
+             (QStringList{"1;0;0.00;", "2;10;1.00;", "3;20;2.00;", "4;80;3.00;", "5;85;4.00;"}));
+    QCOMPARE(exportedRows(instrument, ResultsFormat::fromTexts(";", "", 2, 1)).mid(0, 2),
+             (QStringList{"1;0;0.00;", "2;10;1.00;"}));
 }
 
 void TestResultsFile::exportOntoFullDisk()
