@@ -216,7 +216,8 @@ bool reportReadingIntoPlot(const QString &fileName)
             seconds = (processorNanoseconds() - start) / 1e9;
             loop->quit();
         });
-        reading.start(fileName, 0);
+        reading.open(fileName);
+        reading.start(0);
     });
     std::printf("  into the plot: %.2f s, longest gap of the event loop %.0f ms\n", seconds, gap);
     return plot.getChMeasCount(plotIndex, 0) == rows;

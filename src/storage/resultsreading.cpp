@@ -28,15 +28,23 @@ ResultsReading::ResultsReading(noxList *registry, QwtNOX *plot, QObject *parent)
 
 ResultsReading::~ResultsReading() = default;
 
-bool ResultsReading::start(const QString &fileName, int index)
+bool ResultsReading::open(const QString &fileName)
 {
     stop();
+    m_file.close();
+    m_file.setFileName(fileName);
+    return QFileInfo(fileName).isFile() && // opening a pipe may wait for ever
+           m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+}
+
+bool ResultsReading::start(int index)
+{
+    if (m_reader)
+        return false;
     m_index = index;
     m_qwtIndex = m_registry->getQWTIndex(index);
     m_isLost = false;
-    m_file.setFileName(fileName);
-    if (m_qwtIndex < 0 || !QFileInfo(fileName).isFile() || // opening a pipe may wait for ever
-        !m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    if (m_qwtIndex < 0 || !m_file.isOpen())
         return false;
     ResultsSink *const sink = this;
     m_reader = std::make_unique<ResultsReader>(&m_file, sink, m_plot->now());

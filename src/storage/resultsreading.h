@@ -25,11 +25,12 @@ public:
     ResultsReading(noxList *registry, QwtNOX *plot, QObject *parent = nullptr);
     ~ResultsReading() override;
 
-    /** Begins to read a file into the instrument with this registry index, which should no longer
-     *  take measurements. A short file has been read when this returns. A reading that is under way
-     *  is stopped. False, and no signal, when the file cannot be opened or the instrument is not on
-     *  the plot. */
-    bool start(const QString &fileName, int index);
+    /** Opens a file; a reading that is under way is stopped. False when it cannot be opened. */
+    bool open(const QString &fileName);
+    /** Begins to read the open file into the instrument with this registry index, which should no
+     *  longer take measurements. A short file has been read when this returns. False, and no
+     * signal, when no file was opened for it or the instrument is not on the plot. */
+    bool start(int index);
     /** Ends the reading, if there is one. Not to be called by who hears of a point. */
     void stop();
     bool isRunning() const { return m_reader != nullptr; }
