@@ -4,6 +4,7 @@
 #include "checks.h"
 #include "device/settingswriter.h"
 #include "device/windows1251.h"
+#include "storage/resultslayout.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -137,6 +138,29 @@ bool writeCharacteristics(const QDir &folder)
     return isWritten;
 }
 
+/** A byte for the size of the slices, and a file for each separator. */
+bool writeResults(const QDir &folder)
+{
+    bool isWritten = true;
+    for (const char separator : {';', '\t', ',', ' ', ':'}) {
+        ResultsFormat format;
+        format.fieldSeparator = separator;
+        ResultsText text(format);
+        text.addHeader(QDateTime({2026, 11, 24}, {7, 5, 9}),
+                       {QStringLiteral("°С"), QStringLiteral("Ω"), QStringLiteral("мм рт. ст.")});
+        for (const int row : {1, 2}) {
+            text.beginRow(row, row * 1e6);
+            text.addValue(-1.5 * row);
+            text.addNoValue();
+            text.addValue(7.125);
+            text.endRow();
+        }
+        const QString name = QStringLiteral("separator%1").arg(int(separator));
+        isWritten = write(folder, "results", name, '\x1F' + text.bytes()) && isWritten;
+    }
+    return isWritten;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -147,6 +171,7 @@ int main(int argc, char **argv)
     }
     const QDir folder(QString::fromLocal8Bit(argv[1]));
     const bool isWritten = writeModels(folder) && writeCharacteristics(folder) &&
+                           writeResults(folder) &&
                            write(folder, "logger", "records", '\x08' + loggerRecords());
     return isWritten ? 0 : 1;
 }

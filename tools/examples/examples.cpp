@@ -33,6 +33,7 @@ const QMap<QString, Maker> &makers()
         {"settings-file", settingsFileExample},
         {"characteristic-file", characteristicFileExample},
         {"table-file", tableFileExample},
+        {"results-file", resultsFileExample},
         {"fit", fitTable},
     };
     return all;

@@ -5,6 +5,7 @@
 #include "device/settingswriter.h"
 #include "device/windows1251.h"
 #include "examples/exampleimage.h"
+#include "storage/resultsexport.h"
 
 #include <QBuffer>
 
@@ -56,6 +57,16 @@ QStringList characteristicLines(const CharacteristicFile &file)
     device.open(QIODevice::WriteOnly);
     writeCharacteristicFile(file, device);
     return fromWindows1251(device.data()).split(QStringLiteral("\r\n"));
+}
+
+/** A channel of the plot with three points. */
+PlotChannel exampleChannel(double first, double step, double firstSeconds, const QString &unit)
+{
+    PlotChannel channel;
+    for (const int i : {0, 1, 2})
+        channel.appendPoint(first + i * step, firstSeconds + i * 12.6, unit);
+    channel.error = false;
+    return channel;
 }
 
 } // namespace
@@ -113,5 +124,23 @@ QStringList tableFileExample()
     dump.show(1, 2, "form code, description");
     dump.show(3, 3, "pairs of T and U");
     dump.show(6, 2, "empty columns, up to line 58");
+    return dump.lines();
+}
+
+QStringList resultsFileExample()
+{
+    PlotDevice instrument;
+    instrument.startDateTime = QDateTime({2026, 11, 24}, {7, 5, 9});
+    instrument.ch = {exampleChannel(21.53125, 0.25, 0, QStringLiteral("°С")),
+                     exampleChannel(107.9, 0.0975, 0.8, QStringLiteral("Ω")),
+                     exampleChannel(0.25, 0.5, 0, QStringLiteral("mV"))};
+    instrument.ch.last().error = true;
+    QBuffer device;
+    device.open(QIODevice::WriteOnly);
+    ResultsExport(instrument, {}).writeOn(&device, 0);
+    FileDump dump(fromWindows1251(device.data()).split(QStringLiteral("\r\n")), 1);
+    dump.show(1, 2, "start, empty line");
+    dump.show(3, 2, "columns, units");
+    dump.show(5, 3, "rows");
     return dump.lines();
 }

@@ -9,3 +9,5 @@ QStringList settingsFileExample();
 QStringList characteristicFileExample();
 /** One of a table. */
 QStringList tableFileExample();
+/** A results file of an instrument with three channels, as the export writes it. */
+QStringList resultsFileExample();

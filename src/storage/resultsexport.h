@@ -1,0 +1,78 @@
+#pragma once
+
+#include "plot/plotrecords.h"
+#include "storage/resultslayout.h"
+
+#include <optional>
+
+class QIODevice;
+
+/**
+ * Finds a channel's values at times that go on, in the order in which they were measured.
+ *
+ * It only ever moves forward. Where the times step back, because the clock was set, what was
+ * measured before is left behind.
+ */
+class SeriesCursor
+{
+public:
+    explicit SeriesCursor(const Series &times)
+        : m_times(times)
+    {
+    }
+
+    /** The times that follow begin anew. */
+    void stepBack();
+    /** Index of the point that was the newest at a time, which is not before the one asked for
+     *  last; -1 before the first point and after the last one. */
+    int pointAt(double seconds);
+
+private:
+    bool isRunOver() const;
+
+    Series m_times;
+    int m_begin = 0; ///< of the points after the last step back
+    int m_next = 0;  ///< the first point that is later than what was asked for
+};
+
+/**
+ * Writes the series of an instrument as a results file, in slices.
+ *
+ * It writes what the series held when it was made, whatever becomes of the instrument meanwhile,
+ * and costs as much per row at the end as at the beginning.
+ */
+class ResultsExport
+{
+public:
+    enum State { Unfinished, Finished, Failed };
+
+    ResultsExport(const PlotDevice &instrument, const ResultsFormat &format);
+
+    /** Writes for some milliseconds. Failed when the device has not taken all of it, which ends the
+     *  export. */
+    State writeOn(QIODevice *device, int milliseconds);
+
+    /** How much is written, 0 to 100. */
+    int percent() const;
+
+private:
+    struct Channel {
+        Series values;
+        SeriesCursor cursor;
+        bool hasValues; ///< those of a channel in error are left out
+    };
+
+    void addRows();
+    double dueSeconds(int point) const;
+    void addRow(double seconds);
+    bool flush(QIODevice *device);
+
+    ResultsText m_text;
+    int m_intervalMinutes;
+    QVector<Channel> m_channels;
+    Series m_times;           ///< of the rows: those of the channel with the most points
+    Series m_differenceTimes; ///< of its differences
+    int m_next = 0;           ///< point of that channel
+    int m_number = 0;         ///< of the last row
+    std::optional<double> m_lastSeconds;
+};
