@@ -66,9 +66,9 @@ class Sum : public ResultsSink
 {
 public:
     void begin(const QDateTime &) override {}
-    bool take(const QVector<ResultsPoint> &points, const QVector<QString> &) override
+    bool take(const QVector<PlotPoint> &points, const QVector<QString> &) override
     {
-        for (const ResultsPoint &point : points)
+        for (const PlotPoint &point : points)
             sum += point.value;
         return true;
     }

@@ -45,17 +45,17 @@ public:
         require(!hasBegun);
         hasBegun = true;
     }
-    bool take(const QVector<ResultsPoint> &points, const QVector<QString> &units) override
+    bool take(const QVector<PlotPoint> &points, const QVector<QString> &units) override
     {
         require(hasBegun && !points.isEmpty());
-        for (const ResultsPoint &point : points)
+        for (const PlotPoint &point : points)
             require(point.channel < units.size() && !units.at(point.channel).isNull());
         all += points;
         return true;
     }
 
     bool hasBegun = false;
-    QVector<ResultsPoint> all;
+    QVector<PlotPoint> all;
 };
 
 QStringList linesOf(const QByteArray &file)
@@ -69,7 +69,7 @@ QStringList linesOf(const QByteArray &file)
     return lines;
 }
 
-QVector<ResultsPoint> plainPoints(const QByteArray &file, bool *hasColumns)
+QVector<PlotPoint> plainPoints(const QByteArray &file, bool *hasColumns)
 {
     const QStringList lines = linesOf(file);
     const QString columns = lines.value(2);
@@ -78,7 +78,7 @@ QVector<ResultsPoint> plainPoints(const QByteArray &file, bool *hasColumns)
     if (!*hasColumns)
         return {};
     const auto units = unitsOfLine(toWindows1251(lines.value(3)), toWindows1251(separator).at(0));
-    QVector<ResultsPoint> points;
+    QVector<PlotPoint> points;
     for (const QString &line : lines.mid(4)) {
         const QStringList fields = line.split(separator);
         bool hasTime = false;
@@ -98,7 +98,7 @@ bool isSame(double one, double other)
     return std::memcmp(&one, &other, sizeof one) == 0 || (qIsNaN(one) && qIsNaN(other));
 }
 
-bool isSame(const ResultsPoint &one, const ResultsPoint &other)
+bool isSame(const PlotPoint &one, const PlotPoint &other)
 {
     return one.channel == other.channel && isSame(one.seconds, other.seconds) &&
            isSame(one.value, other.value);
@@ -120,7 +120,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     require(reader.findings().isWhole && reader.findings().points == found.all.size());
 
     bool hasColumns = false;
-    const QVector<ResultsPoint> expected = plainPoints(file, &hasColumns);
+    const QVector<PlotPoint> expected = plainPoints(file, &hasColumns);
     require(found.hasBegun == hasColumns && found.all.size() == expected.size());
     for (int i = 0; i < expected.size(); ++i)
         require(isSame(expected.at(i), found.all.at(i)));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plot/plotrecords.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QMetaType>
@@ -9,13 +11,6 @@
 class LineFields;
 class QIODevice;
 
-/** A value of a results file. */
-struct ResultsPoint {
-    int channel; ///< from 0; the channel has a unit
-    double seconds;
-    double value; ///< as the file says, be it infinite or not a number
-};
-
 /** Takes what a ResultsReader finds. */
 class ResultsSink
 {
@@ -24,9 +19,10 @@ public:
 
     /** The column names are there, so the file has data; called once, before any point. */
     virtual void begin(const QDateTime &start) = 0;
-    /** Takes points in the order of the file, row by row; `units` are those of the channels. False
-     *  when no more are wanted, which ends the reading. */
-    virtual bool take(const QVector<ResultsPoint> &points, const QVector<QString> &units) = 0;
+    /** Takes points in the order of the file, row by row, with values as the file says them, be
+     * they infinite or no number; `units` are those of the channels. False when no more are wanted,
+     *  which ends the reading. */
+    virtual bool take(const QVector<PlotPoint> &points, const QVector<QString> &units) = 0;
 };
 
 /** What was in a results file. */
@@ -72,7 +68,7 @@ private:
     QDateTime m_start;
     ResultsFindings m_findings;
     QVector<QString> m_units;
-    QVector<ResultsPoint> m_points;
+    QVector<PlotPoint> m_points;
     QByteArray m_kept;    ///< begin of a line whose end has not been read yet
     bool m_isCut = false; ///< more of it was read than is kept
     qint64 m_lineNumber = 0;

@@ -76,13 +76,11 @@ void ResultsReading::begin(const QDateTime &start)
     m_plot->prepareMeas(m_qwtIndex, start);
 }
 
-bool ResultsReading::take(const QVector<ResultsPoint> &points, const QVector<QString> &units)
+bool ResultsReading::take(const QVector<PlotPoint> &points, const QVector<QString> &units)
 {
-    // whoever hears of a point may do anything to the instrument
-    for (auto point = points.cbegin(); point != points.cend() && ownsSeries(); ++point)
-        m_plot->addPoint(point->value, point->seconds, units.at(point->channel), m_qwtIndex,
-                         uchar(point->channel));
-    return ownsSeries();
+    if (ownsSeries())
+        m_plot->addPoints(m_qwtIndex, points, units);
+    return ownsSeries(); // whoever hears of the points may do anything to the instrument
 }
 
 bool ResultsReading::ownsSeries() const

@@ -43,7 +43,7 @@ signals:
 
 private:
     void begin(const QDateTime &start) override;
-    bool take(const QVector<ResultsPoint> &points, const QVector<QString> &units) override;
+    bool take(const QVector<PlotPoint> &points, const QVector<QString> &units) override;
     bool ownsSeries() const;
     void goOn();
 

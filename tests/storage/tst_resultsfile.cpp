@@ -58,9 +58,9 @@ public:
     {
         lines << moment.toString("begin dd.MM.yyyy hh:mm:ss");
     }
-    bool take(const QVector<ResultsPoint> &points, const QVector<QString> &units) override
+    bool take(const QVector<PlotPoint> &points, const QVector<QString> &units) override
     {
-        for (const ResultsPoint &point : points)
+        for (const PlotPoint &point : points)
             lines << QString("%1 %2 %3%4")
                          .arg(point.channel)
                          .arg(point.seconds)
