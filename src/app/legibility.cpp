@@ -44,9 +44,9 @@ QColor legible(const QColor &text, const QColor &ground)
     constexpr int steps = 32;
     const QColor black(Qt::black);
     const QColor white(Qt::white);
-    const QColor end = contrast(black, ground) >= contrast(white, ground) ? black : white;
+    QColor end = contrast(black, ground) >= contrast(white, ground) ? black : white;
     for (int step = 0; step < steps; ++step) {
-        const QColor color = mixed(text, end, double(step) / steps);
+        QColor color = mixed(text, end, double(step) / steps);
         if (contrast(color, ground) >= neededContrast)
             return color;
     }

@@ -41,7 +41,7 @@ public:
     QColor chooseColor(QWidget *parent, const QColor &current)
     {
         ++m_questions;
-        const QColor color = QColorDialog::getColor(current, parent);
+        QColor color = QColorDialog::getColor(current, parent);
         endQuestion();
         return color;
     }

@@ -54,26 +54,26 @@ void TestLiveWindow::showsThreeInstrumentsAndTheLossOfOne()
     for (const QString &port : ports)
         choosePort(fixture, port);
 
-    // every instrument fills its row, the current one its channels and the panels
     const QTableWidget *instruments = fixture.instruments();
     const QTableWidget *channels = fixture.channels();
+    // while a block is to be read the row tells why it is silent
+    const auto tip = [&] { return instruments->item(1, InstrumentColumn::Value)->toolTip(); };
+    fixture.window->serialPort()->sendDevQuery(0, 3, 72);
+    QTRY_VERIFY_WITH_TIMEOUT(tip().startsWith("Идёт обмен"), longWaitMs);
+
+    // every instrument fills its row, the current one its channels and the panels
     for (int row = 1; row <= 3; ++row) {
         QTRY_VERIFY_WITH_TIMEOUT(fixture.text(instruments, row, InstrumentColumn::Value) != "--",
                                  longWaitMs);
         QCOMPARE(fixture.textColor(instruments, row, InstrumentColumn::Name), QColor(Qt::black));
     }
+    QVERIFY(tip().startsWith("Принято"));
     QTRY_COMPARE_WITH_TIMEOUT(channels->rowCount(), 9, longWaitMs);
     QTRY_VERIFY(fixture.label("mainMeasLabel").toDouble() > 20);
 
     fixture.click(channels, 4, ChannelColumn::Value);
     QCOMPARE(fixture.plot().getChMain(0), 3);
     QCOMPARE(fixture.text(channels, 4, ChannelColumn::Menu), QString("<"));
-
-    // while a block is read the row tells why it is silent
-    const auto tip = [&] { return instruments->item(1, InstrumentColumn::Value)->toolTip(); };
-    fixture.window->serialPort()->sendDevQuery(0, 3, 72);
-    QTRY_VERIFY_WITH_TIMEOUT(tip().startsWith("Идёт обмен"), longWaitMs);
-    QTRY_VERIFY_WITH_TIMEOUT(tip().startsWith("Принято"), longWaitMs);
 
     // a pulled plug greys its row and is told of once; the others go on
     host.unplug("SIM2");

@@ -116,7 +116,6 @@ void TestRowPainter::textsCanBeRead_data()
     QTest::newRow("off, current") << QColor(Qt::lightGray) << currentColor() << true;
     QTest::newRow("off, selected") << QColor(Qt::lightGray) << QColor() << true;
     QTest::newRow("off, fresh, selected") << QColor(Qt::lightGray) << freshColor() << true;
-    QTest::newRow("off, rejected") << QColor(Qt::lightGray) << QColor(Qt::yellow) << false;
     QTest::newRow("alarm, fresh") << QColor(Qt::red) << freshColor() << false;
 }
 

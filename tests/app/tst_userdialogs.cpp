@@ -20,21 +20,15 @@ private:
         made.text = text;
         return made;
     }
-    static QList<QMessageBox *> boxes()
-    {
-        QList<QMessageBox *> visible;
-        const auto widgets = QApplication::topLevelWidgets();
-        for (QWidget *widget : widgets)
-            if (auto *box = qobject_cast<QMessageBox *>(widget); box && box->isVisible())
-                visible << box;
-        return visible;
-    }
     /** The texts of all boxes that are on the screen. */
     static QStringList shown()
     {
         QStringList texts;
-        for (const QMessageBox *box : boxes())
-            texts << box->text();
+        const auto widgets = QApplication::topLevelWidgets();
+        for (const QWidget *widget : widgets)
+            if (const auto *box = qobject_cast<const QMessageBox *>(widget))
+                if (box->isVisible())
+                    texts << box->text();
         return texts;
     }
     static void pressReturn()
@@ -75,7 +69,7 @@ void TestUserDialogs::aMessageWaitsForTheAnswer()
     QTimer::singleShot(0, this, [&] {
         screen.tell(&window, message("!"));
         beside = shown();
-        for (QMessageBox *box : boxes()) // whichever has the focus
+        for (QWidget *box : QApplication::topLevelWidgets()) // whichever has the focus
             QTest::keyClick(box, Qt::Key_Return);
     });
     QCOMPARE(screen.ask(&window, question), QMessageBox::No);
