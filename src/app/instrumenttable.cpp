@@ -1,6 +1,6 @@
 #include "app/instrumenttable.h"
 
-#include "app/headedtable.h"
+#include "widgets/headedtable.h"
 #include "app/plotplaces.h"
 #include "app/rowpainter.h"
 #include "app/tablesetup.h"

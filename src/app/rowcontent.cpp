@@ -108,11 +108,6 @@ QColor freshColor()
     return {144, 238, 144, 128};
 }
 
-QColor accentColor()
-{
-    return {27, 116, 136};
-}
-
 RowContent instrumentRow(const InstrumentState &state)
 {
     using namespace InstrumentColumn;

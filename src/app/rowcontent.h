@@ -78,8 +78,6 @@ struct ChannelState {
 QColor currentColor();
 /** Background of the channel that received the latest point. */
 QColor freshColor();
-/** Marks where the keyboard acts and what is going on; that of the style sheet. */
-QColor accentColor();
 
 RowContent instrumentRow(const InstrumentState &state);
 RowContent channelRow(const ChannelState &state);

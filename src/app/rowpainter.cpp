@@ -1,6 +1,6 @@
 #include "app/rowpainter.h"
 
-#include "app/rowdelegate.h"
+#include "widgets/rowdelegate.h"
 #include "app/swatch.h"
 
 #include <QTableWidget>

@@ -1,6 +1,6 @@
 #include "app/tableheights.h"
 
-#include "app/headedtable.h"
+#include "widgets/headedtable.h"
 
 #include <QEvent>
 

@@ -1,6 +1,6 @@
 #include "app/tablesetup.h"
 
-#include "app/rowdelegate.h"
+#include "widgets/rowdelegate.h"
 #include "widgets/qlabelclick.h"
 
 #include <QHeaderView>

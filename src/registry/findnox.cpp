@@ -38,6 +38,7 @@ findNox::findNox(QWidget *parent, noxList *registry)
     registry->serialPort()->disconnect(m_found.get());
     m_message->setAlignment(Qt::AlignCenter);
     m_ui->progressStack->addWidget(m_message);
+    connect(m_ui->newDevTable, &HeadedTable::chosen, m_ui->connectBtn, &QPushButton::click);
     connect(this, &QDialog::finished, this, &findNox::endSearch);
 }
 

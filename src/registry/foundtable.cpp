@@ -1,6 +1,7 @@
 #include "registry/foundtable.h"
 
 #include "registry/numberdelegate.h"
+#include "widgets/headedtable.h"
 #include "widgets/qlabelclick.h"
 
 #include <QCheckBox>
@@ -9,7 +10,6 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QTableWidget>
 
 namespace
 {
@@ -119,7 +119,7 @@ void paintCheck(QTableWidgetItem *item, QCheckBox *box, const FoundInstrument &i
 
 } // namespace
 
-FoundTable::FoundTable(QTableWidget *table)
+FoundTable::FoundTable(HeadedTable *table)
     : m_table(table)
 {
     m_table->horizontalHeader()->setMinimumSectionSize(pictureSize);
@@ -127,11 +127,18 @@ FoundTable::FoundTable(QTableWidget *table)
     m_table->horizontalHeader()->setSectionResizeMode(NameColumn, QHeaderView::Stretch);
     m_table->setColumnWidth(NumberColumn, numberWidth);
     m_table->setColumnWidth(ConnectColumn, 2 * pictureSize);
+    m_table->setItemDelegate(new RowDelegate(m_table));
     m_table->setItemDelegateForColumn(NumberColumn, new NumberDelegate(m_table));
     m_table->setToolTip(tr("Стрелки выбирают прибор, пробел отмечает его, цифры вводят номер, "
                            "F4 открывает список моделей"));
     addTitles();
     connect(m_table, &QTableWidget::itemChanged, this, &FoundTable::takeNumber);
+    connect(m_table, &QTableWidget::currentCellChanged, this,
+            [this](int row, int column, int, int formerColumn) {
+                leaveModels(row, column, formerColumn);
+            });
+    connect(m_table, &HeadedTable::showToggled, this, &FoundTable::toggle);
+    connect(m_table, &HeadedTable::menuWanted, this, &FoundTable::openModels);
     m_table->installEventFilter(this);
 }
 
@@ -276,10 +283,23 @@ void FoundTable::click(int row, int column)
         editNumber(row);
 }
 
+void FoundTable::openModels(int row)
+{
+    if (isWaiting(row))
+        static_cast<QComboBox *>(m_table->cellWidget(row, NameColumn))->showPopup();
+}
+
+/** The list of models covers its cell, where nobody would see that it is the current one. */
+void FoundTable::leaveModels(int row, int column, int formerColumn)
+{
+    if (column == NameColumn && isWaiting(row))
+        m_table->setCurrentCell(row, formerColumn > NameColumn ? PortColumn : NumberColumn);
+}
+
 void FoundTable::toggle(int row)
 {
     QCheckBox *const box = checkBoxAt(m_table, row);
-    if (box->isEnabled())
+    if (isWaiting(row) && box->isEnabled())
         box->toggle();
 }
 
@@ -318,9 +338,7 @@ bool FoundTable::pressRowKey(int row, const QKeyEvent &event)
     const QString text = event.text();
     const bool opensList = event.key() == Qt::Key_Down && event.modifiers() & Qt::AltModifier;
     if (opensList || event.key() == Qt::Key_F4)
-        static_cast<QComboBox *>(m_table->cellWidget(row, NameColumn))->showPopup();
-    else if (event.key() == Qt::Key_Space)
-        toggle(row);
+        openModels(row);
     else if (event.key() == Qt::Key_F2)
         editNumber(row);
     else if (text.size() == 1 && text.at(0).isDigit())

@@ -7,9 +7,9 @@
 
 #include <functional>
 
+class HeadedTable;
 class QKeyEvent;
 class QLineEdit;
-class QTableWidget;
 class QTableWidgetItem;
 
 /**
@@ -30,7 +30,7 @@ public:
     };
 
     /** Fills `table`, which it does not own. */
-    explicit FoundTable(QTableWidget *table);
+    explicit FoundTable(HeadedTable *table);
 
     /** Leaves only the header. */
     void clear();
@@ -58,12 +58,14 @@ private:
     void paint(int row);
     void takeNumber(const QTableWidgetItem *cell);
     QLineEdit *numberEditor() const;
+    void leaveModels(int row, int column, int formerColumn);
+    void openModels(int row);
     void editNumber(int row, const QString &typed = QString());
     void toggle(int row);
     void toggleAll();
     bool pressKey(const QKeyEvent &event);
     bool pressRowKey(int row, const QKeyEvent &event);
 
-    QTableWidget *m_table;
+    HeadedTable *m_table;
     QVector<WaitingRow> m_rows; ///< of table row 1, 2, ... once the search is over
 };

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <QStyledItemDelegate>
+#include "widgets/rowdelegate.h"
 
 /** Lets an instrument's number, 1 to 65535, be entered into a table cell, and nothing else. */
-class NumberDelegate : public QStyledItemDelegate
+class NumberDelegate : public RowDelegate
 {
     Q_OBJECT
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    using RowDelegate::RowDelegate;
 
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override;

@@ -1,3 +1,4 @@
+#include "widgets/rowdelegate.h"
 #include "windowfixture.h"
 
 /** The window without a mouse: where Tab leads, and what the keys do there. */
@@ -150,3 +151,4 @@ void TestKeyboard::keysWorkTheNumbers()
 
 QTEST_MAIN(TestKeyboard)
 #include "tst_keyboard.moc"
+#include "widgets/rowdelegate.h"

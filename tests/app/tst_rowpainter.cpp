@@ -1,4 +1,4 @@
-#include "app/legibility.h"
+#include "widgets/legibility.h"
 #include "app/rowpainter.h"
 #include "app/tablesetup.h"
 

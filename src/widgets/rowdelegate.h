@@ -1,9 +1,13 @@
 #pragma once
 
+#include <QColor>
 #include <QStyledItemDelegate>
 
 /** Role of a bool: something is still awaited for the cell, and it carries a quiet sign of that. */
 constexpr int waitingRole = Qt::UserRole + 1;
+
+/** Marks where the keyboard acts and what is going on; that of the style sheet. */
+QColor accentColor();
 
 /**
  * Paints table cells so that the selection of their row never hides the colours of their own, that

@@ -1,4 +1,4 @@
-#include "app/headedtable.h"
+#include "widgets/headedtable.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>

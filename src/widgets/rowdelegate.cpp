@@ -1,7 +1,6 @@
-#include "app/rowdelegate.h"
+#include "widgets/rowdelegate.h"
 
-#include "app/legibility.h"
-#include "app/rowcontent.h"
+#include "widgets/legibility.h"
 
 #include <QPainter>
 
@@ -37,6 +36,11 @@ void paintWaiting(QPainter *painter, const QRect &cell)
 }
 
 } // namespace
+
+QColor accentColor()
+{
+    return {27, 116, 136};
+}
 
 void RowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                         const QModelIndex &index) const
