@@ -1,10 +1,10 @@
 #include "app/channeltable.h"
 
-#include "widgets/headedtable.h"
 #include "app/plotplaces.h"
 #include "app/rowpainter.h"
 #include "app/tablesetup.h"
 #include "plot/qwtnox.h"
+#include "widgets/headedtable.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,11 +1,11 @@
 #include "app/instrumenttable.h"
 
-#include "widgets/headedtable.h"
 #include "app/plotplaces.h"
 #include "app/rowpainter.h"
 #include "app/tablesetup.h"
 #include "plot/qwtnox.h"
 #include "serial/noxserialport.h"
+#include "widgets/headedtable.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>

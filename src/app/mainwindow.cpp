@@ -8,10 +8,12 @@
 #include "app/numericpanels.h"
 #include "app/plotbuttons.h"
 #include "app/plotplaces.h"
+#include "app/resultstools.h"
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
 #include "storage/noxsql.h"
+#include "storage/plotsettingsstore.h"
 #include "ui_mainwindow.h"
 #include "widgets/userdialogs.h"
 
@@ -28,6 +30,7 @@ void MainWindow::updUI()
 {
     m_instruments->refresh(m_current);
     m_channels->refresh(m_current);
+    m_results->refresh(m_current);
     showTitle();
     showNumbers();
 }
@@ -64,6 +67,7 @@ void MainWindow::attachInstrument(int index)
     if (!m_registry->getNoxByIndex(m_current))
         m_current = index;
     nox->qwtIndex = attachToPlot(m_plot.get(), nox->opt->getDevChCount());
+    applySqlProperty(index);
     updUI();
     m_plotButtons->refresh();
 }
@@ -101,6 +105,18 @@ void MainWindow::adoptModel(int index)
     if (channels > 0 && nox->qwtIndex >= 0)
         m_plot->setChCount(channels, nox->qwtIndex);
     updUI();
+}
+
+void MainWindow::adoptIdentity(int index)
+{
+    adoptModel(index);
+    applySqlProperty(index);
+    updUI();
+}
+
+void MainWindow::applySqlProperty(int index)
+{
+    m_plotSettings->apply(index);
 }
 
 void MainWindow::makeCurrent(int index)
@@ -143,8 +159,10 @@ void MainWindow::searchAgain(int index)
 void MainWindow::addMeasurement(int index, double value, quint8 ch, const QString &unit)
 {
     const int qwtIndex = m_registry->getQWTIndex(index);
-    if (qwtIndex >= 0)
-        m_plot->addPoint(value, unit, qwtIndex, ch);
+    if (qwtIndex < 0)
+        return;
+    m_results->noteMeasurement(index, ch); // first: a row holds the round that is over
+    m_plot->addPoint(value, unit, qwtIndex, ch);
 }
 
 void MainWindow::addRecords(int index, const QMap<quint8, QVector<optionsNOX8::_recItem>> &records,
@@ -332,6 +350,31 @@ void MainWindow::on_qwtScrollBtn_clicked()
 void MainWindow::on_qwtMeasBtn_clicked()
 {
     m_plotButtons->applyTool(ModeMeasure);
+}
+
+void MainWindow::on_recBtn_clicked()
+{
+    m_results->record(m_current);
+}
+
+void MainWindow::on_toolButton_clicked()
+{
+    m_results->savePicture(m_current);
+}
+
+void MainWindow::on_toolButton_2_clicked()
+{
+    m_results->exportMain();
+}
+
+void MainWindow::on_toolButton_3_clicked()
+{
+    if (!m_results->openSaved())
+        return;
+    if (m_registry->indices().isEmpty())
+        m_registry->newNox(-1, true); // which becomes the current one
+    m_registry->setProccesed(m_current, false, true);
+    m_results->readInto(m_current);
 }
 
 void MainWindow::on_wideViewBtn_clicked()

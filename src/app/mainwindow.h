@@ -17,7 +17,9 @@ class NOXSerialPort;
 class NumericPanels;
 class PlotButtons;
 class PlotMenu;
+class PlotSettingsStore;
 class QwtNOX;
+class ResultsTools;
 class SettingsMenu;
 class TableHeights;
 class findNox;
@@ -52,6 +54,8 @@ public:
 public slots:
     /** Brings both tables and the panels up to date. */
     void updUI();
+    /** Applies what the database keeps of how an instrument's plot looked (registry index). */
+    void applySqlProperty(int index);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -68,6 +72,10 @@ private slots:
     void on_qwtZoomBtn_clicked();
     void on_qwtScrollBtn_clicked();
     void on_qwtMeasBtn_clicked();
+    void on_recBtn_clicked();
+    void on_toolButton_clicked();
+    void on_toolButton_2_clicked();
+    void on_toolButton_3_clicked();
 
 private:
     // construction, in this order
@@ -83,12 +91,14 @@ private:
     void buildMenus();
     void buildSettings();
     void buildPlotTools();
+    void buildResults();
     void orderFocus();
 
     // what the registry reports
     void attachInstrument(int index);
     void detachInstrument(int index, int qwtIndex);
     void adoptModel(int index);
+    void adoptIdentity(int index);
     void addMeasurement(int index, double value, quint8 ch, const QString &unit);
     void addRecords(int index, const QMap<quint8, QVector<optionsNOX8::_recItem>> &records,
                     const QDateTime &start);
@@ -126,6 +136,7 @@ private:
     std::unique_ptr<noxSql> m_database;
     std::unique_ptr<noxList> m_registry;
     std::unique_ptr<QwtNOX> m_plot;
+    std::unique_ptr<PlotSettingsStore> m_plotSettings;
     std::unique_ptr<findNox> m_discovery;
     std::unique_ptr<InstrumentTable> m_instruments;
     std::unique_ptr<ChannelTable> m_channels;
@@ -138,6 +149,7 @@ private:
     std::unique_ptr<ChoiceMenu> m_limitMenu;
     std::unique_ptr<PlotMenu> m_plotMenu;
     std::unique_ptr<PlotButtons> m_plotButtons;
+    std::unique_ptr<ResultsTools> m_results;
     std::unique_ptr<AlarmSound> m_alarmSound;
     int m_current = -1;
     bool m_isAlarmDue = false; ///< a limit was violated since the last frame

@@ -10,6 +10,7 @@
 #include "app/plotbuttons.h"
 #include "app/plotchoices.h"
 #include "app/plotmenu.h"
+#include "app/resultstools.h"
 #include "app/settingsmenu.h"
 #include "app/tableheights.h"
 #include "plot/qwtnox.h"
@@ -17,6 +18,7 @@
 #include "serial/noxserialport.h"
 #include "storage/databasefile.h"
 #include "storage/noxsql.h"
+#include "storage/plotsettingsstore.h"
 #include "ui_mainwindow.h"
 
 #include <QApplication>
@@ -66,6 +68,7 @@ MainWindow::MainWindow(QWidget *parent)
     buildInstruments();
     buildPlot();
     buildDisplays();
+    buildResults();
     connectKeys();
     connectRegistry();
     connectPlot();
@@ -124,6 +127,10 @@ void MainWindow::buildPlot()
     m_plot->setDivX(plotDivisions);
     m_plot->setDivY(plotDivisions);
     m_plot->applyScale();
+    m_plotSettings =
+        std::make_unique<PlotSettingsStore>(m_plot.get(), m_registry.get(), m_database.get());
+    connect(m_plotSettings.get(), &PlotSettingsStore::currentInstrumentFound, this,
+            &MainWindow::makeCurrent);
 }
 
 void MainWindow::buildDisplays()
@@ -147,6 +154,14 @@ void MainWindow::buildDisplays()
                 if (qwtIndex >= 0)
                     m_plot->setDevShow(shown, qwtIndex);
             });
+}
+
+void MainWindow::buildResults()
+{
+    const ResultsTools::Display display = {m_ui->recBtn, m_ui->readingBar, m_ui->readingLabel,
+                                           m_ui->readingProgress, m_ui->stopReadingBtn};
+    m_results = std::make_unique<ResultsTools>(display, m_registry.get(), m_plot.get(), this);
+    connect(m_results.get(), &ResultsTools::resultsRead, this, &MainWindow::updUI);
 }
 
 /** The keys of the tables do what the mouse does in their columns. */
@@ -188,7 +203,7 @@ void MainWindow::connectRegistry()
     const noxList *registry = m_registry.get();
     connect(registry, &noxList::onAddNox, this, &MainWindow::attachInstrument);
     connect(registry, &noxList::onChange, this, &MainWindow::updUI);
-    connect(registry, &noxList::onIdentChange, this, &MainWindow::adoptModel);
+    connect(registry, &noxList::onIdentChange, this, &MainWindow::adoptIdentity);
     connect(registry, &noxList::onDevChange, this, &MainWindow::adoptModel);
     connect(registry, &noxList::onChChange, this, [this](int index) {
         if (index == m_current)
@@ -279,6 +294,7 @@ void MainWindow::orderFocus()
                                     m_ui->toolButton,
                                     m_ui->toolButton_2,
                                     m_ui->toolButton_3,
+                                    m_ui->stopReadingBtn,
                                     m_ui->wideViewBtn,
                                     m_ui->setQwtBtn,
                                     m_ui->dXBtn,

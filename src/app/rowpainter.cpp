@@ -1,7 +1,7 @@
 #include "app/rowpainter.h"
 
-#include "widgets/rowdelegate.h"
 #include "app/swatch.h"
+#include "widgets/rowdelegate.h"
 
 #include <QTableWidget>
 

@@ -1,7 +1,7 @@
 #include "app/tablesetup.h"
 
-#include "widgets/rowdelegate.h"
 #include "widgets/qlabelclick.h"
+#include "widgets/rowdelegate.h"
 
 #include <QHeaderView>
 #include <QIcon>

@@ -1,6 +1,6 @@
 #include "storage/resultsfileform.h"
 
-#include "storage/filedialogs.h"
+#include "storage/filequestions.h"
 #include "ui_resultsfileform.h"
 
 #include <QDir>
@@ -70,7 +70,7 @@ bool ResultsFileForm::chooseFile(const QString &name, bool asksToReplace)
     FileQuestion question = resultsFileQuestion(m_directory, name);
     question.asksToReplace = asksToReplace;
     const QPointer<ResultsFileForm> self(this); // the question waits in an event loop of its own
-    const QString chosen = FileDialogs::current().choose(this, question);
+    const QString chosen = UserDialogs::current().chooseFile(this, question);
     if (!self || chosen.isEmpty())
         return false;
     m_ui->lineEdit->setText(chosen);

@@ -1,8 +1,8 @@
 #include "storage/savemeas.h"
 
 #include "plot/qwtnox.h"
+#include "storage/filequestions.h"
 #include "ui_savemeas.h"
-#include "widgets/userdialogs.h"
 
 #include <utility>
 
@@ -100,8 +100,7 @@ void savemeas::finishExport(bool isWritten)
     if (isWritten)
         m_ui->statusLabel->setText(tr("Сохранено!"));
     else
-        tellFailure(tr("Ошибка записи в файл!\nВозможно файл занят другим приложением или не "
-                       "доступен для записи."));
+        UserDialogs::current().tell(this, writeFailure());
 }
 
 void savemeas::on_cancelBtn_clicked()

@@ -46,6 +46,22 @@ public:
         return color;
     }
 
+    QString chooseFile(QWidget *parent, const FileQuestion &question)
+    {
+        QFileDialog dialog(parent, question.title, question.directory, question.filter);
+        const bool isSaving = question.mode == QFileDialog::AcceptSave;
+        dialog.setAcceptMode(question.mode);
+        dialog.setFileMode(isSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+        dialog.setDefaultSuffix(question.defaultSuffix);
+        dialog.setOption(QFileDialog::DontConfirmOverwrite, !question.asksToReplace);
+        if (!question.name.isEmpty())
+            dialog.selectFile(question.name);
+        ++m_questions;
+        const bool isChosen = dialog.exec() == QDialog::Accepted;
+        endQuestion();
+        return isChosen ? dialog.selectedFiles().value(0) : QString();
+    }
+
 private:
     struct Waiting {
         QPointer<QWidget> parent;
@@ -103,5 +119,8 @@ UserDialogs UserDialogs::onScreen()
         [screen](QWidget *parent, const Message &message) { screen->tell(parent, message); },
         [screen](QWidget *parent, const QColor &current) {
             return screen->chooseColor(parent, current);
+        },
+        [screen](QWidget *parent, const FileQuestion &question) {
+            return screen->chooseFile(parent, question);
         }};
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QFileDialog>
 #include <QMessageBox>
 
 #include <functional>
@@ -16,10 +17,21 @@ struct Message {
     QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
 };
 
+/** What a file dialog asks for. */
+struct FileQuestion {
+    QFileDialog::AcceptMode mode = QFileDialog::AcceptSave;
+    QString title;
+    QString filter;
+    QString defaultSuffix; ///< for a name without one
+    QString directory;     ///< where the dialog begins
+    QString name;          ///< preselected, without a directory; may be empty
+    bool asksToReplace = true;
+};
+
 /**
  * The one way in which the program asks its user something.
  *
- * A test replaces the three functions and so reads the questions and gives the answers.
+ * A test replaces the functions and so reads the questions and gives the answers.
  */
 struct UserDialogs {
     /** Shows a message and waits for the button pressed. */
@@ -31,6 +43,8 @@ struct UserDialogs {
     std::function<void(QWidget *parent, const Message &message)> tell;
     /** Asks for a colour; an invalid one when the user gives none. */
     std::function<QColor(QWidget *parent, const QColor &current)> chooseColor;
+    /** Asks for a file; empty when the user chooses none. */
+    std::function<QString(QWidget *parent, const FileQuestion &question)> chooseFile;
 
     /** The dialogs in effect: at first those on the screen. */
     static UserDialogs &current();

@@ -48,13 +48,31 @@ void TestKeyboard::init()
 
 void TestKeyboard::tabFollowsTheEyeAndIsSeen()
 {
-    const QStringList expected = {"devTable",         "addDevBtn",   "findDevBtn",
-                                  "exitBtm",          "settingsBtn", "QwtPlotCanvas",
-                                  "qwtMeasBtn",       "qwtZoomBtn",  "qwtScrollBtn",
-                                  "trackBtn",         "clearBtn",    "wideViewBtn",
-                                  "setQwtBtn",        "dXBtn",       "dYBtn",
-                                  "modeXBtn",         "modeBtn",     "frameMainLCDMeas",
-                                  "frameMainLCDAver", "chTable",     "devTable"};
+    const QStringList expected = {"devTable",
+                                  "addDevBtn",
+                                  "findDevBtn",
+                                  "exitBtm",
+                                  "settingsBtn",
+                                  "QwtPlotCanvas",
+                                  "qwtMeasBtn",
+                                  "qwtZoomBtn",
+                                  "qwtScrollBtn",
+                                  "trackBtn",
+                                  "recBtn",
+                                  "clearBtn",
+                                  "toolButton",
+                                  "toolButton_2",
+                                  "toolButton_3",
+                                  "wideViewBtn",
+                                  "setQwtBtn",
+                                  "dXBtn",
+                                  "dYBtn",
+                                  "modeXBtn",
+                                  "modeBtn",
+                                  "frameMainLCDMeas",
+                                  "frameMainLCDAver",
+                                  "chTable",
+                                  "devTable"};
     QStringList reached;
     for (int i = 0; i < expected.size(); ++i) {
         QWidget *const stop = QApplication::focusWidget();

@@ -41,6 +41,10 @@ public:
             offeredColors << current;
             return color;
         };
+        UserDialogs::current().chooseFile = [this](QWidget *, const FileQuestion &question) {
+            fileQuestions << question;
+            return file;
+        };
     }
     ~AnsweredDialogs() { UserDialogs::current() = UserDialogs::onScreen(); }
     Q_DISABLE_COPY(AnsweredDialogs)
@@ -50,6 +54,8 @@ public:
     QVector<QColor> offeredColors; ///< the colour that each question started from
     QMessageBox::StandardButton answer = QMessageBox::No;
     QColor color;
+    QVector<FileQuestion> fileQuestions;
+    QString file; ///< what is chosen when a file is asked for
 };
 
 /** A folder of its own for the user's data: no test meets the database of another. */

@@ -3,7 +3,7 @@
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
 #include "storage/databasefile.h"
-#include "storage/filedialogs.h"
+#include "storage/filequestions.h"
 #include "storage/noxsql.h"
 #include "storage/recmeas.h"
 #include "storage/savemeas.h"
@@ -104,7 +104,7 @@ QByteArray TestResultsDialogs::content(const QString &name) const
 
 void TestResultsDialogs::chooseNext(const QString &fileName)
 {
-    FileDialogs::current().choose = [this, fileName](QWidget *, const FileQuestion &question) {
+    UserDialogs::current().chooseFile = [this, fileName](QWidget *, const FileQuestion &question) {
         m_questions << question;
         return fileName;
     };
@@ -255,7 +255,7 @@ void TestResultsDialogs::recordedInstrumentGoes()
 {
     const int index = m_registry->newNox(-1, true)->index;
     m_recording->showFor(index, "name");
-    FileDialogs::current().choose = [&](QWidget *, const FileQuestion &) {
+    UserDialogs::current().chooseFile = [&](QWidget *, const FileQuestion &) {
         m_registry->rmByIndex(index);
         return path("1.csv");
     };
