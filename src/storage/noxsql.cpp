@@ -411,6 +411,26 @@ void noxSql::setDevProperty(int deviceId, const QString &key, const QVariant &va
                  {":device_property_val", value}});
 }
 
+bool noxSql::setDevProperties(const QMap<QPair<int, QString>, QVariant> &properties)
+{
+    if (!execute(m_database, "BEGIN IMMEDIATE", {}))
+        return false;
+    for (auto property = properties.cbegin(); property != properties.cend(); ++property)
+        setDevProperty(property.key().first, property.key().second, property.value());
+    if (execute(m_database, "COMMIT", {}))
+        return true;
+    execute(m_database, "ROLLBACK", {});
+    return false;
+}
+
+bool noxSql::hasDevProperty(int deviceId)
+{
+    const auto count =
+        selectOnly(m_database, "SELECT count(*) FROM device_property WHERE device_id=:device_id",
+                   {{":device_id", deviceId}});
+    return !count || count->value(0).toInt() > 0;
+}
+
 QMap<QString, QVariant> noxSql::getDevProperty(int deviceId)
 {
     if (deviceId < 0)

@@ -37,6 +37,9 @@ public:
     /** Compacts the database and closes it. */
     ~noxSql() override;
 
+    /** Whether the file could be opened; it stays as it is. */
+    bool isOpen() const { return m_database.isOpen(); }
+
     /** Rows of an executed SELECT; the query stands where it stood. */
     static int querySize(QSqlQuery *query);
 
@@ -93,6 +96,11 @@ public:
     QVariant getAppProperty(const QString &key);
     /** Stores a property of an instrument, or removes it when the value is not valid. */
     void setDevProperty(int deviceId, const QString &key, const QVariant &value);
+    /** Stores properties of instruments, by id and key, in one transaction, which costs about as
+     * much as one of them; false, and none is stored, when that fails. */
+    bool setDevProperties(const QMap<QPair<int, QString>, QVariant> &properties);
+    /** Whether an instrument has properties of its own; true when that cannot be told. */
+    bool hasDevProperty(int deviceId);
     /** The properties of an instrument. One without any has those of the main instrument that
      *  begin with "qwt". */
     QMap<QString, QVariant> getDevProperty(int deviceId);

@@ -2,11 +2,9 @@
 
 #include "plot/qwtnox.h"
 #include "storage/noxsql.h"
-#include "storage/statement.h"
 
 #include <QPointer>
 #include <QScopedValueRollback>
-#include <QSqlDatabase>
 
 #include <optional>
 
@@ -124,20 +122,11 @@ void PlotSettingsStore::storeOfChannel(int qwtIndex, uchar ch, const char *name,
 /** Writes what has been gathered in one transaction, which costs about as much as one change. */
 void PlotSettingsStore::flush()
 {
-    const QSqlDatabase database = QSqlDatabase::database(QSqlDatabase::defaultConnection, false);
-    if (!database.isOpen()) // nor will it ever be
+    if (!m_database->isOpen())
         m_unwritten.clear();
     if (m_unwritten.isEmpty())
         return;
-    bool isWritten = execute(database, "BEGIN IMMEDIATE", {}).has_value();
-    if (isWritten) {
-        for (auto setting = m_unwritten.cbegin(); setting != m_unwritten.cend(); ++setting)
-            m_database->setDevProperty(setting.key().first, setting.key().second, setting.value());
-        isWritten = execute(database, "COMMIT", {}).has_value();
-        if (!isWritten)
-            execute(database, "ROLLBACK", {});
-    }
-    if (isWritten)
+    if (m_database->setDevProperties(m_unwritten))
         m_unwritten.clear();
     else
         m_timer.start(); // the disk is full, or another program holds the database: once more, then
@@ -149,10 +138,7 @@ PlotSettingsStore::Settings PlotSettingsStore::settingsOf(const noxList::_nox &n
 {
     flush();
     const Settings settings = m_database->getDevProperty(idOf(nox));
-    const auto own = selectOnly(QSqlDatabase::database(QSqlDatabase::defaultConnection, false),
-                                "SELECT count(*) FROM device_property WHERE device_id=:device_id",
-                                {{":device_id", idOf(nox)}});
-    if (own && own->value(0).toInt() == 0) {
+    if (!m_database->hasDevProperty(idOf(nox))) {
         for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting)
             m_unwritten.insert({idOf(nox), setting.key()}, setting.value());
         flush();
