@@ -1,6 +1,6 @@
-#include "widgets/legibility.h"
 #include "app/rowpainter.h"
 #include "app/tablesetup.h"
+#include "widgets/legibility.h"
 
 #include <QSignalSpy>
 #include <QTableWidget>
