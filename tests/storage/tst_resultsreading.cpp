@@ -140,15 +140,15 @@ void TestResultsReading::interrupted()
 void TestResultsReading::another()
 {
     QVERIFY(read(fileWith(1000000), 0));
+    QSignalSpy steps(&m_reading, &ResultsReading::progress);
     QVERIFY(read(fileWith(400001), 0));
     QSignalSpy ends(&m_reading, &ResultsReading::finished);
-    QSignalSpy steps(&m_reading, &ResultsReading::progress);
     QTRY_COMPARE_WITH_TIMEOUT(ends.size(), 1, 60000);
     const auto findings = ends.at(0).at(0).value<ResultsFindings>();
     QVERIFY(findings.isWhole);
     QCOMPARE(findings.points, 400001);
     QCOMPARE(m_plot.getChMeasCount(5, 0), 400001);
-    QVERIFY(steps.size() > 1);
+    QVERIFY(!steps.isEmpty());
 }
 
 void TestResultsReading::picture()
