@@ -40,7 +40,10 @@ Recorder::Recorder(noxList *registry, QwtNOX *plot, QObject *parent)
     , m_registry(registry)
     , m_plot(plot)
 {
-    connect(registry, &noxList::onRmNox, this, [this](int index) { m_states.remove(index); });
+    connect(registry, &noxList::onRmNox, this, [this](int index) {
+        noteOutcome(index, std::nullopt);
+        m_states.remove(index);
+    });
     connect(registry, &noxList::onChange, this, &Recorder::forgetStopped);
     m_syncTimer.setSingleShot(true);
     m_syncTimer.setInterval(syncIntervalMs);
