@@ -130,8 +130,19 @@ bool ResultsTools::openSaved()
     const QString fileName = chooseFile(savedResultsQuestion(m_directory));
     if (fileName.isEmpty() || !m_reading.open(fileName))
         return false;
-    m_display.readingLabel->setText(tr("Чтение: %1").arg(QFileInfo(fileName).fileName()));
+    showFileName(QFileInfo(fileName).fileName());
     return true;
+}
+
+/** A long name is shortened, for it must not widen the window; the tool tip has all of it. */
+void ResultsTools::showFileName(const QString &name)
+{
+    constexpr int mostLetters = 24; // of middle width
+    QLabel *const label = m_display.readingLabel;
+    const QFontMetrics metrics = label->fontMetrics();
+    const int width = mostLetters * metrics.averageCharWidth();
+    label->setText(tr("Чтение: %1").arg(metrics.elidedText(name, Qt::ElideMiddle, width)));
+    label->setToolTip(name);
 }
 
 void ResultsTools::readInto(int index)

@@ -68,6 +68,7 @@ signals:
 private:
     void connectReading();
     void showFaults();
+    void showFileName(const QString &name);
     QString proposedName(int index) const;
     QString chooseFile(const FileQuestion &question);
 

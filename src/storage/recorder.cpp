@@ -41,8 +41,8 @@ Recorder::Recorder(noxList *registry, QwtNOX *plot, QObject *parent)
     , m_plot(plot)
 {
     connect(registry, &noxList::onRmNox, this, [this](int index) {
-        if (m_states.take(index).fault)
-            emit faultChanged(index);
+        noteOutcome(index, std::nullopt);
+        m_states.remove(index);
     });
     connect(registry, &noxList::onChange, this, &Recorder::forgetStopped);
     m_syncTimer.setSingleShot(true);
