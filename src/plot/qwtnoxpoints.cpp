@@ -96,9 +96,12 @@ int QwtNOX::addPoints(int qwtIndex, const QVector<PlotPoint> &points, const QVec
             continue;
         if (point.channel >= outcomes.size()) {
             // a new channel is announced at once, and whoever hears of it may change the records
-            if (!ensureChannel(qwtIndex, static_cast<uchar>(point.channel)))
-                continue;
+            const bool hasChannel = ensureChannel(qwtIndex, static_cast<uchar>(point.channel));
             device = findDevice(qwtIndex);
+            if (!device)
+                return accepted;
+            if (!hasChannel)
+                continue;
             outcomes.resize(device->ch.size());
         }
         _ch &channel = device->ch[point.channel];

@@ -19,7 +19,6 @@ enum Column { PortColumn, NameColumn, NumberColumn, ConnectColumn };
 constexpr int portWidth = 100;
 constexpr int numberWidth = 100;
 constexpr int pictureSize = 24;
-const QColor incompleteColor(255, 236, 179);
 
 QTableWidgetItem *newItem(const QString &text)
 {
@@ -67,7 +66,7 @@ QString chooseModelFirst()
 
 QBrush groundOf(bool isIncomplete)
 {
-    return isIncomplete ? QBrush(incompleteColor) : QBrush();
+    return isIncomplete ? QBrush(incompleteColor()) : QBrush();
 }
 
 // Each touches only what changes: an item that is touched takes back what is being typed in it.
@@ -88,7 +87,7 @@ void paintNumber(QTableWidgetItem *item, const FoundInstrument &instrument)
 
 void paintModels(QWidget *models, const FoundInstrument &instrument)
 {
-    const QColor ground = instrument.lacksModel() ? incompleteColor : QColor();
+    const QColor ground = instrument.lacksModel() ? incompleteColor() : QColor();
     QPalette palette;
     if (ground.isValid())
         palette.setColor(QPalette::Button, ground);
@@ -100,6 +99,8 @@ QString checkTip(const FoundInstrument &instrument)
 {
     if (instrument.lacksModel())
         return chooseModelFirst();
+    if (!instrument.isChecked() && !instrument.isCheckEnabled())
+        return FoundTable::tr("Отметить снова можно щелчком по заголовку столбца (Ctrl+A)");
     if (!instrument.isChecked())
         return FoundTable::tr("Отметьте прибор, чтобы подключиться к нему");
     return instrument.lacksNumber() ? FoundTable::tr("Без номера прибор не подключится")

@@ -8,7 +8,28 @@ namespace
 
 constexpr int largestNumber = 65535;
 
+/** Of digits alone: the user's locale would take and put in separators of thousands. */
+QLocale plainNumbers()
+{
+    QLocale locale = QLocale::c();
+    locale.setNumberOptions(QLocale::OmitGroupSeparator | QLocale::RejectGroupSeparator);
+    return locale;
+}
+
+void markUnacceptable(QLineEdit *editor)
+{
+    QPalette palette;
+    if (!editor->hasAcceptableInput())
+        palette.setColor(QPalette::Base, incompleteColor());
+    editor->setPalette(palette);
+}
+
 } // namespace
+
+QColor incompleteColor()
+{
+    return {255, 236, 179};
+}
 
 QWidget *NumberDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
                                       const QModelIndex &) const
@@ -16,7 +37,11 @@ QWidget *NumberDelegate::createEditor(QWidget *parent, const QStyleOptionViewIte
     auto *const editor = new QLineEdit(parent);
     editor->setAlignment(Qt::AlignCenter);
     editor->setFrame(false);
-    editor->setValidator(new QIntValidator(1, largestNumber, editor));
+    auto *const validator = new QIntValidator(1, largestNumber, editor);
+    validator->setLocale(plainNumbers());
+    editor->setValidator(validator);
+    markUnacceptable(editor);
+    connect(editor, &QLineEdit::textChanged, editor, [editor] { markUnacceptable(editor); });
     editor->setPlaceholderText(QStringLiteral("1…%1").arg(largestNumber));
     editor->setAccessibleName(tr("Номер прибора"));
     return editor;

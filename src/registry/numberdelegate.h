@@ -2,6 +2,9 @@
 
 #include "widgets/rowdelegate.h"
 
+/** The ground of a cell in which something is still missing. */
+QColor incompleteColor();
+
 /** Lets an instrument's number, 1 to 65535, be entered into a table cell, and nothing else. */
 class NumberDelegate : public RowDelegate
 {

@@ -44,6 +44,13 @@ void HeadedTable::scrollTo(const QModelIndex &index, ScrollHint hint)
         verticalScrollBar()->setValue(verticalScrollBar()->value() - hidden);
 }
 
+void HeadedTable::focusInEvent(QFocusEvent *event)
+{
+    QTableWidget::focusInEvent(event);
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        scrollTo(currentIndex()); // it alone shows where the focus is
+}
+
 void HeadedTable::keyPressEvent(QKeyEvent *event)
 {
     const int row = currentRow();

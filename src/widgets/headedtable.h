@@ -7,7 +7,8 @@
  * A table whose row 0 is its header, made of cell widgets, which stays in sight above the scrolled
  * rows; the keyboard does in it what the mouse does.
  *
- * The arrow keys move the current cell, which never lies in the header. Space, Return and the Menu
+ * The arrow keys move the current cell, which never lies in the header and is scrolled to when Tab
+ * leads to the table. Space, Return and the Menu
  * key (or Shift+F10) are announced with the place where they were pressed.
  */
 class HeadedTable : public QTableWidget
@@ -41,6 +42,7 @@ signals:
     void menuWanted(int row, int column);
 
 protected:
+    void focusInEvent(QFocusEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
     bool viewportEvent(QEvent *event) override;

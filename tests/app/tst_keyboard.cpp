@@ -139,6 +139,17 @@ void TestKeyboard::currentCellIsNeverUnderTheHeader()
     fixture->add(0x41, 4); // 16 channels
     fixture->click(fixture->instruments(), 4, InstrumentColumn::Name);
     fixture->window->resize(1000, 500);
+    const auto isCurrentSeen = [](const QTableWidget *table) {
+        const QRect cell = table->visualItemRect(table->currentItem());
+        return table->viewport()->rect().contains(cell) && cell.top() >= table->rowHeight(0);
+    };
+    QTRY_VERIFY(isCurrentSeen(fixture->instruments()));
+    fixture->instruments()->verticalScrollBar()->setValue(0);
+    QVERIFY(!isCurrentSeen(fixture->instruments()));
+    fixture->channels()->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(fixture->channels(), Qt::Key_Tab);
+    QVERIFY(isCurrentSeen(fixture->instruments()));
+
     QTableWidget *table = fixture->channels();
     QCOMPARE(table->rowCount(), 17);
     QWidget *title = table->cellWidget(0, 1);

@@ -577,6 +577,15 @@ void TestQwtNOXPoints::listenerMayRemoveTheDevice()
     connect(m_plot.get(), &QwtNOX::onAddPoint, m_plot.get(), [this] { m_plot->removeDev(0); });
     QVERIFY(m_plot->addPoint(20, 1, "°С", 0, 0));
     QVERIFY(m_plot->devices().isEmpty());
+
+    m_plot->addDev(1, 0);
+    connect(m_plot.get(), &QwtNOX::onAddCh, m_plot.get(), [this](int qwtIndex, uchar ch) {
+        if (ch == 1)
+            m_plot->removeDev(qwtIndex);
+    });
+    const QVector<PlotPoint> points = {{0, 1, 20}, {1, 1, 20}, {0, 2, 20}};
+    QCOMPARE(m_plot->addPoints(1, points, {"°С", "°С"}), 1);
+    QVERIFY(m_plot->devices().isEmpty());
 }
 
 void TestQwtNOXPoints::listenerMayRemoveWhoLosesItsReference()

@@ -67,7 +67,7 @@ private:
         return dialog->findChild<Widget *>(QString::fromLatin1(name));
     }
     /** Clicks on the number of a row: its editor; null when there is none. */
-    QWidget *startTyping(int row) const
+    QLineEdit *startTyping(int row) const
     {
         const QRect cell = table()->visualItemRect(table()->item(row, 2));
         QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, cell.center());
@@ -102,6 +102,7 @@ constexpr int patienceMs = 30000;
 
 void TestFindNox::init()
 {
+    QLocale::setDefault(QLocale::English); // as the window does
     folder = std::make_unique<QTemporaryDir>();
     bench = std::make_unique<InstrumentBench>();
     QVERIFY(provideDatabase(folder->filePath("nox8.db")));
@@ -214,8 +215,10 @@ void TestFindNox::olderInstrumentWaitsForTheOperator()
     QVERIFY(box(1)->isChecked() && isNumberEditable(1) && isMarked(1, 2));
     QVERIFY(registry->indices().isEmpty());
 
-    QWidget *const editor = startTyping(1);
-    QTest::keyClicks(editor, "no number 0");
+    QLineEdit *const editor = startTyping(1);
+    QTest::keyClicks(editor, "no 65,536\r");
+    QCOMPARE(editor->text(), QStringLiteral("65536"));
+    QCOMPARE(editor->grab().toImage().pixelColor(2, 2), table()->item(1, 2)->background().color());
     find<QPushButton>("connectBtn")->click();
     QVERIFY(!dialog->isVisible());
     QVERIFY(registry->indices().isEmpty()); // without a number it is nobody
