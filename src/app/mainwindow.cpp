@@ -375,6 +375,7 @@ void MainWindow::on_toolButton_3_clicked()
         m_registry->newNox(-1, true); // which becomes the current one
     m_registry->setProccesed(m_current, false, true);
     m_results->readInto(m_current);
+    updUI(); // a channel that the file does not have is empty now
 }
 
 void MainWindow::on_wideViewBtn_clicked()

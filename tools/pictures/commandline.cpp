@@ -2,6 +2,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QRegularExpression>
 
 namespace
@@ -14,9 +15,9 @@ QSize readSize(const QString &text)
     return match.hasMatch() ? QSize(match.captured(1).toInt(), match.captured(2).toInt()) : QSize();
 }
 
-QString scenes()
+QString listed(const QStringList &scenes)
 {
-    return plotScenes().join(QStringLiteral(", "));
+    return scenes.join(QStringLiteral(", "));
 }
 
 } // namespace
@@ -25,6 +26,11 @@ QStringList plotScenes()
 {
     return {QStringLiteral("live"), QStringLiteral("measure"), QStringLiteral("zoom"),
             QStringLiteral("limits")};
+}
+
+QStringList resultsScenes()
+{
+    return {QStringLiteral("recording"), QStringLiteral("export"), QStringLiteral("reading")};
 }
 
 PictureOrder readPictureOrder()
@@ -42,8 +48,12 @@ PictureOrder readPictureOrder()
                                    "Look for instruments nowhere but in this directory.", "path");
     const QCommandLineOption showAll("show-all", "Show the curves of all instruments.");
     const QCommandLineOption plot(
-        "plot", "Show all channels of the first instrument and do this on the plot: " + scenes(),
+        "plot",
+        "Show all channels of the first instrument and do this on the plot: " +
+            listed(plotScenes()),
         "scene");
+    const QCommandLineOption results(
+        "results", "Take results of the first instrument: " + listed(resultsScenes()), "scene");
     const QCommandLineOption discovery(
         "discovery", "Take the discovery dialog, once it waits for the operator.");
 
@@ -51,7 +61,7 @@ PictureOrder readPictureOrder()
     parser.setApplicationDescription("Takes a picture of nox8 with the instruments it has found.");
     parser.addHelpOption();
     parser.addOptions(
-        {output, size, instruments, patience, seconds, ports, showAll, plot, discovery});
+        {output, size, instruments, patience, seconds, ports, showAll, plot, results, discovery});
     parser.process(*QCoreApplication::instance());
 
     PictureOrder order;
@@ -63,20 +73,27 @@ PictureOrder readPictureOrder()
                 QStringLiteral("--%1 is not a positive number").arg(option.names().first());
         return count;
     };
-    order.output = parser.value(output);
+    const auto readPath = [&parser](const QCommandLineOption &option) {
+        const QString path = parser.value(option);
+        return path.isEmpty() ? path : QFileInfo(path).absoluteFilePath();
+    };
+    order.output = readPath(output);
     order.size = readSize(parser.value(size));
     order.instruments = readCount(instruments);
     order.patience = readCount(patience);
     order.seconds = readCount(seconds);
-    order.portsDirectory = parser.value(ports);
+    order.portsDirectory = readPath(ports);
     order.showAll = parser.isSet(showAll);
     order.plot = parser.value(plot);
+    order.results = parser.value(results);
     order.discovery = parser.isSet(discovery);
     if (order.output.isEmpty())
         order.error = QStringLiteral("--output is missing");
     else if (!order.size.isValid())
         order.error = QStringLiteral("--size is not of the form 1280x800");
     else if (parser.isSet(plot) && !plotScenes().contains(order.plot))
-        order.error = QStringLiteral("--plot is none of: ") + scenes();
+        order.error = QStringLiteral("--plot is none of: ") + listed(plotScenes());
+    else if (parser.isSet(results) && !resultsScenes().contains(order.results))
+        order.error = QStringLiteral("--results is none of: ") + listed(resultsScenes());
     return order;
 }

@@ -14,12 +14,16 @@ struct PictureOrder {
     QString portsDirectory; ///< the only place of ports; empty: the ports of the user
     bool showAll = false;   ///< the curves of all instruments, not those of the first alone
     QString plot;           ///< one of plotScenes(), to be seen on the plot; empty: none
+    QString results;        ///< one of resultsScenes(), to be taken instead; empty: none
     bool discovery = false; ///< the discovery dialog that waits for the operator, not the window
     QString error;          ///< not empty: the command line makes no sense
 };
 
 /** What can be done on the plot before the picture is taken. */
 QStringList plotScenes();
+
+/** What can be taken of results on their way into files and back. */
+QStringList resultsScenes();
 
 /** Reads the command line of the application; ends the program for --help. */
 PictureOrder readPictureOrder();

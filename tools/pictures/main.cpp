@@ -2,10 +2,12 @@
 #include "commandline.h"
 #include "plotdriver.h"
 #include "registry/findnox.h"
+#include "resultsdriver.h"
 #include "serial/portcatalog.h"
 #include "windowdriver.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
@@ -47,7 +49,7 @@ bool waitFor(int expected, const std::function<int()> &count, int patienceSecond
 
 bool save(QWidget *widget, const QString &fileName)
 {
-    if (widget->grab().save(fileName, "PNG"))
+    if (widget && widget->grab().save(fileName, "PNG"))
         return true;
     QTextStream(stderr) << fileName << ": cannot be written\n";
     return false;
@@ -71,6 +73,13 @@ void playScene(const QString &scene, PlotDriver &plot)
         plot.placeLimits(0.25, 0.6);
 }
 
+QWidget *playResults(const QString &scene, ResultsDriver &results)
+{
+    if (scene == QLatin1String("recording"))
+        return results.record();
+    return scene == QLatin1String("export") ? results.exportTable() : results.readBack();
+}
+
 bool takeWindow(const PictureOrder &order, MainWindow &window, WindowDriver &driver)
 {
     if (!waitFor(
@@ -85,7 +94,10 @@ bool takeWindow(const PictureOrder &order, MainWindow &window, WindowDriver &dri
         plot.showAllChannels();
     playScene(order.plot, plot);
     waitMs(qMin(order.seconds, settlingSeconds) * 1000);
-    return save(&window, order.output);
+    if (order.results.isEmpty())
+        return save(&window, order.output);
+    ResultsDriver results(&window);
+    return save(playResults(order.results, results), order.output);
 }
 
 bool takePicture(const PictureOrder &order)
@@ -114,6 +126,7 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
 
     const PictureOrder order = readPictureOrder();
+    QDir::setCurrent(dataFolder.path()); // files of results go with it
     if (order.error.isEmpty())
         return takePicture(order) ? 0 : 1;
     QTextStream(stderr) << order.error << '\n';
