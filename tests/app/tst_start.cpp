@@ -4,7 +4,6 @@
 #include "windowfixture.h"
 
 #include <QProgressBar>
-#include <QSqlQuery>
 #include <QStandardPaths>
 
 /** What the window keeps from one start to the next, and what it does when it starts and ends. */
@@ -16,7 +15,6 @@ private slots:
     void settingsAreKept();
     void exitIsAskedFor();
     void progressStandsInTheRow();
-    void mainInstrumentIsRemembered();
     void programTellsItsVersion();
 };
 
@@ -114,23 +112,6 @@ void TestStart::progressStandsInTheRow()
     report(9, 30, 100); // the row moves up: the bar must not speak for another
     fixture.registry().rmByIndex(first);
     QVERIFY(!progressAt(fixture, 1));
-}
-
-void TestStart::mainInstrumentIsRemembered()
-{
-    const WindowFixture fixture;
-    fixture.add(0x11, 1);
-    const int second = fixture.add(0x11, 2);
-    const auto stored = [] {
-        QSqlQuery query("SELECT app_property_val FROM app_property"
-                        " WHERE app_property_key='main_device_id'");
-        return query.next() ? query.value(0).toInt() : -1;
-    };
-    fixture.click(fixture.instruments(), 2, InstrumentColumn::Name);
-    QCOMPARE(stored(), fixture.registry().getDBIndex(second));
-    QVERIFY(stored() >= 1);
-    fixture.registry().rmByIndex(second);
-    QCOMPARE(stored(), fixture.registry().getDBIndex(0));
 }
 
 void TestStart::programTellsItsVersion()
