@@ -293,7 +293,16 @@ void TestMainWindow::givesRoomToTheTableThatNeedsIt()
     table->verticalScrollBar()->setValue(table->rowHeight(0)); // a box lies below the title
     const QWidget *title = table->cellWidget(0, InstrumentColumn::Show);
     QCOMPARE(table->viewport()->childAt(title->geometry().center()), title);
-    QCOMPARE(fixture->channels()->verticalScrollBar()->maximum(), 0);
+    const QTableWidget *channels = fixture->channels();
+    QCOMPARE(channels->verticalScrollBar()->maximum(), 0);
+
+    // with more of both than there is room for, each has half; what one leaves the other one has
+    fixture->add(0x41, 31);
+    fixture->click(fixture->instruments(), 31, InstrumentColumn::Name);
+    QTRY_VERIFY(qAbs(table->height() - channels->height()) <= 1);
+    fixture->add(); // of an unknown model, without channels
+    fixture->click(fixture->instruments(), 32, InstrumentColumn::Name);
+    QTRY_COMPARE(channels->height(), channels->minimumHeight());
 }
 
 void TestMainWindow::closes()
