@@ -16,12 +16,12 @@ QLocale plainNumbers()
     return locale;
 }
 
+/** By a style: where a style sheet is set, it does not look at the palette of an editor. */
 void markUnacceptable(QLineEdit *editor)
 {
-    QPalette palette;
-    if (!editor->hasAcceptableInput())
-        palette.setColor(QPalette::Base, incompleteColor());
-    editor->setPalette(palette);
+    editor->setStyleSheet(editor->hasAcceptableInput()
+                              ? QString()
+                              : QStringLiteral("background: ") + incompleteColor().name());
 }
 
 } // namespace

@@ -117,6 +117,7 @@ void TestFindNox::init()
     registry = std::make_unique<noxList>(port.get(), database.get());
     registry->setWriteDelay(300);
     dialog = std::make_unique<findNox>(nullptr, registry.get());
+    dialog->setStyleSheet("QLineEdit { selection-background-color: teal; }"); // has its own too
 }
 
 void TestFindNox::cleanup()
