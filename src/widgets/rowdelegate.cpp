@@ -1,5 +1,6 @@
 #include "widgets/rowdelegate.h"
 
+#include "widgets/changemark.h"
 #include "widgets/legibility.h"
 
 #include <QPainter>
@@ -49,6 +50,8 @@ void RowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     painter->save();
     if (index.data(waitingRole).toBool())
         paintWaiting(painter, option.rect);
+    if (index.data(changedRole).toBool())
+        paintChange(painter, option.rect);
     if (option.state & QStyle::State_HasFocus)
         paintFocus(painter, option.rect);
     painter->restore();

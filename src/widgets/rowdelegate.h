@@ -6,6 +6,9 @@
 /** Role of a bool: something is still awaited for the cell, and it carries a quiet sign of that. */
 constexpr int waitingRole = Qt::UserRole + 1;
 
+/** Role of a bool: what the cell shows differs from what the instrument holds. */
+constexpr int changedRole = Qt::UserRole + 2;
+
 /** Marks where the keyboard acts and what is going on; that of the style sheet. */
 QColor accentColor();
 

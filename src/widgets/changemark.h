@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QWidget>
+
+class QPainter;
+
+/** Paints the quiet sign that something differs from the instrument: a corner at the top left. */
+void paintChange(QPainter *painter, const QRect &place);
+
+/** That sign over a field, which it follows. Shown or hidden, it takes no room and no click. */
+class ChangeMark : public QWidget
+{
+    Q_OBJECT
+public:
+    /** The field becomes the parent. */
+    explicit ChangeMark(QWidget *field);
+
+    /** Shows the sign, or not, and says the same to who cannot see it. */
+    void setChanged(bool isChanged);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+};
