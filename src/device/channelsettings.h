@@ -27,6 +27,16 @@ enum CompensationSource : quint8 {
     compensNone = 0x30,
 };
 
+/** The source of a compensation and that of a characteristic are the same, two bits apart. */
+constexpr CompensationSource compensationSource(CharacteristicSource source)
+{
+    return CompensationSource(source >> 2);
+}
+constexpr CharacteristicSource characteristicSource(CompensationSource source)
+{
+    return CharacteristicSource(source << 2);
+}
+
 /** Settings of one channel. */
 struct ChannelSettings {
     qint8 onOff = 1; ///< the whole first byte of the channel's record; 0 is off, 1 is on

@@ -212,10 +212,9 @@ QStringList optionsNOX8::characteristics(CharacteristicSource source) const
     return {};
 }
 
-/** The sources of a compensation are the same, two bits lower. */
 QStringList optionsNOX8::characteristics(CompensationSource source) const
 {
-    return characteristics(CharacteristicSource(source << 2));
+    return characteristics(characteristicSource(source));
 }
 
 /** Whether a source has a characteristic of this index; none has any that four bits can hold. */

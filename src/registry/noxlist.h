@@ -1,5 +1,6 @@
 #pragma once
 
+#include "device/heldblocks.h"
 #include "device/optionsnox8.h"
 #include "serial/exchangeitems.h"
 
@@ -52,6 +53,7 @@ public:
         int recRow = 0;
         QVector<optionsNOX8::tx_code> txCodes; ///< blocks waiting to be written, first come first
         std::unique_ptr<QTimer> txTimer;       ///< collects them for 5 s
+        HeldBlocks held;                       ///< what was last read from it or written to it
     };
 
     noxList(NOXSerialPort *serialPort, noxSql *database);
@@ -118,6 +120,8 @@ signals:
     void onChChange(int index, quint8 ch);
     /** A record was removed: its former indices. */
     void onRmNox(int index, int qwtIndex);
+    /** A block has been written: the instrument holds something else now. */
+    void onHeldChange(int index);
     /** Something shown of some record changed. */
     void onChange();
     /** A measurement: channel from 0, unit text. */
@@ -162,6 +166,7 @@ private:
     void storeUnit(int index, quint8 ch);
     void storeIdentity(_nox *nox);
     void updateReferenceData(const _nox *nox);
+    void storeReferenceData(const _nox *nox);
     void recogniseSnapShot(_nox *nox);
     void recogniseByReferenceData(_nox *nox);
 

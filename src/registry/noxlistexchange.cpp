@@ -34,10 +34,11 @@ void noxList::readConfiguration(const _nox *nox)
 
 void noxList::applyDevQuery(int devIndex, QByteArray *buf, quint8 address)
 {
-    const _nox *found = getNoxByDevIndex(devIndex);
+    _nox *found = getNoxByDevIndex(devIndex);
     if (!found)
         return;
     const int index = found->index;
+    found->held.noteRead(address, *buf); // who hears of the change compares with it
     const int sizeBefore = found->opt->getDevDataSize();
     const bool isAccepted = found->opt->setData(*buf, address);
     _nox *nox = getNoxByIndex(index); // whoever heard of the change may have removed it
@@ -142,9 +143,18 @@ void noxList::applyDevice(const _nox *nox)
 
 void noxList::onDoneSendDevData(int devIndex, noxSerialPortDataItem data)
 {
-    const _nox *nox = getNoxByDevIndex(devIndex);
-    if (!nox || data.address != optionsNOX8::txReferenceData || nox->dbIndex < 1)
+    _nox *nox = getNoxByDevIndex(devIndex);
+    if (!nox)
         return;
+    nox->held.noteWritten(data.address, data.data);
+    if (data.address == optionsNOX8::txReferenceData && nox->dbIndex >= 1)
+        storeReferenceData(nox);
+    emit onHeldChange(nox->index);
+}
+
+/** Keeps the reference data that the instrument has taken, unless they are another instrument's. */
+void noxList::storeReferenceData(const _nox *nox)
+{
     if (nox->opt->isIdentified()) {
         updateReferenceData(nox);
         return;
