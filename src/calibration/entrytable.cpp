@@ -1,14 +1,48 @@
 #include "calibration/entrytable.h"
 
+#include <QApplication>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QTableWidget>
+
+namespace
+{
+
+constexpr qreal smallestPoints = 6;
+constexpr qreal pointStep = 0.5;
+constexpr QColor unusedGround(0xe9, 0xee, 0xf0); ///< between those of windows and of headers
+
+/** Makes the font smaller until the text fits into the cell. */
+void fitFont(QStyleOptionViewItem *option)
+{
+    const QWidget *const table = option->widget;
+    const QStyle *const style = table ? table->style() : QApplication::style();
+    const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, option, table) + 1;
+    const int available = option->rect.width() - 2 * margin;
+    qreal points = option->font.pointSizeF();
+    while (points > smallestPoints &&
+           QFontMetricsF(option->font).horizontalAdvance(option->text) >= available) {
+        points -= pointStep;
+        option->font.setPointSizeF(points);
+    }
+    option->fontMetrics = QFontMetrics(option->font);
+}
+
+} // namespace
 
 void EntryDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
 {
     const auto *const field = qobject_cast<QLineEdit *>(editor);
     if (!field || !field->isModified())
         RowDelegate::setEditorData(editor, index);
+}
+
+void EntryDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
+{
+    RowDelegate::initStyleOption(option, index);
+    fitFont(option); // a number cut short would be taken for another
+    if (!index.flags().testFlag(Qt::ItemIsEnabled))
+        option->backgroundBrush = unusedGround;
 }
 
 void prepareEntryTable(QTableWidget *table)
@@ -22,6 +56,7 @@ void prepareEntryTable(QTableWidget *table)
     }
     table->setItemDelegate(new EntryDelegate(table));
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    table->verticalHeader()->setDefaultAlignment(Qt::AlignCenter);
     table->verticalHeader()->setSectionResizeMode(QHeaderView::Stretch);
 }
 

@@ -5,7 +5,11 @@
 class QTableWidget;
 class QTableWidgetItem;
 
-/** Edits the cells of an entry table: a refresh does not take away what is being typed. */
+/**
+ * Edits and paints the cells of an entry table: a refresh does not take away what is being typed, a
+ * text too long for its cell is written smaller, and a cell that is not in use has a ground of its
+ * own.
+ */
 class EntryDelegate : public RowDelegate
 {
     Q_OBJECT
@@ -13,6 +17,9 @@ public:
     using RowDelegate::RowDelegate;
 
     void setEditorData(QWidget *editor, const QModelIndex &index) const override;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
 };
 
 /** What a cell of an entry table shows. */
