@@ -10,6 +10,7 @@ namespace
 
 constexpr qreal smallestPoints = 6;
 constexpr qreal pointStep = 0.5;
+constexpr QColor lockedText(0x5b, 0x68, 0x6f);
 constexpr QColor unusedGround(0xe9, 0xee, 0xf0); ///< between those of windows and of headers
 
 /** Makes the font smaller until the text fits into the cell. */
@@ -43,6 +44,17 @@ void EntryDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIn
     fitFont(option); // a number cut short would be taken for another
     if (!index.flags().testFlag(Qt::ItemIsEnabled))
         option->backgroundBrush = unusedGround;
+}
+
+void keepReadableWhileLocked(QWidget *tab)
+{
+    // under a style sheet each widget needs the colours itself
+    for (QWidget *widget : tab->findChildren<QWidget *>()) {
+        QPalette palette = widget->palette();
+        for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+            palette.setColor(QPalette::Disabled, role, lockedText);
+        widget->setPalette(palette);
+    }
 }
 
 void prepareEntryTable(QTableWidget *table)

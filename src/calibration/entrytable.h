@@ -29,6 +29,9 @@ struct EntryCell {
     bool isChanged = false; ///< differs from what the instrument holds
 };
 
+/** Lets the numbers and headings in a tab be read while they are locked. */
+void keepReadableWhileLocked(QWidget *tab);
+
 /** Gives a table its empty cells, which share its whole room evenly, and their delegate. */
 void prepareEntryTable(QTableWidget *table);
 

@@ -13,6 +13,7 @@ ReferenceTab::ReferenceTab(QWidget *parent)
     , m_ui(std::make_unique<Ui::ReferenceTab>())
 {
     m_ui->setupUi(this);
+    keepReadableWhileLocked(this);
     prepareEntryTable(m_ui->refTable);
     m_t0Mark = new ChangeMark(m_ui->t0Edit);
 }

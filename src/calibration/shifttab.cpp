@@ -32,6 +32,7 @@ ShiftTab::ShiftTab(QWidget *parent)
     , m_ui(std::make_unique<Ui::ShiftTab>())
 {
     m_ui->setupUi(this);
+    keepReadableWhileLocked(this);
     for (QTableWidget *table : tables())
         prepareEntryTable(table);
     setServiceVisible(false);
