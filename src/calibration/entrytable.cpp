@@ -33,9 +33,13 @@ void fitFont(QStyleOptionViewItem *option)
 
 void EntryDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
 {
-    const auto *const field = qobject_cast<QLineEdit *>(editor);
-    if (!field || !field->isModified())
+    auto *const field = qobject_cast<QLineEdit *>(editor);
+    if (!field) {
         RowDelegate::setEditorData(editor, index);
+    } else if (!field->isModified() && field->text() != index.data(Qt::EditRole).toString()) {
+        RowDelegate::setEditorData(editor, index);
+        field->selectAll(); // what is typed next replaces it
+    }
 }
 
 void EntryDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const

@@ -59,8 +59,11 @@ void ReferenceTab::showT0(const QString &text, bool isChanged)
 {
     QLineEdit *const field = m_ui->t0Edit;
     const bool isBeingTyped = field->hasFocus() && field->isModified();
-    if (!isBeingTyped && field->text() != text)
+    if (!isBeingTyped && field->text() != text) {
         field->setText(text);
+        if (field->hasFocus())
+            field->selectAll(); // what is typed next replaces it
+    }
     m_t0Mark->setChanged(isChanged);
 }
 

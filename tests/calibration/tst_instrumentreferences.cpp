@@ -404,6 +404,14 @@ void TestInstrumentReferences::refreshLeavesWhatIsBeingTyped()
     QCOMPARE(editor->text(), QString("12"));
     QTest::keyClick(editor, Qt::Key_Escape);
     QCOMPARE(item->text(), QString("7.0000")); // not what was there before the change
+
+    QLineEdit *const opened = startTyping(cell("refTable", 1, 0), {});
+    image->refR[1].value.value = 8;
+    emit image->onRefChange();
+    QCOMPARE(opened->text(), QString("8.0000"));
+    refresh();
+    QTest::keyClicks(opened, "9"); // over the whole text, as before the refresh
+    QCOMPARE(opened->text(), QString("9"));
 }
 
 void TestInstrumentReferences::everythingIsReachedByTab()
