@@ -1,6 +1,5 @@
 #include "calibration/entrymessages.h"
 
-#include "device/optionsnox8.h"
 #include "widgets/userdialogs.h"
 
 #include <QCoreApplication>
@@ -15,14 +14,13 @@ struct EntryTexts {
 
 } // namespace
 
-bool isChangeWanted(QWidget *tab, optionsNOX8 *image, const QString &warning)
+bool isChangeWanted(QWidget *tab, const QString &warning)
 {
     const QPointer<QWidget> askingTab(tab);
-    const QPointer<optionsNOX8> askedImage(image);
     const Message question{QMessageBox::Warning, EntryTexts::tr("Изменение опор"), warning,
                            QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Cancel};
     const bool isConfirmed = UserDialogs::current().ask(tab, question) == QMessageBox::Ok;
-    return isConfirmed && askingTab && askedImage;
+    return isConfirmed && askingTab;
 }
 
 void tellWrongEntry(QWidget *tab)

@@ -2,13 +2,10 @@
 
 class QString;
 class QWidget;
-class optionsNOX8;
 
-/**
- * Asks under `warning` whether the references of an instrument are to be changed. False, too, when
- * the tab that asks or the image is gone by the time of the answer.
- */
-bool isChangeWanted(QWidget *tab, optionsNOX8 *image, const QString &warning);
+/** Asks under `warning` whether the references of an instrument are to be changed. False, too, when
+ *  the tab that asks is gone by the time of the answer. */
+bool isChangeWanted(QWidget *tab, const QString &warning);
 
 /** Tells that the numbers entered in a tab are wrong. */
 void tellWrongEntry(QWidget *tab);

@@ -83,8 +83,8 @@ bool ReferenceTab::take()
 
 void ReferenceTab::write()
 {
-    optionsNOX8 *const image = m_image;
-    if (!image || !isChangeWanted(this, image, m_ui->refGBox->title()) || image != m_image)
+    const optionsNOX8 *const image = m_image; // which may be gone, or another, after the question
+    if (!image || !isChangeWanted(this, m_ui->refGBox->title()) || image != m_image)
         return;
     if (take() && m_image)
         m_image->triggerRefChange();

@@ -123,8 +123,8 @@ void ShiftTab::showChannelTables()
 
 void ShiftTab::write()
 {
-    optionsNOX8 *const image = m_image;
-    if (!image || !isChangeWanted(this, image, m_ui->refShiftGBox->title()) || image != m_image)
+    optionsNOX8 *const image = m_image; // which may be gone, or another, after the question
+    if (!image || !isChangeWanted(this, m_ui->refShiftGBox->title()) || image != m_image)
         return;
     QStringList texts;
     for (const QTableWidgetItem *cell : entryCells())

@@ -78,7 +78,7 @@ private slots:
     void mistakeInT0IsToldOnce();
     void lockedWhileT0IsWrong();
     void refusedQuestion();
-    void imageGoneDuringTheQuestion();
+    void goneDuringTheQuestion();
     void marksWhatDiffers();
     void refreshLeavesWhatIsBeingTyped();
     void everythingIsReachedByTab();
@@ -195,7 +195,7 @@ QLineEdit *TestInstrumentReferences::startTyping(QTableWidgetItem *item, const Q
     table->setFocus();
     table->setCurrentItem(item);
     QTest::keyClick(table, Qt::Key_F2);
-    auto *const editor = table->viewport()->findChild<QLineEdit *>();
+    auto *const editor = table->viewport()->findChildren<QLineEdit *>().last();
     editor->selectAll();
     QTest::keyClicks(editor, text);
     return editor;
@@ -358,7 +358,7 @@ void TestInstrumentReferences::refusedQuestion()
     }
 }
 
-void TestInstrumentReferences::imageGoneDuringTheQuestion()
+void TestInstrumentReferences::goneDuringTheQuestion()
 {
     for (const char *button : {"pushButton", "pushButton_8"}) {
         show(noxDRev4);
@@ -371,6 +371,14 @@ void TestInstrumentReferences::imageGoneDuringTheQuestion()
     }
     QVERIFY(!references->take());
     refresh();
+
+    show(noxC);
+    UserDialogs::current().ask = [this](QWidget *, const Message &) {
+        window.reset();
+        return QMessageBox::Ok;
+    };
+    references->write();
+    QCOMPARE(referenceWrites, 0);
 }
 
 void TestInstrumentReferences::marksWhatDiffers()
