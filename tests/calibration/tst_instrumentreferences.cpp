@@ -76,7 +76,7 @@ private slots:
     void entry_data();
     void entry();
     void mistakeInT0IsToldOnce();
-    void lockedWhileT0IsWrong();
+    void whatIsLeftTypedIsDropped();
     void refusedQuestion();
     void goneDuringTheQuestion();
     void marksWhatDiffers();
@@ -113,6 +113,7 @@ private:
     ReferenceTab *references = nullptr;
     ShiftTab *shifts = nullptr;
     std::optional<ReferenceData> held;
+    std::optional<ZeroShifts> heldShifts;
     QVector<Message> questions;
     QVector<Message> messages;
     QMessageBox::StandardButton answer = QMessageBox::Ok;
@@ -127,6 +128,7 @@ void TestInstrumentReferences::init()
     referenceWrites = shiftWrites = 0;
     answer = QMessageBox::Ok;
     held.reset();
+    heldShifts.reset();
     UserDialogs::current().ask = [this](QWidget *, const Message &question) {
         questions << question;
         return answer;
@@ -185,7 +187,7 @@ void TestInstrumentReferences::show(quint32 type)
 void TestInstrumentReferences::refresh()
 {
     references->refresh(held ? &*held : nullptr);
-    shifts->refresh(nullptr);
+    shifts->refresh(heldShifts ? &*heldShifts : nullptr);
 }
 
 /** Types over the text of a cell: the editor, still open. */
@@ -323,17 +325,25 @@ void TestInstrumentReferences::mistakeInT0IsToldOnce()
     QCOMPARE(messages.first().buttons, QMessageBox::Ok);
 }
 
-void TestInstrumentReferences::lockedWhileT0IsWrong()
+void TestInstrumentReferences::whatIsLeftTypedIsDropped()
 {
     show(noxC);
     auto *const field = find<QLineEdit>("t0Edit");
     field->setFocus();
     QTest::keyClicks(field, "o");
+    references->setImage(image.get());
+    QCOMPARE(field->text(), QString("33.33"));
+
+    QTableWidgetItem *const item = cell("refTable", 0, 0);
+    startTyping(item, "o");
+    references->setImage(image.get());
+    QVERIFY(!item->tableWidget()->isPersistentEditorOpen(item));
+
+    field->setFocus();
+    QTest::keyClicks(field, "o");
     references->lock();
     QVERIFY(!field->isEnabled());
     QVERIFY(messages.isEmpty());
-    references->setImage(image.get());
-    QCOMPARE(field->text(), QString("33.33"));
 }
 
 void TestInstrumentReferences::refusedQuestion()
@@ -361,13 +371,17 @@ void TestInstrumentReferences::refusedQuestion()
 void TestInstrumentReferences::goneDuringTheQuestion()
 {
     for (const char *button : {"pushButton", "pushButton_8"}) {
-        show(noxDRev4);
-        UserDialogs::current().ask = [this](QWidget *, const Message &) {
-            image.reset();
-            return QMessageBox::Ok;
-        };
-        click(button);
-        QVERIFY(messages.isEmpty());
+        for (const bool another : {true, false}) {
+            show(noxDRev4);
+            UserDialogs::current().ask = [this, another](QWidget *, const Message &) {
+                image.reset();
+                if (another)
+                    show(noxDRev4);
+                return QMessageBox::Ok;
+            };
+            click(button);
+            QCOMPARE(messages.size() + referenceWrites + shiftWrites, 0);
+        }
     }
     QVERIFY(!references->take());
     refresh();
@@ -484,6 +498,8 @@ void TestInstrumentReferences::firstWrongShiftStops()
     QFETCH(QString, wrong);
     QFETCH(QString, taken);
     show(noxCm1Rev4);
+    heldShifts = *image;
+    refresh();
     for (const ShiftPlace &place : shiftPlaces()) {
         const QString text = QString::number(numberNamed(place.name));
         if (place.name != "-")
@@ -499,6 +515,9 @@ void TestInstrumentReferences::firstWrongShiftStops()
     QCOMPARE(bytesOf(*image).toHex(), expected.toHex());
     QCOMPARE(messages.size(), 1);
     QCOMPARE(shiftWrites, 0);
+    for (const ShiftPlace &place : shiftPlaces())
+        QCOMPARE(cell(place.table, place.row, place.column)->data(changedRole).toBool(),
+                 taken.split(' ').contains(place.name));
 }
 
 void TestInstrumentReferences::shiftsNeverShownAreRefused()
@@ -546,6 +565,7 @@ void TestInstrumentReferences::channelsAreZeroed()
             expected.replace(72 + 4 * (17 + ch), 4,
                              bFloat(float(double(old) - 0.001 * (ch + 1))).getByte());
     }
+    plot.setChDiff(0, 3, 3, 1); // a difference is no reading
     shifts->zeroChannels(nullptr, qwtIndex);
     shifts->zeroChannels(&plot, qwtIndex);
     QCOMPARE(bytesOf(*image).toHex(), expected.toHex());
