@@ -23,7 +23,7 @@ ReferenceTab::~ReferenceTab() = default;
 void ReferenceTab::setImage(optionsNOX8 *image)
 {
     m_image = image;
-    m_ui->t0Edit->clear();
+    m_ui->t0Edit->setText({}); // which is no entry, unlike clear()
     const QSignalBlocker quiet(m_ui->refTable);
     for (int row = 0; row < ReferenceTexts::rows; ++row) {
         for (int column = 0; column < ReferenceTexts::columns; ++column) {
@@ -83,11 +83,11 @@ bool ReferenceTab::take()
 
 void ReferenceTab::write()
 {
-    const optionsNOX8 *const image = m_image; // which may be gone, or another, after the question
-    if (!image || !isChangeWanted(this, m_ui->refGBox->title()) || image != m_image)
+    const QPointer<optionsNOX8> image = m_image;
+    if (!image || !isChangeWanted(this, m_ui->refGBox->title()))
         return;
-    if (take() && m_image)
-        m_image->triggerRefChange();
+    if (image && image == m_image && take() && image) // it may have gone during the question
+        image->triggerRefChange();
 }
 
 void ReferenceTab::lock()

@@ -123,8 +123,10 @@ void ShiftTab::showChannelTables()
 
 void ShiftTab::write()
 {
-    optionsNOX8 *const image = m_image; // which may be gone, or another, after the question
-    if (!image || !isChangeWanted(this, m_ui->refShiftGBox->title()) || image != m_image)
+    const QPointer<optionsNOX8> image = m_image;
+    if (!image || !isChangeWanted(this, m_ui->refShiftGBox->title()))
+        return;
+    if (!image || image != m_image) // it may have gone during the question
         return;
     QStringList texts;
     for (const QTableWidgetItem *cell : entryCells())
