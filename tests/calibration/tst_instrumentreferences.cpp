@@ -397,7 +397,7 @@ void TestInstrumentReferences::goneDuringTheQuestion()
 
 void TestInstrumentReferences::marksWhatDiffers()
 {
-    show(noxC);
+    show(noxDRev4);
     QVERIFY(!cell("refTable", 1, 2)->data(changedRole).toBool());
     held = *image;
     held->refR[1].b.value *= 1.0000001F; // the shown digits are the same
@@ -406,7 +406,10 @@ void TestInstrumentReferences::marksWhatDiffers()
         QCOMPARE(cell("refTable", i / 3, i % 3)->data(changedRole).toBool(), i == 5);
     QVERIFY(find<QLineEdit>("t0Edit")->accessibleDescription().isEmpty());
     held->refT0.value = 20;
+    heldShifts = *image;
+    heldShifts->shiftU[16].value = 1;
     emit image->onRefChange();
+    QVERIFY(cell("uShiftTable", 2, 8)->data(changedRole).toBool());
     QVERIFY(!find<QLineEdit>("t0Edit")->accessibleDescription().isEmpty());
 }
 
