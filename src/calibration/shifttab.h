@@ -1,0 +1,65 @@
+#pragma once
+
+#include "device/zeroshifts.h"
+
+#include <QPointer>
+#include <QVector>
+#include <QWidget>
+
+#include <memory>
+#include <optional>
+
+class QTableWidget;
+class QTableWidgetItem;
+class QwtNOX;
+class optionsNOX8;
+
+namespace Ui
+{
+class ShiftTab;
+}
+
+/**
+ * The tab of zero shifts ("Смещение <0>"), which only extended instruments have.
+ *
+ * What is typed reaches the image when write() is called. The tab's buttons are connected by the
+ * dialog that holds it.
+ */
+class ShiftTab : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit ShiftTab(QWidget *parent = nullptr);
+    ~ShiftTab() override;
+
+    /** The instrument whose shifts are shown; null for none. Not owned; it may go at any time. What
+     *  has been typed for another one is dropped. */
+    void setImage(optionsNOX8 *image);
+    /** Shows the image's shifts, if the model is extended, and marks what differs from `held`, what
+     *  the instrument is known to hold (null: nothing is known). What is being typed stays. */
+    void refresh(const ZeroShifts *held);
+    /** Asks, takes all entered numbers into the image up to the first that is none, and asks for
+     *  the block to be written, or says that something is wrong. */
+    void write();
+    /** Locks the controls behind the unchecked warning. */
+    void lock();
+    /** Whether there is anything to be changed (the type is known): enables the warning group. */
+    void setAvailable(bool available);
+    /** Shows the group of range shifts and the button that zeroes channels, or hides them. */
+    void setServiceVisible(bool visible);
+    /** Subtracts the latest readings of the plot from the channel shifts, if the model can and the
+     *  plot has its eight channels. The plot may be null. */
+    void zeroChannels(const QwtNOX *plot, int qwtIndex);
+
+private:
+    QVector<QTableWidget *> tables() const;
+    QVector<QTableWidgetItem *> entryCells() const;
+    void clearCells();
+    void showChannelTables();
+    void showShifts();
+    void showMarks();
+
+    std::unique_ptr<Ui::ShiftTab> m_ui;
+    QPointer<optionsNOX8> m_image;
+    std::optional<ZeroShifts> m_held;
+};
