@@ -24,6 +24,7 @@ void ReferenceTab::setImage(optionsNOX8 *image)
 {
     m_image = image;
     m_ui->t0Edit->setText({}); // which is no entry, unlike clear()
+    m_t0Mark->setChanged(false);
     const QSignalBlocker quiet(m_ui->refTable);
     for (int row = 0; row < ReferenceTexts::rows; ++row) {
         for (int column = 0; column < ReferenceTexts::columns; ++column) {
@@ -86,7 +87,9 @@ void ReferenceTab::write()
     const QPointer<optionsNOX8> image = m_image;
     if (!image || !isChangeWanted(this, m_ui->refGBox->title()))
         return;
-    if (image && image == m_image && take() && image) // it may have gone during the question
+    if (!image || image != m_image) // it may have gone during the question
+        return;
+    if (take() && image)
         image->triggerRefChange();
 }
 
