@@ -1,7 +1,6 @@
 #include "dialogs/fieldstates.h"
 
 #include "device/optionsnox8.h"
-#include "device/vocabulary.h"
 
 FieldStates fieldStates(const optionsNOX8 &image, int databaseId)
 {
@@ -10,6 +9,5 @@ FieldStates fieldStates(const optionsNOX8 &image, int databaseId)
     states.isKnown = image.devType != 0;
     states.isExtended = image.getDevRev() != 0;
     states.isTypeOpen = !image.identValid && !states.isStored;
-    states.hasShortCircuit = modelOrNone(image.devType).hasShortCircuit;
     return states;
 }

@@ -1,6 +1,7 @@
 #include "storage/noxsql.h"
 
 #include "storage/statement.h"
+#include "storage/storedsnapshots.h"
 
 #include <QLatin1String>
 
@@ -8,7 +9,6 @@ namespace
 {
 
 constexpr int failure = -1;
-constexpr int shortestNumber = 4;
 
 constexpr auto selectDevice =
     "SELECT device_id FROM device WHERE device_type=:device_type AND device_number=:device_number";
@@ -267,18 +267,8 @@ QVector<noxSql::noxSqlItem> noxSql::findSnapShot(const QByteArray *data, const Q
                        {":device_snapshot_refdata", *refdata},
                        {":device_id", deviceId}});
     QVector<noxSqlItem> items;
-    while (rows && rows->next()) {
-        noxSqlItem item;
-        item.id = rows->value(0).toInt();
-        item.factory = rows->value(2).toBool();
-        item.info = rows->value(3).toString();
-        item.name = rows->value(6).toString() + QStringLiteral(" № ") +
-                    rows->value(5).toString().rightJustified(shortestNumber, QLatin1Char('0')) +
-                    tr(" от ") + dateText(rows->value(1));
-        if (item.factory)
-            item.name += QStringLiteral(" (") + tr("Заводская") + QLatin1Char(')');
-        items.append(item);
-    }
+    while (rows && rows->next())
+        items << snapshotOfRow(*rows);
     return items;
 }
 

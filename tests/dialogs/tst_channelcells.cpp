@@ -29,23 +29,20 @@ void TestChannelCells::models_data()
     QTest::addColumn<quint32>("type");
     QTest::addColumn<QString>("shortCircuitOn");
     QTest::addColumn<QString>("shortCircuitOff");
-    QTest::addColumn<bool>("hasShortCircuit");
     QTest::addColumn<bool>("isExtended");
 
-    const auto row = [](quint32 type, const char *on, const char *off, bool hasShortCircuit,
-                        bool isExtended) {
-        QTest::addRow("%u", type) << type << QString(on) << QString(off) << hasShortCircuit
-                                  << isExtended;
+    const auto row = [](quint32 type, const char *on, const char *off, bool isExtended) {
+        QTest::addRow("%u", type) << type << QString(on) << QString(off) << isExtended;
     };
-    row(0, "Да", "Да", false, false);
+    row(0, "Да", "Да", false);
     for (const quint32 type : {1, 17, 33})
-        row(type, "Канал 7", "Канал 7", false, false);
+        row(type, "Канал 7", "Канал 7", false);
     for (const quint32 type : {34, 49})
-        row(type, "Канал 7", "Канал 8", true, false);
+        row(type, "Канал 7", "Канал 8", false);
     for (const quint32 type : {156281359, 158378511})
-        row(type, "Канал 7", "Канал 8", true, true);
-    row(65, "Канал 15", "Канал 16", true, false);
-    row(157329935, "Канал 15", "Канал 16", true, true);
+        row(type, "Канал 7", "Канал 8", true);
+    row(65, "Канал 15", "Канал 16", false);
+    row(157329935, "Канал 15", "Канал 16", true);
 }
 
 void TestChannelCells::models()
@@ -55,7 +52,6 @@ void TestChannelCells::models()
     QTEST(compensatingChannelText(type, 1), "shortCircuitOff");
     optionsNOX8 image;
     image.setDevType(type);
-    QTEST(fieldStates(image, 0).hasShortCircuit, "hasShortCircuit");
     QTEST(fieldStates(image, 0).isExtended, "isExtended");
     QCOMPARE(fieldStates(image, 0).isKnown, type != 0);
 }

@@ -1,0 +1,200 @@
+#include "dialogs/snapshotbox.h"
+
+#include "device/blockaddresses.h"
+#include "device/takenbytes.h"
+#include "storage/storedsnapshots.h"
+#include "widgets/userdialogs.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QTimer>
+
+namespace
+{
+
+constexpr int shortestSearch = 3; ///< characters
+
+} // namespace
+
+SnapshotBox::SnapshotBox(const Widgets &widgets, noxList *registry)
+    : m_widgets(widgets)
+    , m_registry(registry)
+{
+    connect(m_widgets.info, &QPlainTextEdit::textChanged, this, &SnapshotBox::noteDescription);
+}
+
+void SnapshotBox::setIndex(int index)
+{
+    m_index = index;
+    m_match = {};
+    m_offersResults = false;
+    m_widgets.info->document()->setModified(false);
+    const QSignalBlocker blocker(m_widgets.search);
+    m_widgets.search->clear();
+}
+
+// Which snapshot the configuration has
+
+void SnapshotBox::match()
+{
+    noxList::_nox *const nox = record();
+    if (!nox)
+        return;
+    const auto named = nox->snapShotId >= 1 ? storedSnapshot(nox->snapShotId) : std::nullopt;
+    const QByteArray data = taken(nox->opt->getData());
+    const QByteArray references = taken(nox->opt->getRefAllData());
+    const SnapshotMatch match = matchSnapshot(
+        named, m_registry->database()->findSnapShot(&data, &references, nox->dbIndex));
+    nox->snapShotId = match.id;
+    paint(match);
+}
+
+void SnapshotBox::paint(const SnapshotMatch &match)
+{
+    if (!m_offersResults) {
+        const QSignalBlocker blocker(m_widgets.found);
+        m_widgets.found->clear();
+        offer(match.name, match.id);
+    }
+    m_widgets.status->setVisible(match.isChanged);
+    m_widgets.save->setEnabled(match.canBeSaved);
+    m_widgets.remove->setEnabled(match.canBeRemoved);
+    paintInfo(match);
+    m_match = match;
+    noteDescription();
+}
+
+void SnapshotBox::paintInfo(const SnapshotMatch &match)
+{
+    QPlainTextEdit *const info = m_widgets.info;
+    info->setEnabled(match.isFound);
+    info->setPlaceholderText(match.hint);
+    const bool isBeingWritten = info->document()->isModified() && match.id == m_match.id;
+    if (isBeingWritten || info->toPlainText() == match.info)
+        return;
+    const QSignalBlocker blocker(info);
+    info->setPlainText(match.info);
+}
+
+/** A description alone can be saved as well. */
+void SnapshotBox::noteDescription()
+{
+    const bool isDescribed = m_match.canBeRemoved && m_widgets.info->document()->isModified() &&
+                             m_widgets.info->toPlainText() != m_match.info;
+    m_widgets.save->setEnabled(m_match.canBeSaved || isDescribed);
+}
+
+void SnapshotBox::offer(const QString &text, const QVariant &data)
+{
+    m_widgets.found->addItem(text, data);
+}
+
+// Search
+
+void SnapshotBox::search(const QString &text)
+{
+    if (!record())
+        return;
+    m_offersResults = !text.isEmpty();
+    if (!m_offersResults)
+        return match();
+    const QSignalBlocker blocker(m_widgets.found);
+    m_widgets.found->clear();
+    if (text.size() < shortestSearch)
+        return offer(tr("Введите не менее 3-х символов"), {});
+    offer(tr("Идёт поиск..."), 0);
+    const auto found = searchSnapshots(text);
+    m_widgets.found->clear();
+    offer(tr("Найдено: ") + QString::number(found.size()), 0);
+    for (const noxSql::noxSqlItem &snapshot : found)
+        offer(snapshot.name, snapshot.id);
+}
+
+void SnapshotBox::choose()
+{
+    const int id = m_widgets.found->currentData().toInt();
+    if (!record() || id < 1 || id == m_justChosen)
+        return;
+    m_justChosen = id;
+    QTimer::singleShot(0, this, [this] { m_justChosen = 0; });
+    apply(id);
+}
+
+/** Each block is announced, and whoever hears of it may remove the instrument. */
+void SnapshotBox::apply(int snapshotId)
+{
+    const auto content = snapshotContent(snapshotId);
+    noxList::_nox *const nox = record();
+    if (!content)
+        return;
+    const QPointer<optionsNOX8> image = nox->opt.get();
+    const int formerId = std::exchange(nox->snapShotId, snapshotId);
+    m_offersResults = false;
+    m_widgets.info->document()->setModified(false);
+    if (!image->setData(content->configuration, configurationAddress)) {
+        nox->snapShotId = formerId;
+        match();
+        return UserDialogs::current().tell(
+            m_widgets.found->window(),
+            {QMessageBox::Warning, m_widgets.found->window()->windowTitle(),
+             tr("Эта настройка не подходит прибору: у него другое число каналов."),
+             QMessageBox::Ok});
+    }
+    if (image)
+        image->setData(content->references.left(referenceDataSize), referenceDataAddress);
+    if (image && image->getDevRev() != 0)
+        image->setData(content->references.mid(referenceDataSize), zeroShiftsAddress);
+    match(); // what was matched meanwhile had not all blocks yet
+}
+
+// What is stored
+
+void SnapshotBox::saveAsNew()
+{
+    const noxList::_nox *const nox = record();
+    if (nox && nox->dbIndex >= 1)
+        store(0);
+}
+
+void SnapshotBox::save()
+{
+    const noxList::_nox *const nox = record();
+    if (nox && nox->snapShotId >= 1)
+        store(nox->snapShotId);
+}
+
+void SnapshotBox::store(int snapshotId)
+{
+    noxList::_nox *const nox = record();
+    const QByteArray data = taken(nox->opt->getData());
+    const QByteArray references = taken(nox->opt->getRefAllData());
+    const int stored = m_registry->database()->setSnapShot(
+        nox->dbIndex, &data, &references, m_widgets.info->toPlainText(), snapshotId);
+    if (stored >= 1) {
+        nox->snapShotId = stored;
+        m_widgets.info->document()->setModified(false);
+    }
+    match();
+}
+
+void SnapshotBox::remove(QWidget *dialog)
+{
+    const int index = m_index;
+    const noxList::_nox *nox = record();
+    if (!nox || nox->snapShotId < 1)
+        return;
+    const int snapshotId = nox->snapShotId;
+    const QPointer<SnapshotBox> self(this);
+    const Message question = {QMessageBox::Warning, dialog->windowTitle(), tr("Вы уверены?"),
+                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No};
+    if (UserDialogs::current().ask(dialog, question) != QMessageBox::Yes || !self)
+        return;
+    removeSnapshot(snapshotId);
+    if (noxList::_nox *const asked = m_registry->getNoxByIndex(index))
+        asked->snapShotId = 0;
+    match();
+}
