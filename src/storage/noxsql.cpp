@@ -1,6 +1,7 @@
 #include "storage/noxsql.h"
 
 #include "storage/statement.h"
+#include "storage/storedcharacteristics.h"
 #include "storage/storedsnapshots.h"
 
 #include <QLatin1String>
@@ -334,7 +335,7 @@ QVector<noxSql::noxSqlItem> noxSql::findFeature(const QString &text)
     QVector<noxSqlItem> items;
     while (rows && rows->next())
         items.append({rows->value(0).toInt(),
-                      rows->value(1).toString() + QStringLiteral(" от ") + dateText(rows->value(2)),
+                      datedName(rows->value(1).toString(), rows->value(2)),
                       rows->value(3).toString(), false});
     return items;
 }

@@ -1,9 +1,9 @@
 #include "storage/storedsnapshots.h"
 
 #include "storage/statement.h"
+#include "storage/storedcharacteristics.h"
 
 #include <QCoreApplication>
-#include <QDateTime>
 #include <QSqlDatabase>
 
 namespace
@@ -23,10 +23,8 @@ noxSql::noxSqlItem snapshotOfRow(const QSqlQuery &row)
     item.id = row.value(0).toInt();
     item.factory = row.value(2).toBool();
     item.info = row.value(3).toString();
-    item.name = row.value(6).toString() + QStringLiteral(" № ") +
-                row.value(5).toString().rightJustified(shortestNumber, QLatin1Char('0')) +
-                Texts::tr(" от ") +
-                row.value(1).toDateTime().toString(QStringLiteral("dddd dd.MM.yyyy HH:mm"));
+    const QString number = row.value(5).toString().rightJustified(shortestNumber, QLatin1Char('0'));
+    item.name = datedName(row.value(6).toString() + QStringLiteral(" № ") + number, row.value(1));
     if (item.factory)
         item.name += QStringLiteral(" (") + Texts::tr("Заводская") + QLatin1Char(')');
     return item;
