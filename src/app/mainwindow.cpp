@@ -9,6 +9,7 @@
 #include "app/plotbuttons.h"
 #include "app/plotplaces.h"
 #include "app/resultstools.h"
+#include "dialogs/devconfui.h"
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
@@ -264,7 +265,11 @@ void MainWindow::on_devTable_cellPressed(int row, int column)
 void MainWindow::pressInstrument(int row, int column)
 {
     const int index = m_instruments->indexAt(row);
-    if (index >= 0 && column != InstrumentColumn::Menu)
+    if (index < 0)
+        return;
+    if (column == InstrumentColumn::Menu)
+        m_deviceSettings->show(index);
+    else
         makeCurrent(index);
 }
 

@@ -22,6 +22,7 @@ class QwtNOX;
 class ResultsTools;
 class SettingsMenu;
 class TableHeights;
+class devConfUI;
 class findNox;
 class noxSql;
 
@@ -46,6 +47,7 @@ public:
     NOXSerialPort *serialPort() const { return m_serialPort.get(); }
     noxList *registry() const { return m_registry.get(); }
     QwtNOX *plot() const { return m_plot.get(); }
+    devConfUI *deviceSettings() const { return m_deviceSettings.get(); }
     findNox *discovery() const { return m_discovery.get(); }
     AlarmSound *alarmSound() const { return m_alarmSound.get(); }
     /** Registry index of the current instrument, -1 when there is none. */
@@ -84,9 +86,11 @@ private:
     void buildAlarm();
     void buildInstruments();
     void buildPlot();
+    void buildDialogs();
     void buildDisplays();
     void connectKeys();
     void connectRegistry();
+    void connectDeviceSettings();
     void connectPlot();
     void buildMenus();
     void buildSettings();
@@ -138,6 +142,7 @@ private:
     std::unique_ptr<QwtNOX> m_plot;
     std::unique_ptr<PlotSettingsStore> m_plotSettings;
     std::unique_ptr<findNox> m_discovery;
+    std::unique_ptr<devConfUI> m_deviceSettings;
     std::unique_ptr<InstrumentTable> m_instruments;
     std::unique_ptr<ChannelTable> m_channels;
     std::unique_ptr<TableHeights> m_tableHeights;

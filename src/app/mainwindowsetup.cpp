@@ -13,6 +13,7 @@
 #include "app/resultstools.h"
 #include "app/settingsmenu.h"
 #include "app/tableheights.h"
+#include "dialogs/devconfui.h"
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
@@ -67,10 +68,12 @@ MainWindow::MainWindow(QWidget *parent)
     buildAlarm();
     buildInstruments();
     buildPlot();
+    buildDialogs();
     buildDisplays();
     buildResults();
     connectKeys();
     connectRegistry();
+    connectDeviceSettings();
     connectPlot();
     buildMenus();
     buildSettings();
@@ -133,11 +136,18 @@ void MainWindow::buildPlot()
             &MainWindow::makeCurrent);
 }
 
-void MainWindow::buildDisplays()
+void MainWindow::buildDialogs()
 {
+    m_deviceSettings = std::make_unique<devConfUI>(this, m_registry.get(), m_plot.get());
+    m_deviceSettings->setStyleSheet(styleSheet());
+    connect(m_deviceSettings.get(), &QDialog::finished, this, &MainWindow::updUI);
+
     m_discovery = std::make_unique<findNox>(this, m_registry.get());
     m_discovery->setStyleSheet(styleSheet());
+}
 
+void MainWindow::buildDisplays()
+{
     m_panels = std::make_unique<NumericPanels>(m_ui->frameMainLCDMeas, m_ui->frameMainLCDAver);
     connect(m_panels.get(), &NumericPanels::valueClicked, m_plot.get(),
             [this] { m_plot->toggleMeasShow(); });
@@ -218,6 +228,16 @@ void MainWindow::connectRegistry()
         if (qwtIndex >= 0) // below 0 the plot would clear its main instrument
             m_plot->clear(qwtIndex);
     });
+}
+
+void MainWindow::connectDeviceSettings()
+{
+    const noxList *registry = m_registry.get();
+    devConfUI *settings = m_deviceSettings.get();
+    connect(registry, &noxList::onDevChange, settings, &devConfUI::onDevChange);
+    connect(registry, &noxList::onRefChange, settings, &devConfUI::onRefChange);
+    connect(registry, &noxList::onRefShiftChange, settings, &devConfUI::onRefShiftChange);
+    connect(registry, &noxList::onChChange, settings, &devConfUI::onChChange);
 }
 
 void MainWindow::connectPlot()

@@ -14,11 +14,6 @@ constexpr int failure = -1;
 constexpr auto selectDevice =
     "SELECT device_id FROM device WHERE device_type=:device_type AND device_number=:device_number";
 
-QString dateText(const QVariant &date)
-{
-    return date.toDateTime().toString(QStringLiteral("dddd dd.MM.yyyy HH:mm"));
-}
-
 /** The id of an inserted row. */
 int insertedId(const std::optional<QSqlQuery> &query)
 {

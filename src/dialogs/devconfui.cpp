@@ -1,0 +1,444 @@
+#include "dialogs/devconfui.h"
+
+#include "calibration/featconfui.h"
+#include "device/blockaddresses.h"
+#include "device/optionsnox8.h"
+#include "dialogs/channelmenus.h"
+#include "dialogs/channelsettingstable.h"
+#include "dialogs/characteristiclist.h"
+#include "dialogs/configurationchanges.h"
+#include "dialogs/fieldstates.h"
+#include "dialogs/instrumentfields.h"
+#include "dialogs/operatingfields.h"
+#include "dialogs/settingsfiles.h"
+#include "dialogs/snapshotbox.h"
+#include "registry/noxlist.h"
+#include "serial/noxserialport.h"
+#include "storage/noxsql.h"
+#include "storage/storedsnapshots.h"
+#include "ui_devconfui.h"
+#include "widgets/userdialogs.h"
+#include "widgets/wheelguard.h"
+
+#include <QKeyEvent>
+#include <QPointer>
+
+namespace
+{
+
+constexpr int shiftPage = 3; ///< of the tabs
+
+} // namespace
+
+// Construction
+
+devConfUI::devConfUI(QWidget *parent, noxList *registry, QwtNOX *plot)
+    : QDialog(parent)
+    , m_ui(std::make_unique<Ui::devConfUI>())
+    , m_registry(registry)
+    , m_plot(plot)
+{
+    m_ui->setupUi(this);
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    m_ui->pgBar->hide();
+    buildParts();
+    listenToRegistry();
+    guardFromWheel(this);
+    installEventFilter(this);
+    setFixedSize(sizeHint().expandedTo(size()));
+    connect(this, &QDialog::finished, this, &devConfUI::release);
+}
+
+devConfUI::~devConfUI() = default;
+
+void devConfUI::buildParts()
+{
+    m_fields = new InstrumentFields(
+        {m_ui->devPortEdit, m_ui->devNumEdit, m_ui->devNameEdit, m_ui->devTypeCB}, this);
+    m_operating =
+        new OperatingFields({m_ui->devMeasRoundCB, m_ui->devMeasTimeCB, m_ui->devMeasModeCB,
+                             m_ui->devCompensTPCB, m_ui->devChReversCB, m_ui->devZakorotkaCB},
+                            this);
+    const QMap<quint32, QString> types = optionsNOX8::getTypeList(true);
+    for (auto type = types.begin(); type != types.end(); ++type)
+        m_ui->dbTypeCB->addItem(type.value(), type.key());
+
+    m_channelMenus = new ChannelMenus(this);
+    m_channels = new ChannelSettingsTable(m_ui->chTable, m_channelMenus);
+    m_characteristics = new CharacteristicList(m_ui->featTable);
+    connect(m_characteristics, &CharacteristicList::opened, this, &devConfUI::editCharacteristic);
+
+    const SnapshotBox::Widgets snapshots = {m_ui->dbStatusLabel, m_ui->saveDBBtn,    m_ui->addDBBtn,
+                                            m_ui->rmDBBtn,       m_ui->dbSearchEdit, m_ui->dbFindCB,
+                                            m_ui->infoText};
+    m_snapshots = std::make_unique<SnapshotBox>(snapshots, m_registry);
+    m_files = std::make_unique<SettingsFiles>(this, m_registry);
+    m_editor = new featconfui(this, m_registry->database());
+}
+
+void devConfUI::listenToRegistry()
+{
+    connect(m_registry, &noxList::onHeldChange, this, [this](int index) {
+        onDevChange(index); // what was written differs no more
+        onRefChange(index);
+        onRefShiftChange(index);
+    });
+    connect(m_registry, &noxList::onChange, this, &devConfUI::showConnection);
+    connect(m_registry, &noxList::onRmNox, this, &devConfUI::showRemoval);
+}
+
+// Opening and closing
+
+/** The image of the instrument that is shown; it may be gone at any time. */
+optionsNOX8 *devConfUI::image() const
+{
+    const noxList::_nox *nox = m_registry->getNoxByIndex(m_index);
+    return nox ? nox->opt.get() : nullptr;
+}
+
+void devConfUI::show(int index)
+{
+    if (!m_registry->getNoxByIndex(index))
+        return;
+    release(); // of the instrument that it may be open for
+    setCurrent(index);
+    m_serviceKeyHeld = false;
+    m_ui->tabWidget->setCurrentIndex(0);
+    m_ui->pgBar->hide();
+    m_ui->shiftTab->setServiceVisible(false);
+    m_ui->dbSearchEdit->clear();
+    open();
+    onDevChange(index);
+    onRefChange(index);
+    onRefShiftChange(index);
+    showConnection();
+    connect(m_registry->serialPort(),
+            QOverload<int, int, int, quint8>::of(&NOXSerialPort::setProgress), this,
+            &devConfUI::showProgress);
+}
+
+void devConfUI::setCurrent(int index)
+{
+    m_index = index;
+    m_fields->setImage(image());
+    m_operating->setImage(image());
+    m_channelMenus->setImage(image());
+    m_ui->referenceTab->setImage(image());
+    m_ui->shiftTab->setImage(image());
+    m_snapshots->setIndex(index);
+}
+
+void devConfUI::release()
+{
+    m_ui->referenceTab->lock();
+    m_ui->shiftTab->lock();
+    m_registry->serialPort()->disconnect(this);
+    setCurrent(-1);
+}
+
+/** The instrument was removed while its settings were open. */
+void devConfUI::showRemoval(int index)
+{
+    if (index < 0 || index != m_index)
+        return;
+    const QString text = tr("Прибор удалён:\n%1").arg(m_title);
+    reject();
+    UserDialogs::current().tell(parentWidget(),
+                                {QMessageBox::Information, windowTitle(), text, QMessageBox::Ok});
+}
+
+bool devConfUI::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::KeyPress && event->type() != QEvent::KeyRelease)
+        return QDialog::eventFilter(watched, event);
+    const auto *const key = static_cast<QKeyEvent *>(event);
+    if (key->key() == Qt::Key_PageUp && !key->isAutoRepeat())
+        m_serviceKeyHeld = event->type() == QEvent::KeyPress;
+    return true; // no key closes the dialog or presses a default button
+}
+
+void devConfUI::on_pushButton_6_released()
+{
+    if (m_serviceKeyHeld)
+        unlockService();
+    else
+        reject();
+}
+
+void devConfUI::unlockService()
+{
+    m_fields->unlock();
+    m_ui->tabWidget->setTabVisible(shiftPage, true);
+    m_ui->shiftTab->setServiceVisible(true);
+}
+
+// What is shown
+
+void devConfUI::onDevChange(int index)
+{
+    if (!isCurrent(index))
+        return;
+    const noxList::_nox *const nox = m_registry->getNoxByIndex(index);
+    const FieldStates states = fieldStates(*nox->opt, nox->dbIndex);
+    const ConfigurationChanges changes = configurationChanges(nox->held, *nox->opt);
+    m_title = nox->opt->getDevTypeStr(true) + QStringLiteral(" № ") + nox->opt->getDevNumberStr();
+    setWindowTitle(tr("Настройки прибора ") + m_title);
+
+    m_fields->refresh(m_registry->serialPort()->getPortName(nox->devIndex), states,
+                      changes.identity);
+    m_operating->refresh(changes);
+    m_characteristics->refresh(*nox->opt, changes);
+    m_ui->referenceTab->setAvailable(states.isKnown);
+    m_ui->referenceTab->setRemovable(states.isStored);
+    m_ui->shiftTab->setAvailable(states.isKnown);
+    m_ui->tabWidget->setTabVisible(shiftPage, states.isExtended);
+    m_ui->devGetConfBtn->setEnabled(states.isKnown);
+    m_ui->dbTypeCB->setEnabled(!states.isKnown);
+    m_ui->dbTypeCB->setCurrentIndex(m_ui->dbTypeCB->findData(nox->opt->devType));
+    showShifts(); // the model tells which there are
+    onChChange(index, 0);
+}
+
+void devConfUI::onChChange(int index, uchar)
+{
+    if (!isCurrent(index))
+        return;
+    const noxList::_nox *const nox = m_registry->getNoxByIndex(index);
+    m_channels->refresh(*nox->opt, configurationChanges(nox->held, *nox->opt));
+    findSnapShot();
+}
+
+void devConfUI::onRefChange(int index)
+{
+    if (!isCurrent(index))
+        return;
+    const auto held = m_registry->getNoxByIndex(index)->held.referenceData();
+    m_ui->referenceTab->refresh(held ? &*held : nullptr);
+    findSnapShot();
+}
+
+void devConfUI::onRefShiftChange(int index)
+{
+    if (!isCurrent(index))
+        return;
+    showShifts();
+    findSnapShot();
+}
+
+void devConfUI::showShifts()
+{
+    const auto held = m_registry->getNoxByIndex(m_index)->held.zeroShifts();
+    m_ui->shiftTab->refresh(held ? &*held : nullptr);
+}
+
+void devConfUI::findSnapShot()
+{
+    m_snapshots->match();
+}
+
+void devConfUI::showConnection()
+{
+    const noxList::_nox *const nox = m_registry->getNoxByIndex(m_index);
+    if (nox)
+        m_ui->connectionLabel->setText(nox->devIndex < 0 ? tr("Прибор не подключён") : QString());
+}
+
+void devConfUI::showProgress(int devIndex, int progress, int maxProgress)
+{
+    const noxList::_nox *const nox = m_registry->getNoxByIndex(m_index);
+    if (!nox || nox->devIndex != devIndex)
+        return;
+    const bool isBusy = progress < 0;
+    m_ui->pgBar->setVisible(isBusy || progress != 0 || maxProgress != 0);
+    m_ui->pgBar->setRange(0, maxProgress);
+    if (isBusy)
+        m_ui->pgBar->reset(); // its value is then -1, which setValue() refuses
+    else
+        m_ui->pgBar->setValue(progress);
+}
+
+// The instrument as a whole
+
+void devConfUI::on_devNumEdit_editingFinished()
+{
+    m_fields->storeNumber();
+}
+
+void devConfUI::on_devTypeCB_currentIndexChanged(int)
+{
+    m_fields->storeType();
+}
+
+void devConfUI::on_devMeasRoundCB_currentIndexChanged(int)
+{
+    m_operating->store(m_ui->devMeasRoundCB);
+}
+
+void devConfUI::on_devMeasTimeCB_currentIndexChanged(int)
+{
+    m_operating->store(m_ui->devMeasTimeCB);
+}
+
+void devConfUI::on_devMeasModeCB_currentIndexChanged(int)
+{
+    m_operating->store(m_ui->devMeasModeCB);
+}
+
+void devConfUI::on_devCompensTPCB_currentIndexChanged(int)
+{
+    m_operating->store(m_ui->devCompensTPCB);
+}
+
+void devConfUI::on_devChReversCB_currentIndexChanged(int)
+{
+    m_operating->store(m_ui->devChReversCB);
+}
+
+void devConfUI::on_devZakorotkaCB_currentIndexChanged(int)
+{
+    m_operating->store(m_ui->devZakorotkaCB);
+}
+
+void devConfUI::on_devNameEdit_editingFinished()
+{
+    m_fields->storeName();
+}
+
+void devConfUI::on_pushButton_5_clicked()
+{
+    if (optionsNOX8 *const shown = image())
+        shown->triggerDevChange();
+}
+
+void devConfUI::on_devGetConfBtn_clicked()
+{
+    m_registry->getOptFromNox(m_index);
+}
+
+// Channels and characteristics
+
+void devConfUI::on_chTable_cellPressed(int row, int column)
+{
+    m_channels->popUp(row, column);
+}
+
+void devConfUI::on_chTable_cellEntered(int, int column)
+{
+    m_channels->hover(column);
+}
+
+void devConfUI::on_featTable_cellDoubleClicked(int row, int)
+{
+    editCharacteristic(row);
+}
+
+void devConfUI::editCharacteristic(int row)
+{
+    const optionsNOX8 *const shown = image();
+    if (featureNOX8 *const feature = shown ? shown->getFeature(quint8(row)) : nullptr)
+        m_editor->show(feature);
+}
+
+// What the database keeps
+
+void devConfUI::on_dbSearchEdit_textChanged(const QString &text)
+{
+    m_snapshots->search(text);
+}
+
+void devConfUI::on_dbFindCB_currentIndexChanged(int)
+{
+    m_snapshots->choose();
+}
+
+void devConfUI::on_dbFindCB_activated(int)
+{
+    m_snapshots->choose();
+}
+
+void devConfUI::on_saveDBBtn_clicked()
+{
+    m_snapshots->save();
+}
+
+void devConfUI::on_addDBBtn_clicked()
+{
+    m_snapshots->saveAsNew();
+}
+
+void devConfUI::on_rmDBBtn_clicked()
+{
+    m_snapshots->remove(this);
+}
+
+void devConfUI::on_rmDevBtn_clicked()
+{
+    const int index = m_index;
+    const QPointer<devConfUI> self(this);
+    const Message question = {QMessageBox::Warning, windowTitle(), tr("Вы уверены?"),
+                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No};
+    if (UserDialogs::current().ask(this, question) != QMessageBox::Yes || !self)
+        return;
+    noxList::_nox *const nox = m_registry->getNoxByIndex(index);
+    if (!nox || nox->dbIndex < 0 || !removeStoredInstrument(nox->dbIndex))
+        return;
+    nox->dbIndex = -1;
+    emit m_registry->database()->onMeasDBChange();
+    onDevChange(index);
+}
+
+void devConfUI::on_pushButton_3_clicked()
+{
+    m_files->load(m_index);
+}
+
+void devConfUI::on_pushButton_4_clicked()
+{
+    m_files->save(m_index);
+}
+
+// References and shifts
+
+bool devConfUI::setRef()
+{
+    return m_ui->referenceTab->take();
+}
+
+void devConfUI::on_t0Edit_editingFinished()
+{
+    setRef();
+}
+
+void devConfUI::on_pushButton_clicked()
+{
+    m_ui->referenceTab->write();
+}
+
+void devConfUI::on_pushButton_2_clicked()
+{
+    readBlock(referenceDataAddress, referenceDataSize);
+}
+
+void devConfUI::on_pushButton_7_clicked()
+{
+    const optionsNOX8 *const shown = image();
+    if (shown && shown->getDevRev() != 0)
+        readBlock(zeroShiftsAddress, zeroShiftsSize);
+}
+
+void devConfUI::on_pushButton_8_clicked()
+{
+    m_ui->shiftTab->write();
+}
+
+void devConfUI::on_chUPB_clicked()
+{
+    m_ui->shiftTab->zeroChannels(m_plot, m_registry->getQWTIndex(m_index));
+}
+
+void devConfUI::readBlock(quint8 address, int size)
+{
+    const noxList::_nox *const nox = m_registry->getNoxByIndex(m_index);
+    if (nox)
+        m_registry->serialPort()->sendDevQuery(nox->devIndex, address, quint16(size), true);
+}
