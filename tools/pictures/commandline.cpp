@@ -33,6 +33,13 @@ QStringList resultsScenes()
     return {QStringLiteral("recording"), QStringLiteral("export"), QStringLiteral("reading")};
 }
 
+QStringList settingsScenes()
+{
+    return {QStringLiteral("channels"), QStringLiteral("references"),
+            QStringLiteral("shifts"),   QStringLiteral("service"),
+            QStringLiteral("platinum"), QStringLiteral("thermocouple")};
+}
+
 PictureOrder readPictureOrder()
 {
     const QCommandLineOption output("output", "Where the picture goes.", "file");
@@ -54,14 +61,16 @@ PictureOrder readPictureOrder()
         "scene");
     const QCommandLineOption results(
         "results", "Take results of the first instrument: " + listed(resultsScenes()), "scene");
+    const QCommandLineOption settings(
+        "settings", "Take settings of the first instrument: " + listed(settingsScenes()), "scene");
     const QCommandLineOption discovery(
         "discovery", "Take the discovery dialog, once it waits for the operator.");
 
     QCommandLineParser parser;
     parser.setApplicationDescription("Takes a picture of nox8 with the instruments it has found.");
     parser.addHelpOption();
-    parser.addOptions(
-        {output, size, instruments, patience, seconds, ports, showAll, plot, results, discovery});
+    parser.addOptions({output, size, instruments, patience, seconds, ports, showAll, plot, results,
+                       settings, discovery});
     parser.process(*QCoreApplication::instance());
 
     PictureOrder order;
@@ -86,6 +95,7 @@ PictureOrder readPictureOrder()
     order.showAll = parser.isSet(showAll);
     order.plot = parser.value(plot);
     order.results = parser.value(results);
+    order.settings = parser.value(settings);
     order.discovery = parser.isSet(discovery);
     if (order.output.isEmpty())
         order.error = QStringLiteral("--output is missing");
@@ -95,5 +105,7 @@ PictureOrder readPictureOrder()
         order.error = QStringLiteral("--plot is none of: ") + listed(plotScenes());
     else if (parser.isSet(results) && !resultsScenes().contains(order.results))
         order.error = QStringLiteral("--results is none of: ") + listed(resultsScenes());
+    else if (parser.isSet(settings) && !settingsScenes().contains(order.settings))
+        order.error = QStringLiteral("--settings is none of: ") + listed(settingsScenes());
     return order;
 }

@@ -15,6 +15,7 @@ struct PictureOrder {
     bool showAll = false;   ///< the curves of all instruments, not those of the first alone
     QString plot;           ///< one of plotScenes(), to be seen on the plot; empty: none
     QString results;        ///< one of resultsScenes(), to be taken instead; empty: none
+    QString settings;       ///< one of settingsScenes(), to be taken instead; empty: none
     bool discovery = false; ///< the discovery dialog that waits for the operator, not the window
     QString error;          ///< not empty: the command line makes no sense
 };
@@ -24,6 +25,9 @@ QStringList plotScenes();
 
 /** What can be taken of results on their way into files and back. */
 QStringList resultsScenes();
+
+/** What can be taken of the settings of an instrument. */
+QStringList settingsScenes();
 
 /** Reads the command line of the application; ends the program for --help. */
 PictureOrder readPictureOrder();

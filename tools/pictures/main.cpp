@@ -4,6 +4,7 @@
 #include "registry/findnox.h"
 #include "resultsdriver.h"
 #include "serial/portcatalog.h"
+#include "settingsdriver.h"
 #include "windowdriver.h"
 
 #include <QApplication>
@@ -94,6 +95,9 @@ bool takeWindow(const PictureOrder &order, MainWindow &window, WindowDriver &dri
         plot.showAllChannels();
     playScene(order.plot, plot);
     waitMs(qMin(order.seconds, settlingSeconds) * 1000);
+    if (!order.settings.isEmpty())
+        return SettingsDriver(&window).play(
+            order.settings, [&order](QWidget *seen) { return save(seen, order.output); });
     if (order.results.isEmpty())
         return save(&window, order.output);
     ResultsDriver results(&window);
