@@ -15,6 +15,7 @@ namespace
 
 constexpr int choiceWidth = 75;
 constexpr int characteristicWidth = 200;
+constexpr int rowMargin = 3;
 
 bool isCharacteristic(int column)
 {
@@ -25,6 +26,19 @@ bool opensMenu(int key)
 {
     return key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter ||
            key == Qt::Key_Menu;
+}
+
+/** The columns are as wide as their titles need at least; names of characteristics share the rest.
+ */
+void layOutColumns(QHeaderView *header)
+{
+    header->setSectionsClickable(true);
+    for (int column = 0; column < channelSettings; ++column) {
+        const int width = isCharacteristic(column) ? characteristicWidth : choiceWidth;
+        header->resizeSection(column, qMax(width, header->sectionSizeHint(column)));
+        if (isCharacteristic(column))
+            header->setSectionResizeMode(column, QHeaderView::Stretch);
+    }
 }
 
 QTableWidgetItem *provideItem(QTableWidget *table, int row, int column)
@@ -64,9 +78,8 @@ ChannelSettingsTable::ChannelSettingsTable(QTableWidget *table, ChannelMenus *me
     table->setMouseTracking(true);
     table->installEventFilter(this);
     table->verticalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    table->horizontalHeader()->setSectionsClickable(true);
-    for (int column = 0; column < channelSettings; ++column)
-        table->setColumnWidth(column, isCharacteristic(column) ? characteristicWidth : choiceWidth);
+    table->verticalHeader()->setMinimumSectionSize(table->fontMetrics().height() + rowMargin);
+    layOutColumns(table->horizontalHeader());
     connect(table->horizontalHeader(), &QHeaderView::sectionClicked, this,
             [this](int column) { popUp(-1, column); });
 }

@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QSignalBlocker>
+#include <QStyle>
 
 namespace
 {
@@ -24,6 +25,16 @@ void show(QLineEdit *line, const QString &text)
         line->setText(text);
 }
 
+/** The style sheet shows it, but looks only when it is asked to. */
+void setReadOnly(QLineEdit *line, bool isReadOnly)
+{
+    if (line->isReadOnly() == isReadOnly)
+        return;
+    line->setReadOnly(isReadOnly);
+    line->style()->unpolish(line);
+    line->style()->polish(line);
+}
+
 } // namespace
 
 InstrumentFields::InstrumentFields(const Widgets &widgets, QObject *parent)
@@ -31,7 +42,6 @@ InstrumentFields::InstrumentFields(const Widgets &widgets, QObject *parent)
     , m_widgets(widgets)
     , m_nameMark(new ChangeMark(widgets.name))
 {
-    m_widgets.name->setMaxLength(longestName);
     const QSignalBlocker blocker(m_widgets.type);
     const QMap<quint32, QString> types = optionsNOX8::getTypeList(true);
     for (auto type = types.begin(); type != types.end(); ++type)
@@ -53,7 +63,7 @@ void InstrumentFields::refresh(const QString &portName, const FieldStates &state
     m_nameMark->setChanged(isChanged);
     if (!isBeingWritten(m_widgets.number)) {
         m_widgets.number->setText(m_image->getDevNumberStr());
-        m_widgets.number->setReadOnly(true);
+        setReadOnly(m_widgets.number, true);
     }
     const QSignalBlocker blocker(m_widgets.type);
     m_widgets.type->setCurrentIndex(m_widgets.type->findData(m_image->devType));
@@ -63,7 +73,7 @@ void InstrumentFields::refresh(const QString &portName, const FieldStates &state
 void InstrumentFields::unlock()
 {
     m_widgets.type->setEnabled(true);
-    m_widgets.number->setReadOnly(false);
+    setReadOnly(m_widgets.number, false);
 }
 
 /** The line ends its entry also when it is only left: the number it shows is no entry. */
@@ -85,11 +95,12 @@ void InstrumentFields::storeName()
     const QPointer<optionsNOX8> image = m_image;
     if (!image)
         return;
-    const QString name = m_widgets.name->text().trimmed();
+    const QString entered = m_widgets.name->text().trimmed();
     m_widgets.name->setModified(false);
     const QString nameOfModel =
         image->getDevTypeStr(true) + QStringLiteral(" № ") + image->getDevNumberStr();
-    if (name == nameOfModel || name == image->getDevName(true)) {
+    const QString name = entered.left(longestName);
+    if (entered == nameOfModel || name == image->devName) {
         m_widgets.name->setText(image->getDevName(true));
         return;
     }

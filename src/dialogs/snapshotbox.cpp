@@ -91,6 +91,7 @@ void SnapshotBox::noteDescription()
 void SnapshotBox::offer(const QString &text, const QVariant &data)
 {
     m_widgets.found->addItem(text, data);
+    m_widgets.found->setItemData(m_widgets.found->count() - 1, text, Qt::ToolTipRole);
 }
 
 // Search
