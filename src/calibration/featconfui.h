@@ -75,6 +75,7 @@ private:
     void noticeLoss();
     void takeStored();
     bool takeToStore();
+    void noticeStored(bool isStored, bool isTaken);
     int selectedType() const;
     CharacteristicEntry entry() const;
 

@@ -61,21 +61,25 @@ void featconfui::on_saveDBBtn_clicked()
     if (!m_copy || !m_database)
         return;
     const bool isTaken = takeToStore();
-    if (!m_stored->save(*m_copy))
-        notice(tr("Сохранить в БД не удалось"));
-    else if (!isTaken)
-        notice(tr("В БД сохранены последние принятые значения, а не те, что в таблице"));
-    else
-        notice({});
+    noticeStored(m_stored->save(*m_copy), isTaken);
 }
 
 void featconfui::on_addDBBtn_clicked()
 {
     if (!m_copy || !m_database)
         return;
-    takeToStore();
-    if (!m_stored->add(*m_copy))
+    const bool isTaken = takeToStore();
+    noticeStored(m_stored->add(*m_copy), isTaken);
+}
+
+void featconfui::noticeStored(bool isStored, bool isTaken)
+{
+    if (!isStored)
         notice(tr("Сохранить в БД не удалось"));
+    else if (!isTaken)
+        notice(tr("В БД сохранены последние принятые значения, а не те, что в таблице"));
+    else
+        notice({});
 }
 
 void featconfui::on_rmDBBtn_clicked()
@@ -85,9 +89,10 @@ void featconfui::on_rmDBBtn_clicked()
     if (id < 1 ||
         UserDialogs::current().ask(this, removalQuestion(windowTitle())) != QMessageBox::Yes)
         return;
+    if (!self || !m_copy)
+        return;
     removeStoredCharacteristic(id);
-    if (self && m_copy)
-        m_stored->match(0, m_copy->record());
+    m_stored->match(0, m_copy->record());
 }
 
 // Files

@@ -10,13 +10,13 @@ StoredPanel::StoredPanel(Ui::featconfui &form, noxSql *database)
     : m_form(form)
     , m_database(database)
 {
+    m_form.dbStatusLabel->hide();
     connect(m_form.infoText, &QPlainTextEdit::textChanged, this, &StoredPanel::showChange);
 }
 
 void StoredPanel::begin(const QByteArray &record)
 {
-    m_match = {};
-    m_form.infoText->clear();
+    m_match.id = -1; // so that even no row is another one
     match(0, record);
 }
 
@@ -34,10 +34,10 @@ void StoredPanel::showMatch(const StoredMatch &match)
     m_match = match;
     list({match.name}, {match.id});
     const QSignalBlocker infoBlocker(m_form.infoText);
+    m_form.infoText->setPlaceholderText(match.placeholder); // Qt looks for it when the text changes
     if (isOtherInfo)
         m_form.infoText->setPlainText(match.info);
     m_form.infoText->setEnabled(match.isStored);
-    m_form.infoText->setPlaceholderText(match.placeholder);
     m_form.rmDBBtn->setEnabled(match.isStored);
     showChange();
 }

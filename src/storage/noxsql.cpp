@@ -329,8 +329,7 @@ QVector<noxSql::noxSqlItem> noxSql::findFeature(const QString &text)
                         {{":feature_name_search", '%' + text.toLower() + '%'}});
     QVector<noxSqlItem> items;
     while (rows && rows->next())
-        items.append({rows->value(0).toInt(),
-                      datedName(rows->value(1).toString(), rows->value(2)),
+        items.append({rows->value(0).toInt(), datedName(rows->value(1).toString(), rows->value(2)),
                       rows->value(3).toString(), false});
     return items;
 }

@@ -252,6 +252,8 @@ void TestFeatConfUi::rejectedEntry()
     const QByteArray before = record();
     QVERIFY(!edit([&] {
         type(1, 4, "abc");
+        press("addDBBtn");
+        QVERIFY(label("noticeLabel").contains("последние принятые значения"));
         press("pushButton");
         QVERIFY(m_editor->isVisible());
         QCOMPARE(m_told, QStringList("Ошибка ввода градуировки"));
