@@ -113,18 +113,21 @@ void TestDeviceSettings::pressCell(int row, int column) const
     QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, place);
 }
 
-/** Picks an entry of the menu that is up, or of one inside it ("menu/entry"), by the mouse. */
+/** Picks an entry of the menu that is up, or of one inside it ("menu/entry"), by its key. */
 void TestDeviceSettings::pickEntry(const QString &text) const
 {
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
     for (const QString &part : text.split('/')) {
-        auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
         QVERIFY2(menu, qPrintable(part));
         const auto entries = menu->actions();
         const auto entry = std::find_if(entries.begin(), entries.end(),
                                         [&](const QAction *one) { return one->text() == part; });
         QVERIFY2(entry != entries.end(), qPrintable(part));
         menu->setActiveAction(*entry);
-        QTest::keyClick(menu, Qt::Key_Return);
+        if ((*entry)->menu())
+            menu = (*entry)->menu();
+        else
+            QTest::keyClick(menu, Qt::Key_Return);
     }
 }
 
