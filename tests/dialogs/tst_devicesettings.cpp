@@ -229,10 +229,10 @@ void TestDeviceSettings::columnsAreChosen_data()
                               << optionsNOX8::getDevResistList(34).at(2);
     QTest::newRow("own") << 4 << "Печь && ко"
                          << "Печь & ко";
-    QTest::newRow("standard") << 4 << "НСХ ТП/ТХА(К)"
-                              << "ТХА(К)";
-    QTest::newRow("compensation") << 5 << "НСХ ТС/10М"
-                                  << "10М";
+    const QString thermocouple = standardThermocouples().at(2);
+    QTest::newRow("standard") << 4 << "НСХ ТП/" + thermocouple << thermocouple;
+    const QString resistance = standardResistanceThermometers().at(2);
+    QTest::newRow("compensation") << 5 << "НСХ ТС/" + resistance << resistance;
 }
 
 /** For one channel by its cell, for all by the header of the column. */
