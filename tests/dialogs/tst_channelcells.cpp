@@ -8,6 +8,9 @@
 
 #include <QtTest>
 
+Q_DECLARE_METATYPE(ChannelSettings)
+Q_DECLARE_METATYPE(CharacteristicSource)
+
 /** What the settings of an instrument show, told from its image alone. */
 class TestChannelCells : public QObject
 {
@@ -216,9 +219,6 @@ void TestChannelCells::writtenChannelDiffersNoMore()
     QVERIFY(changes.channels.at(6).at(OnOffSetting));
     QVERIFY(!changes.channels.at(7).at(OnOffSetting));
 }
-
-Q_DECLARE_METATYPE(ChannelSettings)
-Q_DECLARE_METATYPE(CharacteristicSource)
 
 QTEST_GUILESS_MAIN(TestChannelCells)
 #include "tst_channelcells.moc"
