@@ -19,13 +19,13 @@ StoredMatch matchStored(const std::optional<StoredCharacteristic> &before,
     match.isStored = row.has_value();
     if (!row) {
         match.name = MatchTexts::tr("Новая градуировка");
-        match.placeholder = MatchTexts::tr("Градуировка НЕ сохранена в БД");
+        match.hint = MatchTexts::tr("Градуировка НЕ сохранена в БД");
         return match;
     }
     match.id = row->id;
     match.name = row->name;
     match.info = row->info;
-    match.placeholder = MatchTexts::tr("Градуировка сохранена в БД");
+    match.hint = MatchTexts::tr("Градуировка сохранена в БД");
     match.isChanged = !withSameRecord || withSameRecord->id != row->id;
     return match;
 }

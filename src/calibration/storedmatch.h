@@ -7,7 +7,7 @@ struct StoredMatch {
     int id = 0;             ///< of the row that belongs to it; 0: none
     QString name;           ///< the one item of the list of stored ones
     QString info;           ///< description of the row
-    QString placeholder;    ///< in place of an empty description
+    QString hint;           ///< in place of an empty description
     bool isStored = false;  ///< there is a row: it can be described and removed
     bool isChanged = false; ///< and it holds something else: it can be saved
 };

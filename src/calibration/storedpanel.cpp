@@ -34,7 +34,7 @@ void StoredPanel::showMatch(const StoredMatch &match)
     m_match = match;
     list({match.name}, {match.id});
     const QSignalBlocker infoBlocker(m_form.infoText);
-    m_form.infoText->setPlaceholderText(match.placeholder); // Qt looks for it when the text changes
+    m_form.infoText->setPlaceholderText(match.hint); // Qt looks for it when the text changes
     if (isOtherInfo)
         m_form.infoText->setPlainText(match.info);
     m_form.infoText->setEnabled(match.isStored);
