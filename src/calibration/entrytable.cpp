@@ -76,9 +76,8 @@ void prepareEntryTable(QTableWidget *table)
     table->verticalHeader()->setSectionResizeMode(QHeaderView::Stretch);
 }
 
-void showEntry(QTableWidgetItem *item, const EntryCell &cell)
+void showEntry(QTableWidgetItem *item, const QString &text, bool isInUse)
 {
-    item->setText(cell.text);
-    item->setFlags(item->flags().setFlag(Qt::ItemIsEnabled, cell.isInUse));
-    item->setData(changedRole, cell.isChanged);
+    item->setText(text);
+    item->setFlags(item->flags().setFlag(Qt::ItemIsEnabled, isInUse));
 }

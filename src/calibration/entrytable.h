@@ -22,18 +22,11 @@ protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
 };
 
-/** What a cell of an entry table shows. */
-struct EntryCell {
-    QString text;
-    bool isInUse = true;    ///< else nothing can be entered
-    bool isChanged = false; ///< differs from what the instrument holds
-};
-
 /** Lets the numbers and headings in a tab be read while they are locked. */
 void keepReadableWhileLocked(QWidget *tab);
 
 /** Gives a table its empty cells, which share its whole room evenly, and their delegate. */
 void prepareEntryTable(QTableWidget *table);
 
-/** Shows `cell` in an item of an entry table. */
-void showEntry(QTableWidgetItem *item, const EntryCell &cell);
+/** Shows a text in an item of an entry table, in which something can be entered if it is in use. */
+void showEntry(QTableWidgetItem *item, const QString &text, bool isInUse);

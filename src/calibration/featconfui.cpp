@@ -94,17 +94,30 @@ bool featconfui::setFeature(bool strict)
     const bool isAccepted = m_copy->take(entered);
     const bool isOther = m_copy->record() != before;
     if (isOther)
-        m_dropped = droppedPairs(entered.values, m_copy->feature().ratioStr);
+        m_dropped.clear();
     if (!strict && isAccepted)
-        m_ui->ratioTable->showTexts(withValues(characteristicLayout(entered.type),
-                                               m_ui->ratioTable->texts(),
-                                               m_copy->feature().ratioStr));
-    if (!strict && !m_dropped.isEmpty())
-        m_copy->take(entry()); // what was dropped has left zeros
+        closeUp(entered);
     showNote(isAccepted);
     if (!strict && isOther)
         findSqlItem();
     return !strict || isAccepted;
+}
+
+/** Shows what was taken. Pairs that were dropped have left zeros in the copy, so what remains is
+ *  taken again; without them those behind may have to go as well. */
+void featconfui::closeUp(const CharacteristicEntry &taken)
+{
+    const CharacteristicLayout layout = characteristicLayout(taken.type);
+    QStringList values = taken.values;
+    for (bool isClosed = false; !isClosed;) {
+        const QStringList kept = m_copy->feature().ratioStr;
+        m_ui->ratioTable->showTexts(withValues(layout, m_ui->ratioTable->texts(), kept));
+        const QStringList dropped = droppedPairs(values, kept);
+        m_dropped += dropped;
+        const CharacteristicEntry remaining = entry();
+        isClosed = dropped.isEmpty() || !m_copy->take(remaining);
+        values = remaining.values;
+    }
 }
 
 void featconfui::needUpd()

@@ -70,6 +70,7 @@ private:
     void end();
     void selectType(int type);
     void showCopy();
+    void closeUp(const CharacteristicEntry &taken);
     void showNote(bool isAccepted);
     void notice(const QString &text);
     void noticeLoss();

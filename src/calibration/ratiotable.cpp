@@ -1,10 +1,9 @@
 #include "calibration/ratiotable.h"
 
-#include "widgets/rowdelegate.h"
+#include "calibration/entrytable.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QLineEdit>
 #include <QScrollBar>
 #include <QSignalBlocker>
 
@@ -20,7 +19,7 @@ constexpr Qt::ItemFlags usedFlags = {Qt::ItemIsEnabled | Qt::ItemIsSelectable | 
 RatioTable::RatioTable(QWidget *parent)
     : QTableWidget(parent)
 {
-    setItemDelegate(new RowDelegate(this));
+    setItemDelegate(new EntryDelegate(this));
     setTabKeyNavigation(false);
     connect(this, &QTableWidget::itemChanged, this, &RatioTable::edited);
 }
@@ -60,7 +59,7 @@ void RatioTable::showTexts(const CellTexts &texts)
             QTableWidgetItem *const cell = provideItem(row, column);
             const QString text = texts.value(row).value(column);
             const bool isUsed = cell->flags() & Qt::ItemIsEditable;
-            if (isUsed && cell->text() != text && !isBeingTyped(cell))
+            if (isUsed && cell->text() != text)
                 cell->setText(text);
         }
 }
@@ -129,12 +128,6 @@ QTableWidgetItem *RatioTable::provideItem(int row, int column)
     if (!item(row, column))
         setItem(row, column, new QTableWidgetItem);
     return item(row, column);
-}
-
-bool RatioTable::isBeingTyped(const QTableWidgetItem *item) const
-{
-    const auto *const editor = qobject_cast<QLineEdit *>(indexWidget(indexFromItem(item)));
-    return editor && editor->text() != item->text();
 }
 
 void RatioTable::sizeColumns()

@@ -7,8 +7,8 @@
 /**
  * The table of the editor of characteristics.
  *
- * What is shown from outside changes the cells that differ, but not one in which something is being
- * typed. Arrows move, Return, F2 or typing begins to edit, Tab leaves.
+ * What is shown from outside does not take away what is being typed in a cell. Arrows move, Return,
+ * F2 or typing begins to edit, Tab leaves.
  */
 class RatioTable : public QTableWidget
 {
@@ -39,7 +39,6 @@ protected:
 
 private:
     QTableWidgetItem *provideItem(int row, int column);
-    bool isBeingTyped(const QTableWidgetItem *item) const;
     void sizeColumns();
 
     int m_columnsInSight = 0;

@@ -23,40 +23,37 @@ ReferenceTab::~ReferenceTab() = default;
 void ReferenceTab::setImage(optionsNOX8 *image)
 {
     m_image = image;
+    m_held.reset();
     m_ui->t0Edit->setText({}); // which is no entry, unlike clear()
-    m_t0Mark->setChanged(false);
     const QSignalBlocker quiet(m_ui->refTable);
     for (int row = 0; row < ReferenceTexts::rows; ++row) {
         for (int column = 0; column < ReferenceTexts::columns; ++column) {
             QTableWidgetItem *const item = m_ui->refTable->item(row, column);
             m_ui->refTable->closePersistentEditor(item);
-            showEntry(item, {});
+            showEntry(item, {}, true);
         }
     }
-    refresh(nullptr);
+    showMarks();
+    refresh();
 }
 
-void ReferenceTab::refresh(const ReferenceData *held)
+void ReferenceTab::refresh()
 {
     if (!m_image)
         return;
     const ReferenceTexts shown = shownReferences(*m_image, m_image->devType);
-    const QByteArray block = encodeReferenceData(*m_image, {});
-    const QByteArray heldBlock = held ? encodeReferenceData(*held, {}) : QByteArray();
-    showT0(shown.t0, differs(block, heldBlock, 0));
+    showT0(shown.t0);
     const QSignalBlocker quiet(m_ui->refTable);
-    int index = 1;
     for (int row = 0; row < ReferenceTexts::rows; ++row) {
-        for (int column = 0; column < ReferenceTexts::columns; ++column) {
-            const EntryCell cell{shown.cells[std::size_t(row)][std::size_t(column)],
-                                 isRowInUse(m_image->devType, row),
-                                 differs(block, heldBlock, index++)};
-            showEntry(m_ui->refTable->item(row, column), cell);
-        }
+        const bool isInUse = isRowInUse(m_image->devType, row);
+        for (int column = 0; column < ReferenceTexts::columns; ++column)
+            showEntry(m_ui->refTable->item(row, column),
+                      shown.cells[std::size_t(row)][std::size_t(column)], isInUse);
     }
+    showMarks();
 }
 
-void ReferenceTab::showT0(const QString &text, bool isChanged)
+void ReferenceTab::showT0(const QString &text)
 {
     QLineEdit *const field = m_ui->t0Edit;
     const bool isBeingTyped = field->hasFocus() && field->isModified();
@@ -65,7 +62,28 @@ void ReferenceTab::showT0(const QString &text, bool isChanged)
         if (field->hasFocus())
             field->selectAll(); // what is typed next replaces it
     }
-    m_t0Mark->setChanged(isChanged);
+}
+
+void ReferenceTab::setHeld(const std::optional<ReferenceData> &held)
+{
+    m_held = held;
+    showMarks();
+}
+
+/** Of the block's numbers T0 is the first; the others follow as the table's rows do. */
+void ReferenceTab::showMarks()
+{
+    const QByteArray block = m_image ? encodeReferenceData(*m_image, {}) : QByteArray();
+    const QByteArray heldBlock =
+        m_image && m_held ? encodeReferenceData(*m_held, {}) : QByteArray();
+    int number = 0;
+    m_t0Mark->setChanged(differs(block, heldBlock, number++));
+    const QSignalBlocker quiet(m_ui->refTable);
+    for (int row = 0; row < ReferenceTexts::rows; ++row) {
+        for (int column = 0; column < ReferenceTexts::columns; ++column)
+            m_ui->refTable->item(row, column)
+                ->setData(changedRole, differs(block, heldBlock, number++));
+    }
 }
 
 bool ReferenceTab::take()

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "device/referencedata.h"
+
 #include <QPointer>
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 class ChangeMark;
 class optionsNOX8;
@@ -31,9 +34,11 @@ public:
     /** The instrument whose reference data are shown; null for none. Not owned; it may go at any
      *  time. What has been typed for another one is dropped. */
     void setImage(optionsNOX8 *image);
-    /** Shows the image's reference data and marks what differs from `held`, what the instrument is
-     *  known to hold (null: nothing is known). What is being typed at the moment stays. */
-    void refresh(const ReferenceData *held);
+    /** Shows the image's reference data; what is being typed at the moment stays. */
+    void refresh();
+    /** Marks where the image differs from `held`, what the instrument is known to hold (nothing is
+     *  known: no mark). The texts stay as they are. */
+    void setHeld(const std::optional<ReferenceData> &held);
     /** Takes all entered numbers into the image, or none and says so. */
     bool take();
     /** Asks, takes, and asks for the block to be written. */
@@ -47,9 +52,11 @@ public:
 
 private:
     ReferenceTexts enteredTexts() const;
-    void showT0(const QString &text, bool isChanged);
+    void showT0(const QString &text);
+    void showMarks();
 
     std::unique_ptr<Ui::ReferenceTab> m_ui;
     ChangeMark *m_t0Mark; ///< child of its field
     QPointer<optionsNOX8> m_image;
+    std::optional<ReferenceData> m_held;
 };

@@ -36,7 +36,7 @@ ShiftTab::ShiftTab(QWidget *parent)
     for (QTableWidget *table : tables())
         prepareEntryTable(table);
     setServiceVisible(false);
-    showChannelTables();
+    followModel();
 }
 
 ShiftTab::~ShiftTab() = default;
@@ -64,49 +64,61 @@ QVector<QTableWidgetItem *> ShiftTab::entryCells() const
 void ShiftTab::setImage(optionsNOX8 *image)
 {
     m_image = image;
+    m_held.reset();
+    m_shownType = 0;
     clearCells();
-    refresh(nullptr);
+    followModel();
 }
 
 void ShiftTab::clearCells()
 {
-    m_held.reset();
     for (QTableWidget *table : tables()) {
         const QSignalBlocker quiet(table);
         forEachItem(table, [table](QTableWidgetItem *item) {
             table->closePersistentEditor(item);
-            showEntry(item, {});
+            showEntry(item, {}, true);
+            item->setData(changedRole, false);
         });
     }
 }
 
-void ShiftTab::refresh(const ZeroShifts *held)
+void ShiftTab::followModel()
 {
+    m_ui->refShiftGBox->setEnabled(m_image && m_image->devType != 0);
     showChannelTables();
+    if (m_image && m_image->devType != m_shownType)
+        refresh();
+}
+
+void ShiftTab::refresh()
+{
     if (!m_image || m_image->getDevRev() == 0)
         return;
-    m_held = held ? std::optional(*held) : std::nullopt;
+    m_shownType = m_image->devType;
     const QSignalBlocker quiet(m_ui->uShiftTable);
     forEachItem(m_ui->uShiftTable, [](QTableWidgetItem *item) {
         const bool isInUse = rangeShiftIndex(item->row(), item->column()) >= 0;
         item->setFlags(item->flags().setFlag(Qt::ItemIsEnabled, isInUse));
     });
-    showShifts();
-}
-
-void ShiftTab::showShifts()
-{
     const QVector<QTableWidgetItem *> cells = entryCells();
     const QStringList texts = shownShifts(*m_image);
     for (int i = 0; i < cells.size(); ++i) {
-        const QSignalBlocker quiet(cells.at(i)->tableWidget());
+        const QSignalBlocker silent(cells.at(i)->tableWidget());
         cells.at(i)->setText(texts.at(i));
     }
     showMarks();
 }
 
+void ShiftTab::setHeld(const std::optional<ZeroShifts> &held)
+{
+    m_held = held;
+    showMarks();
+}
+
 void ShiftTab::showMarks()
 {
+    if (!m_image || m_image->getDevRev() == 0)
+        return;
     const QVector<QTableWidgetItem *> cells = entryCells();
     const QByteArray block = encodeZeroShifts(*m_image);
     const QByteArray heldBlock = m_held ? encodeZeroShifts(*m_held) : QByteArray();
@@ -132,7 +144,7 @@ void ShiftTab::write()
     for (const QTableWidgetItem *cell : entryCells())
         texts << cell->text();
     if (enterShifts(texts, *image)) {
-        showShifts();
+        refresh();
         image->triggerRefShiftChange();
     } else {
         showMarks(); // what was taken before the wrong number differs from now on
@@ -143,12 +155,6 @@ void ShiftTab::write()
 void ShiftTab::lock()
 {
     m_ui->refShiftGBox->setChecked(false);
-}
-
-void ShiftTab::setAvailable(bool available)
-{
-    m_ui->refShiftGBox->setEnabled(available);
-    showChannelTables();
 }
 
 void ShiftTab::setServiceVisible(bool visible)

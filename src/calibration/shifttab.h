@@ -35,16 +35,20 @@ public:
     /** The instrument whose shifts are shown; null for none. Not owned; it may go at any time. What
      *  has been typed for another one is dropped. */
     void setImage(optionsNOX8 *image);
-    /** Shows the image's shifts, if the model is extended, and marks what differs from `held`, what
-     *  the instrument is known to hold (null: nothing is known). What is being typed stays. */
-    void refresh(const ZeroShifts *held);
+    /** Shows the image's shifts, if the model is extended; what is being typed at the moment
+     *  stays. */
+    void refresh();
+    /** Marks where the image differs from `held`, what the instrument is known to hold (nothing is
+     *  known: no mark). The texts stay as they are. */
+    void setHeld(const std::optional<ZeroShifts> &held);
     /** Asks, takes all entered numbers into the image up to the first that is none, and asks for
      *  the block to be written, or says that something is wrong. */
     void write();
     /** Locks the controls behind the unchecked warning. */
     void lock();
-    /** Whether there is anything to be changed (the type is known): enables the warning group. */
-    void setAvailable(bool available);
+    /** Follows the model of the instrument: it tells which shifts there are, and whether anything
+     *  can be changed (the type is known). */
+    void followModel();
     /** Shows the group of range shifts and the button that zeroes channels, or hides them. */
     void setServiceVisible(bool visible);
     /** Subtracts the latest readings of the plot from the channel shifts, if the model can and the
@@ -62,4 +66,5 @@ private:
     std::unique_ptr<Ui::ShiftTab> m_ui;
     QPointer<optionsNOX8> m_image;
     std::optional<ZeroShifts> m_held;
+    quint32 m_shownType = 0; ///< the model whose shifts are shown
 };

@@ -76,9 +76,8 @@ void devConfUI::buildParts()
 void devConfUI::listenToRegistry()
 {
     connect(m_registry, &noxList::onHeldChange, this, [this](int index) {
-        onDevChange(index); // what was written differs no more
-        onRefChange(index);
-        onRefShiftChange(index);
+        markReferences(index); // what was written differs no more
+        onDevChange(index);
     });
     connect(m_registry, &noxList::onChange, this, &devConfUI::showConnection);
     connect(m_registry, &noxList::onRmNox, this, &devConfUI::showRemoval);
@@ -105,9 +104,7 @@ void devConfUI::show(int index)
     m_ui->shiftTab->setServiceVisible(false);
     m_ui->dbSearchEdit->clear();
     open();
-    onDevChange(index);
-    onRefChange(index);
-    onRefShiftChange(index);
+    showAll();
     showConnection();
     connect(m_registry->serialPort(),
             QOverload<int, int, int, quint8>::of(&NOXSerialPort::setProgress), this,
@@ -131,6 +128,13 @@ void devConfUI::release()
     m_ui->shiftTab->lock();
     m_registry->serialPort()->disconnect(this);
     setCurrent(-1);
+}
+
+/** Hidden, the dialog would take a T0 that was left half typed for an entry. */
+void devConfUI::done(int result)
+{
+    m_ui->referenceTab->lock();
+    QDialog::done(result);
 }
 
 /** The instrument was removed while its settings were open. */
@@ -171,6 +175,14 @@ void devConfUI::unlockService()
 
 // What is shown
 
+void devConfUI::showAll()
+{
+    const int index = m_index;
+    onDevChange(index);
+    onRefChange(index);
+    onRefShiftChange(index);
+}
+
 void devConfUI::onDevChange(int index)
 {
     if (!isCurrent(index))
@@ -187,12 +199,11 @@ void devConfUI::onDevChange(int index)
     m_characteristics->refresh(*nox->opt, changes);
     m_ui->referenceTab->setAvailable(states.isKnown);
     m_ui->referenceTab->setRemovable(states.isStored);
-    m_ui->shiftTab->setAvailable(states.isKnown);
+    m_ui->shiftTab->followModel();
     m_ui->tabWidget->setTabVisible(shiftPage, states.isExtended);
     m_ui->devGetConfBtn->setEnabled(states.isKnown);
     m_ui->dbTypeCB->setEnabled(!states.isKnown);
     m_ui->dbTypeCB->setCurrentIndex(m_ui->dbTypeCB->findData(nox->opt->devType));
-    showShifts(); // the model tells which there are
     onChChange(index, 0);
 }
 
@@ -209,8 +220,8 @@ void devConfUI::onRefChange(int index)
 {
     if (!isCurrent(index))
         return;
-    const auto held = m_registry->getNoxByIndex(index)->held.referenceData();
-    m_ui->referenceTab->refresh(held ? &*held : nullptr);
+    m_ui->referenceTab->refresh();
+    markReferences(index);
     findSnapShot();
 }
 
@@ -218,14 +229,19 @@ void devConfUI::onRefShiftChange(int index)
 {
     if (!isCurrent(index))
         return;
-    showShifts();
+    m_ui->shiftTab->refresh();
+    markReferences(index);
     findSnapShot();
 }
 
-void devConfUI::showShifts()
+/** Marks what differs from what the instrument holds, and leaves what has been typed. */
+void devConfUI::markReferences(int index)
 {
-    const auto held = m_registry->getNoxByIndex(m_index)->held.zeroShifts();
-    m_ui->shiftTab->refresh(held ? &*held : nullptr);
+    if (!isCurrent(index))
+        return;
+    const HeldBlocks &held = m_registry->getNoxByIndex(index)->held;
+    m_ui->referenceTab->setHeld(held.referenceData());
+    m_ui->shiftTab->setHeld(held.zeroShifts());
 }
 
 void devConfUI::findSnapShot()
@@ -236,8 +252,13 @@ void devConfUI::findSnapShot()
 void devConfUI::showConnection()
 {
     const noxList::_nox *const nox = m_registry->getNoxByIndex(m_index);
-    if (nox)
-        m_ui->connectionLabel->setText(nox->devIndex < 0 ? tr("Прибор не подключён") : QString());
+    if (!nox)
+        return;
+    const bool isConnected = nox->devIndex >= 0;
+    m_ui->connectionLabel->setText(isConnected ? QString() : tr("Прибор не подключён"));
+    m_ui->devPortEdit->setText(m_registry->serialPort()->getPortName(nox->devIndex));
+    if (!isConnected)
+        m_ui->pgBar->hide(); // nobody tells of a transfer that was cut off
 }
 
 void devConfUI::showProgress(int devIndex, int progress, int maxProgress)

@@ -51,6 +51,8 @@ public slots:
     void onRefShiftChange(int index);
     void onChChange(int index, uchar chIndex);
 
+    void done(int result) override;
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -93,7 +95,8 @@ private:
     void setCurrent(int index);
     void release();
     void showProgress(int devIndex, int progress, int maxProgress);
-    void showShifts();
+    void showAll();
+    void markReferences(int index);
     void showConnection();
     void showRemoval(int index);
     void unlockService();

@@ -151,6 +151,7 @@ void devConfUI::on_rmDevBtn_clicked()
 void devConfUI::on_pushButton_3_clicked()
 {
     m_files->load(m_index);
+    showAll(); // a name and shifts are taken from a file without a word
 }
 
 void devConfUI::on_pushButton_4_clicked()

@@ -53,8 +53,10 @@ QString SettingsFiles::ask(FileQuestion question, int index, const QString &prop
     question.defaultSuffix = suffix();
     question.name = asFileName(proposedName) + QLatin1Char('.') + suffix();
     if (!asked->fileName.isEmpty()) {
-        question.directory = QFileInfo(asked->fileName).absolutePath();
-        question.name = QFileInfo(asked->fileName).fileName();
+        const QFileInfo last(asked->fileName);
+        question.name = last.fileName();
+        if (last.dir().exists())
+            question.directory = last.absolutePath();
     }
 
     const QPointer<QWidget> dialog(m_dialog); // the question waits in an event loop of its own

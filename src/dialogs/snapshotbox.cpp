@@ -129,27 +129,39 @@ void SnapshotBox::choose()
 void SnapshotBox::apply(int snapshotId)
 {
     const auto content = snapshotContent(snapshotId);
-    noxList::_nox *const nox = record();
+    noxList::_nox *nox = record();
     if (!content)
         return;
     const QPointer<optionsNOX8> image = nox->opt.get();
+    const QByteArray references = content->references.left(referenceDataSize);
+    if (image->devType == 0)
+        image->setData(references, referenceDataAddress); // which may tell the model
+    nox = record();
+    if (!nox)
+        return;
     const int formerId = std::exchange(nox->snapShotId, snapshotId);
     m_offersResults = false;
     m_widgets.info->document()->setModified(false);
     if (!image->setData(content->configuration, configurationAddress)) {
         nox->snapShotId = formerId;
         match();
-        return UserDialogs::current().tell(
-            m_widgets.found->window(),
-            {QMessageBox::Warning, m_widgets.found->window()->windowTitle(),
-             tr("Эта настройка не подходит прибору: у него другое число каналов."),
-             QMessageBox::Ok});
+        return tellUnsuited(image->devType != 0);
     }
     if (image)
-        image->setData(content->references.left(referenceDataSize), referenceDataAddress);
+        image->setData(references, referenceDataAddress);
     if (image && image->getDevRev() != 0)
         image->setData(content->references.mid(referenceDataSize), zeroShiftsAddress);
     match(); // what was matched meanwhile had not all blocks yet
+}
+
+void SnapshotBox::tellUnsuited(bool isModelKnown)
+{
+    QWidget *const dialog = m_widgets.found->window();
+    const QString text = isModelKnown
+                             ? tr("Эта настройка не подходит прибору: у него другое число каналов.")
+                             : tr("Настройку нельзя применить: тип прибора не известен.");
+    UserDialogs::current().tell(
+        dialog, {QMessageBox::Warning, dialog->windowTitle(), text, QMessageBox::Ok});
 }
 
 // What is stored
@@ -179,6 +191,7 @@ void SnapshotBox::store(int snapshotId)
         nox->snapShotId = stored;
         m_widgets.info->document()->setModified(false);
     }
+    m_offersResults = false;
     match();
 }
 
@@ -195,7 +208,9 @@ void SnapshotBox::remove(QWidget *dialog)
     if (UserDialogs::current().ask(dialog, question) != QMessageBox::Yes || !self)
         return;
     removeSnapshot(snapshotId);
-    if (noxList::_nox *const asked = m_registry->getNoxByIndex(index))
+    noxList::_nox *const asked = m_registry->getNoxByIndex(index);
+    if (asked && asked->snapShotId == snapshotId)
         asked->snapShotId = 0;
+    m_offersResults = false;
     match();
 }

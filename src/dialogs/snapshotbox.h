@@ -54,6 +54,7 @@ private:
     void paintInfo(const SnapshotMatch &match);
     void offer(const QString &text, const QVariant &data);
     void apply(int snapshotId);
+    void tellUnsuited(bool isModelKnown);
     void store(int snapshotId);
     void noteDescription();
     noxList::_nox *record() const { return m_registry->getNoxByIndex(m_index); }

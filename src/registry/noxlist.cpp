@@ -27,6 +27,7 @@ noxList::~noxList()
     const auto all = std::exchange(m_records, {});
     for (_nox *nox : all) {
         nox->opt->disconnect(this);
+        nox->txTimer->disconnect(this); // it could run out while the worker is ending
         m_serialPort->rmDev(nox->devIndex);
         delete nox;
     }

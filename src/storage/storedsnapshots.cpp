@@ -15,6 +15,12 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(noxSql)
 };
 
+/** The connection as it is: closed, it stays closed. */
+QSqlDatabase database()
+{
+    return QSqlDatabase::database(QLatin1String(QSqlDatabase::defaultConnection), false);
+}
+
 } // namespace
 
 noxSql::noxSqlItem snapshotOfRow(const QSqlQuery &row)
@@ -33,7 +39,7 @@ noxSql::noxSqlItem snapshotOfRow(const QSqlQuery &row)
 std::optional<noxSql::noxSqlItem> storedSnapshot(int snapshotId)
 {
     const auto row =
-        selectOnly(QSqlDatabase::database(),
+        selectOnly(database(),
                    " SELECT  device_snapshot.device_snapshot_id, "
                    " device_snapshot.device_snapshot_datetime, "
                    " device_snapshot.device_snapshot_factory, device_snapshot.device_snapshot_info,"
@@ -50,7 +56,7 @@ std::optional<noxSql::noxSqlItem> storedSnapshot(int snapshotId)
 std::optional<SnapshotContent> snapshotContent(int snapshotId)
 {
     const auto row =
-        selectOnly(QSqlDatabase::database(),
+        selectOnly(database(),
                    "SELECT device_snapshot_info, device_snapshot_data, device_snapshot_refdata"
                    " FROM device_snapshot WHERE device_snapshot_id=:device_snapshot_id",
                    {{":device_snapshot_id", snapshotId}});
@@ -64,7 +70,7 @@ std::optional<SnapshotContent> snapshotContent(int snapshotId)
 QVector<noxSql::noxSqlItem> searchSnapshots(const QString &text)
 {
     auto rows = execute(
-        QSqlDatabase::database(),
+        database(),
         " SELECT  device_snapshot.device_snapshot_id, device_snapshot.device_snapshot_datetime,"
         " device_snapshot.device_snapshot_factory, device_snapshot.device_snapshot_info,"
         " device.device_type,  device.device_number,  device.device_name "
@@ -84,7 +90,7 @@ QVector<noxSql::noxSqlItem> searchSnapshots(const QString &text)
 
 bool removeSnapshot(int snapshotId)
 {
-    return bool(execute(QSqlDatabase::database(),
+    return bool(execute(database(),
                         "DELETE FROM device_snapshot WHERE device_snapshot_id=:device_snapshot_id"
                         " AND device_snapshot_factory='0'",
                         {{":device_snapshot_id", snapshotId}}));
@@ -92,6 +98,6 @@ bool removeSnapshot(int snapshotId)
 
 bool removeStoredInstrument(int deviceId)
 {
-    return bool(execute(QSqlDatabase::database(), "DELETE FROM device WHERE device_id=:device_id",
+    return bool(execute(database(), "DELETE FROM device WHERE device_id=:device_id",
                         {{":device_id", deviceId}}));
 }

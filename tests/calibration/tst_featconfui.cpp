@@ -287,10 +287,14 @@ void TestFeatConfUi::whatIsTypedStays()
         type(0, 3, "150"); // falls
         QCOMPARE(cell(0, 3) + cell(1, 3), QString());
         QVERIFY(label("noteLabel").contains("(150; 3)"));
+        type(0, 3, "250");
+        type(1, 3, "3");
+        type(0, 1, "300"); // more than both behind it
+        QCOMPARE(cell(0, 2) + cell(0, 3), QString());
+        QVERIFY(label("noteLabel").contains("(200; 2) (250; 3)"));
         press("pushButton");
     });
-    QCOMPARE(record().mid(44, 24),
-             recordOf(3, "", {"0", "0", "100", "2.5", "200", "2"}).mid(44, 24));
+    QCOMPARE(record().mid(44, 448), recordOf(3, "", {"0", "0", "300", "2.5"}).mid(44, 448));
 }
 
 void TestFeatConfUi::keysStayInTheirField()

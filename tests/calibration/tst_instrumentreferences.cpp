@@ -186,8 +186,10 @@ void TestInstrumentReferences::show(quint32 type)
 
 void TestInstrumentReferences::refresh()
 {
-    references->refresh(held ? &*held : nullptr);
-    shifts->refresh(heldShifts ? &*heldShifts : nullptr);
+    references->refresh();
+    references->setHeld(held);
+    shifts->refresh();
+    shifts->setHeld(heldShifts);
 }
 
 /** Types over the text of a cell: the editor, still open. */

@@ -33,6 +33,7 @@ private slots:
     void changesAreMarkedUntilWritten();
     void serviceUnlocks();
     void typedTextOutlivesRefresh();
+    void fileIsShownWhole();
     void progress();
     void removedWhileOpen_data();
     void removedWhileOpen();
@@ -357,6 +358,33 @@ void TestDeviceSettings::typedTextOutlivesRefresh()
     QCOMPARE(name->text(), QString("Etalon"));
 }
 
+/** A file tells of name and shifts without a word; entries of its own the dialog keeps, until
+ *  something else is shown in their place. */
+void TestDeviceSettings::fileIsShownWhole()
+{
+    open(157329935);
+    m_image->devName = "Печь";
+    m_image->shiftCh[0].value = 0.5F;
+    const QString file = m_directory->filePath("a.ust");
+    QVERIFY(m_image->saveToFile(file, "COM1"));
+    UserDialogs::current().chooseFile = [&](QWidget *, const FileQuestion &) { return file; };
+    m_image->devName = "Баня";
+    m_image->shiftCh[0].value = 0.25F;
+    m_dialog->show(m_nox->index);
+
+    auto *const shift = find<QTableWidget>("ch8ShiftTable")->item(0, 0);
+    auto *const reference = find<QTableWidget>("refTable")->item(0, 0);
+    shift->setText("0.7");
+    reference->setText("75.1");
+    choose("devMeasRoundCB", "0.1");
+    emit m_registry->onHeldChange(m_nox->index);
+    QCOMPARE(shift->text() + ' ' + reference->text(), QString("0.7 75.1"));
+
+    QTest::mouseClick(find<QPushButton>("pushButton_3"), Qt::LeftButton);
+    QCOMPARE(shift->text() + ' ' + reference->text(), QString("0.500000 0.0000"));
+    QCOMPARE(find<QLineEdit>("devNameEdit")->text(), QString("Печь"));
+}
+
 void TestDeviceSettings::progress()
 {
     open(34);
@@ -372,7 +400,9 @@ void TestDeviceSettings::progress()
     QCOMPARE(bar->value(), -1);
     emit m_port->setProgress(5, 0, 0, 2);
     QVERIFY(bar->isHidden());
-    m_nox->devIndex = -1;
+    emit m_port->setProgress(5, 3, 20, 2);
+    m_registry->disConnByIndex(m_nox->index);
+    QVERIFY(bar->isHidden());
 }
 
 void TestDeviceSettings::removedWhileOpen_data()
