@@ -142,6 +142,24 @@ QStringList textsOf(const QByteArray &content)
     return lines;
 }
 
+/** An empty column is written as zeros, which behind the last temperature would fall. Below zero a
+ *  pair of zeros is the point at 0 °C, once. */
+void emptyFillers(QVector<QStringList> &rows)
+{
+    const auto isZero = [&rows](int row, int column) {
+        bool isNumber = false;
+        const float number = bFloat::str2Float(rows.at(row).at(column), &isNumber);
+        return isNumber && number == 0.0F;
+    };
+    int last = rows.at(0).size() - 1;
+    while (last > 0 && isZero(0, last) && isZero(1, last))
+        --last;
+    const bool isBelowZero = bFloat::str2Float(rows.at(0).at(last)) < 0.0F;
+    const int firstFiller = qMax(last + (isBelowZero ? 2 : 1), fewestPairs);
+    for (QStringList &row : rows)
+        std::fill(row.begin() + qMin(firstFiller, row.size()), row.end(), QString());
+}
+
 QVector<QStringList> rowsOf(int type, const QStringList &data)
 {
     const Layout &layout = layoutOf(type);
@@ -155,6 +173,8 @@ QVector<QStringList> rowsOf(int type, const QStringList &data)
     else
         for (int row = 0; row < layout.rows; ++row)
             rows[row] = data.mid(row * layout.columns, layout.columns);
+    if (isOfPairs(type))
+        emptyFillers(rows);
     return rows;
 }
 

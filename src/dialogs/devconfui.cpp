@@ -79,7 +79,11 @@ void devConfUI::listenToRegistry()
         markReferences(index); // what was written differs no more
         onDevChange(index);
     });
-    connect(m_registry, &noxList::onChange, this, &devConfUI::showConnection);
+    connect(m_registry, &noxList::onIdentChange, this, &devConfUI::onDevChange);
+    connect(m_registry, &noxList::onChange, this, [this] {
+        showConnection();
+        findSnapShot(); // it may have been recognised
+    });
     connect(m_registry, &noxList::onRmNox, this, &devConfUI::showRemoval);
 }
 

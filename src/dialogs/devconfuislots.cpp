@@ -191,6 +191,7 @@ void devConfUI::on_pushButton_7_clicked()
 void devConfUI::on_pushButton_8_clicked()
 {
     m_ui->shiftTab->write();
+    findSnapShot();
 }
 
 void devConfUI::on_chUPB_clicked()

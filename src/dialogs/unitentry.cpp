@@ -45,8 +45,8 @@ UnitEntry::UnitEntry(QObject *parent)
 
 void UnitEntry::setUnit(const QString &unit)
 {
-    m_shown = unit;
     m_line->setText(unit);
+    m_shown = m_line->text(); // of a longer one the line shows the beginning
 }
 
 /** Both Return and the loss of the focus end an entry: the second one brings nothing new. */

@@ -67,6 +67,7 @@ void noxList::recogniseSnapShot(_nox *nox)
     else if (m_database->getSnapShotCount(nox->dbIndex) == 0 &&
              m_serialPort->isEmptyQueryQueue(nox->devIndex))
         m_database->setSnapShot(nox->dbIndex, &data, &refdata, tr("Заводская настройка"), 0);
+    emit onChange();
 }
 
 /** Finds the instrument in the database; one without an identity takes what is stored there. */

@@ -27,6 +27,8 @@ private slots:
     void whatIsTypedStays();
     void keysStayInTheirField();
     void savedFile();
+    void tableOutlivesItsFile_data();
+    void tableOutlivesItsFile();
     void fileWithBadLines();
     void unreadableFile();
     void storedCharacteristics();
@@ -342,6 +344,29 @@ void TestFeatConfUi::savedFile()
     m_file = m_directory->path(); // a folder cannot be written
     edit([&] { press("pushButton_4"); });
     QCOMPARE(m_told, QStringList(""));
+}
+
+void TestFeatConfUi::tableOutlivesItsFile_data()
+{
+    QTest::addColumn<QStringList>("pairs");
+    QTest::newRow("above 0") << QStringList{"0", "0", "100", "1", "200", "2", "300", "3"};
+    QTest::newRow("up to 0") << QStringList{"-200", "-3", "-100", "-2", "0", "0"};
+}
+
+void TestFeatConfUi::tableOutlivesItsFile()
+{
+    QFETCH(QStringList, pairs);
+    m_file = m_directory->filePath("table.dat");
+    m_feature->setData(recordOf(3, "Т", pairs));
+    const QByteArray before = record();
+    edit([&] { press("pushButton_4"); });
+    m_feature->setData(recordOf(3, "", {"1", "1", "2", "2"}));
+    QVERIFY(edit([&] {
+        press("pushButton_3");
+        QCOMPARE(cell(0, pairs.size() / 2), QString());
+        press("pushButton");
+    }));
+    QCOMPARE(record(), before);
 }
 
 void TestFeatConfUi::fileWithBadLines()
