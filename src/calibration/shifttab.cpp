@@ -161,6 +161,10 @@ void ShiftTab::setServiceVisible(bool visible)
 {
     m_ui->uShiftGBox->setVisible(visible);
     m_ui->chUPB->setVisible(visible);
+    if (visible) {
+        m_ui->shiftScroll->widget()->layout()->activate(); // the group gets its place
+        m_ui->shiftScroll->ensureWidgetVisible(m_ui->uShiftGBox);
+    }
 }
 
 void ShiftTab::zeroChannels(const QwtNOX *plot, int qwtIndex)

@@ -84,6 +84,12 @@ ChannelSettingsTable::ChannelSettingsTable(QTableWidget *table, ChannelMenus *me
             [this](int column) { popUp(-1, column); });
 }
 
+int ChannelSettingsTable::fullHeight() const
+{
+    return m_table->horizontalHeader()->sizeHint().height() + 2 * m_table->frameWidth() +
+           optionsNOX8::channelRecords * m_table->verticalHeader()->minimumSectionSize();
+}
+
 void ChannelSettingsTable::refresh(const optionsNOX8 &image, const ConfigurationChanges &changes)
 {
     const QSignalBlocker blocker(m_table);

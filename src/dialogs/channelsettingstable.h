@@ -20,6 +20,9 @@ class ChannelSettingsTable : public QObject
 public:
     ChannelSettingsTable(QTableWidget *table, ChannelMenus *menus);
 
+    /** Height at which all channels of the largest model are in sight, px. */
+    int fullHeight() const;
+
     void refresh(const optionsNOX8 &image, const ConfigurationChanges &changes);
     /** Opens the menu of a column; below 0 the row is that of all channels. */
     void popUp(int row, int column);

@@ -19,11 +19,13 @@
 #include "widgets/wheelguard.h"
 
 #include <QKeyEvent>
+#include <QScreen>
 
 namespace
 {
 
-constexpr int shiftPage = 3; ///< of the tabs
+constexpr int shiftPage = 3;    ///< of the tabs
+constexpr int frameHeight = 40; ///< of what a window manager puts round a dialog, about
 
 } // namespace
 
@@ -42,7 +44,7 @@ devConfUI::devConfUI(QWidget *parent, noxList *registry, QwtNOX *plot)
     listenToRegistry();
     guardFromWheel(this);
     installEventFilter(this);
-    setFixedSize(sizeHint().expandedTo(size()));
+    fixSize();
     connect(this, &QDialog::finished, this, &devConfUI::release);
 }
 
@@ -71,6 +73,17 @@ void devConfUI::buildParts()
     m_snapshots = std::make_unique<SnapshotBox>(snapshots, m_registry);
     m_files = std::make_unique<SettingsFiles>(this, m_registry);
     m_editor = new featconfui(this, m_registry->database());
+}
+
+/** All channels are in sight, as far as the screen has room for them. */
+void devConfUI::fixSize()
+{
+    m_ui->chTable->setMinimumHeight(m_channels->fullHeight());
+    const QSize wanted = sizeHint();
+    m_ui->chTable->setMinimumHeight(0);
+    const int available = screen()->availableGeometry().height() - frameHeight;
+    setFixedSize(wanted.width(),
+                 qMax(qMin(wanted.height(), available), minimumSizeHint().height()));
 }
 
 void devConfUI::listenToRegistry()

@@ -91,6 +91,7 @@ private slots:
 
 private:
     void buildParts();
+    void fixSize();
     void listenToRegistry();
     void setCurrent(int index);
     void release();
