@@ -18,18 +18,28 @@ void fill(QMessageBox *box, const Message &message)
     box->setDefaultButton(message.defaultButton);
 }
 
+/** The dialog of a question, whose parent may take it away while it waits. */
+template<typename Dialog>
+struct Question {
+    explicit Question(Dialog *asked)
+        : dialog(asked)
+    {
+    }
+    ~Question() { delete dialog; }
+    Q_DISABLE_COPY(Question)
+
+    QPointer<Dialog> dialog;
+};
+
 /** What is on the screen, and the messages that wait for their turn. */
 class DialogsOnScreen : public QObject
 {
 public:
     QMessageBox::StandardButton ask(QWidget *parent, const Message &message)
     {
-        QMessageBox box(parent);
-        fill(&box, message);
-        ++m_questions;
-        const int answer = box.exec();
-        endQuestion();
-        return QMessageBox::StandardButton(answer);
+        const Question<QMessageBox> box(new QMessageBox(parent));
+        fill(box.dialog, message);
+        return QMessageBox::StandardButton(run(box.dialog));
     }
 
     void tell(QWidget *parent, const Message &message)
@@ -40,15 +50,16 @@ public:
 
     QColor chooseColor(QWidget *parent, const QColor &current)
     {
-        ++m_questions;
-        QColor color = QColorDialog::getColor(current, parent);
-        endQuestion();
-        return color;
+        const Question<QColorDialog> question(new QColorDialog(current, parent));
+        const bool isChosen = run(question.dialog) == QDialog::Accepted;
+        return isChosen && question.dialog ? question.dialog->selectedColor() : QColor();
     }
 
     QString chooseFile(QWidget *parent, const FileQuestion &question)
     {
-        QFileDialog dialog(parent, question.title, question.directory, question.filter);
+        const Question<QFileDialog> asked(
+            new QFileDialog(parent, question.title, question.directory, question.filter));
+        QFileDialog &dialog = *asked.dialog;
         const bool isSaving = question.mode == QFileDialog::AcceptSave;
         dialog.setAcceptMode(question.mode);
         dialog.setFileMode(isSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
@@ -56,10 +67,8 @@ public:
         dialog.setOption(QFileDialog::DontConfirmOverwrite, !question.asksToReplace);
         if (!question.name.isEmpty())
             dialog.selectFile(question.name);
-        ++m_questions;
-        const bool isChosen = dialog.exec() == QDialog::Accepted;
-        endQuestion();
-        return isChosen ? dialog.selectedFiles().value(0) : QString();
+        const bool isChosen = run(asked.dialog) == QDialog::Accepted;
+        return isChosen && asked.dialog ? dialog.selectedFiles().value(0) : QString();
     }
 
 private:
@@ -69,12 +78,15 @@ private:
         Message message;
     };
 
-    void endQuestion()
+    int run(QDialog *question)
     {
+        ++m_questions;
+        const int answer = question->exec();
         --m_questions;
         if (m_box)
             m_box->activateWindow(); // it lost the keyboard to the question
         showNext();
+        return answer;
     }
 
     void showNext()

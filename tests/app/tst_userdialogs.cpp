@@ -12,6 +12,7 @@ class TestUserDialogs : public QObject
 private slots:
     void messagesComeOneByOne();
     void aMessageWaitsForTheAnswer();
+    void whoAsksMayGo();
 
 private:
     static Message message(const QString &text)
@@ -76,6 +77,20 @@ void TestUserDialogs::aMessageWaitsForTheAnswer()
     QCOMPARE(beside, QStringList{"?"});
     QTRY_COMPARE(shown(), QStringList{"!"});
     pressReturn();
+}
+
+void TestUserDialogs::whoAsksMayGo()
+{
+    auto asker = std::make_unique<QWidget>();
+    const auto leave = [&] {
+        QTimer::singleShot(0, this, [&] { asker = std::make_unique<QWidget>(); });
+    };
+    leave();
+    QCOMPARE(screen.ask(asker.get(), message("?")), QMessageBox::NoButton);
+    leave();
+    QCOMPARE(screen.chooseFile(asker.get(), {}), QString());
+    leave();
+    QVERIFY(!screen.chooseColor(asker.get(), Qt::red).isValid());
 }
 
 QTEST_MAIN(TestUserDialogs)
