@@ -169,8 +169,7 @@ void ChannelTable::paint(int ch, int first, int last)
 
 QPoint ChannelTable::placeBelow(uchar ch, int column) const
 {
-    const QRect cell = m_table->visualRect(m_table->model()->index(ch + 1, column));
-    return m_table->viewport()->mapToGlobal(cell.bottomLeft());
+    return placeBelowCell(m_table, ch + 1, column);
 }
 
 ChannelState ChannelTable::stateOf(const noxList::_nox &nox, int channel) const

@@ -1,6 +1,6 @@
 #include "app/clearmenu.h"
 
-#include "app/instrumenttitle.h"
+#include "dialogs/instrumenttitle.h"
 #include "registry/noxlist.h"
 
 ClearMenu::ClearMenu(const noxList *registry, QWidget *parent)

@@ -1,7 +1,7 @@
 #include "app/differencemenu.h"
 
-#include "app/instrumenttitle.h"
 #include "app/plotplaces.h"
+#include "dialogs/instrumenttitle.h"
 #include "plot/qwtnox.h"
 
 namespace

@@ -170,6 +170,11 @@ int InstrumentTable::indexAt(int row) const
     return m_rows.value(row - 1).index;
 }
 
+QPoint InstrumentTable::menuPlace(int row) const
+{
+    return placeBelowCell(m_table, row, InstrumentColumn::Menu);
+}
+
 void InstrumentTable::setRowCount(int instruments)
 {
     const int before = m_table->rowCount();

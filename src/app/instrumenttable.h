@@ -48,6 +48,8 @@ public:
 
     /** The registry index shown in a row; -1 for the header and beyond the last row. */
     int indexAt(int row) const;
+    /** The place on the screen right below the cell from which the menu of a row opens. */
+    QPoint menuPlace(int row) const;
     /** The mouse entered a cell. */
     void hover(int row, int column) { m_hover.enter(row, column); }
 

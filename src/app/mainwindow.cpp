@@ -4,12 +4,13 @@
 #include "app/channeltable.h"
 #include "app/differencemenu.h"
 #include "app/instrumenttable.h"
-#include "app/instrumenttitle.h"
 #include "app/numericpanels.h"
 #include "app/plotbuttons.h"
 #include "app/plotplaces.h"
 #include "app/resultstools.h"
-#include "dialogs/devconfui.h"
+#include "dialogs/confchmenu.h"
+#include "dialogs/confmenu.h"
+#include "dialogs/instrumenttitle.h"
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
@@ -268,7 +269,7 @@ void MainWindow::pressInstrument(int row, int column)
     if (index < 0)
         return;
     if (column == InstrumentColumn::Menu)
-        m_deviceSettings->show(index);
+        m_instrumentCard->show(index, m_instruments->menuPlace(row));
     else
         makeCurrent(index);
 }
@@ -302,6 +303,9 @@ void MainWindow::pressChannel(int row, int column, Qt::MouseButtons buttons)
         break;
     case ChannelColumn::Reference:
         m_differenceMenu->openFor(qwtIndex, ch, m_channels->placeBelow(ch, column));
+        break;
+    case ChannelColumn::Menu:
+        m_channelCard->show(m_current, m_channels->placeBelow(ch, column), ch);
         break;
     default:
         break;

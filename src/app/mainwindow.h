@@ -22,6 +22,8 @@ class QwtNOX;
 class ResultsTools;
 class SettingsMenu;
 class TableHeights;
+class confChMenu;
+class confMenu;
 class devConfUI;
 class findNox;
 class noxSql;
@@ -48,6 +50,8 @@ public:
     noxList *registry() const { return m_registry.get(); }
     QwtNOX *plot() const { return m_plot.get(); }
     devConfUI *deviceSettings() const { return m_deviceSettings.get(); }
+    confMenu *instrumentCard() const { return m_instrumentCard.get(); }
+    confChMenu *channelCard() const { return m_channelCard.get(); }
     findNox *discovery() const { return m_discovery.get(); }
     AlarmSound *alarmSound() const { return m_alarmSound.get(); }
     /** Registry index of the current instrument, -1 when there is none. */
@@ -87,6 +91,7 @@ private:
     void buildInstruments();
     void buildPlot();
     void buildDialogs();
+    void buildCards();
     void buildDisplays();
     void connectKeys();
     void connectRegistry();
@@ -143,6 +148,8 @@ private:
     std::unique_ptr<PlotSettingsStore> m_plotSettings;
     std::unique_ptr<findNox> m_discovery;
     std::unique_ptr<devConfUI> m_deviceSettings;
+    std::unique_ptr<confMenu> m_instrumentCard;
+    std::unique_ptr<confChMenu> m_channelCard;
     std::unique_ptr<InstrumentTable> m_instruments;
     std::unique_ptr<ChannelTable> m_channels;
     std::unique_ptr<TableHeights> m_tableHeights;

@@ -13,6 +13,8 @@
 #include "app/resultstools.h"
 #include "app/settingsmenu.h"
 #include "app/tableheights.h"
+#include "dialogs/confchmenu.h"
+#include "dialogs/confmenu.h"
 #include "dialogs/devconfui.h"
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
@@ -69,6 +71,7 @@ MainWindow::MainWindow(QWidget *parent)
     buildInstruments();
     buildPlot();
     buildDialogs();
+    buildCards();
     buildDisplays();
     buildResults();
     connectKeys();
@@ -144,6 +147,14 @@ void MainWindow::buildDialogs()
 
     m_discovery = std::make_unique<findNox>(this, m_registry.get());
     m_discovery->setStyleSheet(styleSheet());
+}
+
+void MainWindow::buildCards()
+{
+    m_instrumentCard = std::make_unique<confMenu>(this, m_registry.get());
+    connect(m_instrumentCard.get(), &confMenu::neadShowSetup, m_deviceSettings.get(),
+            &devConfUI::show);
+    m_channelCard = std::make_unique<confChMenu>(this, m_registry.get());
 }
 
 void MainWindow::buildDisplays()
@@ -234,6 +245,8 @@ void MainWindow::connectDeviceSettings()
 {
     const noxList *registry = m_registry.get();
     devConfUI *settings = m_deviceSettings.get();
+    connect(registry, &noxList::onChChange, m_channelCard.get(), &confChMenu::onChChange);
+    connect(registry, &noxList::onDevChange, m_instrumentCard.get(), &confMenu::onDevChange);
     connect(registry, &noxList::onDevChange, settings, &devConfUI::onDevChange);
     connect(registry, &noxList::onRefChange, settings, &devConfUI::onRefChange);
     connect(registry, &noxList::onRefShiftChange, settings, &devConfUI::onRefShiftChange);

@@ -1,6 +1,6 @@
 #include "app/resultstools.h"
 
-#include "app/instrumenttitle.h"
+#include "dialogs/instrumenttitle.h"
 #include "plot/qwtnox.h"
 #include "storage/filequestions.h"
 #include "storage/noxsql.h"

@@ -71,6 +71,12 @@ void setUpTable(QTableWidget *table, const QVector<TableColumn> &columns)
     table->setMouseTracking(true);
 }
 
+QPoint placeBelowCell(const QTableWidget *table, int row, int column)
+{
+    const QRect cell = table->visualRect(table->model()->index(row, column));
+    return table->viewport()->mapToGlobal(cell.bottomLeft());
+}
+
 void selectTableRow(QTableWidget *table, int row)
 {
     if (row < 1) {

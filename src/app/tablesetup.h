@@ -3,6 +3,7 @@
 #include <QString>
 #include <QVector>
 
+class QPoint;
 class QTableWidget;
 
 /** One column of a table: what its header cell shows, and how wide it is. */
@@ -17,6 +18,9 @@ struct TableColumn {
  * A click selects nothing; selectTableRow() does.
  */
 void setUpTable(QTableWidget *table, const QVector<TableColumn> &columns);
+
+/** The place on the screen right below a cell. */
+QPoint placeBelowCell(const QTableWidget *table, int row, int column);
 
 /** Selects a row; a row below 1 selects nothing. */
 void selectTableRow(QTableWidget *table, int row);

@@ -29,6 +29,8 @@ void addEntries(QMenu *menu, const QStringList &names, CharacteristicSource sour
 
 void markEntry(const QMenu *menu, CharacteristicSource source, int index)
 {
+    if (!menu)
+        return;
     for (QAction *entry : menu->actions())
         if (!entry->menu())
             entry->setChecked(entry->property(sourceProperty).toInt() == source &&
@@ -39,8 +41,9 @@ void markEntry(const QMenu *menu, CharacteristicSource source, int index)
 
 CharacteristicMenu::CharacteristicMenu(Offer offer, QWidget *parent)
     : QMenu(parent)
-    , m_resistanceThermometers(new QMenu(tr("НСХ ТС"), this))
 {
+    if (offer != NoStandards)
+        m_resistanceThermometers = new QMenu(tr("НСХ ТС"), this);
     if (offer == AllStandards)
         m_thermocouples = new QMenu(tr("НСХ ТП"), this);
     // a choice in a menu inside is reported by this one as well
@@ -57,6 +60,8 @@ void CharacteristicMenu::fill(const optionsNOX8 &image)
 
     const auto addStandards = [&](QMenu *menu, const QStringList &names,
                                   CharacteristicSource source) {
+        if (!menu)
+            return;
         menu->clear();
         addEntries(menu, names, source);
         menu->setEnabled(image.devType >= firstWithStandards);
@@ -64,14 +69,12 @@ void CharacteristicMenu::fill(const optionsNOX8 &image)
     };
     addStandards(m_resistanceThermometers, standardResistanceThermometers(),
                  featureResistanceThermometer);
-    if (m_thermocouples)
-        addStandards(m_thermocouples, standardThermocouples(), featureThermocouple);
+    addStandards(m_thermocouples, standardThermocouples(), featureThermocouple);
 }
 
 void CharacteristicMenu::mark(CharacteristicSource source, int index)
 {
     markEntry(this, source, index);
     markEntry(m_resistanceThermometers, source, index);
-    if (m_thermocouples)
-        markEntry(m_thermocouples, source, index);
+    markEntry(m_thermocouples, source, index);
 }

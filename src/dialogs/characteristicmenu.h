@@ -16,7 +16,7 @@ class CharacteristicMenu : public QMenu
     Q_OBJECT
 public:
     /** Which standard characteristics it offers. */
-    enum Offer { AllStandards, ResistanceThermometers };
+    enum Offer { AllStandards, ResistanceThermometers, NoStandards };
 
     explicit CharacteristicMenu(Offer offer, QWidget *parent = nullptr);
 
@@ -30,6 +30,7 @@ signals:
     void chosen(CharacteristicSource source, quint8 index);
 
 private:
-    QMenu *m_resistanceThermometers;
-    QMenu *m_thermocouples = nullptr; ///< null where they are not offered
+    // null where they are not offered
+    QMenu *m_resistanceThermometers = nullptr;
+    QMenu *m_thermocouples = nullptr;
 };

@@ -8,6 +8,7 @@
 #include "dialogs/configurationchanges.h"
 #include "dialogs/fieldstates.h"
 #include "dialogs/instrumentfields.h"
+#include "dialogs/instrumenttitle.h"
 #include "dialogs/operatingfields.h"
 #include "dialogs/settingsfiles.h"
 #include "dialogs/snapshotbox.h"
@@ -207,7 +208,7 @@ void devConfUI::onDevChange(int index)
     const noxList::_nox *const nox = m_registry->getNoxByIndex(index);
     const FieldStates states = fieldStates(*nox->opt, nox->dbIndex);
     const ConfigurationChanges changes = configurationChanges(nox->held, *nox->opt);
-    m_title = nox->opt->getDevTypeStr(true) + QStringLiteral(" № ") + nox->opt->getDevNumberStr();
+    m_title = instrumentTitle(*nox->opt);
     setWindowTitle(tr("Настройки прибора ") + m_title);
 
     m_fields->refresh(m_registry->serialPort()->getPortName(nox->devIndex), states,

@@ -1,3 +1,4 @@
+#include "dialogs/confmenu.h"
 #include "widgets/rowdelegate.h"
 #include "windowfixture.h"
 
@@ -100,6 +101,7 @@ void TestKeyboard::keysWorkTheInstruments()
     QCOMPARE(fixture->title(), QString("NOX B № 0003"));
     press(table, {Qt::Key_Up, Qt::Key_Menu});
     QCOMPARE(fixture->window->currentIndex(), 2);
+    QVERIFY(QApplication::activePopupWidget() == fixture->window->instrumentCard());
 }
 
 void TestKeyboard::keysWorkTheChannels()
@@ -124,14 +126,16 @@ void TestKeyboard::menuKeyDoesWhatTheMouseDoes()
     const auto openedMenu = [&](Qt::Key key, Qt::KeyboardModifiers modifiers) {
         QTest::keyClick(table, key, modifiers);
         QWidget *menu = QApplication::activePopupWidget();
-        return menu && menu->close();
+        return menu && menu->close() ? menu->metaObject()->className() : "nothing";
     };
     table->setCurrentCell(1, ChannelColumn::DeltaY);
-    QVERIFY(!openedMenu(Qt::Key_Menu, Qt::NoModifier));
+    QCOMPARE(openedMenu(Qt::Key_Menu, Qt::NoModifier), "confChMenu");
     press(table, {Qt::Key_Right});
-    QVERIFY(openedMenu(Qt::Key_Menu, Qt::NoModifier));
-    QVERIFY(openedMenu(Qt::Key_F10, Qt::ShiftModifier));
-    QVERIFY(openedMenu(Qt::Key_Return, Qt::NoModifier));
+    QCOMPARE(openedMenu(Qt::Key_Menu, Qt::NoModifier), "DifferenceMenu");
+    QCOMPARE(openedMenu(Qt::Key_F10, Qt::ShiftModifier), "DifferenceMenu");
+    QCOMPARE(openedMenu(Qt::Key_Return, Qt::NoModifier), "DifferenceMenu");
+    press(table, {Qt::Key_Right});
+    QCOMPARE(openedMenu(Qt::Key_Return, Qt::NoModifier), "confChMenu");
 }
 
 void TestKeyboard::currentCellIsNeverUnderTheHeader()

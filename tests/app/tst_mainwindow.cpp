@@ -1,3 +1,5 @@
+#include "dialogs/confmenu.h"
+#include "dialogs/devconfui.h"
 #include "windowfixture.h"
 
 // Instruments come, go, become current and fail.
@@ -120,6 +122,12 @@ void TestMainWindow::becomesCurrentByAClick()
     const QTableWidget *instruments = fixture->instruments();
     fixture->click(instruments, 2, InstrumentColumn::Menu);
     QCOMPARE(fixture->window->currentIndex(), 0);
+    confMenu *const card = fixture->window->instrumentCard();
+    QCOMPARE(card->findChild<QLabel *>("titleLabel")->text(), QString("NOX CM1 № 0002"));
+    QTest::mouseClick(card->findChild<QToolButton *>("setupBtn"), Qt::LeftButton);
+    QVERIFY(!card->isVisible() && fixture->window->deviceSettings()->isVisible());
+    QVERIFY(fixture->window->deviceSettings()->windowTitle().endsWith("NOX CM1 № 0002"));
+    fixture->window->deviceSettings()->reject();
 
     fixture->click(instruments, 2, InstrumentColumn::Number);
     QCOMPARE(fixture->window->currentIndex(), 1);

@@ -35,9 +35,10 @@ QStringList resultsScenes()
 
 QStringList settingsScenes()
 {
-    return {QStringLiteral("channels"), QStringLiteral("references"),
-            QStringLiteral("shifts"),   QStringLiteral("service"),
-            QStringLiteral("platinum"), QStringLiteral("thermocouple")};
+    return {QStringLiteral("instrument-card"), QStringLiteral("channel-card"),
+            QStringLiteral("channels"),        QStringLiteral("references"),
+            QStringLiteral("shifts"),          QStringLiteral("service"),
+            QStringLiteral("platinum"),        QStringLiteral("thermocouple")};
 }
 
 PictureOrder readPictureOrder()

@@ -1,6 +1,8 @@
 #include "settingsdriver.h"
 
 #include "app/mainwindow.h"
+#include "dialogs/confchmenu.h"
+#include "dialogs/confmenu.h"
 #include "dialogs/devconfui.h"
 
 #include <QAbstractButton>
@@ -57,7 +59,16 @@ SettingsDriver::SettingsDriver(MainWindow *window)
 
 bool SettingsDriver::play(const QString &scene, const Take &take)
 {
-    m_window->deviceSettings()->show(m_window->registry()->indices().first());
+    const int first = m_window->registry()->indices().first();
+    if (scene == QLatin1String("instrument-card")) {
+        m_window->instrumentCard()->show(first, m_window->pos());
+        return take(m_window->instrumentCard());
+    }
+    if (scene == QLatin1String("channel-card")) {
+        m_window->channelCard()->show(first, m_window->pos(), 0);
+        return take(m_window->channelCard());
+    }
+    m_window->deviceSettings()->show(first);
     auto *const tabs = find<QTabWidget>(m_dialog, "tabWidget");
     if (scene == QLatin1String("channels"))
         change();

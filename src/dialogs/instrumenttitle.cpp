@@ -1,4 +1,4 @@
-#include "app/instrumenttitle.h"
+#include "dialogs/instrumenttitle.h"
 
 #include "device/optionsnox8.h"
 
