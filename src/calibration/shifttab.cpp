@@ -143,7 +143,9 @@ void ShiftTab::write()
     QStringList texts;
     for (const QTableWidgetItem *cell : entryCells())
         texts << cell->text();
-    if (enterShifts(texts, *image)) {
+    const bool isEntered = enterShifts(texts, *image);
+    emit taken();
+    if (isEntered) {
         refresh();
         image->triggerRefShiftChange();
     } else {

@@ -55,6 +55,10 @@ public:
      *  plot has its eight channels. The plot may be null. */
     void zeroChannels(const QwtNOX *plot, int qwtIndex);
 
+signals:
+    /** write() has taken numbers into the image, all or those before a wrong one. */
+    void taken();
+
 private:
     QVector<QTableWidget *> tables() const;
     QVector<QTableWidgetItem *> entryCells() const;

@@ -68,6 +68,8 @@ void devConfUI::buildParts()
     m_characteristics = new CharacteristicList(m_ui->featTable);
     connect(m_characteristics, &CharacteristicList::opened, this, &devConfUI::editCharacteristic);
 
+    connect(m_ui->shiftTab, &ShiftTab::taken, this, &devConfUI::findSnapShot);
+
     const SnapshotBox::Widgets snapshots = {m_ui->dbStatusLabel, m_ui->saveDBBtn,    m_ui->addDBBtn,
                                             m_ui->rmDBBtn,       m_ui->dbSearchEdit, m_ui->dbFindCB,
                                             m_ui->infoText};

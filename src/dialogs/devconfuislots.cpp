@@ -150,8 +150,10 @@ void devConfUI::on_rmDevBtn_clicked()
 
 void devConfUI::on_pushButton_3_clicked()
 {
+    const QPointer<devConfUI> self(this);
     m_files->load(m_index);
-    showAll(); // a name and shifts are taken from a file without a word
+    if (self)
+        showAll(); // a name and shifts are taken from a file without a word
 }
 
 void devConfUI::on_pushButton_4_clicked()
@@ -191,7 +193,6 @@ void devConfUI::on_pushButton_7_clicked()
 void devConfUI::on_pushButton_8_clicked()
 {
     m_ui->shiftTab->write();
-    findSnapShot();
 }
 
 void devConfUI::on_chUPB_clicked()

@@ -25,6 +25,7 @@ namespace
 {
 
 constexpr int settlingSeconds = 3; ///< for the curves that are switched on at the end
+constexpr int placingMs = 200;
 
 void waitMs(int milliseconds)
 {
@@ -48,8 +49,10 @@ bool waitFor(int expected, const std::function<int()> &count, int patienceSecond
     return false;
 }
 
+/** What has just been shown gets its place first. */
 bool save(QWidget *widget, const QString &fileName)
 {
+    waitMs(placingMs);
     if (widget && widget->grab().save(fileName, "PNG"))
         return true;
     QTextStream(stderr) << fileName << ": cannot be written\n";
