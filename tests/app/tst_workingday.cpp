@@ -163,8 +163,9 @@ void TestWorkingDay::thePlotIsArranged()
     QTRY_COMPARE(m_fixture.textColor(m_fixture.channels(), 3, ChannelColumn::Value),
                  QColor(Qt::red));
     pickFromButton("trackBtn", "Выкл.");
-    QTRY_VERIFY(m_fixture.textColor(m_fixture.channels(), 3, ChannelColumn::Value) !=
-                QColor(Qt::red));
+    for (int row = 1; row <= 8; ++row)
+        QTRY_VERIFY(m_fixture.textColor(m_fixture.channels(), row, ChannelColumn::Value) !=
+                    QColor(Qt::red));
 
     // two points of a measurement, and off again
     mouse.click(mouse.middle() - QPoint(50, 0));
