@@ -1,5 +1,6 @@
 #include "device/blockaddresses.h"
 #include "device/takenbytes.h"
+#include "device/vocabulary.h"
 #include "dialogs/confchmenu.h"
 #include "dialogs/confmenu.h"
 #include "plot/plotmouse.h"
@@ -194,7 +195,7 @@ void TestWorkingDay::theInstrumentIsSet()
 
     openChannelCard(2);
     pressInCard("featureLabel");
-    pickFromMenu({"НСХ ТС", "50М"});
+    pickFromMenu({"НСХ ТС", standardResistanceThermometers().at(1)});
     pressInCard("applyBtn");
     m_expected[4 + 4 + 2] = char((m_expected.at(4 + 4 + 2) & 0xF0) | 1);
     m_expected[4 + 4 + 3] = char((m_expected.at(4 + 4 + 3) & 0x3F) | 0x40);
