@@ -135,7 +135,8 @@ QString NumericPanels::unitStyle(const QString &unit)
     constexpr int largest = 32;
     constexpr int longestAtLargest = 2;
     constexpr int shrinkFrom = 30;
+    constexpr int smallest = 6; // units of files may have any length
     const int length = unit.length();
-    const int points = length > longestAtLargest ? shrinkFrom - length : largest;
+    const int points = length > longestAtLargest ? qMax(smallest, shrinkFrom - length) : largest;
     return QStringLiteral("font: %1pt;").arg(points);
 }

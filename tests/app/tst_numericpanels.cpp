@@ -35,6 +35,7 @@ void TestNumericPanels::sizesTheUnit_data()
                                    << "font: 27pt;";
     QTest::newRow("five letters") << "м/сек"
                                   << "font: 25pt;";
+    QTest::newRow("thirty letters") << QString(30, QChar(0x43c)) << "font: 6pt;";
     QTest::newRow("ten letters") << "0123456789"
                                  << "font: 20pt;";
 }
