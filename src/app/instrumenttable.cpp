@@ -153,6 +153,7 @@ void InstrumentTable::showProgress(int index, int progress, int maxProgress)
         bar->setFixedWidth(progressWidth);
         bar->setTextVisible(false);
         bar->setAccessibleName(tr("Ход обмена с прибором"));
+        bar->setMouseTracking(true); // so that the table hears of the mouse over it
         m_table->setCellWidget(row, InstrumentColumn::Menu, bar);
     }
     bar->setRange(0, maxProgress);
@@ -197,6 +198,8 @@ void InstrumentTable::addShowBox(int row)
     auto *layout = new QHBoxLayout(holder);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(box, 0, Qt::AlignCenter);
+    for (QWidget *cell : {holder, static_cast<QWidget *>(box)})
+        cell->setMouseTracking(true); // so that the table hears of the mouse over it
     connect(box, &QCheckBox::toggled, this, [this, box](bool shown) {
         emit showToggled(box->property(indexProperty).toInt(), shown);
     });
