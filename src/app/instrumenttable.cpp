@@ -157,7 +157,10 @@ void InstrumentTable::showProgress(int index, int progress, int maxProgress)
         m_table->setCellWidget(row, InstrumentColumn::Menu, bar);
     }
     bar->setRange(0, maxProgress);
-    bar->setValue(progress);
+    if (progress < 0)
+        bar->reset(); // the value is then -1, which setValue() may refuse
+    else
+        bar->setValue(progress);
 }
 
 void InstrumentTable::toggleShow(int row)
