@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QStyle>
+#include <QTextDocument>
 #include <QVariant>
 
 namespace
@@ -94,6 +95,8 @@ void NumericPanels::showNumbers(const QString &value, const QString &average, co
     if (m_unit->text() == unit)
         return;
     m_unit->setText(unit);
+    // its start may be cut off
+    m_unit->setToolTip(Qt::mightBeRichText(unit) ? unit.toHtmlEscaped() : unit);
     setStyle(m_unit, unitStyle(unit));
 }
 

@@ -48,6 +48,7 @@ void TestNumericPanels::sizesTheUnit()
     NumericPanels panels(&value, &average);
     panels.showNumbers("1.00", "1.00", unit);
     QCOMPARE(label(value, 1)->text(), unit);
+    QVERIFY(label(value, 1)->toolTip().contains(unit));
     QTEST(label(value, 1)->styleSheet(), "style");
 }
 
