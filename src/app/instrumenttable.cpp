@@ -239,6 +239,7 @@ InstrumentState InstrumentTable::stateOf(const noxList::_nox &nox) const
     state.name = nox.opt->getDevName(false);
     state.number = nox.opt->getDevNumberStr();
     state.value = QStringLiteral("--");
+    state.unit = QStringLiteral("-"); // as the channels and the panel have it without a channel
     state.attached = nox.devIndex >= 0;
     state.exchanging = state.attached && m_registry->serialPort()->hasExchanges(nox.devIndex);
     state.current = nox.index == m_current;
