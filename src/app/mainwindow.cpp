@@ -180,6 +180,7 @@ void MainWindow::addRecords(int index, const QMap<quint8, QVector<optionsNOX8::_
                              channel.key());
         }
     }
+    updUI(); // a channel without records is empty now
 }
 
 void MainWindow::notePoint(int qwtIndex, uchar ch)
@@ -418,15 +419,33 @@ void MainWindow::showAbout()
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
+    event->setAccepted(m_isLeaving || (wantsToLeave() && !awaitsWrites()));
+}
+
+bool MainWindow::wantsToLeave()
+{
     if (!m_database->getAppProperty(QStringLiteral("exit_query")).toBool())
-        return event->accept();
-    event->ignore();
+        return true;
     Message question;
     question.icon = QMessageBox::Question;
     question.title = tr("Выход из программы");
     question.text = tr("Вы уверены что хотите выйти из программы?");
     question.buttons = QMessageBox::Yes | QMessageBox::No;
     question.defaultButton = QMessageBox::No;
-    if (UserDialogs::current().ask(this, question) == QMessageBox::Yes)
-        event->accept();
+    return UserDialogs::current().ask(this, question) == QMessageBox::Yes;
+}
+
+/** What was applied is written to the end first, since an instrument could keep half of a block;
+ *  the window says so, and closes then. Closed once more, it does not wait. */
+bool MainWindow::awaitsWrites()
+{
+    m_isLeaving = true;
+    m_registry->writeNow();
+    if (m_serialPort->isSendAllData())
+        return false;
+    setWindowTitle(windowTitle() + tr(" — запись настроек в приборы, затем выход"));
+    m_ui->centralwidget->setEnabled(false);
+    connect(m_serialPort.get(), &NOXSerialPort::allDevDataSend, this, &MainWindow::close,
+            Qt::QueuedConnection);
+    return true;
 }

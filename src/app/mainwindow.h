@@ -128,6 +128,8 @@ private:
     void connectPort(const QString &portName);
     void clearPlot(int qwtIndex);
     void showAbout();
+    bool wantsToLeave();
+    bool awaitsWrites();
     void pressInstrument(int row, int column);
     void pressChannel(int row, int column, Qt::MouseButtons buttons);
     void pressNumber(int qwtIndex, uchar ch, Qt::MouseButtons buttons);
@@ -164,5 +166,6 @@ private:
     std::unique_ptr<ResultsTools> m_results;
     std::unique_ptr<AlarmSound> m_alarmSound;
     int m_current = -1;
+    bool m_isLeaving = false;  ///< the window has been closed; what was applied is still written
     bool m_isAlarmDue = false; ///< a limit was violated since the last frame
 };

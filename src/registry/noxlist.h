@@ -99,6 +99,8 @@ public:
     /** All registry indices, ascending. */
     QList<int> indices() const;
 
+    /** Starts all writes that still wait, instead of collecting on. */
+    void writeNow();
     /** How long records made from now on collect writes; 5 s unless a test has set it. */
     void setWriteDelay(int milliseconds) { m_writeDelayMs = milliseconds; }
 

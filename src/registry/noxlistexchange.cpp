@@ -100,6 +100,18 @@ void noxList::sendNoxData(int index, optionsNOX8::tx_code tx_code)
     nox->txTimer->start();
 }
 
+void noxList::writeNow()
+{
+    const auto all = indices();
+    for (const int index : all) {
+        _nox *const nox = getNoxByIndex(index);
+        if (!nox || nox->devIndex < 0)
+            continue;
+        nox->txTimer->stop();
+        writePending(index);
+    }
+}
+
 void noxList::writePending(int index)
 {
     if (getNoxByIndex(index)->txCodes.isEmpty())

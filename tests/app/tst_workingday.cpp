@@ -306,9 +306,16 @@ void TestWorkingDay::theDayEnds()
     press("exitBtm");
     QCOMPARE(m_fixture.dialogs.asked.last().title, "Выход из программы");
     QVERIFY(m_fixture.window->isVisible() && measures(bath));
+    // what has just been applied is written before the window goes
+    openInstrumentCard(bath);
+    QTest::keyClick(inCard("devMeasTimeCB"), Qt::Key_End); // "9"
+    pressInCard("applyBtn");
+    m_expected[0] = char((m_expected.at(0) & 0x0F) | 0x80);
     m_fixture.dialogs.answer = QMessageBox::Yes;
     press("exitBtm");
-    QVERIFY(!m_fixture.window->isVisible());
+    QVERIFY(m_fixture.window->isVisible());
+    QTRY_VERIFY_WITH_TIMEOUT(!m_fixture.window->isVisible(), patienceMs);
+    QCOMPARE(held(), m_expected);
     m_fixture.window.reset();
     m_bench.host.remove("SIM2");
 }
