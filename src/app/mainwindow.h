@@ -22,6 +22,7 @@ class QwtNOX;
 class ResultsTools;
 class SettingsMenu;
 class TableHeights;
+class appconf;
 class confChMenu;
 class confMenu;
 class devConfUI;
@@ -87,6 +88,7 @@ private:
     // construction, in this order
     void buildForm();
     void buildDatabase();
+    void buildAbout();
     void buildAlarm();
     void buildInstruments();
     void buildPlot();
@@ -127,7 +129,6 @@ private:
     void storeMainInstrument();
     void connectPort(const QString &portName);
     void clearPlot(int qwtIndex);
-    void showAbout();
     void pressInstrument(int row, int column);
     void pressChannel(int row, int column, Qt::MouseButtons buttons);
     void pressNumber(int qwtIndex, uchar ch, Qt::MouseButtons buttons);
@@ -146,6 +147,7 @@ private:
     std::unique_ptr<noxList> m_registry;
     std::unique_ptr<QwtNOX> m_plot;
     std::unique_ptr<PlotSettingsStore> m_plotSettings;
+    std::unique_ptr<appconf> m_about;
     std::unique_ptr<findNox> m_discovery;
     std::unique_ptr<devConfUI> m_deviceSettings;
     std::unique_ptr<confMenu> m_instrumentCard;

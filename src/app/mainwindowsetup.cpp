@@ -1,4 +1,5 @@
 #include "app/alarmsound.h"
+#include "app/appconf.h"
 #include "app/channeltable.h"
 #include "app/choicemenu.h"
 #include "app/clearmenu.h"
@@ -67,6 +68,7 @@ MainWindow::MainWindow(QWidget *parent)
 {
     buildForm();
     buildDatabase();
+    buildAbout();
     buildAlarm();
     buildInstruments();
     buildPlot();
@@ -109,6 +111,12 @@ void MainWindow::buildDatabase()
                          QStringLiteral("/nox8.db");
     provideDatabase(path);
     m_database = std::make_unique<noxSql>(path);
+}
+
+void MainWindow::buildAbout()
+{
+    m_about = std::make_unique<appconf>(m_database.get(), this);
+    m_about->setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 }
 
 void MainWindow::buildAlarm()
@@ -290,7 +298,7 @@ void MainWindow::buildSettings()
 {
     m_settingsMenu = std::make_unique<SettingsMenu>(m_database.get(), this);
     m_ui->settingsBtn->setMenu(m_settingsMenu.get());
-    connect(m_settingsMenu.get(), &SettingsMenu::aboutChosen, this, &MainWindow::showAbout);
+    connect(m_settingsMenu.get(), &SettingsMenu::aboutChosen, m_about.get(), &appconf::open);
     if (m_settingsMenu->connectsAtStart())
         QTimer::singleShot(discoveryDelayMs, m_discovery.get(),
                            [this] { m_discovery->find(true, 0, 0); });

@@ -119,12 +119,20 @@ void TestStart::programTellsItsVersion()
     const WindowFixture fixture;
     QCoreApplication::setApplicationVersion("3.4.6");
     fixture.window->setProperty("BUILD_NUMBER", 110);
+    fixture.window->setProperty("BUILD_DATE", "Mar  5 2024");
     const auto actions = fixture.find<QPushButton>("settingsBtn")->menu()->actions();
     QCOMPARE(actions.last()->text(), QStringLiteral("О программе"));
     actions.last()->trigger();
-    QCOMPARE(fixture.dialogs.told.size(), 1);
-    QVERIFY(fixture.dialogs.told.first().text.contains("3.4.6"));
-    QVERIFY(fixture.dialogs.told.first().text.contains("110"));
+    QCOMPARE(fixture.label("versionLabel"), QStringLiteral("3.4.6"));
+    QCOMPARE(fixture.label("buildLabel"), QStringLiteral("110"));
+    QCOMPARE(fixture.label("buildDateLabel"), QStringLiteral("Mar  5 2024"));
+    QCOMPARE(fixture.label("qtLabel"), QStringLiteral(QT_VERSION_STR));
+    QVERIFY(fixture.find<QPlainTextEdit>("licenceText")->toPlainText().contains("MIT License"));
+
+    auto *const dialog = fixture.find<QDialog>("appconf");
+    QVERIFY(dialog->isVisible());
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    QVERIFY(!dialog->isVisible());
 }
 
 QTEST_MAIN(TestStart)
