@@ -21,6 +21,7 @@ class PlotSettingsStore;
 class QwtNOX;
 class ResultsTools;
 class SettingsMenu;
+class StartHints;
 class TableHeights;
 class appconf;
 class confChMenu;
@@ -103,6 +104,7 @@ private:
     void buildSettings();
     void buildPlotTools();
     void buildResults();
+    void buildHints();
     void orderFocus();
 
     // what the registry reports
@@ -160,6 +162,7 @@ private:
     std::unique_ptr<NumericPanels> m_panels;
     std::unique_ptr<ClearMenu> m_clearMenu;
     std::unique_ptr<SettingsMenu> m_settingsMenu;
+    std::unique_ptr<StartHints> m_hints;
     std::unique_ptr<ChoiceMenu> m_limitMenu;
     std::unique_ptr<PlotMenu> m_plotMenu;
     std::unique_ptr<PlotButtons> m_plotButtons;

@@ -13,6 +13,7 @@
 #include "app/plotmenu.h"
 #include "app/resultstools.h"
 #include "app/settingsmenu.h"
+#include "app/starthints.h"
 #include "app/tableheights.h"
 #include "dialogs/confchmenu.h"
 #include "dialogs/confmenu.h"
@@ -83,6 +84,7 @@ MainWindow::MainWindow(QWidget *parent)
     buildMenus();
     buildSettings();
     buildPlotTools();
+    buildHints();
     orderFocus();
     updUI();
 }
@@ -312,6 +314,12 @@ void MainWindow::buildPlotTools()
     m_clearMenu = std::make_unique<ClearMenu>(m_registry.get(), this);
     m_ui->clearBtn->setMenu(m_clearMenu.get());
     connect(m_clearMenu.get(), &ClearMenu::chosen, this, &MainWindow::clearPlot);
+}
+
+void MainWindow::buildHints()
+{
+    const StartHints::Labels labels = {m_ui->instrumentHint, m_ui->databaseHint};
+    m_hints = std::make_unique<StartHints>(labels, m_registry.get(), m_database.get());
 }
 
 /** Tab goes the way of the eye: down the left column, down the plot's tools, along its buttons. */
