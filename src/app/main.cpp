@@ -6,12 +6,15 @@
 #include <QLocale>
 #include <QSplashScreen>
 #include <QStyleFactory>
+#include <QTimer>
 #include <QTranslator>
+#include <QWindow>
 
 namespace
 {
 
 constexpr int buildNumber = 110;
+constexpr int longestWaitMs = 1000;
 constexpr char buildDate[] = "Mar  5 2024";
 
 void setIdentity()
@@ -31,6 +34,21 @@ void leaveOpenGlOut()
         qputenv("QT_XCB_GL_INTEGRATION", "none");
 }
 
+/**
+ * Ends the splash screen as soon as the window is on the screen.
+ *
+ * QSplashScreen::finish() waits for that too, but asleep for 10 ms at a time.
+ */
+void finishSplash(QSplashScreen &splash, QWidget &window)
+{
+    QTimer limit;
+    limit.setSingleShot(true);
+    limit.start(longestWaitMs);
+    while (limit.isActive() && !window.windowHandle()->isExposed())
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    splash.finish(&window);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -39,6 +57,8 @@ int main(int argc, char *argv[])
     leaveOpenGlOut();
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    // without it each dialog takes the button off by itself, which styles all its widgets anew
+    QApplication::setAttribute(Qt::AA_DisableWindowContextHelpButton);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
 
     const QApplication application(argc, argv);
@@ -57,6 +77,6 @@ int main(int argc, char *argv[])
     window.setProperty("BUILD_NUMBER", buildNumber);
     window.setProperty("BUILD_DATE", QString::fromLatin1(buildDate));
     window.showMaximized();
-    splash.finish(&window);
+    finishSplash(splash, window);
     return QApplication::exec();
 }
