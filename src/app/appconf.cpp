@@ -64,5 +64,6 @@ void appconf::open()
     m_ui->buildDateLabel->setText(propertyOf(window, "BUILD_DATE"));
     m_ui->databaseEdit->setText(m_database->path());
     m_ui->licenceText->setPlainText(licences());
+    m_ui->closeBtn->setFocus();
     QDialog::open();
 }

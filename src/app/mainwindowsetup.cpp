@@ -318,8 +318,8 @@ void MainWindow::buildPlotTools()
 
 void MainWindow::buildHints()
 {
-    const StartHints::Labels labels = {m_ui->instrumentHint, m_ui->databaseHint};
-    m_hints = std::make_unique<StartHints>(labels, m_registry.get(), m_database.get());
+    m_hints = std::make_unique<StartHints>(m_ui->devTable, m_ui->databaseHint, m_registry.get(),
+                                           m_database.get());
 }
 
 /** Tab goes the way of the eye: down the left column, down the plot's tools, along its buttons. */

@@ -6,11 +6,15 @@
 
 #include <QEvent>
 #include <QLabel>
+#include <QTableWidget>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
 namespace
 {
+
+constexpr int sideMargin = 8;
 
 /** A path that may be wrapped behind each slash. */
 QString breakablePath(const QString &path)
@@ -19,19 +23,32 @@ QString breakablePath(const QString &path)
     return QString(path).replace(QLatin1Char('/'), QLatin1Char('/') + QString(zeroWidthSpace));
 }
 
+/** A label that takes the room of the rows. */
+QLabel *labelBelowHeader(QTableWidget *table)
+{
+    auto *const label = new QLabel(table->viewport());
+    label->setObjectName(QStringLiteral("instrumentHint"));
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    auto *const layout = new QVBoxLayout(table->viewport());
+    layout->setContentsMargins(sideMargin, table->rowHeight(0), sideMargin, 0);
+    layout->addWidget(label);
+    return label;
+}
+
 } // namespace
 
 QString instrumentHint(int ports, int freePorts)
 {
     if (ports == 0)
-        return StartHints::tr("Приборов пока нет, и последовательных портов не найдено. Подключите "
-                              "прибор к компьютеру, затем нажмите «Поиск приборов».");
+        return StartHints::tr("Приборов нет, портов тоже: подключите прибор и нажмите «Поиск "
+                              "приборов». Без порта — «Ручное подключение».");
     if (freePorts == 0)
-        return StartHints::tr("Приборов пока нет, и все последовательные порты заняты другими "
-                              "программами. Освободите порт, затем нажмите «Поиск приборов».");
-    return StartHints::tr("Приборов пока нет. «Поиск приборов» опрашивает все свободные порты и "
-                          "подключает то, что нашёл; «Ручное подключение» подключает прибор к "
-                          "выбранному порту.");
+        return StartHints::tr("Приборов нет, все порты заняты: освободите порт и нажмите «Поиск "
+                              "приборов». Без порта — «Ручное подключение».");
+    return StartHints::tr("Приборов пока нет. «Поиск приборов» опрашивает все свободные порты, "
+                          "«Ручное подключение» открывает выбранный.");
 }
 
 QString databaseHint(const QString &path)
@@ -41,12 +58,15 @@ QString databaseHint(const QString &path)
         .arg(breakablePath(path));
 }
 
-StartHints::StartHints(const Labels &labels, const noxList *registry, noxSql *database)
-    : m_label(labels.instruments)
+StartHints::StartHints(QTableWidget *instruments, QLabel *databaseLabel, const noxList *registry,
+                       noxSql *database)
+    : m_table(instruments)
+    , m_label(labelBelowHeader(instruments))
     , m_registry(registry)
+    , m_leastHeight(instruments->minimumHeight())
 {
-    labels.database->setVisible(!database->canStore());
-    labels.database->setText(databaseHint(database->path()));
+    databaseLabel->setText(databaseHint(database->path()));
+    databaseLabel->setVisible(!database->canStore());
     connect(registry, &noxList::onAddNox, this, &StartHints::refresh);
     connect(registry, &noxList::onRmNox, this, &StartHints::refresh);
     m_label->window()->installEventFilter(this);
@@ -64,10 +84,19 @@ void StartHints::refresh()
 {
     const bool isEmpty = m_registry->indices().isEmpty();
     m_label->setVisible(isEmpty);
-    if (!isEmpty)
-        return;
-    const QVector<SerialPortEntry> ports = PortCatalog::current().ports();
-    const auto isFree = [](const SerialPortEntry &port) { return !port.busy; };
-    m_label->setText(
-        instrumentHint(ports.size(), int(std::count_if(ports.begin(), ports.end(), isFree))));
+    if (isEmpty) {
+        const QVector<SerialPortEntry> ports = PortCatalog::current().ports();
+        const auto isFree = [](const SerialPortEntry &port) { return !port.busy; };
+        m_label->setText(
+            instrumentHint(ports.size(), int(std::count_if(ports.begin(), ports.end(), isFree))));
+    }
+    m_table->setMinimumHeight(isEmpty ? qMax(m_leastHeight, neededHeight()) : m_leastHeight);
+}
+
+/** Of the table, so that the text is read whole in any font. */
+int StartHints::neededHeight() const
+{
+    const int frame = 2 * m_table->frameWidth();
+    const int textWidth = m_table->maximumWidth() - frame - 2 * sideMargin;
+    return frame + m_table->rowHeight(0) + m_label->heightForWidth(textWidth);
 }

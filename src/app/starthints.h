@@ -4,6 +4,7 @@
 #include <QString>
 
 class QLabel;
+class QTableWidget;
 class noxList;
 class noxSql;
 
@@ -15,8 +16,8 @@ QString instrumentHint(int ports, int freePorts);
 QString databaseHint(const QString &path);
 
 /**
- * Tells in the window what can be done next while nothing is connected, and that nothing is kept
- * when the database cannot be used.
+ * Tells in the empty table of instruments what can be done next, and in the window that nothing is
+ * kept when the database cannot be used.
  *
  * The ports are looked at when the window becomes the active one and when the last instrument goes.
  */
@@ -24,21 +25,20 @@ class StartHints : public QObject
 {
     Q_OBJECT
 public:
-    /** Where the hints are shown; the labels are hidden while there is nothing to tell. */
-    struct Labels {
-        QLabel *instruments = nullptr;
-        QLabel *database = nullptr;
-    };
-
-    /** None is owned; all of them outlive the hints. */
-    StartHints(const Labels &labels, const noxList *registry, noxSql *database);
+    /** The instruments' table is empty but for its header; the label is hidden while there is
+     *  nothing to tell. None is owned, and all of them outlive the hints. */
+    StartHints(QTableWidget *instruments, QLabel *databaseLabel, const noxList *registry,
+               noxSql *database);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void refresh();
+    int neededHeight() const;
 
-    QLabel *m_label;
+    QTableWidget *m_table;
+    QLabel *m_label; ///< in the table, its child
     const noxList *m_registry;
+    int m_leastHeight; ///< of the table with instruments
 };

@@ -143,8 +143,8 @@ void TestStart::emptyWindowTellsWhatToDo_data()
 {
     QTest::addColumn<QVector<bool>>("busyPorts");
     QTest::addColumn<QString>("advice");
-    QTest::newRow("no port") << QVector<bool>{} << "Подключите прибор";
-    QTest::newRow("no free port") << QVector<bool>{true, true} << "Освободите порт";
+    QTest::newRow("no port") << QVector<bool>{} << "подключите прибор";
+    QTest::newRow("no free port") << QVector<bool>{true, true} << "освободите порт";
     QTest::newRow("a free port") << QVector<bool>{true, false} << "Ручное подключение";
 }
 
