@@ -153,10 +153,14 @@ void InstrumentTable::showProgress(int index, int progress, int maxProgress)
         bar->setFixedWidth(progressWidth);
         bar->setTextVisible(false);
         bar->setAccessibleName(tr("Ход обмена с прибором"));
+        bar->setMouseTracking(true); // so that the table hears of the mouse over it
         m_table->setCellWidget(row, InstrumentColumn::Menu, bar);
     }
     bar->setRange(0, maxProgress);
-    bar->setValue(progress);
+    if (progress < 0)
+        bar->reset(); // the value is then -1, which setValue() may refuse
+    else
+        bar->setValue(progress);
 }
 
 void InstrumentTable::toggleShow(int row)
@@ -197,6 +201,8 @@ void InstrumentTable::addShowBox(int row)
     auto *layout = new QHBoxLayout(holder);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(box, 0, Qt::AlignCenter);
+    for (QWidget *cell : {holder, static_cast<QWidget *>(box)})
+        cell->setMouseTracking(true); // so that the table hears of the mouse over it
     connect(box, &QCheckBox::toggled, this, [this, box](bool shown) {
         emit showToggled(box->property(indexProperty).toInt(), shown);
     });
@@ -233,6 +239,7 @@ InstrumentState InstrumentTable::stateOf(const noxList::_nox &nox) const
     state.name = nox.opt->getDevName(false);
     state.number = nox.opt->getDevNumberStr();
     state.value = QStringLiteral("--");
+    state.unit = QStringLiteral("-"); // as the channels and the panel have it without a channel
     state.attached = nox.devIndex >= 0;
     state.exchanging = state.attached && m_registry->serialPort()->hasExchanges(nox.devIndex);
     state.current = nox.index == m_current;

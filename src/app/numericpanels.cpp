@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QStyle>
+#include <QTextDocument>
 #include <QVariant>
 
 namespace
@@ -94,6 +95,8 @@ void NumericPanels::showNumbers(const QString &value, const QString &average, co
     if (m_unit->text() == unit)
         return;
     m_unit->setText(unit);
+    // its start may be cut off
+    m_unit->setToolTip(Qt::mightBeRichText(unit) ? unit.toHtmlEscaped() : unit);
     setStyle(m_unit, unitStyle(unit));
 }
 
@@ -135,7 +138,8 @@ QString NumericPanels::unitStyle(const QString &unit)
     constexpr int largest = 32;
     constexpr int longestAtLargest = 2;
     constexpr int shrinkFrom = 30;
+    constexpr int smallest = 6; // units of files may have any length
     const int length = unit.length();
-    const int points = length > longestAtLargest ? shrinkFrom - length : largest;
+    const int points = length > longestAtLargest ? qMax(smallest, shrinkFrom - length) : largest;
     return QStringLiteral("font: %1pt;").arg(points);
 }

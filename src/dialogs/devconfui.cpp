@@ -28,6 +28,19 @@ namespace
 constexpr int shiftPage = 3;    ///< of the tabs
 constexpr int frameHeight = 40; ///< of what a window manager puts round a dialog, about
 
+/** Makes layouts forget the sizes that they have seen before lists were filled and styles known. */
+void refreshSizes(const QWidget *window)
+{
+    const auto widgets = window->findChildren<QWidget *>();
+    for (QWidget *widget : widgets) {
+        widget->ensurePolished();
+        widget->updateGeometry();
+    }
+    const auto layouts = window->findChildren<QLayout *>();
+    for (QLayout *layout : layouts)
+        layout->invalidate();
+}
+
 } // namespace
 
 // Construction
@@ -78,15 +91,18 @@ void devConfUI::buildParts()
     m_editor = new featconfui(this, m_registry->database());
 }
 
-/** All channels are in sight, as far as the screen has room for them. */
+/** All channels are in sight, as far as the screen has room for them; else everything but the
+ *  buttons is scrolled. */
 void devConfUI::fixSize()
 {
+    refreshSizes(this);
     m_ui->chTable->setMinimumHeight(m_channels->fullHeight());
+    m_ui->settingsScroll->setMinimumSize(m_ui->settingsContents->sizeHint());
     const QSize wanted = sizeHint();
+    m_ui->settingsScroll->setMinimumSize(0, 0);
     m_ui->chTable->setMinimumHeight(0);
     const int available = screen()->availableGeometry().height() - frameHeight;
-    setFixedSize(wanted.width(),
-                 qMax(qMin(wanted.height(), available), minimumSizeHint().height()));
+    setFixedSize(wanted.width(), qMin(wanted.height(), available));
 }
 
 void devConfUI::listenToRegistry()

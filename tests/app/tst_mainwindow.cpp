@@ -239,10 +239,11 @@ void TestMainWindow::marksTheRowUnderTheMouse()
     };
     const auto shape = [table] { return table->viewport()->cursor().shape(); };
 
-    emit table->cellEntered(2, InstrumentColumn::Menu);
+    const QTableWidgetItem *menu = table->item(2, InstrumentColumn::Menu);
+    QTest::mouseMove(table->viewport(), table->visualItemRect(menu).center());
     QCOMPARE(marks(), (QStringList{"<", "☰", ""}));
     QCOMPARE(shape(), Qt::PointingHandCursor);
-    emit table->cellEntered(3, InstrumentColumn::Name);
+    QTest::mouseMove(fixture->showBox(3)); // which lies above the cell
     QCOMPARE(marks(), (QStringList{"<", "", "☰"}));
     QCOMPARE(shape(), Qt::ArrowCursor);
     emit table->cellEntered(1, InstrumentColumn::Menu);

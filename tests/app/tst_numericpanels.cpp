@@ -35,6 +35,7 @@ void TestNumericPanels::sizesTheUnit_data()
                                    << "font: 27pt;";
     QTest::newRow("five letters") << "м/сек"
                                   << "font: 25pt;";
+    QTest::newRow("thirty letters") << QString(30, QChar(0x43c)) << "font: 6pt;";
     QTest::newRow("ten letters") << "0123456789"
                                  << "font: 20pt;";
 }
@@ -47,6 +48,7 @@ void TestNumericPanels::sizesTheUnit()
     NumericPanels panels(&value, &average);
     panels.showNumbers("1.00", "1.00", unit);
     QCOMPARE(label(value, 1)->text(), unit);
+    QVERIFY(label(value, 1)->toolTip().contains(unit));
     QTEST(label(value, 1)->styleSheet(), "style");
 }
 

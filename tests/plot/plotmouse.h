@@ -21,9 +21,11 @@ public:
     explicit PlotMouse(QwtNOX &plot)
         : m_plot(plot)
     {
-        plot.resize(800, 500);
-        plot.show();
-        m_isReady = QTest::qWaitForWindowExposed(&plot);
+        if (plot.isWindow()) {
+            plot.resize(800, 500);
+            plot.show();
+        }
+        m_isReady = QTest::qWaitForWindowExposed(plot.window());
     }
 
     bool isReady() const { return m_isReady; }
@@ -81,20 +83,20 @@ public:
     void wheel(const QPoint &at, bool away)
     {
         moveTo(at);
-        const QPointF onPlot = m_plot.canvas()->mapTo(&m_plot, at);
-        QWheelEvent event(onPlot, m_plot.mapToGlobal(onPlot.toPoint()), QPoint(),
+        const QPointF onWindow = m_plot.canvas()->mapTo(m_plot.window(), at);
+        QWheelEvent event(onWindow, m_plot.canvas()->mapToGlobal(at), QPoint(),
                           QPoint(0, away ? 120 : -120), m_buttons, Qt::NoModifier,
                           Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(m_plot.windowHandle(), &event);
+        QCoreApplication::sendEvent(m_plot.window()->windowHandle(), &event);
     }
 
 private:
     void send(QEvent::Type type, const QPoint &at, Qt::MouseButton button)
     {
-        const QPoint onPlot = m_plot.canvas()->mapTo(&m_plot, at);
-        QMouseEvent event(type, onPlot, onPlot, m_plot.mapToGlobal(onPlot), button, m_buttons,
-                          Qt::NoModifier);
-        QCoreApplication::sendEvent(m_plot.windowHandle(), &event);
+        const QPoint onWindow = m_plot.canvas()->mapTo(m_plot.window(), at);
+        QMouseEvent event(type, onWindow, onWindow, m_plot.canvas()->mapToGlobal(at), button,
+                          m_buttons, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_plot.window()->windowHandle(), &event);
     }
 
     QwtNOX &m_plot;

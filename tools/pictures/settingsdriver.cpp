@@ -49,6 +49,8 @@ void enterThermocouple(featureNOX8 &feature)
                         "5.2758", "800", "5.2469", "900", "8.4508"});
 }
 
+constexpr int wholeHeight = 846; ///< at which nothing is scrolled: the screen may be lower
+
 } // namespace
 
 SettingsDriver::SettingsDriver(MainWindow *window)
@@ -69,6 +71,7 @@ bool SettingsDriver::play(const QString &scene, const Take &take)
         return take(m_window->channelCard());
     }
     m_window->deviceSettings()->show(first);
+    m_dialog->setFixedHeight(wholeHeight);
     auto *const tabs = find<QTabWidget>(m_dialog, "tabWidget");
     if (scene == QLatin1String("channels"))
         change();
