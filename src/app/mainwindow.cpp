@@ -405,18 +405,6 @@ void MainWindow::on_findDevBtn_clicked()
     m_discovery->find(true, 0, 0);
 }
 
-void MainWindow::showAbout()
-{
-    Message message;
-    message.icon = QMessageBox::Information;
-    message.title = tr("О программе");
-    message.text =
-        tr("%1, версия %2\nСборка %3, %4")
-            .arg(QCoreApplication::applicationName(), QCoreApplication::applicationVersion(),
-                 property("BUILD_NUMBER").toString(), property("BUILD_DATE").toString());
-    UserDialogs::current().tell(this, message);
-}
-
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     event->setAccepted(m_isLeaving || (wantsToLeave() && !awaitsWrites()));

@@ -21,7 +21,9 @@ class PlotSettingsStore;
 class QwtNOX;
 class ResultsTools;
 class SettingsMenu;
+class StartHints;
 class TableHeights;
+class appconf;
 class confChMenu;
 class confMenu;
 class devConfUI;
@@ -87,6 +89,7 @@ private:
     // construction, in this order
     void buildForm();
     void buildDatabase();
+    void buildAbout();
     void buildAlarm();
     void buildInstruments();
     void buildPlot();
@@ -101,6 +104,7 @@ private:
     void buildSettings();
     void buildPlotTools();
     void buildResults();
+    void buildHints();
     void orderFocus();
 
     // what the registry reports
@@ -127,7 +131,6 @@ private:
     void storeMainInstrument();
     void connectPort(const QString &portName);
     void clearPlot(int qwtIndex);
-    void showAbout();
     bool wantsToLeave();
     bool awaitsWrites();
     void pressInstrument(int row, int column);
@@ -148,6 +151,7 @@ private:
     std::unique_ptr<noxList> m_registry;
     std::unique_ptr<QwtNOX> m_plot;
     std::unique_ptr<PlotSettingsStore> m_plotSettings;
+    std::unique_ptr<appconf> m_about;
     std::unique_ptr<findNox> m_discovery;
     std::unique_ptr<devConfUI> m_deviceSettings;
     std::unique_ptr<confMenu> m_instrumentCard;
@@ -160,6 +164,7 @@ private:
     std::unique_ptr<NumericPanels> m_panels;
     std::unique_ptr<ClearMenu> m_clearMenu;
     std::unique_ptr<SettingsMenu> m_settingsMenu;
+    std::unique_ptr<StartHints> m_hints;
     std::unique_ptr<ChoiceMenu> m_limitMenu;
     std::unique_ptr<PlotMenu> m_plotMenu;
     std::unique_ptr<PlotButtons> m_plotButtons;

@@ -1,4 +1,5 @@
 #include "app/alarmsound.h"
+#include "app/appconf.h"
 #include "app/channeltable.h"
 #include "app/choicemenu.h"
 #include "app/clearmenu.h"
@@ -12,6 +13,7 @@
 #include "app/plotmenu.h"
 #include "app/resultstools.h"
 #include "app/settingsmenu.h"
+#include "app/starthints.h"
 #include "app/tableheights.h"
 #include "dialogs/confchmenu.h"
 #include "dialogs/confmenu.h"
@@ -67,6 +69,7 @@ MainWindow::MainWindow(QWidget *parent)
 {
     buildForm();
     buildDatabase();
+    buildAbout();
     buildAlarm();
     buildInstruments();
     buildPlot();
@@ -81,6 +84,7 @@ MainWindow::MainWindow(QWidget *parent)
     buildMenus();
     buildSettings();
     buildPlotTools();
+    buildHints();
     orderFocus();
     updUI();
 }
@@ -109,6 +113,12 @@ void MainWindow::buildDatabase()
                          QStringLiteral("/nox8.db");
     provideDatabase(path);
     m_database = std::make_unique<noxSql>(path);
+}
+
+void MainWindow::buildAbout()
+{
+    m_about = std::make_unique<appconf>(m_database.get(), this);
+    m_about->setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 }
 
 void MainWindow::buildAlarm()
@@ -290,7 +300,7 @@ void MainWindow::buildSettings()
 {
     m_settingsMenu = std::make_unique<SettingsMenu>(m_database.get(), this);
     m_ui->settingsBtn->setMenu(m_settingsMenu.get());
-    connect(m_settingsMenu.get(), &SettingsMenu::aboutChosen, this, &MainWindow::showAbout);
+    connect(m_settingsMenu.get(), &SettingsMenu::aboutChosen, m_about.get(), &appconf::open);
     if (m_settingsMenu->connectsAtStart())
         QTimer::singleShot(discoveryDelayMs, m_discovery.get(),
                            [this] { m_discovery->find(true, 0, 0); });
@@ -304,6 +314,12 @@ void MainWindow::buildPlotTools()
     m_clearMenu = std::make_unique<ClearMenu>(m_registry.get(), this);
     m_ui->clearBtn->setMenu(m_clearMenu.get());
     connect(m_clearMenu.get(), &ClearMenu::chosen, this, &MainWindow::clearPlot);
+}
+
+void MainWindow::buildHints()
+{
+    m_hints = std::make_unique<StartHints>(m_ui->devTable, m_ui->databaseHint, m_registry.get(),
+                                           m_database.get());
 }
 
 /** Tab goes the way of the eye: down the left column, down the plot's tools, along its buttons. */

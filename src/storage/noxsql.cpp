@@ -49,6 +49,12 @@ noxSql::~noxSql()
     QSqlDatabase::removeDatabase(QLatin1String(QSqlDatabase::defaultConnection));
 }
 
+bool noxSql::canStore()
+{
+    return execute(m_database, "UPDATE app_property SET app_property_val=NULL WHERE FALSE", {})
+        .has_value();
+}
+
 int noxSql::querySize(QSqlQuery *query)
 {
     return rowCount(*query);

@@ -39,6 +39,10 @@ public:
 
     /** Whether the file could be opened; it stays as it is. */
     bool isOpen() const { return m_database.isOpen(); }
+    /** Of the file; empty when none was to be opened. */
+    QString path() const { return m_database.databaseName(); }
+    /** Whether the file is a database of this program that takes changes; it stays as it is. */
+    bool canStore();
 
     /** Rows of an executed SELECT; the query stands where it stood. */
     static int querySize(QSqlQuery *query);

@@ -16,6 +16,10 @@ private slots:
     void exitIsAskedFor();
     void progressStandsInTheRow();
     void programTellsItsVersion();
+    void emptyWindowTellsWhatToDo_data();
+    void emptyWindowTellsWhatToDo();
+    void uselessDatabaseIsTold_data();
+    void uselessDatabaseIsTold();
 };
 
 namespace
@@ -119,12 +123,79 @@ void TestStart::programTellsItsVersion()
     const WindowFixture fixture;
     QCoreApplication::setApplicationVersion("3.4.6");
     fixture.window->setProperty("BUILD_NUMBER", 110);
+    fixture.window->setProperty("BUILD_DATE", "Mar  5 2024");
     const auto actions = fixture.find<QPushButton>("settingsBtn")->menu()->actions();
     QCOMPARE(actions.last()->text(), QStringLiteral("О программе"));
     actions.last()->trigger();
-    QCOMPARE(fixture.dialogs.told.size(), 1);
-    QVERIFY(fixture.dialogs.told.first().text.contains("3.4.6"));
-    QVERIFY(fixture.dialogs.told.first().text.contains("110"));
+    QCOMPARE(fixture.label("versionLabel"), QStringLiteral("3.4.6"));
+    QCOMPARE(fixture.label("buildLabel"), QStringLiteral("110"));
+    QCOMPARE(fixture.label("buildDateLabel"), QStringLiteral("Mar  5 2024"));
+    QCOMPARE(fixture.label("qtLabel"), QStringLiteral(QT_VERSION_STR));
+    QVERIFY(fixture.find<QPlainTextEdit>("licenceText")->toPlainText().contains("MIT License"));
+
+    auto *const dialog = fixture.find<QDialog>("appconf");
+    QVERIFY(dialog->isVisible());
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    QVERIFY(!dialog->isVisible());
+}
+
+void TestStart::emptyWindowTellsWhatToDo_data()
+{
+    QTest::addColumn<QVector<bool>>("busyPorts");
+    QTest::addColumn<QString>("advice");
+    QTest::newRow("no port") << QVector<bool>{} << "подключите прибор";
+    QTest::newRow("no free port") << QVector<bool>{true, true} << "освободите порт";
+    QTest::newRow("a free port") << QVector<bool>{true, false} << "Ручное подключение";
+}
+
+void TestStart::emptyWindowTellsWhatToDo()
+{
+    QFETCH(QVector<bool>, busyPorts);
+    QFETCH(QString, advice);
+    const WindowFixture fixture;
+    QVector<SerialPortEntry> ports;
+    for (const bool busy : busyPorts)
+        ports.append({QString::number(ports.size()), {}, busy});
+    PortCatalog::setCurrent(std::make_unique<ListedPorts>(ports));
+    QEvent activation(QEvent::WindowActivate);
+    QCoreApplication::sendEvent(fixture.window.get(), &activation);
+    const auto *const hint = fixture.find<QLabel>("instrumentHint");
+    QVERIFY(hint->isVisible());
+    QVERIFY2(hint->text().contains(advice), qPrintable(hint->text()));
+    const int index = fixture.add();
+    QVERIFY(!hint->isVisible());
+    fixture.registry().rmByIndex(index);
+    QVERIFY(hint->isVisible());
+}
+
+void TestStart::uselessDatabaseIsTold_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<bool>("isFolderBlocked");
+    QTest::newRow("no folder") << QByteArray() << true;
+    QTest::newRow("empty file") << QByteArray() << false;
+    QTest::newRow("other file") << QByteArray(4096, 'x') << false;
+}
+
+void TestStart::uselessDatabaseIsTold()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(bool, isFolderBlocked);
+    WindowFixture fixture;
+    const auto *hint = fixture.find<QLabel>("databaseHint");
+    QVERIFY(!hint->isVisible());
+    fixture.window.reset();
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    QVERIFY(QDir(folder).removeRecursively());
+    QVERIFY(isFolderBlocked || QDir().mkpath(folder));
+    QFile file(isFolderBlocked ? folder : folder + "/nox8.db");
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    file.close();
+
+    fixture.window = std::make_unique<MainWindow>();
+    fixture.window->show();
+    hint = fixture.find<QLabel>("databaseHint");
+    QVERIFY(hint->isVisible() && hint->text().contains("Настройки не сохраняются"));
 }
 
 QTEST_MAIN(TestStart)
