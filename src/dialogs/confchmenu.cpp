@@ -141,12 +141,14 @@ void confChMenu::buildMenus()
 
 void confChMenu::listenToRegistry()
 {
-    connect(m_registry, &noxList::onDevChange, this, [this](int index) {
+    const auto refresh = [this](int index) {
         if (index != m_index)
             return;
         closeMenus(); // their entries may mean something else now
         onChChange(index, m_channel);
-    });
+    };
+    connect(m_registry, &noxList::onDevChange, this, refresh);
+    connect(m_registry, &noxList::onIdentChange, this, refresh); // the model may be unknown now
     connect(m_registry, &noxList::onRmNox, this, [this](int index) {
         if (index == m_index)
             dismiss();

@@ -31,6 +31,7 @@ confMenu::confMenu(QWidget *parent, noxList *registry)
 
     connect(this, &QMenu::aboutToHide, this, [this] { setCurrent(-1); });
     connect(m_registry, &noxList::onHeldChange, this, &confMenu::onDevChange);
+    connect(m_registry, &noxList::onIdentChange, this, &confMenu::onDevChange);
     connect(m_registry, &noxList::onChange, this, [this] { onDevChange(m_index); });
     connect(m_registry, &noxList::onRmNox, this, [this](int index) {
         if (index == m_index)
