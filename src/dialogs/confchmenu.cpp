@@ -216,8 +216,7 @@ void confChMenu::onChChange(int index, uchar)
 
 void confChMenu::showSwitch(bool isOn)
 {
-    const QIcon picture(isOn ? QStringLiteral(":/resource/images/on.png")
-                             : QStringLiteral(":/resource/images/off.png"));
+    const QIcon &picture = isOn ? m_onPicture : m_offPicture;
     m_ui->switchLabel->setPixmap(picture.pixmap(switchSize));
     m_ui->switchLabel->setAccessibleName(isOn ? tr("Канал включён") : tr("Канал выключен"));
 }

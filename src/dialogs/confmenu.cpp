@@ -95,8 +95,7 @@ void confMenu::onDevChange(int index)
 
 void confMenu::showConnection(bool isConnected, bool isKnown)
 {
-    m_ui->connectBtn->setIcon(QIcon(isConnected ? QStringLiteral(":/resource/images/disconnect.png")
-                                                : QStringLiteral(":/resource/images/connect.png")));
+    m_ui->connectBtn->setIcon(isConnected ? m_disconnectPicture : m_connectPicture);
     const QString text = isConnected ? tr("Отключить прибор") : tr("Подключить прибор");
     m_ui->connectBtn->setToolTip(text);
     m_ui->connectBtn->setAccessibleName(text);
