@@ -141,12 +141,14 @@ void confChMenu::buildMenus()
 
 void confChMenu::listenToRegistry()
 {
-    connect(m_registry, &noxList::onDevChange, this, [this](int index) {
+    const auto refresh = [this](int index) {
         if (index != m_index)
             return;
         closeMenus(); // their entries may mean something else now
         onChChange(index, m_channel);
-    });
+    };
+    connect(m_registry, &noxList::onDevChange, this, refresh);
+    connect(m_registry, &noxList::onIdentChange, this, refresh); // the model may be unknown now
     connect(m_registry, &noxList::onRmNox, this, [this](int index) {
         if (index == m_index)
             dismiss();
@@ -214,8 +216,7 @@ void confChMenu::onChChange(int index, uchar)
 
 void confChMenu::showSwitch(bool isOn)
 {
-    const QIcon picture(isOn ? QStringLiteral(":/resource/images/on.png")
-                             : QStringLiteral(":/resource/images/off.png"));
+    const QIcon &picture = isOn ? m_onPicture : m_offPicture;
     m_ui->switchLabel->setPixmap(picture.pixmap(switchSize));
     m_ui->switchLabel->setAccessibleName(isOn ? tr("Канал включён") : tr("Канал выключен"));
 }

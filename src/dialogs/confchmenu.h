@@ -2,6 +2,7 @@
 
 #include "device/optionsnox8.h"
 
+#include <QIcon>
 #include <QMenu>
 #include <QPointer>
 
@@ -69,6 +70,10 @@ private:
 
     void editCharacteristic(quint8 place);
     bool isImageOf(int index) const;
+
+    // kept: what an icon draws goes into the cache of all pictures, under the icon's own key
+    const QIcon m_onPicture{QStringLiteral(":/resource/images/on.png")};
+    const QIcon m_offPicture{QStringLiteral(":/resource/images/off.png")};
 
     MenuCard *m_card; ///< what the menu consists of; its child
     std::unique_ptr<Ui::confChMenu> m_ui;

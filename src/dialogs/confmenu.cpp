@@ -31,6 +31,7 @@ confMenu::confMenu(QWidget *parent, noxList *registry)
 
     connect(this, &QMenu::aboutToHide, this, [this] { setCurrent(-1); });
     connect(m_registry, &noxList::onHeldChange, this, &confMenu::onDevChange);
+    connect(m_registry, &noxList::onIdentChange, this, &confMenu::onDevChange);
     connect(m_registry, &noxList::onChange, this, [this] { onDevChange(m_index); });
     connect(m_registry, &noxList::onRmNox, this, [this](int index) {
         if (index == m_index)
@@ -94,8 +95,7 @@ void confMenu::onDevChange(int index)
 
 void confMenu::showConnection(bool isConnected, bool isKnown)
 {
-    m_ui->connectBtn->setIcon(QIcon(isConnected ? QStringLiteral(":/resource/images/disconnect.png")
-                                                : QStringLiteral(":/resource/images/connect.png")));
+    m_ui->connectBtn->setIcon(isConnected ? m_disconnectPicture : m_connectPicture);
     const QString text = isConnected ? tr("Отключить прибор") : tr("Подключить прибор");
     m_ui->connectBtn->setToolTip(text);
     m_ui->connectBtn->setAccessibleName(text);

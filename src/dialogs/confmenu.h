@@ -2,6 +2,7 @@
 
 #include "registry/noxlist.h"
 
+#include <QIcon>
 #include <QMenu>
 
 #include <memory>
@@ -57,6 +58,10 @@ private:
     void connectAgain(noxList::_nox *nox);
     void followConfiguration(noxList::_nox *nox);
     optionsNOX8 *image() const;
+
+    // kept: what an icon draws goes into the cache of all pictures, under the icon's own key
+    const QIcon m_connectPicture{QStringLiteral(":/resource/images/connect.png")};
+    const QIcon m_disconnectPicture{QStringLiteral(":/resource/images/disconnect.png")};
 
     MenuCard *m_card; ///< what the menu consists of; its child
     std::unique_ptr<Ui::confMenu> m_ui;

@@ -434,6 +434,8 @@ void TestCards::unknownChannelIsNotShown()
     QVERIFY(!m_channel->isVisible() && !m_instrument->isVisible());
     showChannel(7);
     QCOMPARE(find<QLabel>("titleLabel")->text(), QString("Канал № 8"));
+    m_image->setData(QByteArray::fromHex("0100000021000001"), 51); // refused: no model any more
+    QCOMPARE(find<QLabel>("featureLabel")->text(), QString("-"));
 }
 
 void TestCards::inputStaysInTheCard_data()
