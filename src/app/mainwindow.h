@@ -94,16 +94,19 @@ private:
     void buildInstruments();
     void buildPlot();
     void buildDialogs();
-    void buildCards();
+    void buildResults();
+    void buildInstrumentCard();
     void buildDisplays();
-    void connectKeys();
+    void buildChannelCard();
+    void connectExchange();
     void connectRegistry();
-    void connectDeviceSettings();
+    void connectSettings();
+    void connectInstruments();
     void connectPlot();
+    void connectKeys();
     void buildMenus();
     void buildSettings();
     void buildPlotTools();
-    void buildResults();
     void buildHints();
     void orderFocus();
 
@@ -149,13 +152,13 @@ private:
     std::unique_ptr<NOXSerialPort> m_serialPort;
     std::unique_ptr<noxSql> m_database;
     std::unique_ptr<noxList> m_registry;
+    std::unique_ptr<confChMenu> m_channelCard;
+    std::unique_ptr<confMenu> m_instrumentCard;
     std::unique_ptr<QwtNOX> m_plot;
     std::unique_ptr<PlotSettingsStore> m_plotSettings;
     std::unique_ptr<appconf> m_about;
     std::unique_ptr<findNox> m_discovery;
     std::unique_ptr<devConfUI> m_deviceSettings;
-    std::unique_ptr<confMenu> m_instrumentCard;
-    std::unique_ptr<confChMenu> m_channelCard;
     std::unique_ptr<InstrumentTable> m_instruments;
     std::unique_ptr<ChannelTable> m_channels;
     std::unique_ptr<TableHeights> m_tableHeights;
@@ -168,8 +171,8 @@ private:
     std::unique_ptr<ChoiceMenu> m_limitMenu;
     std::unique_ptr<PlotMenu> m_plotMenu;
     std::unique_ptr<PlotButtons> m_plotButtons;
-    std::unique_ptr<ResultsTools> m_results;
     std::unique_ptr<AlarmSound> m_alarmSound;
+    std::unique_ptr<ResultsTools> m_results;
     int m_current = -1;
     bool m_isLeaving = false;  ///< the window has been closed; what was applied is still written
     bool m_isAlarmDue = false; ///< a limit was violated since the last frame

@@ -74,13 +74,16 @@ MainWindow::MainWindow(QWidget *parent)
     buildInstruments();
     buildPlot();
     buildDialogs();
-    buildCards();
-    buildDisplays();
     buildResults();
-    connectKeys();
+    buildInstrumentCard();
+    buildDisplays();
+    buildChannelCard();
+    connectExchange();
     connectRegistry();
-    connectDeviceSettings();
+    connectSettings(); // first what shows an instrument's settings, then what makes use of them
+    connectInstruments();
     connectPlot();
+    connectKeys();
     buildMenus();
     buildSettings();
     buildPlotTools();
@@ -159,12 +162,19 @@ void MainWindow::buildDialogs()
     m_discovery->setStyleSheet(styleSheet());
 }
 
-void MainWindow::buildCards()
+void MainWindow::buildResults()
+{
+    const ResultsTools::Display display = {m_ui->recBtn, m_ui->readingBar, m_ui->readingLabel,
+                                           m_ui->readingProgress, m_ui->stopReadingBtn};
+    m_results = std::make_unique<ResultsTools>(display, m_registry.get(), m_plot.get(), this);
+    connect(m_results.get(), &ResultsTools::resultsRead, this, &MainWindow::updUI);
+}
+
+void MainWindow::buildInstrumentCard()
 {
     m_instrumentCard = std::make_unique<confMenu>(this, m_registry.get());
     connect(m_instrumentCard.get(), &confMenu::neadShowSetup, m_deviceSettings.get(),
             &devConfUI::show);
-    m_channelCard = std::make_unique<confChMenu>(this, m_registry.get());
 }
 
 void MainWindow::buildDisplays()
@@ -187,12 +197,74 @@ void MainWindow::buildDisplays()
             });
 }
 
-void MainWindow::buildResults()
+void MainWindow::buildChannelCard()
 {
-    const ResultsTools::Display display = {m_ui->recBtn, m_ui->readingBar, m_ui->readingLabel,
-                                           m_ui->readingProgress, m_ui->stopReadingBtn};
-    m_results = std::make_unique<ResultsTools>(display, m_registry.get(), m_plot.get(), this);
-    connect(m_results.get(), &ResultsTools::resultsRead, this, &MainWindow::updUI);
+    m_channelCard = std::make_unique<confChMenu>(this, m_registry.get());
+}
+
+void MainWindow::connectExchange()
+{
+    connect(m_serialPort.get(), QOverload<int, int, int, quint8>::of(&NOXSerialPort::setProgress),
+            this, [this](int devIndex, int progress, int maxProgress) {
+                m_instruments->showProgress(m_registry->getIndexByDev(devIndex), progress,
+                                            maxProgress);
+            });
+    // fired when an exchange is queued, and when none is left
+    connect(m_serialPort.get(), QOverload<int, bool>::of(&NOXSerialPort::blockStatusEvent), this,
+            [this](int devIndex) {
+                m_instruments->noteExchange(m_registry->getIndexByDev(devIndex));
+                m_plot->frameClock().request();
+            });
+}
+
+void MainWindow::connectRegistry()
+{
+    connect(m_registry.get(), &noxList::onAddNox, this, &MainWindow::attachInstrument);
+    connect(m_registry.get(), &noxList::onChange, this, &MainWindow::updUI);
+}
+
+void MainWindow::connectSettings()
+{
+    const noxList *registry = m_registry.get();
+    const devConfUI *settings = m_deviceSettings.get();
+    connect(registry, &noxList::onChChange, m_channelCard.get(), &confChMenu::onChChange);
+    connect(registry, &noxList::onDevChange, m_instrumentCard.get(), &confMenu::onDevChange);
+    connect(registry, &noxList::onDevChange, settings, &devConfUI::onDevChange);
+    connect(registry, &noxList::onRefChange, settings, &devConfUI::onRefChange);
+    connect(registry, &noxList::onRefShiftChange, settings, &devConfUI::onRefShiftChange);
+    connect(registry, &noxList::onChChange, settings, &devConfUI::onChChange);
+}
+
+void MainWindow::connectInstruments()
+{
+    const noxList *registry = m_registry.get();
+    connect(registry, &noxList::onIdentChange, this, &MainWindow::adoptIdentity);
+    connect(registry, &noxList::onDevChange, this, &MainWindow::adoptModel);
+    connect(registry, &noxList::onChChange, this, [this](int index) {
+        if (index == m_current)
+            updUI();
+    });
+    connect(registry, &noxList::onReadMeas, this, &MainWindow::addMeasurement);
+    connect(registry, &noxList::onReadRec, this, &MainWindow::addRecords);
+    connect(registry, &noxList::onRmNox, this, &MainWindow::detachInstrument);
+    connect(registry, &noxList::doFindNox, this, &MainWindow::searchAgain);
+    connect(registry, &noxList::onDevError, this, &MainWindow::showFault);
+    connect(registry, &noxList::doClearQwt, m_plot.get(), [this](int qwtIndex) {
+        if (qwtIndex >= 0) // below 0 the plot would clear its main instrument
+            m_plot->clear(qwtIndex);
+    });
+}
+
+void MainWindow::connectPlot()
+{
+    const QwtNOX *plot = m_plot.get();
+    connect(plot, &QwtNOX::onAddPoint, this, &MainWindow::notePoint);
+    connect(plot, &QwtNOX::onPointTrackOff, this, &MainWindow::noteAlarm);
+    connect(plot, &QwtNOX::onErrorAddPoint, this, &MainWindow::noteRejected);
+    connect(plot, &QwtNOX::onChColorChange, this, &MainWindow::updUI);
+    connect(plot, &QwtNOX::onDevChange, this, &MainWindow::showMainInstrument);
+    connect(plot, &QwtNOX::onChange, this, &MainWindow::showPlotSettings);
+    connect(&m_plot->frameClock(), &FrameClock::frame, this, &MainWindow::showFrame);
 }
 
 /** The keys of the tables do what the mouse does in their columns. */
@@ -216,63 +288,6 @@ void MainWindow::connectKeys()
             column == ChannelColumn::Number || column == ChannelColumn::Reference;
         pressChannel(row, hasItsOwn ? column : ChannelColumn::Menu, Qt::RightButton);
     });
-}
-
-void MainWindow::connectRegistry()
-{
-    connect(m_serialPort.get(), QOverload<int, int, int, quint8>::of(&NOXSerialPort::setProgress),
-            this, [this](int devIndex, int progress, int maxProgress) {
-                m_instruments->showProgress(m_registry->getIndexByDev(devIndex), progress,
-                                            maxProgress);
-            });
-    // fired when an exchange is queued, and when none is left
-    connect(m_serialPort.get(), QOverload<int, bool>::of(&NOXSerialPort::blockStatusEvent), this,
-            [this](int devIndex) {
-                m_instruments->noteExchange(m_registry->getIndexByDev(devIndex));
-                m_plot->frameClock().request();
-            });
-    const noxList *registry = m_registry.get();
-    connect(registry, &noxList::onAddNox, this, &MainWindow::attachInstrument);
-    connect(registry, &noxList::onChange, this, &MainWindow::updUI);
-    connect(registry, &noxList::onIdentChange, this, &MainWindow::adoptIdentity);
-    connect(registry, &noxList::onDevChange, this, &MainWindow::adoptModel);
-    connect(registry, &noxList::onChChange, this, [this](int index) {
-        if (index == m_current)
-            updUI();
-    });
-    connect(registry, &noxList::onReadMeas, this, &MainWindow::addMeasurement);
-    connect(registry, &noxList::onReadRec, this, &MainWindow::addRecords);
-    connect(registry, &noxList::onRmNox, this, &MainWindow::detachInstrument);
-    connect(registry, &noxList::doFindNox, this, &MainWindow::searchAgain);
-    connect(registry, &noxList::onDevError, this, &MainWindow::showFault);
-    connect(registry, &noxList::doClearQwt, m_plot.get(), [this](int qwtIndex) {
-        if (qwtIndex >= 0) // below 0 the plot would clear its main instrument
-            m_plot->clear(qwtIndex);
-    });
-}
-
-void MainWindow::connectDeviceSettings()
-{
-    const noxList *registry = m_registry.get();
-    devConfUI *settings = m_deviceSettings.get();
-    connect(registry, &noxList::onChChange, m_channelCard.get(), &confChMenu::onChChange);
-    connect(registry, &noxList::onDevChange, m_instrumentCard.get(), &confMenu::onDevChange);
-    connect(registry, &noxList::onDevChange, settings, &devConfUI::onDevChange);
-    connect(registry, &noxList::onRefChange, settings, &devConfUI::onRefChange);
-    connect(registry, &noxList::onRefShiftChange, settings, &devConfUI::onRefShiftChange);
-    connect(registry, &noxList::onChChange, settings, &devConfUI::onChChange);
-}
-
-void MainWindow::connectPlot()
-{
-    const QwtNOX *plot = m_plot.get();
-    connect(plot, &QwtNOX::onAddPoint, this, &MainWindow::notePoint);
-    connect(plot, &QwtNOX::onPointTrackOff, this, &MainWindow::noteAlarm);
-    connect(plot, &QwtNOX::onErrorAddPoint, this, &MainWindow::noteRejected);
-    connect(plot, &QwtNOX::onChColorChange, this, &MainWindow::updUI);
-    connect(plot, &QwtNOX::onDevChange, this, &MainWindow::showMainInstrument);
-    connect(plot, &QwtNOX::onChange, this, &MainWindow::showPlotSettings);
-    connect(&m_plot->frameClock(), &FrameClock::frame, this, &MainWindow::showFrame);
 }
 
 void MainWindow::buildMenus()
