@@ -58,7 +58,6 @@ devConfUI::devConfUI(QWidget *parent, noxList *registry, QwtNOX *plot)
     listenToRegistry();
     guardFromWheel(this);
     installEventFilter(this);
-    fixSize();
     connect(this, &QDialog::finished, this, &devConfUI::release);
 }
 
@@ -139,6 +138,7 @@ void devConfUI::show(int index)
     m_ui->pgBar->hide();
     m_ui->shiftTab->setServiceVisible(false);
     m_ui->dbSearchEdit->clear();
+    fixSize(); // not before: it lays out every page, for which the start would have to wait
     open();
     showAll();
     showConnection();
