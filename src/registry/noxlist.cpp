@@ -25,9 +25,11 @@ noxList::noxList(NOXSerialPort *serialPort, noxSql *database)
 noxList::~noxList()
 {
     const auto all = std::exchange(m_records, {});
-    for (_nox *nox : all) {
+    for (const _nox *nox : all) {
         nox->opt->disconnect(this);
-        nox->txTimer->disconnect(this); // it could run out while the worker is ending
+        nox->txTimer->disconnect(this); // any of them could run out while a worker is ending
+    }
+    for (_nox *nox : all) {
         m_serialPort->rmDev(nox->devIndex);
         delete nox;
     }

@@ -449,6 +449,11 @@ void TestNoxList::instrumentOnAnotherPortLeavesNoLinkBehind()
     QCOMPARE(nox->portName, QString("b"));
     QTRY_COMPARE(port->devices(), QList<int>{nox->devIndex});
     QVERIFY(nox->devIndex != former);
+
+    list->setWriteDelay(0);
+    list->sendNoxData(onPlot(-1)->index, optionsNOX8::txConfiguration);
+    list.reset(); // the write would begin while the link is ending
+    QVERIFY(port->devices().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestNoxList)
