@@ -7,6 +7,7 @@
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
 #include "support/instrumentbench.h"
+#include "support/menukeys.h"
 #include "windowfixture.h"
 
 /**
@@ -60,7 +61,6 @@ private:
         return QApplication::activePopupWidget()->findChild<QWidget *>(name);
     }
     static void pressInCard(const char *name) { QTest::mouseClick(inCard(name), Qt::LeftButton); }
-    static void pickFromMenu(const QStringList &path);
     void pickFromButton(const char *button, const QString &entry) const;
     void openInstrumentCard(int row) const
     {
@@ -108,28 +108,9 @@ void TestWorkingDay::firstStartFindsTheInstrument()
     QVERIFY(m_fixture.dialogs.told.isEmpty() && m_fixture.dialogs.asked.isEmpty());
 }
 
-/** Picks entries of the open menu by their keys, one menu inside the other. */
-void TestWorkingDay::pickFromMenu(const QStringList &path)
-{
-    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-    for (const QString &title : path) {
-        QVERIFY2(menu, qPrintable(title));
-        const auto entries = menu->actions();
-        const auto entry = std::find_if(entries.begin(), entries.end(), [&](const QAction *one) {
-            return one->text() == title && one->isEnabled();
-        });
-        QVERIFY2(entry != entries.end(), qPrintable(title));
-        menu->setActiveAction(*entry);
-        if ((*entry)->menu())
-            menu = (*entry)->menu();
-        else
-            QTest::keyClick(menu, Qt::Key_Return);
-    }
-}
-
 void TestWorkingDay::pickFromButton(const char *button, const QString &entry) const
 {
-    QTimer::singleShot(100, this, [entry] { pickFromMenu({entry}); });
+    QTimer::singleShot(100, this, [entry] { pickEntry(entry); });
     press(button); // which returns when the menu has closed
 }
 
@@ -195,7 +176,7 @@ void TestWorkingDay::theInstrumentIsSet()
 
     openChannelCard(2);
     pressInCard("featureLabel");
-    pickFromMenu({"НСХ ТС", standardResistanceThermometers().at(1)});
+    pickEntry("НСХ ТС/" + standardResistanceThermometers().at(1));
     pressInCard("applyBtn");
     m_expected[4 + 4 + 2] = char((m_expected.at(4 + 4 + 2) & 0xF0) | 1);
     m_expected[4 + 4 + 3] = char((m_expected.at(4 + 4 + 3) & 0x3F) | 0x40);
@@ -214,7 +195,7 @@ void TestWorkingDay::aCharacteristicIsEdited()
         QTest::mouseClick(editor->findChild<QWidget *>("pushButton"), Qt::LeftButton);
     });
     pressInCard("editBtn");
-    pickFromMenu({image().getFeatureInfStrList().at(2)});
+    pickEntry(image().getFeatureInfStrList().at(2));
     QTRY_COMPARE_WITH_TIMEOUT(image().getFeatureInfStrList().at(2), "Heater", patienceMs);
 
     // the channel now uses the third characteristic, whose record differs in its name alone

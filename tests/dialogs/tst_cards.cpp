@@ -7,6 +7,7 @@
 #include "serial/portcatalog.h"
 #include "storage/databasefile.h"
 #include "storage/noxsql.h"
+#include "support/menukeys.h"
 
 #include <QtTest>
 #include <QtWidgets>
@@ -65,7 +66,6 @@ private:
         for (const Qt::Key key : keys)
             QTest::keyClick(find<QWidget>(control), key);
     }
-    void pickEntry(const QString &text) const;
     void showChannel(uchar ch) const { m_channel->show(m_nox->index, {20, 20}, ch); }
     void showInstrument() const { m_instrument->show(m_nox->index, {20, 20}); }
 
@@ -117,24 +117,6 @@ void TestCards::add(quint32 type, int devIndex)
     m_image->setDevNumber(123);
     m_image->setData(taken(m_image->getData()), 2); // as when it has been read
     m_image->identApplyPending = false;
-}
-
-/** Picks an entry of the menu that is up, or of one inside it ("menu/entry"), by its key. */
-void TestCards::pickEntry(const QString &text) const
-{
-    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-    const QStringList parts = text.split('/');
-    for (const QString &part : parts) {
-        QVERIFY2(menu, qPrintable(part));
-        const auto entries = menu->actions();
-        const auto entry = std::find_if(entries.begin(), entries.end(),
-                                        [&](const QAction *one) { return one->text() == part; });
-        QVERIFY2(entry != entries.end(), qPrintable(part));
-        menu->setActiveAction(*entry);
-        if (!(*entry)->menu())
-            QTest::keyClick(menu, Qt::Key_Return);
-        menu = (*entry)->menu();
-    }
 }
 
 void TestCards::openingChangesNothing_data()

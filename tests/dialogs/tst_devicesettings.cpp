@@ -6,6 +6,7 @@
 #include "serial/noxserialport.h"
 #include "storage/databasefile.h"
 #include "storage/noxsql.h"
+#include "support/menukeys.h"
 #include "widgets/rowdelegate.h"
 #include "widgets/userdialogs.h"
 
@@ -47,7 +48,6 @@ private:
     void open(quint32 type);
     void choose(const char *list, const QString &text) const;
     void pressCell(int row, int column) const;
-    void pickEntry(const QString &text) const;
 
     std::unique_ptr<QTemporaryDir> m_directory;
     std::unique_ptr<noxSql> m_database;
@@ -112,24 +112,6 @@ void TestDeviceSettings::pressCell(int row, int column) const
     const QHeaderView *const header = table->horizontalHeader();
     const QPoint place(header->sectionViewportPosition(column) + 20, header->height() / 2);
     QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, place);
-}
-
-/** Picks an entry of the menu that is up, or of one inside it ("menu/entry"), by its key. */
-void TestDeviceSettings::pickEntry(const QString &text) const
-{
-    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-    for (const QString &part : text.split('/')) {
-        QVERIFY2(menu, qPrintable(part));
-        const auto entries = menu->actions();
-        const auto entry = std::find_if(entries.begin(), entries.end(),
-                                        [&](const QAction *one) { return one->text() == part; });
-        QVERIFY2(entry != entries.end(), qPrintable(part));
-        menu->setActiveAction(*entry);
-        if ((*entry)->menu())
-            menu = (*entry)->menu();
-        else
-            QTest::keyClick(menu, Qt::Key_Return);
-    }
 }
 
 void TestDeviceSettings::openingChangesNothing_data()
