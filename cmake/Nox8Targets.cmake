@@ -1,4 +1,4 @@
-# The three kinds of target of this project: a room of the product, a test program, a plain program.
+# The three kinds of target of this project: a library of the product, a test program, a plain program.
 
 add_library(nox8_flags INTERFACE)
 target_compile_options(nox8_flags INTERFACE
@@ -17,11 +17,11 @@ target_link_options(nox8_flags INTERFACE
     $<$<BOOL:${NOX8_SANITIZE}>:-fsanitize=address,undefined>
     $<$<BOOL:${NOX8_FUZZ}>:-fsanitize=address,undefined>)
 
-# nox8_add_room(<name> SOURCES <file>... LINKS <target>...)
+# nox8_add_library(<name> SOURCES <file>... LINKS <target>...)
 #
-# A static library nox8_<name>. A room links only the rooms it may know, so an include against the
+# A static library nox8_<name>. It links only the libraries it may know, so an include against the
 # direction of the arrows does not link.
-function(nox8_add_room name)
+function(nox8_add_library name)
     cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
     add_library(nox8_${name} STATIC ${arg_SOURCES})
     target_include_directories(nox8_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
