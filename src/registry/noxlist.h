@@ -11,6 +11,8 @@
 
 #include <memory>
 
+class BlockExchange;
+class InstrumentStore;
 class NOXSerialPort;
 class noxSql;
 
@@ -84,6 +86,8 @@ public:
     void getOptFromNox(int index);
     /** Passes the instrument's measurements on, or not, optionally clearing the plot on return. */
     void setProccesed(int index, bool on, bool clearOnResume);
+    /** Switches the recording of the instrument, as its record describes it, on or off. */
+    void setRecording(int index, bool on);
 
     /** The record, or null. It lives until rmByIndex(). */
     _nox *getNoxByIndex(int index) const;
@@ -146,34 +150,22 @@ private slots:
 
 private:
     int nextIndex() const;
-    void setSignal(_nox *nox);
-    void connectChanges(const _nox *nox);
-    void connectRequests(_nox *nox);
-    void connectSerialPort();
-    void setCommandByte(const _nox *nox);
-    QString unitText(const _nox &nox, quint8 ch, char dim) const;
-
     _nox *findSame(const optionsNOX8 &image) const;
     void continueOn(_nox *known, int devIndex);
-    void readBlock(const _nox *nox, quint8 address, int size,
-                   noxQueryMode mode = noxQueryModeNormal);
-    void readConfiguration(const _nox *nox);
+
+    void connectSerialPort();
+    void setSignal(_nox *nox);
+    void leave(const _nox *nox);
 
     void writePending(int index);
-    void writeBlock(const _nox *nox, QByteArray block, quint8 address);
-    void writeChannel(const _nox *nox, quint8 ch);
-    void applyIdentity(_nox *nox);
-    void applyDevice(const _nox *nox);
-
-    void storeUnit(int index, quint8 ch);
-    void storeIdentity(_nox *nox);
-    void updateReferenceData(const _nox *nox);
-    void storeReferenceData(const _nox *nox);
-    void recogniseSnapShot(_nox *nox);
-    void recogniseByReferenceData(_nox *nox);
+    void applyIdentity(const _nox *nox);
+    void keepUnit(int index, quint8 ch);
+    void noteIdentity(int index);
 
     NOXSerialPort *m_serialPort; ///< not owned
     noxSql *m_database;          ///< not owned
+    std::unique_ptr<BlockExchange> m_exchange;
+    std::unique_ptr<InstrumentStore> m_store;
     QMap<int, _nox *> m_records; ///< owned, by registry index
     int m_writeDelayMs = 5000;
 };
