@@ -1,6 +1,6 @@
 #pragma once
 
-#include "storage/storedcharacteristics.h"
+#include "storage/storeditems.h"
 
 /** What the editor shows of the database about its characteristic. */
 struct StoredMatch {

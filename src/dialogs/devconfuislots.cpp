@@ -10,7 +10,6 @@
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
 #include "storage/noxsql.h"
-#include "storage/storedsnapshots.h"
 #include "ui_devconfui.h"
 #include "widgets/userdialogs.h"
 
@@ -141,10 +140,9 @@ void devConfUI::on_rmDevBtn_clicked()
     if (UserDialogs::current().ask(this, question) != QMessageBox::Yes || !self)
         return;
     noxList::_nox *const nox = m_registry->getNoxByIndex(index);
-    if (!nox || nox->dbIndex < 0 || !removeStoredInstrument(nox->dbIndex))
+    if (!nox || nox->dbIndex < 0 || !m_registry->database()->removeDev(nox->dbIndex))
         return;
     nox->dbIndex = -1;
-    emit m_registry->database()->onMeasDBChange();
     onDevChange(index);
 }
 

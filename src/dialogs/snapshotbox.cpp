@@ -2,7 +2,7 @@
 
 #include "device/blockaddresses.h"
 #include "device/takenbytes.h"
-#include "storage/storedsnapshots.h"
+#include "storage/storeditems.h"
 #include "widgets/userdialogs.h"
 
 #include <QAbstractButton>

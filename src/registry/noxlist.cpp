@@ -167,6 +167,15 @@ void noxList::disConnByIndex(int index)
     emit onChange();
 }
 
+void noxList::connByIndex(int index)
+{
+    _nox *nox = getNoxByIndex(index);
+    if (!nox)
+        return;
+    nox->devIndex = m_serialPort->addDev(nox->portName, nox->opt->getDevFamily());
+    emit onChange();
+}
+
 void noxList::setProccesed(int index, bool on, bool clearOnResume)
 {
     _nox *nox = getNoxByIndex(index);

@@ -82,6 +82,10 @@ public:
     void detachByDevIndex(int devIndex);
     /** Disconnects the instrument; its record stays. */
     void disConnByIndex(int index);
+    /** Takes the instrument to be at the port where it was; stays unconnected when that fails. */
+    void connByIndex(int index);
+    /** Asks for the instrument to be looked for on the ports. */
+    void searchFor(int index) { emit doFindNox(index); }
     /** Reads all blocks of an instrument whose type is known. */
     void getOptFromNox(int index);
     /** Passes the instrument's measurements on, or not, optionally clearing the plot on return. */
@@ -135,7 +139,7 @@ signals:
     /** The instrument's logger: records by channel from 0, start of the recording. */
     void onReadRec(int index, QMap<quint8, QVector<optionsNOX8::_recItem>> records,
                    QDateTime start);
-    /** Fired by others: look for this instrument on the ports. */
+    /** Asks to look for this instrument on the ports. */
     void doFindNox(int index);
     /** A fault of the instrument, with the text to show. */
     void onDevError(int index, quint8 code, QString msg);
