@@ -1,6 +1,6 @@
 #include "app/clearmenu.h"
 
-#include "dialogs/instrumenttitle.h"
+#include "dialogs/settingscontent.h"
 #include "registry/noxlist.h"
 
 ClearMenu::ClearMenu(const noxList *registry, QWidget *parent)

@@ -1,7 +1,7 @@
 #include "app/differencemenu.h"
 
 #include "app/plotplaces.h"
-#include "dialogs/instrumenttitle.h"
+#include "dialogs/settingscontent.h"
 #include "plot/qwtnox.h"
 
 namespace

@@ -35,7 +35,7 @@ FileQuestion characteristicToSave(const QString &description);
  */
 QString chooseCharacteristic(QWidget *parent, noxSql *database, FileQuestion question);
 
-/** Asks whether a stored characteristic is to be removed; `title` is that of the dialog. */
+/** Asks whether something stored is to be removed; `title` is that of the dialog. */
 Message removalQuestion(const QString &title);
 
 /** That what was entered is no characteristic. */
