@@ -1,17 +1,27 @@
-#include "app/tablesetup.h"
+#include "app/windowtables.h"
 
+#include "plot/qwtnox.h"
+#include "widgets/headedtable.h"
 #include "widgets/qlabelclick.h"
 #include "widgets/rowdelegate.h"
 
+#include <QEvent>
 #include <QHeaderView>
 #include <QIcon>
-#include <QTableWidget>
+#include <QPainter>
+#include <QPixmap>
+
+#include <algorithm>
+#include <utility>
 
 namespace
 {
 
 constexpr QSize pictureSize(20, 20);
 constexpr int titleMargin = 2;
+constexpr int swatchSize = 16;
+constexpr int swatchFrame = 2;
+constexpr int swatchRole = Qt::UserRole;
 
 /** Makes the title as small as it must be to be read whole. */
 void fitTitle(QLabel *label, int width)
@@ -56,6 +66,58 @@ void setWidth(QHeaderView *header, int section, int width)
         header->resizeSection(section, width);
 }
 
+QPixmap swatchPixmap(const QColor &color, int scale)
+{
+    QPixmap pixmap(swatchSize * scale, swatchSize * scale);
+    pixmap.setDevicePixelRatio(scale);
+    pixmap.fill(color);
+    if (color.alpha() == 0)
+        return pixmap;
+    QPainter painter(&pixmap);
+    painter.setPen(QPen(Qt::white, swatchFrame, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    const int inset = swatchFrame / 2;
+    const int side = swatchSize - swatchFrame;
+    painter.drawRect(inset, inset, side, side);
+    return pixmap;
+}
+
+QTableWidgetItem *itemAt(QTableWidget *table, int row, int column)
+{
+    if (QTableWidgetItem *item = table->item(row, column))
+        return item;
+    auto *item = new QTableWidgetItem;
+    item->setTextAlignment(Qt::AlignCenter);
+    table->setItem(row, column, item);
+    return item;
+}
+
+void paintSwatch(QTableWidgetItem *item, const QColor &color)
+{
+    if (item->data(swatchRole).value<QColor>() == color)
+        return;
+    item->setData(swatchRole, color);
+    item->setIcon(color.isValid() ? swatchIcon(color) : QIcon());
+}
+
+// An item reports a change, and its cell is painted again, only where the new content differs.
+void paintCell(QTableWidgetItem *item, const CellContent &content)
+{
+    item->setText(content.text);
+    item->setToolTip(content.toolTip);
+    item->setForeground(content.textColor);
+    item->setBackground(content.background.isValid() ? QBrush(content.background) : QBrush());
+    item->setData(waitingRole, content.waiting);
+    paintSwatch(item, content.swatch);
+}
+
+/** The height of the lower of two tables that share `total`, all in pixels. */
+int lowerShare(int total, int upperNeed, int lowerNeed)
+{
+    if (upperNeed + lowerNeed <= total)
+        return lowerNeed;
+    return std::max(std::min(lowerNeed, total / 2), total - upperNeed);
+}
+
 } // namespace
 
 void setUpTable(QTableWidget *table, const QVector<TableColumn> &columns)
@@ -71,10 +133,30 @@ void setUpTable(QTableWidget *table, const QVector<TableColumn> &columns)
     table->setMouseTracking(true);
 }
 
-QPoint placeBelowCell(const QTableWidget *table, int row, int column)
+void readLatest(LatestValue *latest, const QwtNOX &plot, const noxList::_nox &nox, uchar ch)
 {
-    const QRect cell = table->visualRect(table->model()->index(row, column));
-    return table->viewport()->mapToGlobal(cell.bottomLeft());
+    constexpr int latestPoint = -1;
+    constexpr bool difference = false;
+    latest->value = plot.getChMeasStr(nox.qwtIndex, ch);
+    latest->unit = plot.getChDim(nox.qwtIndex, ch);
+    if (latest->unit.isEmpty())
+        latest->unit = nox.opt->getChMeasTypeName(ch);
+    if (plot.getChMeasCount(nox.qwtIndex, ch, difference) > 0)
+        latest->received = plot.getChMeas(nox.qwtIndex, ch, latestPoint, difference);
+}
+
+void paintRow(QTableWidget *table, int row, const RowContent &content, int first, int last)
+{
+    for (int column = first; column <= last; ++column)
+        paintCell(itemAt(table, row, column), content[size_t(column)]);
+}
+
+QIcon swatchIcon(const QColor &color)
+{
+    QIcon icon;
+    for (const int scale : {1, 2})
+        icon.addPixmap(swatchPixmap(color, scale));
+    return icon;
 }
 
 void selectTableRow(QTableWidget *table, int row)
@@ -86,4 +168,60 @@ void selectTableRow(QTableWidget *table, int row)
     table->selectionModel()->select(table->model()->index(row, 0),
                                     QItemSelectionModel::ClearAndSelect |
                                         QItemSelectionModel::Rows);
+}
+
+QPoint placeBelowCell(const QTableWidget *table, int row, int column)
+{
+    const QRect cell = table->visualRect(table->model()->index(row, column));
+    return table->viewport()->mapToGlobal(cell.bottomLeft());
+}
+
+RowHover::RowHover(QTableWidget *table, QSet<int> menuColumns, QObject *parent)
+    : QObject(parent)
+    , m_table(table)
+    , m_menuColumns(std::move(menuColumns))
+{
+    m_table->viewport()->installEventFilter(this);
+}
+
+void RowHover::enter(int row, int column)
+{
+    const bool opensMenu = row > 0 && m_menuColumns.contains(column);
+    m_table->viewport()->setCursor(opensMenu ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    if (row == m_row)
+        return;
+    const int from = std::exchange(m_row, row);
+    emit moved(from, row);
+}
+
+bool RowHover::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Leave)
+        enter(0, 0);
+    return QObject::eventFilter(watched, event);
+}
+
+TableHeights::TableHeights(HeadedTable *upper, HeadedTable *lower, QObject *parent)
+    : QObject(parent)
+    , m_upper(upper)
+    , m_lower(lower)
+{
+    for (HeadedTable *table : {upper, lower}) {
+        table->installEventFilter(this);
+        connect(table->model(), &QAbstractItemModel::rowsInserted, this, &TableHeights::divide);
+        connect(table->model(), &QAbstractItemModel::rowsRemoved, this, &TableHeights::divide);
+    }
+}
+
+bool TableHeights::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Resize)
+        divide();
+    return QObject::eventFilter(watched, event);
+}
+
+void TableHeights::divide()
+{
+    m_lower->setPreferredHeight(lowerShare(m_upper->height() + m_lower->height(),
+                                           m_upper->neededHeight(), m_lower->neededHeight()));
 }
