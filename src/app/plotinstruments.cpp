@@ -46,11 +46,7 @@ int attachToPlot(QwtNOX *plot, uchar channelCount)
     const int qwtIndex = freePlotIndex(plot->devices().keys());
     if (qwtIndex < 0)
         return -1;
-    plot->addDev(qwtIndex, channelCount);
-    if (plot->devices().size() == 1)
-        plot->setDevMain(qwtIndex);
-    else
-        emit plot->onChange(qwtIndex);
+    plot->attachDev(qwtIndex, channelCount);
     return qwtIndex;
 }
 
