@@ -5,6 +5,25 @@
 class QCheckBox;
 class noxSql;
 
+// The menus of the buttons that connect by hand and that set the program.
+
+/** The menu of manual connection: every port that is free when the menu opens, or none at all. */
+class ConnectMenu : public QMenu
+{
+    Q_OBJECT
+public:
+    explicit ConnectMenu(QWidget *parent = nullptr);
+
+signals:
+    /** The user chose a port by its name. */
+    void portChosen(const QString &portName);
+    /** The user wants an instrument without a port. */
+    void noPortChosen();
+
+private:
+    void refill();
+};
+
 /** The menu of the program's settings, which it keeps in the database. */
 class SettingsMenu : public QMenu
 {

@@ -1,9 +1,34 @@
-#include "app/settingsmenu.h"
+#include "app/windowmenus.h"
 
+#include "serial/portcatalog.h"
 #include "storage/noxsql.h"
 
 #include <QCheckBox>
 #include <QWidgetAction>
+
+ConnectMenu::ConnectMenu(QWidget *parent)
+    : QMenu(parent)
+{
+    connect(this, &QMenu::aboutToShow, this, &ConnectMenu::refill);
+}
+
+void ConnectMenu::refill()
+{
+    clear();
+    connect(addAction(tr("без подключния")), &QAction::triggered, this, &ConnectMenu::noPortChosen);
+    addSeparator();
+    const auto ports = PortCatalog::current().ports();
+    for (const SerialPortEntry &port : ports) {
+        if (port.busy)
+            continue;
+        // an ampersand of the name is no mnemonic
+        QAction *action =
+            addAction(QString(port.name).replace(QLatin1Char('&'), QLatin1String("&&")));
+        action->setData(port.name);
+        connect(action, &QAction::triggered, this,
+                [this, name = port.name] { emit portChosen(name); });
+    }
+}
 
 SettingsMenu::SettingsMenu(noxSql *database, QWidget *parent)
     : QMenu(parent)

@@ -1,8 +1,8 @@
-#include "app/differencemenu.h"
+#include "app/plotinstruments.h"
 
-#include "app/plotplaces.h"
 #include "dialogs/settingscontent.h"
 #include "plot/qwtnox.h"
+#include "registry/noxlist.h"
 
 namespace
 {
@@ -29,6 +29,58 @@ void setReference(QObject *object, uchar ch, int qwtIndex)
 }
 
 } // namespace
+
+int freePlotIndex(const QList<int> &used)
+{
+    constexpr int mostInstruments = 255;
+    if (used.size() >= mostInstruments)
+        return -1;
+    int index = 0;
+    while (used.contains(index))
+        ++index;
+    return index;
+}
+
+int attachToPlot(QwtNOX *plot, uchar channelCount)
+{
+    const int qwtIndex = freePlotIndex(plot->devices().keys());
+    if (qwtIndex < 0)
+        return -1;
+    plot->attachDev(qwtIndex, channelCount);
+    return qwtIndex;
+}
+
+optionsNOX8 *imageOnPlot(const noxList &registry, int qwtIndex)
+{
+    const noxList::_nox *nox = qwtIndex < 0 ? nullptr : registry.getNoxByQwtIndex(qwtIndex);
+    return nox ? nox->opt.get() : nullptr;
+}
+
+ClearMenu::ClearMenu(const noxList *registry, QWidget *parent)
+    : QMenu(parent)
+    , m_registry(registry)
+{
+    connect(this, &QMenu::aboutToShow, this, &ClearMenu::refill);
+    connect(this, &QMenu::triggered, this,
+            [this](QAction *action) { emit chosen(action->data().toInt()); });
+}
+
+void ClearMenu::refill()
+{
+    clear();
+    addInstrument(tr("Все приборы"), -1);
+    addSeparator();
+    const auto indices = m_registry->indices();
+    for (const int index : indices) {
+        const noxList::_nox *nox = m_registry->getNoxByIndex(index);
+        addInstrument(instrumentTitle(*nox->opt), nox->qwtIndex);
+    }
+}
+
+void ClearMenu::addInstrument(const QString &title, int qwtIndex)
+{
+    addAction(title)->setData(qwtIndex);
+}
 
 DifferenceMenu::DifferenceMenu(QwtNOX *plot, const noxList *registry, QWidget *parent)
     : QMenu(parent)
