@@ -1,10 +1,26 @@
-#include "calibration/referencetexts.h"
+#include "calibration/referenceentry.h"
 
-#include "calibration/numberentry.h"
 #include "device/vocabulary.h"
+
+#include <cmath>
 
 namespace
 {
+
+/** The number for which a text stands, where `current` is `shown`; nothing for a text that is no
+ *  number, or no finite one. */
+std::optional<bFloat> enteredNumber(const QString &text, const QString &shown,
+                                    const bFloat &current)
+{
+    if (text.trimmed() == shown)
+        return current;
+    bFloat number;
+    if (!number.setFloat(text) || !std::isfinite(number.value))
+        return std::nullopt;
+    return number;
+}
+
+// Reference data
 
 constexpr int resistorRows = 4;
 constexpr int t0Decimals = 2;
@@ -51,7 +67,8 @@ auto &numberAt(Data &data, int row, int column)
 QString shownNumber(const bFloat &number, quint32 typeCode, int row, int column)
 {
     constexpr int coefficientDigits = 6;
-    return column == 0 ? QString::number(number.value, 'f', valueDecimals(typeCode, row))
+    return column == 0 ? QString::number(number.value, 'f',
+                                         formatsOf(typeCode).valueDigits[std::size_t(row)])
                        : QString::number(number.value, 'g', coefficientDigits);
 }
 
@@ -64,16 +81,55 @@ void forEachCell(Visit visit)
     }
 }
 
+// Zero shifts
+
+constexpr int ranges = 3;
+constexpr int voltages = 9;
+constexpr int rangeShifts = std::tuple_size_v<decltype(ZeroShifts::shiftU)>;
+constexpr int channelShifts = std::tuple_size_v<decltype(ZeroShifts::shiftCh)>;
+constexpr int resistorShifts = std::tuple_size_v<decltype(ZeroShifts::shiftR)>;
+constexpr int allShifts = rangeShifts + channelShifts + resistorShifts;
+
+/** Numbers of the range shifts, from 1; 0 where there is none. */
+constexpr int rangeShiftNumbers[ranges][voltages] = {
+    {1, 4, 0, 0, 0, 11, 0, 0, 0},
+    {2, 5, 6, 8, 0, 12, 13, 15, 0},
+    {3, 0, 7, 9, 10, 0, 14, 16, 17},
+};
+
+int decimalsAt(int index)
+{
+    constexpr int zeroVoltageShifts = ranges;
+    if (index < zeroVoltageShifts)
+        return 5;
+    return index < rangeShifts ? 7 : 6;
+}
+
+QVector<bFloat *> numbersOf(ZeroShifts &shifts)
+{
+    QVector<bFloat *> numbers;
+    forEachShift(shifts, [&numbers](bFloat &shift) { numbers << &shift; });
+    return numbers;
+}
+
+/** The places in the block in the order in which entered texts are taken. */
+QVector<int> shiftEntryOrder()
+{
+    QVector<int> order{0};
+    for (int i = 0; i < channelShifts; ++i) {
+        order << rangeShifts + i;
+        if (i < resistorShifts)
+            order << rangeShifts + channelShifts + i;
+        order << i + 1;
+    }
+    return order;
+}
+
 } // namespace
 
 bool isRowInUse(quint32 typeCode, int row)
 {
     return !isResistor(row) || row < formatsOf(typeCode).resistors;
-}
-
-int valueDecimals(quint32 typeCode, int row)
-{
-    return formatsOf(typeCode).valueDigits[std::size_t(row)];
 }
 
 ReferenceTexts shownReferences(const ReferenceData &data, quint32 typeCode)
@@ -110,4 +166,33 @@ std::optional<ReferenceData> enteredReferences(const ReferenceTexts &entered,
                   numberAt(data, row, column));
     });
     return isRight ? std::optional(data) : std::nullopt;
+}
+
+int rangeShiftIndex(int row, int column)
+{
+    return rangeShiftNumbers[row][column] - 1;
+}
+
+QStringList shownShifts(const ZeroShifts &shifts)
+{
+    QStringList texts;
+    forEachShift(shifts, [&texts](const bFloat &shift) {
+        texts << QString::number(shift.value, 'f', decimalsAt(texts.size()));
+    });
+    return texts;
+}
+
+bool enterShifts(const QStringList &entered, ZeroShifts &shifts)
+{
+    if (entered.size() != allShifts)
+        return false;
+    const QStringList shown = shownShifts(shifts);
+    const QVector<bFloat *> numbers = numbersOf(shifts);
+    for (const int i : shiftEntryOrder()) {
+        const auto meant = enteredNumber(entered.at(i), shown.at(i), *numbers.at(i));
+        if (!meant)
+            return false;
+        *numbers.at(i) = *meant;
+    }
+    return true;
 }
