@@ -1,6 +1,6 @@
 #include "app/numericpanels.h"
 
-#include "widgets/fittedlabel.h"
+#include "widgets/qlabelclick.h"
 
 #include <QFrame>
 #include <QHBoxLayout>

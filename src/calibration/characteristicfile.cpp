@@ -1,7 +1,7 @@
 #include "calibration/characteristicfile.h"
 
 #include "device/bfloat.h"
-#include "device/featurerecord.h"
+#include "device/featurenox8.h"
 #include "device/filereplacement.h"
 #include "device/windows1251.h"
 

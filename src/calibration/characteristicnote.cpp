@@ -1,6 +1,6 @@
 #include "calibration/characteristicnote.h"
 
-#include "device/fitdeviation.h"
+#include "device/featurenox8.h"
 
 #include <QCoreApplication>
 #include <QLocale>

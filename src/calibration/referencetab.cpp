@@ -6,7 +6,7 @@
 #include "calibration/referencetexts.h"
 #include "device/optionsnox8.h"
 #include "ui_referencetab.h"
-#include "widgets/changemark.h"
+#include "widgets/rowdelegate.h"
 
 ReferenceTab::ReferenceTab(QWidget *parent)
     : QWidget(parent)

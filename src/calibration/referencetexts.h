@@ -1,6 +1,6 @@
 #pragma once
 
-#include "device/referencedata.h"
+#include "device/instrumentblocks.h"
 
 #include <QString>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "device/zeroshifts.h"
+#include "device/instrumentblocks.h"
 
 #include <QPointer>
 #include <QVector>

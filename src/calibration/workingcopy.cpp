@@ -1,7 +1,7 @@
 #include "calibration/workingcopy.h"
 
 #include "calibration/characteristictable.h"
-#include "device/featureentry.h"
+#include "device/featurenox8.h"
 
 namespace
 {

@@ -1,7 +1,7 @@
 #include "dialogs/confmenu.h"
 
-#include "device/blockaddresses.h"
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
+#include "device/instrumentblocks.h"
 #include "dialogs/configurationchanges.h"
 #include "dialogs/instrumenttitle.h"
 #include "dialogs/operatingfields.h"

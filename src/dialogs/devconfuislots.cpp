@@ -1,5 +1,5 @@
 #include "calibration/featconfui.h"
-#include "device/blockaddresses.h"
+#include "device/instrumentblocks.h"
 #include "device/optionsnox8.h"
 #include "dialogs/channelsettingstable.h"
 #include "dialogs/devconfui.h"

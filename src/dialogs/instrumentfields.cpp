@@ -1,7 +1,7 @@
 #include "dialogs/instrumentfields.h"
 
 #include "dialogs/fieldstates.h"
-#include "widgets/changemark.h"
+#include "widgets/rowdelegate.h"
 
 #include <QComboBox>
 #include <QLineEdit>

@@ -3,7 +3,7 @@
 #include "device/vocabulary.h"
 #include "dialogs/compensationtext.h"
 #include "dialogs/configurationchanges.h"
-#include "widgets/changemark.h"
+#include "widgets/rowdelegate.h"
 
 #include <QComboBox>
 #include <QIcon>

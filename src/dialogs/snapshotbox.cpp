@@ -1,7 +1,7 @@
 #include "dialogs/snapshotbox.h"
 
-#include "device/blockaddresses.h"
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
+#include "device/instrumentblocks.h"
 #include "storage/storedsnapshots.h"
 #include "widgets/userdialogs.h"
 

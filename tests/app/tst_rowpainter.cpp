@@ -1,6 +1,6 @@
 #include "app/rowpainter.h"
 #include "app/tablesetup.h"
-#include "widgets/legibility.h"
+#include "widgets/rowdelegate.h"
 
 #include <QSignalSpy>
 #include <QTableWidget>

@@ -2,7 +2,6 @@
 #include "calibration/characteristictable.h"
 #include "calibration/storedmatch.h"
 #include "device/featurenox8.h"
-#include "device/fitdeviation.h"
 
 #include <QtTest>
 
