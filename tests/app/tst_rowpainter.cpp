@@ -1,5 +1,4 @@
-#include "app/rowpainter.h"
-#include "app/tablesetup.h"
+#include "app/windowtables.h"
 #include "widgets/rowdelegate.h"
 
 #include <QSignalSpy>
