@@ -1,6 +1,6 @@
 #include "calibration/characteristicmessages.h"
 
-#include "device/fitdeviation.h"
+#include "device/featurenox8.h"
 #include "storage/noxsql.h"
 
 #include <QCoreApplication>

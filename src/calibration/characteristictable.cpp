@@ -1,6 +1,6 @@
 #include "calibration/characteristictable.h"
 
-#include "device/featureentry.h"
+#include "device/featurenox8.h"
 
 #include <QCoreApplication>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "device/featurerecord.h"
+#include "device/featurenox8.h"
 
 #include <QStringList>
 #include <QVector>

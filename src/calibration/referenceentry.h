@@ -1,7 +1,6 @@
 #pragma once
 
-#include "device/referencedata.h"
-#include "device/zeroshifts.h"
+#include "device/instrumentblocks.h"
 
 #include <QStringList>
 

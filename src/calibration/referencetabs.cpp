@@ -6,7 +6,7 @@
 #include "plot/qwtnox.h"
 #include "ui_referencetab.h"
 #include "ui_shifttab.h"
-#include "widgets/changemark.h"
+#include "widgets/rowdelegate.h"
 #include "widgets/userdialogs.h"
 
 #include <QCoreApplication>
@@ -165,10 +165,8 @@ bool ReferenceTab::take()
     if (!m_image)
         return false;
     const auto entered = enteredReferences(enteredTexts(), *m_image, m_image->devType);
-    if (entered)
-        static_cast<ReferenceData &>(*m_image) = *entered;
     m_ui->t0Edit->setModified(false); // taken or refused, it is typed no more
-    emit m_image->onRefChange();
+    m_image->setReferenceData(entered.value_or(*m_image));
     if (!entered)
         tellWrongEntry(this);
     return entered.has_value();
@@ -359,9 +357,10 @@ void ShiftTab::zeroChannels(const QwtNOX *plot, int qwtIndex)
         return;
     if (m_image->getDevChCount() != zeroedChannels || plot->getChCount(qwtIndex) != zeroedChannels)
         return;
+    ZeroShifts zeroed = *m_image;
     for (uchar ch = 0; ch < zeroedChannels; ++ch) {
-        float &shift = m_image->shiftCh[ch].value;
+        float &shift = zeroed.shiftCh[ch].value;
         shift = float(double(shift) - plot->getChMeas(qwtIndex, ch, -1, false));
     }
-    emit m_image->onRefShiftChange();
+    m_image->setZeroShifts(zeroed);
 }

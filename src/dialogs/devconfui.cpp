@@ -1,6 +1,6 @@
 #include "dialogs/devconfui.h"
 
-#include "device/blockaddresses.h"
+#include "device/instrumentblocks.h"
 #include "dialogs/instrumentfields.h"
 #include "dialogs/settingscontent.h"
 #include "dialogs/settingsfiles.h"

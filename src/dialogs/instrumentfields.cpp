@@ -2,7 +2,7 @@
 
 #include "device/vocabulary.h"
 #include "dialogs/settingscontent.h"
-#include "widgets/changemark.h"
+#include "widgets/rowdelegate.h"
 
 #include <QComboBox>
 #include <QIcon>
@@ -156,22 +156,15 @@ void InstrumentFields::storeNumber()
 
 void InstrumentFields::storeName()
 {
-    const QPointer<optionsNOX8> image = m_image;
-    if (!image)
+    if (!m_image)
         return;
     const QString entered = m_widgets.name->text().trimmed();
     m_widgets.name->setModified(false);
     const QString name = entered.left(longestName);
-    if (entered == instrumentTitle(*image) || name == image->devName) {
-        m_widgets.name->setText(image->getDevName(true));
-        return;
-    }
-    image->devName = name;
-    image->identApplyPending = true;
-    if (image->getDevRev() != 0)
-        emit image->onIdentChange();
-    if (image)
-        emit image->onDevChange();
+    if (entered == instrumentTitle(*m_image) || name == m_image->devName)
+        m_widgets.name->setText(m_image->getDevName(true));
+    else
+        m_image->setDevName(name);
 }
 
 void InstrumentFields::storeType()
@@ -256,9 +249,5 @@ void OperatingFields::store(const QComboBox *list)
     const auto code = quint8(chosen.toUInt());
     if (list == m_lists.shortCircuit)
         return m_image->setDevZakorotka(code);
-    quint8 &setting = *m_image.*m_members.value(list);
-    if (setting == code)
-        return;
-    setting = code;
-    emit m_image->onDevChange();
+    m_image->setOperatingSetting(m_members.value(list), code);
 }

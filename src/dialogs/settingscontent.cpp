@@ -1,7 +1,7 @@
 #include "dialogs/settingscontent.h"
 
+#include "device/configuration.h"
 #include "device/heldblocks.h"
-#include "device/nibbles.h"
 #include "device/optionsnox8.h"
 #include "device/vocabulary.h"
 

@@ -1,8 +1,8 @@
 #include "dialogs/snapshotbox.h"
 
 #include "calibration/characteristicmessages.h"
-#include "device/blockaddresses.h"
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
+#include "device/instrumentblocks.h"
 #include "storage/storeditems.h"
 #include "widgets/userdialogs.h"
 

@@ -1,8 +1,7 @@
 #include "registry/blockexchange.h"
 
-#include "device/blockaddresses.h"
-#include "device/identification.h"
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
+#include "device/instrumentblocks.h"
 #include "serial/noxserialport.h"
 
 QByteArray pendingBlock(const optionsNOX8 &image, optionsNOX8::tx_code code)

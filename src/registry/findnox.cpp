@@ -1,7 +1,6 @@
 #include "registry/findnox.h"
 
-#include "device/blockaddresses.h"
-#include "device/identification.h"
+#include "device/instrumentblocks.h"
 #include "registry/blockexchange.h"
 #include "registry/instrumentstore.h"
 #include "serial/noxserialport.h"

@@ -1,6 +1,6 @@
 #include "registry/instrumentstore.h"
 
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
 #include "storage/noxsql.h"
 
 QString unitKey(quint8 ch)

@@ -1,6 +1,6 @@
 #include "registry/noxlist.h"
 
-#include "device/blockaddresses.h"
+#include "device/instrumentblocks.h"
 #include "registry/blockexchange.h"
 #include "registry/instrumentstore.h"
 #include "serial/noxserialport.h"

@@ -149,7 +149,7 @@ void PlotSettingsStore::mirrorMainChannel(int qwtIndex, uchar mainCh)
     if (!nox || nox->mainCh == mainCh)
         return;
     nox->mainCh = mainCh;
-    if (nox->opt->devMeasMode != cyclicMeasuring && mainCh < nox->opt->getDevChCount())
+    if (nox->opt->devMeasMode != cyclicMeasuring)
         nox->opt->triggerChChange(mainCh);
 }
 

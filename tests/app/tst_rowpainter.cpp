@@ -1,5 +1,5 @@
 #include "app/windowtables.h"
-#include "widgets/legibility.h"
+#include "widgets/rowdelegate.h"
 
 #include <QSignalSpy>
 #include <QTableWidget>

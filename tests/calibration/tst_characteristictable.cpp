@@ -1,7 +1,6 @@
 #include "calibration/characteristicmessages.h"
 #include "calibration/storedpanel.h"
 #include "device/featurenox8.h"
-#include "device/fitdeviation.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
+#include "device/featurenox8.h"
 #include "device/heldblocks.h"
 #include "device/optionsnox8.h"
-#include "device/takenbytes.h"
 #include "dialogs/settingscontent.h"
 
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
 #include "dialogs/settingsfiles.h"
 #include "dialogs/snapshotbox.h"
 #include "serial/noxserialport.h"

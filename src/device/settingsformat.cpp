@@ -1,6 +1,4 @@
-#include "device/settingscodes.h"
-
-#include "device/bfloat.h"
+#include "device/settingsformat.h"
 
 #include <cmath>
 
