@@ -120,6 +120,7 @@ private slots:
             const noxList::_nox &nox = *bench->list.getNoxByIndex(index);
             // nothing is written to an instrument only because it was found
             QVERIFY(nox.opt->identValid && nox.txCodes.isEmpty() && !nox.txTimer->isActive());
+            QCOMPARE(bench->instruments.addressings(nox.portName, 9) > 0, nox.portName == "A");
             QCOMPARE(nox.dbIndex, bench->database.findDev(nox.opt->devType, nox.opt->devNumber));
             QTRY_COMPARE(bench->database.getSnapShotCount(nox.dbIndex), 1);
             const QByteArray data = taken(nox.opt->getData());
@@ -167,6 +168,8 @@ private slots:
         QVERIFY(only() && isRead(only()->index));
         QCOMPARE(only()->opt->getDevName(true), QStringLiteral("NOX D № 65535"));
         QCOMPARE(bench->database.findDev(0x31, 65535), only()->dbIndex);
+        bench->list.getOptFromNox(only()->index); // though it is too old to tell its name
+        QVERIFY(isRead(only()->index) && only()->devIndex >= 0);
     }
 
     void oneWithoutAModelIsNamedByKeyboard()
@@ -186,6 +189,10 @@ private slots:
         QTest::keyClick(table, Qt::Key_F4);
         QTest::keyClicks(models->view(), "NOX CM1");
         QTest::keyClick(models->view(), Qt::Key_Return);
+        for (const int column : {2, 0}) { // the list of models, which covers its cell, is left out
+            QTest::keyClick(table, column == 0 ? Qt::Key_Left : Qt::Key_Right);
+            QCOMPARE(table->currentColumn(), column);
+        }
         QTest::keyClick(table, Qt::Key_9);
         QTest::keyClicks(dialog->focusWidget(), "9\r");
         QTRY_COMPARE(row(1), QString("A; NOX CM1; 99; unchecked, open, check!"));
@@ -239,9 +246,12 @@ private slots:
     void skippedWhenUnknown()
     {
         add("A", "NOX CM1", 1, true);
+        add("B", "NOX B", 1, false, FaultPlan::always);
         find<QCheckBox>("skipNoneCB")->setChecked(true);
         QCOMPARE(bench->database.getAppProperty("find_skip_unknown").toBool(), true);
         dialog->find();
+        QByteArray rubbish(8, '\x55');
+        emit bench->port.readyDevReply(bench->port.devices().last(), &rubbish, 51);
         QVERIFY(closes());
         QVERIFY(bench->list.indices().isEmpty() && bench->port.devices().isEmpty());
     }
@@ -258,13 +268,11 @@ private slots:
         only()->qwtIndex = 0;
         SimulatedInstrumentOptions options = bench->instruments.steadyInstrument();
         options.faults.silentAfterBlocks = 1;
-        for (const auto fault : {&FaultPlan::ignoredAddressings, &FaultPlan::wrongAddressEchoes,
-                                 &FaultPlan::silentDialogues}) {
-            options.faults.ignoredAddressings = options.faults.wrongAddressEchoes = 0;
-            options.faults.*fault = FaultPlan::always;
-            QVERIFY(
-                bench->instruments.add(QString("D%1").arg(bench->port.devices().size()), options));
-        }
+        QVERIFY(bench->instruments.add("silent", options));
+        options.faults.wrongAddressEchoes = FaultPlan::always;
+        QVERIFY(bench->instruments.add("none", options));
+        options.faults.ignoredAddressings = FaultPlan::always;
+        QVERIFY(bench->instruments.add("deaf", options));
         QSignalSpy measured(&bench->list, &noxList::onReadMeas);
         QSignalSpy lost(&bench->list, &noxList::onDevError);
         dialog->find(true);
@@ -303,8 +311,6 @@ private slots:
         add("A", "NOX CM1", 1, true);
         add("B", "NOX B", 2, false, FaultPlan::always);
         dialog->find();
-        QByteArray rubbish(8, '\x55');
-        emit bench->port.readyDevReply(bench->port.devices().last(), &rubbish, 51);
         QSignalSpy replies(&bench->port,
                            QOverload<int, QByteArray, quint8>::of(&NOXSerialPort::readyDevReply));
         QVERIFY(replies.wait(patienceMs));
@@ -323,7 +329,8 @@ private slots:
         add("B", "NOX B", 2);
         add("C", "NOX D", 3);
         dialog->find(true, 0x11, 2);
-        QVERIFY(!find<QCheckBox>("skipNoneCB")->isEnabled());
+        const auto *const skip = find<QCheckBox>("skipNoneCB");
+        QVERIFY(skip->isChecked() && !skip->isEnabled());
         QVERIFY(closes());
         noxList::_nox *const nox = only();
         QVERIFY(nox && isRead(nox->index));
@@ -361,7 +368,8 @@ private slots:
         add("B", "NOX B", 2);
         add("C", "NOX B", 3, isOlder, isOlder ? 8 : 5);
         LinkTiming timing = RegistryBench::timing();
-        timing.initDelay = 300; // so that it answers when the others have been dealt with
+        timing.initDelay = timing.attemptDelay =
+            300; // so that it answers when the others have been dealt with
         bench->port.setLinkTiming(timing);
         const auto *const progress = find<QProgressBar>("progressBar");
         dialog->find(true, number ? 0x11 : 0, number);

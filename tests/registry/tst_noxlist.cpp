@@ -124,9 +124,10 @@ private slots:
     {
         list().newNox(-1, true);
         const noxList::_nox *nox = add(typeCM1Extended);
-        QSignalSpy logger(&list(), &noxList::onReadRec);
+        int logged = -1;
+        connect(&list(), &noxList::onReadRec, &list(), [&](int index) { logged = index; });
         emit nox->opt->onRecData({}, QDateTime());
-        QCOMPARE(logger.value(0).value(0), QVariant(1));
+        QCOMPARE(logged, 1);
         reply(taken(nox->opt->getRefShiftData()), 9);
         nox->opt->setDevType(typeB);
         nox->opt->setChOnOff(5, 0);
@@ -253,6 +254,13 @@ private slots:
         QCOMPARE(storedReferenceData().size(), 72 + 148);
         QVERIFY(extended.held.referenceData().has_value());
         QCOMPARE(bench->news(), QString("held 0;held 0"));
+        const QByteArray others = taken(Image().getRefAllData());
+        QVERIFY(bench->database.updRefData(1, &others, typeB, 9, "another"));
+        extended.opt->blockSignals(true);
+        extended.opt->setData(others, 3);
+        extended.opt->devNumber = 0;
+        extended.opt->devType = typeCM;
+        QCOMPARE(done(1, 72), others); // where they are another one's
     }
 
     void knownByReferenceData()
@@ -370,7 +378,9 @@ private slots:
         list().disConnByIndex(9); // nobody
         QVERIFY(nox->devIndex == -1 && bench->port.devices().isEmpty());
         list().connByIndex(9);
-        list().connByIndex(0); // where it was
+        list().connByIndex(0);   // where it was
+        list().getOptFromNox(0); // unknown, it is not read
+        QVERIFY(bench->port.isReadAllQuery());
         QCOMPARE(bench->port.devices(), QList<int>{nox->devIndex});
         FaultPlan deaf;
         deaf.ignoredAddressings = FaultPlan::always;
