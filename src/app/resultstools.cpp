@@ -1,6 +1,6 @@
 #include "app/resultstools.h"
 
-#include "dialogs/instrumenttitle.h"
+#include "dialogs/settingscontent.h"
 #include "plot/qwtnox.h"
 #include "storage/filequestions.h"
 #include "storage/noxsql.h"

@@ -1,13 +1,11 @@
 #include "dialogs/confmenu.h"
 
-#include "device/blockaddresses.h"
-#include "device/takenbytes.h"
-#include "dialogs/configurationchanges.h"
-#include "dialogs/instrumenttitle.h"
-#include "dialogs/operatingfields.h"
+#include "device/instrumentblocks.h"
+#include "dialogs/instrumentfields.h"
+#include "dialogs/settingscontent.h"
+#include "dialogs/snapshotbox.h"
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
-#include "storage/noxsql.h"
 #include "ui_confmenu.h"
 #include "widgets/menucard.h"
 
@@ -183,12 +181,6 @@ void confMenu::followConfiguration(noxList::_nox *nox)
 {
     if (nox->snapShotId < 1)
         return;
-    noxSql *const database = m_registry->database();
-    const QByteArray data = taken(nox->opt->getData());
-    const QByteArray references = taken(nox->opt->getRefAllData());
-    const int stored =
-        database->setSnapShot(nox->dbIndex, &data, &references,
-                              database->getSnapShotInfo(nox->snapShotId), nox->snapShotId);
-    if (stored >= 1)
-        nox->snapShotId = stored;
+    noxSql &database = *m_registry->database();
+    storeSnapshot(database, *nox, database.getSnapShotInfo(nox->snapShotId), nox->snapShotId);
 }

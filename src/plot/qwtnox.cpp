@@ -103,6 +103,15 @@ void QwtNOX::addDev(int qwtIndex, uchar fixedChCount)
     setChCount(fixedChCount, qwtIndex);
 }
 
+void QwtNOX::attachDev(int qwtIndex, uchar fixedChCount)
+{
+    addDev(qwtIndex, fixedChCount);
+    if (m_devices.size() == 1)
+        setDevMain(qwtIndex);
+    else
+        emit onChange(qwtIndex);
+}
+
 void QwtNOX::removeDev(int qwtIndex)
 {
     if (!m_devices.contains(qwtIndex))

@@ -74,6 +74,10 @@ public:
      */
     void addDev(int qwtIndex, uchar fixedChCount);
 
+    /** addDev() of an instrument that is shown from now on: the first one becomes the main one,
+     *  each further one is announced by onChange(). */
+    void attachDev(int qwtIndex, uchar fixedChCount);
+
     /**
      * Takes an instrument off the plot with its channels, curves and limit lines. Differences
      * against it end without a signal. Without its main instrument the plot has none (-1).

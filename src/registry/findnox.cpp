@@ -1,8 +1,7 @@
 #include "registry/findnox.h"
 
-#include "device/blockaddresses.h"
-#include "device/identification.h"
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
+#include "device/instrumentblocks.h"
 #include "device/vocabulary.h"
 #include "serial/noxserialport.h"
 #include "serial/portcatalog.h"

@@ -1,6 +1,5 @@
-#include "device/blockaddresses.h"
-#include "device/identification.h"
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
+#include "device/instrumentblocks.h"
 #include "registry/noxlist.h"
 #include "registry/pendingblock.h"
 #include "serial/noxserialport.h"

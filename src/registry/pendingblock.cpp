@@ -1,6 +1,6 @@
 #include "registry/pendingblock.h"
 
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
 
 namespace
 {
@@ -32,7 +32,7 @@ QByteArray *dateTime(const Image &image)
     return new QByteArray(image.dateTimeBlock());
 }
 
-template<QByteArray *(Image::*block)() const>
+template<QByteArray *(InstrumentRecord::*block)() const>
 QByteArray *from(const Image &image)
 {
     return (image.*block)();

@@ -153,8 +153,8 @@ void PlotSettingsStore::mirrorMainChannel(int qwtIndex, uchar mainCh)
     if (!nox || nox->mainCh == mainCh)
         return;
     nox->mainCh = mainCh;
-    if (nox->opt->devMeasMode != cyclicMeasuring && mainCh < nox->opt->getDevChCount())
-        emit nox->opt->onChApply(mainCh);
+    if (nox->opt->devMeasMode != cyclicMeasuring)
+        nox->opt->triggerChChange(mainCh);
 }
 
 // Applying

@@ -1,4 +1,4 @@
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
 #include "device/vocabulary.h"
 #include "dialogs/confchmenu.h"
 #include "dialogs/confmenu.h"

@@ -1,5 +1,5 @@
 #include "calibration/featconfui.h"
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
 #include "device/vocabulary.h"
 #include "dialogs/devconfui.h"
 #include "registry/noxlist.h"

@@ -1,4 +1,4 @@
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
 #include "storage/databasefile.h"
