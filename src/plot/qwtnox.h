@@ -55,6 +55,17 @@ public:
      */
     void addDev(int qwtIndex, uchar fixedChCount);
 
+    /** addDev() of an instrument that is shown from now on: the first one becomes the main one,
+     *  each further one is announced by onChange(). */
+    void attachDev(int qwtIndex, uchar fixedChCount)
+    {
+        addDev(qwtIndex, fixedChCount);
+        if (devices().size() == 1)
+            setDevMain(qwtIndex);
+        else
+            emit onChange(qwtIndex);
+    }
+
     /**
      * Takes an instrument off the plot with its channels, curves and limit lines. Differences
      * against it end without a signal. Without its main instrument the plot has none (-1).
