@@ -1,5 +1,4 @@
 #include "numbers.h"
-#include "plot/differences.h"
 #include "plot/envelopecurve.h"
 #include "plot/qwtnox.h"
 #include "signallog.h"

@@ -45,7 +45,6 @@ private slots:
     void storesWithUnitAndAverage();
     void averageRecoversFromHugeValues();
     void curvesShowTheRecord();
-    void framesLookAtNewPointsOnly();
     void hugeValuesCanBePainted();
     void formsDifferences();
     void differenceNeedsAFreshReference();
@@ -201,34 +200,6 @@ void TestQwtNOXPoints::curvesShowTheRecord()
     QCOMPARE(copy.measCurve->sample(2), QPointF(2, 60));
     QCOMPARE(copy.averCurve->sample(2), QPointF(2, 30));
     QCOMPARE(copy.measCurve->plot(), m_plot.get());
-}
-
-void TestQwtNOXPoints::framesLookAtNewPointsOnly()
-{
-    m_plot->resize(800, 600);
-    for (int i = 0; i < 70000; ++i)
-        m_plot->addPoint(20 + i % 7, i, "°С", 0, 0);
-    const EnvelopeCurve *values = m_plot->devices()[0].ch[0].measCurve;
-    const EnvelopeCurve *averages = m_plot->devices()[0].ch[0].averCurve;
-    const auto paint = [this] {
-        m_plot->replot();
-        m_plot->grab();
-    };
-    paint();
-    QVERIFY(values->blocksRead() > 1000 && averages->blocksRead() > 1000);
-
-    addPoints(*m_plot, 0, 0, QVector<double>(10, 21.0), 70000);
-    paint();
-    for (const EnvelopeCurve *curve : {values, averages})
-        QVERIFY2(curve->blocksRead() >= 10 && curve->blocksRead() <= 30,
-                 qPrintable(QString::number(curve->blocksRead())));
-    paint();
-    QCOMPARE(values->blocksRead(), 0);
-
-    m_plot->clear(0);
-    addPoints(*m_plot, 0, 0, QVector<double>(100, 22.0));
-    paint();
-    QVERIFY2(values->blocksRead() >= 100, "points of an emptied series are all new");
 }
 
 void TestQwtNOXPoints::hugeValuesCanBePainted()

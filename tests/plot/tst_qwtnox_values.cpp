@@ -1,4 +1,4 @@
-#include "plot/numbertext.h"
+#include "plot/plottexts.h"
 #include "plot/qwtnox.h"
 
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "plot/scaletables.h"
+#include "plot/scalechoice.h"
 #include "plotmouse.h"
 #include "signallog.h"
 

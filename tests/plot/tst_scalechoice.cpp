@@ -1,5 +1,4 @@
 #include "plot/scalechoice.h"
-#include "plot/scaletables.h"
 
 #include <QtTest>
 
@@ -57,7 +56,7 @@ void TestScaleChoice::choosesTheTimeRow()
 {
     QFETCH(double, first);
     QFETCH(double, last);
-    QTEST(rowForTimes(first, last, 10), "row");
+    QTEST(stepForTimes(first, last, 10), "row");
 }
 
 void TestScaleChoice::choosesTheValueRow_data()
@@ -78,7 +77,7 @@ void TestScaleChoice::choosesTheValueRow()
 {
     QFETCH(double, min);
     QFETCH(double, max);
-    QTEST(rowForValues({min, max}, 10), "row");
+    QTEST(stepForValues({min, max}, 10), "row");
 }
 
 void TestScaleChoice::followsTheNewestTime_data()
@@ -152,7 +151,7 @@ void TestScaleChoice::decimalsSuitTheStep()
                                    2, 1, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
     QVector<int> decimals;
     for (int row = 0; row < scalesY().size(); ++row)
-        decimals.append(decimalsForRow(row));
+        decimals.append(decimalsForStep(row));
     QCOMPARE(decimals, expected);
 }
 

@@ -1,7 +1,7 @@
+#include "plot/envelopecurve.h"
 #include "plot/movingaverage.h"
+#include "plot/plotrecords.h"
 #include "plot/series.h"
-#include "plot/seriesdata.h"
-#include "plot/unitruns.h"
 
 #include <QRandomGenerator>
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "plot/timetext.h"
+#include "plot/plottexts.h"
 
 #include <QtTest>
 

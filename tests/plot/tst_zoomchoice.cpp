@@ -1,5 +1,4 @@
-#include "plot/scaletables.h"
-#include "plot/zoomchoice.h"
+#include "plot/scalechoice.h"
 
 #include <QtTest>
 
@@ -63,10 +62,10 @@ void TestZoomChoice::showsARectangle()
     QFETCH(double, left);
     QFETCH(double, lower);
     const ZoomedView view = viewOfRectangle(rectangle, 10, 10);
-    QTEST(scalesX()[view.rows.x].label, "labelX");
-    QTEST(scalesY()[view.rows.y].label, "labelY");
-    QCOMPARE(view.x.step, double(scalesX()[view.rows.x].step));
-    QCOMPARE(view.y.step, scalesY()[view.rows.y].step);
+    QTEST(scalesX()[view.steps.x].label, "labelX");
+    QTEST(scalesY()[view.steps.y].label, "labelY");
+    QCOMPARE(view.x.step, double(scalesX()[view.steps.x].step));
+    QCOMPARE(view.y.step, scalesY()[view.steps.y].step);
     QVERIFY(isNear(view.x.lower, left) && isNear(view.x.upper, left + 10 * view.x.step));
     QVERIFY2(isNear(view.y.lower, lower), qPrintable(QString::number(view.y.lower)));
     QVERIFY(isNear(view.y.upper, lower + 10 * view.y.step));
@@ -111,18 +110,18 @@ void TestZoomChoice::stepsBothRowsTogether()
     QFETCH(int, y);
     QFETCH(bool, coarser);
     QFETCH(int, change);
-    QVERIFY(neighbouringRows({x, y}, coarser) == (ScaleRows{x + change, y + change}));
+    QVERIFY(neighbouringSteps({x, y}, coarser) == (ScaleSteps{x + change, y + change}));
 }
 
 void TestZoomChoice::findsTheRowOfAStep()
 {
     for (int row = 1; row < scalesX().size(); ++row)
-        QCOMPARE(rowOfStepX(scalesX()[row].step), row);
+        QCOMPARE(stepOfSizeX(scalesX()[row].step), row);
     for (int row = 1; row < scalesY().size(); ++row)
-        QCOMPARE(rowOfStepY(scalesY()[row].step), row);
-    QCOMPARE(rowOfStepX(70), 7);
-    QCOMPARE(rowOfStepY(0), 1);
-    QCOMPARE(rowOfStepY(1e9), 29);
+        QCOMPARE(stepOfSizeY(scalesY()[row].step), row);
+    QCOMPARE(stepOfSizeX(70), 7);
+    QCOMPARE(stepOfSizeY(0), 1);
+    QCOMPARE(stepOfSizeY(1e9), 29);
 }
 
 QTEST_APPLESS_MAIN(TestZoomChoice)

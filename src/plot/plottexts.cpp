@@ -1,4 +1,4 @@
-#include "plot/timetext.h"
+#include "plot/plottexts.h"
 
 #include <QtGlobal>
 
@@ -36,6 +36,13 @@ QString tenthsText(double seconds)
 }
 
 } // namespace
+
+QString numberText(double number, int decimals)
+{
+    const QString text = QString::number(number, 'f', decimals);
+    const bool isMinusZero = text.startsWith(QLatin1Char('-')) && text.toDouble() == 0;
+    return isMinusZero ? text.mid(1) : text;
+}
 
 QString secondsText(double seconds)
 {

@@ -5,9 +5,12 @@
 #include <QDateTime>
 #include <QString>
 
-// How a time on the plot is written. Times are seconds; a fraction of a second is dropped, except
-// from plain seconds. A clock shows seconds when the axis step is below 60 s, and milliseconds when
-// it is below 1 s.
+// How numbers and times on the plot are written. Times are seconds; a fraction of a second is
+// dropped, except from plain seconds. A clock shows seconds when the axis step is below 60 s, and
+// milliseconds when it is below 1 s.
+
+/** A number with so many decimals; what is rounded to zero is written without a sign. */
+QString numberText(double number, int decimals);
 
 /** Plain seconds, six significant digits. */
 QString secondsText(double seconds);
