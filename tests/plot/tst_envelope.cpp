@@ -234,8 +234,8 @@ private slots:
             History history;
             for (const QRectF &view : {QRectF(0, -30, 6000, 80), QRectF(1, -30, 6000, 80),
                                        QRectF(1, -30, 4000, 80), QRectF(1, 0, 4000, 20)})
-                for (int round = 0; round < 20; ++round) {
-                    for (int i = 0; i < round * round && history.size() < whole.size(); ++i)
+                for (int round = 0; round < 12; ++round) {
+                    for (int i = 0; i < 3 * round * round && history.size() < whole.size(); ++i)
                         history.append(whole.times[history.size()], whole.values[history.size()]);
                     for (const bool averages : {round % 3 == 0, round % 5 == 0}) {
                         EnvelopeCurve fresh(Qt::black, 1);

@@ -21,67 +21,64 @@ class TestQwtNOXAxes : public QObject
     Q_OBJECT
 
 private slots:
-    void followData_data()
-    {
-        QTest::addColumn<int>("scaleX");
-        QTest::addColumn<int>("scaleY");
-        QTest::addColumn<Points>("points");
-        QTest::addColumn<QString>("views");
-        const QString constant = ", 19.999995 to 20.000005 by 1e-06";
-        QTest::newRow("no points") << 0 << 0 << Points() << "0 to 10 by 1, 0 to 10 by 1";
-        QTest::newRow("65 s") << 0 << 0 << Points{{0, 20}, {65, 20.65}}
-                              << "0 to 100 by 10, 19.8 to 20.8 by 0.1";
-        QTest::newRow("a late begin")
-            << 0 << 0 << Points{{1234, 20}, {1240, 20}} << "1234 to 1244 by 1" + constant;
-        QTest::newRow("newest point on the right edge")
-            << oneMinute << 0 << Points{{0, 20}, {600, 20}} << "0 to 600 by 60" + constant;
-        QTest::newRow("past it: a step on")
-            << oneMinute << 0 << Points{{600, 20}, {601, 20}, {660, 20}}
-            << "60 to 660 by 60" + constant;
-        QTest::newRow("past it again")
-            << oneMinute << 0 << Points{{601, 20}, {660.5, 20}} << "120 to 720 by 60" + constant;
-        QTest::newRow("value on the edge")
-            << 0 << oneTenth << Points{{0, 20}, {1, 20.5}} << "0 to 10 by 1, 19.5 to 20.5 by 0.1";
-        QTest::newRow("value past it") << 0 << oneTenth << Points{{0, 20}, {1, 20.5}, {2, 21.4}}
-                                       << "0 to 10 by 1, 20.9 to 21.9 by 0.1";
-        QTest::newRow("an outlier in view")
-            << oneMinute << 0 << Points{{0, 20}, {50, 1500}, {550, 20}}
-            << "0 to 600 by 60, -200 to 1800 by 200";
-        QTest::newRow("it has left the view")
-            << oneMinute << 0 << Points{{0, 20}, {50, 1500}, {1290, 20}, {1300, 20.003}}
-            << "720 to 1320 by 60, 19.999 to 20.004 by 0.0005";
-        QTest::newRow("a clock set back") << 1 << oneTenth << Points{{5000, 20}, {100, 20}}
-                                          << "90 to 100 by 1, 19.5 to 20.5 by 0.1";
-        QTest::newRow("set back out of the view: the value axis stays")
-            << 0 << 0 << Points{{5000, 0}, {5001, 500}, {100, 22}}
-            << "5000 to 5010 by 1, -200 to 800 by 100";
-        QTest::newRow("usable again after huge values")
-            << 0 << oneTenth << Points{{1, 1.7e308}, {2, 20}}
-            << "1 to 11 by 1, 19.5 to 20.5 by 0.1";
-    }
     void followData()
     {
-        QFETCH(int, scaleX);
-        QFETCH(int, scaleY);
-        QFETCH(Points, points);
-        PlotBench bench;
-        bench.plot.changeScaleX(scaleX);
-        bench.plot.changeScaleY(scaleY);
-        for (const QPointF &point : qAsConst(points)) {
-            bench.add(point.y(), point.x());
-            bench.add(500, 9e5, 1);    // neither other channels
-            bench.add(500, 9e5, 0, 1); // nor other instruments count
+        const struct {
+            int scaleX, scaleY;
+            Points points;
+            const char *x, *y;
+        } data[] = {
+            {0, 0, {}, "0 to 10 by 1", "0 to 10 by 1"},
+            {0, 0, {{0, 20}, {65, 20.65}}, "0 to 100 by 10", "19.8 to 20.8 by 0.1"},
+            {0,
+             0,
+             {{1234, 20}, {1240, 20}},
+             "1234 to 1244 by 1",
+             "19.999995 to 20.000005 by 1e-06"},
+            // on the right edge, past it, and past it again
+            {oneMinute, oneTenth, {{0, 20}, {600, 20}}, "0 to 600 by 60", "19.5 to 20.5 by 0.1"},
+            {oneMinute, 0, {{600, 0}, {601, 2}, {660, 2}}, "60 to 660 by 60", "-1.5 to 3.5 by 0.5"},
+            {oneMinute, 19, {{601, 20}, {660.5, 20}}, "120 to 720 by 60", "15 to 25 by 1"},
+            // on the upper edge, and past it
+            {0, oneTenth, {{0, 20}, {1, 20.5}}, "0 to 10 by 1", "19.5 to 20.5 by 0.1"},
+            {0, oneTenth, {{0, 20}, {1, 20.5}, {2, 21.4}}, "0 to 10 by 1", "20.9 to 21.9 by 0.1"},
+            // an outlier in view, and one that has left it
+            {oneMinute,
+             0,
+             {{0, 20}, {50, 1500}, {550, 20}},
+             "0 to 600 by 60",
+             "-200 to 1800 by 200"},
+            {oneMinute,
+             0,
+             {{0, 20}, {50, 1500}, {1290, 20}, {1300, 20.003}},
+             "720 to 1320 by 60",
+             "19.999 to 20.004 by 0.0005"},
+            // a clock set back, and so far that no point is in view
+            {1, oneTenth, {{5000, 20}, {100, 20}}, "90 to 100 by 1", "19.5 to 20.5 by 0.1"},
+            {0, 0, {{5000, 0}, {5001, 500}, {100, 22}}, "5000 to 5010 by 1", "-200 to 800 by 100"},
+            // usable again after a huge value
+            {0, oneTenth, {{1, 1.7e308}, {2, 20}}, "1 to 11 by 1", "19.5 to 20.5 by 0.1"}};
+        for (const auto &[scaleX, scaleY, points, x, y] : data) {
+            PlotBench bench;
+            bench.plot.changeScaleX(scaleX);
+            bench.plot.changeScaleY(scaleY);
+            for (const QPointF &point : points) {
+                bench.add(point.y(), point.x());
+                bench.add(500, 9e5, 1);    // neither other channels
+                bench.add(500, 9e5, 0, 1); // nor other instruments count
+            }
+            QCOMPARE(bench.x(), x);
+            QCOMPARE(bench.y(), y);
+            const int decimals = qMax(0, -int(std::floor(std::log10(bench.stepY()) + 1e-9)));
+            QCOMPARE(int(bench.plot.getPrecision()), decimals);
+            bench.plot.addDev(2, 1); // without points axes are as in the beginning
+            bench.plot.setDevMain(2);
+            QCOMPARE(bench.views(), "0 to 10 by 1, 0 to 10 by 1");
+            bench.plot.setDevMain(0);
+            bench.plot.clear(0);
+            bench.plot.setChMain(1);
+            QCOMPARE(bench.views(), "0 to 10 by 1, 0 to 10 by 1");
         }
-        QTEST(bench.views(), "views");
-        const int decimals = qMax(0, -int(std::floor(std::log10(bench.stepY()) + 1e-9)));
-        QCOMPARE(int(bench.plot.getPrecision()), decimals);
-        bench.plot.addDev(2, 1); // without points axes are as in the beginning
-        bench.plot.setDevMain(2);
-        QCOMPARE(bench.views(), "0 to 10 by 1, 0 to 10 by 1");
-        bench.plot.setDevMain(0);
-        bench.plot.clear(0);
-        bench.plot.setChMain(1);
-        QCOMPARE(bench.views(), "0 to 10 by 1, 0 to 10 by 1");
     }
     void visibleCurveDecides()
     {

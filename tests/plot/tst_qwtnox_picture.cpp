@@ -423,7 +423,8 @@ private slots:
             }
             bench.mouse.click({300, 200}, Qt::MiddleButton);
             QCOMPARE(paints->count, 0);
-            QTest::qWait(200);
+            QTRY_VERIFY(!bench.plot.frameClock().isDue());
+            QTest::qWait(100);
             QVERIFY2(changes ? paints->count >= 1 && paints->count <= 3 : paints->count == 0,
                      qPrintable(QString::number(paints->count)));
         }
