@@ -50,13 +50,13 @@ History burstyHistory(int count)
     return history;
 }
 
-/** A clock that is set back by 6000 s after 9000 s. */
+/** A clock that is set back by 2000 s after 3000 s. */
 History setBackHistory()
 {
     History history;
     QRandomGenerator random(5);
-    for (int i = 0; i < 18000; ++i)
-        history.append(i < 9000 ? i : i - 6000.25, random.bounded(10.0));
+    for (int i = 0; i < 6000; ++i)
+        history.append(i < 3000 ? i : i - 2000.25, random.bounded(10.0));
     return history;
 }
 
@@ -287,8 +287,8 @@ private slots:
             {"steps", steps, {0, 0, 800, 100}},
             {"bursts and gaps", bursty, {0, -35, burstyEnd, 40}},
             {"bursts and gaps, a window", bursty, {bursty.times[2000], -2, 2000, 4}},
-            {"clock set back", setBack, {0, -1, 12000, 12}},
-            {"clock set back, at the step", setBack, {8950, -1, 100, 12}},
+            {"clock set back", setBack, {0, -1, 4000, 12}},
+            {"clock set back, at the step", setBack, {2950, -1, 100, 12}},
         };
         for (const auto &picture : pictures)
             for (const bool ofAverages : {false, true})
