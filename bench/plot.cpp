@@ -2,7 +2,7 @@
 
 #include "averageerror.h"
 #include "plainplot.h"
-#include "plot/channelcolors.h"
+#include "plot/plotitems.h"
 #include "plot/envelopecurve.h"
 #include "plot/qwtnox.h"
 #include "plothistory.h"

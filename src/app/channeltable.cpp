@@ -1,8 +1,5 @@
 #include "app/channeltable.h"
 
-#include "app/plotplaces.h"
-#include "app/rowpainter.h"
-#include "app/tablesetup.h"
 #include "plot/qwtnox.h"
 #include "widgets/headedtable.h"
 
@@ -103,45 +100,27 @@ void ChannelTable::refreshMain()
 void ChannelTable::resetBackgrounds()
 {
     m_fresh = -1;
-    for (ValueMarks &marks : m_marks)
-        marks.rejected = false;
+    std::replace(m_marks.begin(), m_marks.end(), ValueMark::Rejected, ValueMark::None);
     for (int ch = 0; ch < m_rows; ++ch)
         paint(ch);
 }
 
 void ChannelTable::forgetMarks(int first)
 {
-    std::fill(m_marks.begin() + first, m_marks.end(), ValueMarks());
+    std::fill(m_marks.begin() + first, m_marks.end(), ValueMark::None);
     if (m_fresh >= first)
         m_fresh = -1;
 }
 
-void ChannelTable::acceptPoint(int qwtIndex, uchar ch)
+void ChannelTable::notePoint(int qwtIndex, uchar ch, ValueMark mark)
 {
     if (qwtIndex != m_qwtIndex)
         return;
-    setFresh(ch);
-    note(ch, {});
-}
-
-void ChannelTable::rejectPoint(int qwtIndex, uchar ch)
-{
-    if (qwtIndex != m_qwtIndex)
-        return;
-    if (m_fresh == ch)
+    if (mark == ValueMark::Accepted)
+        setFresh(ch);
+    else if (mark == ValueMark::Rejected && m_fresh == ch)
         m_fresh = -1;
-    note(ch, {false, false, true});
-}
-
-void ChannelTable::raiseAlarm(int qwtIndex, uchar ch)
-{
-    if (qwtIndex == m_qwtIndex)
-        note(ch, {false, true, false});
-}
-
-void ChannelTable::note(uchar ch, const ValueMarks &marks)
-{
-    m_marks[ch] = marks;
+    m_marks[ch] = mark;
     m_touched.set(ch);
 }
 
@@ -179,25 +158,21 @@ ChannelState ChannelTable::stateOf(const noxList::_nox &nox, int channel) const
     state.number = channel;
     state.color = m_plot->getChColor(nox.qwtIndex, ch);
     state.shown = m_plot->getChShow(nox.qwtIndex, ch);
-    state.value = m_plot->getChMeasStr(nox.qwtIndex, ch);
-    state.received = receivedValue(*m_plot, nox.qwtIndex, ch);
-    state.unit = m_plot->getChDim(nox.qwtIndex, ch);
-    if (state.unit.isEmpty())
-        state.unit = nox.opt->getChMeasTypeName(ch);
+    readLatest(&state, *m_plot, nox, ch);
     state.deltaX = m_plot->getChDXStr(nox.qwtIndex, ch);
     state.deltaY = m_plot->getChDYStr(nox.qwtIndex, ch);
     addReference(&state, nox);
     state.inactive = isInactive(*nox.opt, ch);
     state.main = channel == m_main;
     state.hovered = m_hover.row() == channel + 1;
-    state.marks = m_marks.at(size_t(channel));
-    state.marks.fresh = channel == m_fresh;
+    state.mark = m_marks.at(size_t(channel));
+    state.fresh = channel == m_fresh;
     return state;
 }
 
 void ChannelTable::addReference(ChannelState *state, const noxList::_nox &nox) const
 {
-    uchar channel = 255;
+    uchar channel = 0;
     int qwtIndex = -1;
     m_plot->getChDiff(&channel, &qwtIndex, nox.qwtIndex, uchar(state->number));
     const noxList::_nox *reference =

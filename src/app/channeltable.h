@@ -1,8 +1,6 @@
 #pragma once
 
-#include "app/rowcontent.h"
-#include "app/rowhover.h"
-#include "registry/noxlist.h"
+#include "app/windowtables.h"
 
 #include <array>
 #include <bitset>
@@ -30,15 +28,8 @@ public:
     /** Takes back what marks the freshest value and the rejected ones. */
     void resetBackgrounds();
 
-    // Notes; those about instruments that the table does not show are ignored.
-
-    /** The plot took a point. */
-    void acceptPoint(int qwtIndex, uchar ch);
-    /** The plot rejected a point. */
-    void rejectPoint(int qwtIndex, uchar ch);
-    /** The point just taken lies beyond a limit. */
-    void raiseAlarm(int qwtIndex, uchar ch);
-
+    /** A point came to the plot; one of an instrument that the table does not show is ignored. */
+    void notePoint(int qwtIndex, uchar ch, ValueMark mark);
     /** True when something was noted about a channel that has no row. */
     bool lacksRows() const { return (m_touched >> size_t(m_rows)).any(); }
     /** Brings the rows up to date about which something was noted. */
@@ -54,7 +45,6 @@ public:
 private:
     static constexpr int mostChannels = 256; ///< every number that fits
 
-    void note(uchar ch, const ValueMarks &marks);
     void setFresh(int ch);
     void setRowCount(bool isOther);
     void forgetMarks(int first);
@@ -66,12 +56,12 @@ private:
     const noxList *m_registry;
     const QwtNOX *m_plot;
     RowHover m_hover;
-    int m_index = -1;                             ///< registry index of the instrument shown
-    int m_qwtIndex = -1;                          ///< its plot index
-    bool m_isLinked = false;                      ///< it was connected when last looked at
-    int m_rows = 0;                               ///< channels shown
-    int m_main = -1;                              ///< the main channel as it is marked
-    int m_fresh = -1;                             ///< the channel of the latest point
-    std::array<ValueMarks, mostChannels> m_marks; ///< by channel; the fresh one is in m_fresh
-    std::bitset<mostChannels> m_touched;          ///< something was noted and not shown yet
+    int m_index = -1;                              ///< registry index of the instrument shown
+    int m_qwtIndex = -1;                           ///< its plot index
+    bool m_isLinked = false;                       ///< it was connected when last looked at
+    int m_rows = 0;                                ///< channels shown
+    int m_main = -1;                               ///< the main channel as it is marked
+    int m_fresh = -1;                              ///< the channel of the latest point
+    std::array<ValueMark, mostChannels> m_marks{}; ///< by channel
+    std::bitset<mostChannels> m_touched;           ///< something was noted and not shown yet
 };

@@ -1,8 +1,5 @@
 #include "app/instrumenttable.h"
 
-#include "app/plotplaces.h"
-#include "app/rowpainter.h"
-#include "app/tablesetup.h"
 #include "plot/qwtnox.h"
 #include "serial/noxserialport.h"
 #include "widgets/headedtable.h"
@@ -67,11 +64,10 @@ void InstrumentTable::refresh(int currentIndex)
         Row &shown = m_rows[row - 1];
         const noxList::_nox &nox = *m_registry->getNoxByIndex(shown.index);
         shown.touched = false;
-        shown.marks.fresh = false;
-        if (nox.devIndex < 0) {
-            shown.marks = {};
+        if (nox.devIndex < 0 || shown.mark == ValueMark::Accepted)
+            shown.mark = ValueMark::None;
+        if (nox.devIndex < 0)
             m_table->removeCellWidget(row, InstrumentColumn::Menu); // its transfer is over
-        }
         bindShowBox(row, nox);
         paintRow(m_table, row, instrumentRow(stateOf(nox)));
     }
@@ -115,14 +111,14 @@ void InstrumentTable::refreshValue(int index)
              InstrumentColumn::Channel);
 }
 
-void InstrumentTable::note(int qwtIndex, uchar ch, const ValueMarks &marks)
+void InstrumentTable::notePoint(int qwtIndex, uchar ch, ValueMark mark)
 {
     const int position = m_rowByPlot.value(qwtIndex, -1);
     if (position < 0)
         return;
     Row &row = m_rows[position];
     row.channel = ch;
-    row.marks = marks;
+    row.mark = mark;
     row.touched = true;
 }
 
@@ -244,17 +240,12 @@ InstrumentState InstrumentTable::stateOf(const noxList::_nox &nox) const
     state.exchanging = state.attached && m_registry->serialPort()->hasExchanges(nox.devIndex);
     state.current = nox.index == m_current;
     state.hovered = indexAt(m_hover.row()) == nox.index;
-    state.marks = latest.marks;
+    state.mark = latest.mark;
     // below 0 the plot would answer for its main instrument
     const int channel = latest.channel >= 0 ? latest.channel : m_plot->getChMain(nox.qwtIndex);
     if (nox.qwtIndex < 0 || channel < 0)
         return state;
-    const auto ch = uchar(channel);
     state.channel = channel;
-    state.value = m_plot->getChMeasStr(nox.qwtIndex, ch);
-    state.received = receivedValue(*m_plot, nox.qwtIndex, ch);
-    state.unit = m_plot->getChDim(nox.qwtIndex, ch);
-    if (state.unit.isEmpty())
-        state.unit = nox.opt->getChMeasTypeName(ch);
+    readLatest(&state, *m_plot, nox, uchar(channel));
     return state;
 }

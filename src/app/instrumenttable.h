@@ -1,8 +1,6 @@
 #pragma once
 
-#include "app/rowcontent.h"
-#include "app/rowhover.h"
-#include "registry/noxlist.h"
+#include "app/windowtables.h"
 
 #include <QVector>
 
@@ -28,12 +26,8 @@ public:
     /** Brings value, unit and channel of one row up to date. */
     void refreshValue(int index);
 
-    /** The plot took a point. */
-    void acceptPoint(int qwtIndex, uchar ch) { note(qwtIndex, ch, {true, false, false}); }
-    /** The plot rejected a point. */
-    void rejectPoint(int qwtIndex, uchar ch) { note(qwtIndex, ch, {false, false, true}); }
-    /** The point just taken lies beyond a limit. */
-    void raiseAlarm(int qwtIndex, uchar ch) { note(qwtIndex, ch, {false, true, false}); }
+    /** A point came to the plot. */
+    void notePoint(int qwtIndex, uchar ch, ValueMark mark);
     /** An exchange with the instrument was queued, or its last one is over. */
     void noteExchange(int index);
     /** Brings the rows up to date about which something was noted. */
@@ -62,12 +56,11 @@ private:
     struct Row {
         int index = -1;   ///< registry index
         int channel = -1; ///< -1: nothing yet
-        ValueMarks marks{};
+        ValueMark mark = ValueMark::None;
         bool touched = false; ///< something was noted and not shown yet
     };
 
     int rowOf(int index) const;
-    void note(int qwtIndex, uchar ch, const ValueMarks &marks);
     void setRows(const QList<int> &indices);
     void setRowCount(int instruments);
     void addShowBox(int row);

@@ -21,7 +21,7 @@ void setIdentity()
 {
     QCoreApplication::setOrganizationName(QStringLiteral("Tavrel"));
     QCoreApplication::setApplicationName(QStringLiteral("nox8"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("%1.%2.%3").arg(3).arg(4).arg(6));
+    QCoreApplication::setApplicationVersion(QStringLiteral(NOX8_VERSION));
 }
 
 /**

@@ -2,15 +2,14 @@
 
 #include "app/alarmsound.h"
 #include "app/channeltable.h"
-#include "app/differencemenu.h"
 #include "app/instrumenttable.h"
 #include "app/numericpanels.h"
-#include "app/plotbuttons.h"
-#include "app/plotplaces.h"
+#include "app/plotinstruments.h"
+#include "app/plottools.h"
 #include "app/resultstools.h"
 #include "dialogs/confchmenu.h"
 #include "dialogs/confmenu.h"
-#include "dialogs/instrumenttitle.h"
+#include "dialogs/settingscontent.h"
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
@@ -54,9 +53,8 @@ void MainWindow::showNumbers()
         m_panels->showNumbers(QStringLiteral("--"), QStringLiteral("--"), QString());
         return;
     }
-    const auto main = uchar(255);
-    m_panels->showNumbers(m_plot->getChMeasStr(qwtIndex, main),
-                          m_plot->getChAverStr(qwtIndex, main), m_plot->getChDim(qwtIndex, main));
+    m_panels->showNumbers(m_plot->getChMeasStr(qwtIndex), m_plot->getChAverStr(qwtIndex),
+                          m_plot->getChDim(qwtIndex));
 }
 
 // Instruments come and go
@@ -183,25 +181,11 @@ void MainWindow::addRecords(int index, const QMap<quint8, QVector<optionsNOX8::_
     updUI(); // a channel without records is empty now
 }
 
-void MainWindow::notePoint(int qwtIndex, uchar ch)
+void MainWindow::notePoint(int qwtIndex, uchar ch, ValueMark mark)
 {
-    m_instruments->acceptPoint(qwtIndex, ch);
-    m_channels->acceptPoint(qwtIndex, ch);
-    m_plot->frameClock().request();
-}
-
-void MainWindow::noteRejected(int qwtIndex, uchar ch)
-{
-    m_instruments->rejectPoint(qwtIndex, ch);
-    m_channels->rejectPoint(qwtIndex, ch);
-    m_plot->frameClock().request();
-}
-
-void MainWindow::noteAlarm(int qwtIndex, uchar ch)
-{
-    m_instruments->raiseAlarm(qwtIndex, ch);
-    m_channels->raiseAlarm(qwtIndex, ch);
-    m_isAlarmDue = true;
+    m_instruments->notePoint(qwtIndex, ch, mark);
+    m_channels->notePoint(qwtIndex, ch, mark);
+    m_isAlarmDue = m_isAlarmDue || mark == ValueMark::Alarm;
     m_plot->frameClock().request();
 }
 

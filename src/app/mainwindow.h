@@ -8,7 +8,6 @@
 
 class AlarmSound;
 class ChannelTable;
-class ChoiceMenu;
 class ClearMenu;
 class ConnectMenu;
 class DifferenceMenu;
@@ -29,6 +28,7 @@ class confMenu;
 class devConfUI;
 class findNox;
 class noxSql;
+enum class ValueMark;
 
 namespace Ui
 {
@@ -122,9 +122,7 @@ private:
     void searchAgain(int index);
 
     // what the plot reports; points are only noted, and shown with the next frame
-    void notePoint(int qwtIndex, uchar ch);
-    void noteRejected(int qwtIndex, uchar ch);
-    void noteAlarm(int qwtIndex, uchar ch);
+    void notePoint(int qwtIndex, uchar ch, ValueMark mark);
     void showFrame();
     void showMainInstrument(int qwtIndex);
     void showPlotSettings(int qwtIndex);
@@ -168,7 +166,6 @@ private:
     std::unique_ptr<ClearMenu> m_clearMenu;
     std::unique_ptr<SettingsMenu> m_settingsMenu;
     std::unique_ptr<StartHints> m_hints;
-    std::unique_ptr<ChoiceMenu> m_limitMenu;
     std::unique_ptr<PlotMenu> m_plotMenu;
     std::unique_ptr<PlotButtons> m_plotButtons;
     std::unique_ptr<AlarmSound> m_alarmSound;

@@ -1,27 +1,20 @@
 #include "app/alarmsound.h"
 #include "app/appconf.h"
 #include "app/channeltable.h"
-#include "app/choicemenu.h"
-#include "app/clearmenu.h"
-#include "app/connectmenu.h"
-#include "app/differencemenu.h"
 #include "app/instrumenttable.h"
 #include "app/mainwindow.h"
 #include "app/numericpanels.h"
-#include "app/plotbuttons.h"
-#include "app/plotchoices.h"
-#include "app/plotmenu.h"
+#include "app/plotinstruments.h"
+#include "app/plottools.h"
 #include "app/resultstools.h"
-#include "app/settingsmenu.h"
 #include "app/starthints.h"
-#include "app/tableheights.h"
+#include "app/windowmenus.h"
 #include "dialogs/confchmenu.h"
 #include "dialogs/confmenu.h"
 #include "dialogs/devconfui.h"
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
-#include "storage/databasefile.h"
 #include "storage/noxsql.h"
 #include "storage/plotsettingsstore.h"
 #include "ui_mainwindow.h"
@@ -164,8 +157,12 @@ void MainWindow::buildDialogs()
 
 void MainWindow::buildResults()
 {
-    const ResultsTools::Display display = {m_ui->recBtn, m_ui->readingBar, m_ui->readingLabel,
-                                           m_ui->readingProgress, m_ui->stopReadingBtn};
+    ResultsTools::Display display;
+    display.recordButton = m_ui->recBtn;
+    display.readingBar = m_ui->readingBar;
+    display.readingLabel = m_ui->readingLabel;
+    display.readingProgress = m_ui->readingProgress;
+    display.stopButton = m_ui->stopReadingBtn;
     m_results = std::make_unique<ResultsTools>(display, m_registry.get(), m_plot.get(), this);
     connect(m_results.get(), &ResultsTools::resultsRead, this, &MainWindow::updUI);
 }
@@ -258,9 +255,12 @@ void MainWindow::connectInstruments()
 void MainWindow::connectPlot()
 {
     const QwtNOX *plot = m_plot.get();
-    connect(plot, &QwtNOX::onAddPoint, this, &MainWindow::notePoint);
-    connect(plot, &QwtNOX::onPointTrackOff, this, &MainWindow::noteAlarm);
-    connect(plot, &QwtNOX::onErrorAddPoint, this, &MainWindow::noteRejected);
+    const auto noteAs = [this](ValueMark mark) {
+        return [this, mark](int qwtIndex, uchar ch) { notePoint(qwtIndex, ch, mark); };
+    };
+    connect(plot, &QwtNOX::onAddPoint, this, noteAs(ValueMark::Accepted));
+    connect(plot, &QwtNOX::onPointTrackOff, this, noteAs(ValueMark::Alarm));
+    connect(plot, &QwtNOX::onErrorAddPoint, this, noteAs(ValueMark::Rejected));
     connect(plot, &QwtNOX::onChColorChange, this, &MainWindow::updUI);
     connect(plot, &QwtNOX::onDevChange, this, &MainWindow::showMainInstrument);
     connect(plot, &QwtNOX::onChange, this, &MainWindow::showPlotSettings);
@@ -292,9 +292,15 @@ void MainWindow::connectKeys()
 
 void MainWindow::buildMenus()
 {
-    const PlotButtons::Buttons buttons = {m_ui->dXBtn,      m_ui->dYBtn,      m_ui->modeXBtn,
-                                          m_ui->modeBtn,    m_ui->qwtZoomBtn, m_ui->qwtScrollBtn,
-                                          m_ui->qwtMeasBtn, m_ui->trackBtn};
+    PlotButtons::Buttons buttons;
+    buttons.scaleX = m_ui->dXBtn;
+    buttons.scaleY = m_ui->dYBtn;
+    buttons.modeX = m_ui->modeXBtn;
+    buttons.mode = m_ui->modeBtn;
+    buttons.zoom = m_ui->qwtZoomBtn;
+    buttons.scroll = m_ui->qwtScrollBtn;
+    buttons.measure = m_ui->qwtMeasBtn;
+    buttons.limits = m_ui->trackBtn;
     m_plotButtons = std::make_unique<PlotButtons>(buttons, m_plot.get());
 
     m_plotMenu = std::make_unique<PlotMenu>(m_plot.get(), this);
@@ -323,9 +329,6 @@ void MainWindow::buildSettings()
 
 void MainWindow::buildPlotTools()
 {
-    m_limitMenu = limitChoices(m_plot.get(), this);
-    m_ui->trackBtn->setMenu(m_limitMenu.get());
-
     m_clearMenu = std::make_unique<ClearMenu>(m_registry.get(), this);
     m_ui->clearBtn->setMenu(m_clearMenu.get());
     connect(m_clearMenu.get(), &ClearMenu::chosen, this, &MainWindow::clearPlot);

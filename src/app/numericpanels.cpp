@@ -1,12 +1,12 @@
 #include "app/numericpanels.h"
 
-#include "widgets/fittedlabel.h"
+#include "app/rowcontent.h"
+#include "widgets/qlabelclick.h"
 
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QStyle>
-#include <QTextDocument>
 #include <QVariant>
 
 namespace
@@ -40,6 +40,18 @@ QLabel *addUnit(QFrame *frame, const QString &name)
     label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     frame->layout()->addWidget(label);
     return label;
+}
+
+/** Style of the unit label: the longer the unit, the smaller. */
+QString unitStyle(const QString &unit)
+{
+    constexpr int largest = 32;
+    constexpr int longestAtLargest = 2;
+    constexpr int shrinkFrom = 30;
+    constexpr int smallest = 6; // units of files may have any length
+    const int length = unit.length();
+    const int points = length > longestAtLargest ? qMax(smallest, shrinkFrom - length) : largest;
+    return QStringLiteral("font: %1pt;").arg(points);
 }
 
 void setStyle(QWidget *widget, const QString &style)
@@ -96,7 +108,7 @@ void NumericPanels::showNumbers(const QString &value, const QString &average, co
         return;
     m_unit->setText(unit);
     // its start may be cut off
-    m_unit->setToolTip(Qt::mightBeRichText(unit) ? unit.toHtmlEscaped() : unit);
+    m_unit->setToolTip(asToolTip(unit));
     setStyle(m_unit, unitStyle(unit));
 }
 
@@ -131,15 +143,4 @@ bool NumericPanels::eventFilter(QObject *watched, QEvent *event)
     if (!key->isAutoRepeat())
         watched == m_frames.first() ? emit valueClicked() : emit averageClicked();
     return true;
-}
-
-QString NumericPanels::unitStyle(const QString &unit)
-{
-    constexpr int largest = 32;
-    constexpr int longestAtLargest = 2;
-    constexpr int shrinkFrom = 30;
-    constexpr int smallest = 6; // units of files may have any length
-    const int length = unit.length();
-    const int points = length > longestAtLargest ? qMax(smallest, shrinkFrom - length) : largest;
-    return QStringLiteral("font: %1pt;").arg(points);
 }

@@ -26,9 +26,6 @@ public:
     /** Shows by the ground of the panels whether the numbers are old: nothing renews them. */
     void showAge(bool old);
 
-    /** Style of the unit label: the longer the unit, the smaller. */
-    static QString unitStyle(const QString &unit);
-
 signals:
     // A click on the number, or Space or Return on its panel.
     void valueClicked();

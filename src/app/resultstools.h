@@ -31,11 +31,11 @@ class ResultsTools : public QObject
 public:
     /** What of the form it shows itself on; all are needed, none is owned. */
     struct Display {
-        QToolButton *recordButton;
-        QWidget *readingBar; ///< holds the other three; hidden while nothing is read
-        QLabel *readingLabel;
-        QProgressBar *readingProgress;
-        QPushButton *stopButton;
+        QToolButton *recordButton = nullptr;
+        QWidget *readingBar = nullptr; ///< holds the other three; hidden while nothing is read
+        QLabel *readingLabel = nullptr;
+        QProgressBar *readingProgress = nullptr;
+        QPushButton *stopButton = nullptr;
     };
 
     /** `window` is the parent of all dialogs; registry and plot outlive the tools. */

@@ -28,21 +28,14 @@ QString menuMark(bool current, bool hovered)
     return hovered ? QStringLiteral("☰") : QString();
 }
 
-/** A text of the user's own: what looks like markup in it is none. */
-QString asToolTip(const QString &text)
-{
-    return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
-}
-
 /** The latest value in the digits in which it came. */
-QString receivedTip(const std::optional<double> &received, const QString &unit,
-                    const ValueMarks &marks)
+QString receivedTip(const LatestValue &latest)
 {
-    if (!received || marks.rejected)
+    if (!latest.received || latest.mark == ValueMark::Rejected)
         return {};
     constexpr int digits = 10;
-    return asToolTip(
-        RowTexts::tr("Принято: %1 %2").arg(QString::number(*received, 'g', digits), unit));
+    const QString number = QString::number(*latest.received, 'g', digits);
+    return asToolTip(RowTexts::tr("Принято: %1 %2").arg(number, latest.unit));
 }
 
 QColor textColor(bool active)
@@ -55,15 +48,15 @@ QString sourceText(const InstrumentState &state)
     if (state.channel < 0)
         return nothing();
     const QString number = QString::number(state.channel + 1);
-    return state.marks.alarm ? number + QStringLiteral(" (!)") : number;
+    return state.mark == ValueMark::Alarm ? number + QStringLiteral(" (!)") : number;
 }
 
-void markInstrumentValue(CellContent &cell, const ValueMarks &marks)
+void markInstrumentValue(CellContent &cell, ValueMark mark)
 {
-    if (!marks.fresh && !marks.alarm && !marks.rejected)
+    if (mark == ValueMark::None)
         return;
-    cell.textColor = marks.alarm ? Qt::red : Qt::black;
-    cell.background = marks.rejected ? QColor(Qt::yellow) : QColor();
+    cell.textColor = mark == ValueMark::Alarm ? Qt::red : Qt::black;
+    cell.background = mark == ValueMark::Rejected ? QColor(Qt::yellow) : QColor();
 }
 
 /** Silence has a reason: the instrument measures again when the last block has been exchanged. */
@@ -77,10 +70,10 @@ void showExchange(RowContent &row)
 
 void markChannelCell(CellContent &cell, const ChannelState &state)
 {
-    cell.textColor = state.marks.alarm ? QColor(Qt::red) : textColor(!state.inactive);
-    if (state.marks.rejected)
+    cell.textColor = state.mark == ValueMark::Alarm ? QColor(Qt::red) : textColor(!state.inactive);
+    if (state.mark == ValueMark::Rejected)
         cell.background = Qt::yellow;
-    else if (state.marks.fresh)
+    else if (state.fresh)
         cell.background = freshColor();
 }
 
@@ -97,6 +90,11 @@ void describeReference(CellContent &cell, const ChannelState &state)
 }
 
 } // namespace
+
+QString asToolTip(const QString &text)
+{
+    return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
+}
 
 QColor currentColor()
 {
@@ -120,13 +118,13 @@ RowContent instrumentRow(const InstrumentState &state)
     row[Name].text = state.name;
     row[Name].toolTip = asToolTip(state.name); // the column may be too narrow for it
     row[Number].text = state.number;
-    row[Value].text = state.marks.rejected ? missingValue() : state.value;
-    row[Value].toolTip = receivedTip(state.received, state.unit, state.marks);
+    row[Value].text = state.mark == ValueMark::Rejected ? missingValue() : state.value;
+    row[Value].toolTip = receivedTip(state);
     row[Unit].text = state.unit;
     row[Channel].text = sourceText(state);
     row[Menu].text = menuMark(state.current, state.hovered);
     for (const int column : {Value, Unit, Channel})
-        markInstrumentValue(row[column], state.marks);
+        markInstrumentValue(row[column], state.mark);
     if (state.exchanging)
         showExchange(row);
     return row;
@@ -141,7 +139,7 @@ RowContent channelRow(const ChannelState &state)
     row[Number].toolTip = RowTexts::tr("Левая кнопка мыши (Пробел): показать или скрыть график\n"
                                        "Правая кнопка мыши (Menu): выбрать цвет графика");
     row[Value].text = state.value;
-    row[Value].toolTip = receivedTip(state.received, state.unit, state.marks);
+    row[Value].toolTip = receivedTip(state);
     row[Unit].text = state.unit;
     row[DeltaX].text = state.deltaX;
     row[DeltaY].text = state.deltaY;
@@ -150,7 +148,7 @@ RowContent channelRow(const ChannelState &state)
 
     for (const int column : {Value, Unit, DeltaX, DeltaY, Reference})
         markChannelCell(row[column], state);
-    if (state.marks.rejected)
+    if (state.mark == ValueMark::Rejected)
         for (const int column : {Value, Unit, DeltaX, DeltaY})
             row[column].text = missingValue();
     if (state.main) {

@@ -34,36 +34,39 @@ struct CellContent {
 
 using RowContent = std::array<CellContent, tableColumns>;
 
-/** How the latest value of a row stands out. */
-struct ValueMarks {
-    bool fresh = false;    ///< it is the last one that arrived
-    bool alarm = false;    ///< it lies beyond a limit
-    bool rejected = false; ///< the plot did not take it
+/** What became of the latest point of a row. */
+enum class ValueMark {
+    None,     ///< nothing came since the row was brought up to date as a whole
+    Accepted, ///< the plot took it
+    Alarm,    ///< the plot took it, and it lies beyond a limit
+    Rejected, ///< the plot did not take it
 };
 
-/** What is known of an instrument's row. */
-struct InstrumentState {
-    QString name;
-    QString number;
+/** The latest value of a row. */
+struct LatestValue {
     QString value;
     QString unit;
     std::optional<double> received; ///< the value as the instrument sent it; none: nothing came
-    int channel = -1;               ///< where the value came from, from 0; -1: there is no channel
+    ValueMark mark = ValueMark::None;
+};
+
+/** What is known of an instrument's row. */
+struct InstrumentState : LatestValue {
+    QString name;
+    QString number;
+    int channel = -1; ///< where the value came from, from 0; -1: there is no channel
     bool attached = false;
     bool current = false;
     bool hovered = false;    ///< the mouse is over the row
     bool exchanging = false; ///< blocks are still to be read or written; it does not measure
-    ValueMarks marks;
 };
 
 /** What is known of a channel's row. */
-struct ChannelState {
+struct ChannelState : LatestValue {
     int number = 0; ///< from 0
     QColor color;
-    bool shown = true; ///< its curves are on the plot
-    QString value;
-    QString unit;
-    std::optional<double> received; ///< the value as the instrument sent it; none: nothing came
+    bool shown = true;  ///< its curves are on the plot
+    bool fresh = false; ///< the latest point of the instrument is its
     QString deltaX;
     QString deltaY;
     int referenceChannel = -1;   ///< from 0; -1: no difference is measured
@@ -71,8 +74,10 @@ struct ChannelState {
     bool inactive = false;       ///< the instrument does not measure it
     bool main = false;
     bool hovered = false; ///< the mouse is over the row
-    ValueMarks marks;
 };
+
+/** A text of the user's own as a tool tip: what looks like markup in it is none. */
+QString asToolTip(const QString &text);
 
 /** Background of the current instrument and of the main channel. */
 QColor currentColor();

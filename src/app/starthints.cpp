@@ -23,7 +23,29 @@ QString breakablePath(const QString &path)
     return QString(path).replace(QLatin1Char('/'), QLatin1Char('/') + QString(zeroWidthSpace));
 }
 
-/** A label that takes the room of the rows. */
+/** What can be done while there is no instrument, given how many serial ports there are and how
+ *  many of them no program has open. */
+QString instrumentHint(int ports, int freePorts)
+{
+    if (ports == 0)
+        return StartHints::tr("Приборов нет, портов тоже: подключите прибор и нажмите «Поиск "
+                              "приборов». Без порта — «Ручное подключение».");
+    if (freePorts == 0)
+        return StartHints::tr("Приборов нет, все порты заняты: освободите порт и нажмите «Поиск "
+                              "приборов». Без порта — «Ручное подключение».");
+    return StartHints::tr("Приборов пока нет. «Поиск приборов» опрашивает все свободные порты, "
+                          "«Ручное подключение» открывает выбранный.");
+}
+
+/** That settings are lost, and what can be done about it; the path is that of the database. */
+QString databaseHint(const QString &path)
+{
+    return StartHints::tr("Настройки не сохраняются: в базу данных нельзя записать. Проверьте файл "
+                          "и права на его папку, затем запустите программу снова.\n%1")
+        .arg(breakablePath(path));
+}
+
+/** A label where the rows will be. */
 QLabel *labelBelowHeader(QTableWidget *table)
 {
     auto *const label = new QLabel(table->viewport());
@@ -38,25 +60,6 @@ QLabel *labelBelowHeader(QTableWidget *table)
 }
 
 } // namespace
-
-QString instrumentHint(int ports, int freePorts)
-{
-    if (ports == 0)
-        return StartHints::tr("Приборов нет, портов тоже: подключите прибор и нажмите «Поиск "
-                              "приборов». Без порта — «Ручное подключение».");
-    if (freePorts == 0)
-        return StartHints::tr("Приборов нет, все порты заняты: освободите порт и нажмите «Поиск "
-                              "приборов». Без порта — «Ручное подключение».");
-    return StartHints::tr("Приборов пока нет. «Поиск приборов» опрашивает все свободные порты, "
-                          "«Ручное подключение» открывает выбранный.");
-}
-
-QString databaseHint(const QString &path)
-{
-    return StartHints::tr("Настройки не сохраняются: в базу данных нельзя записать. Проверьте файл "
-                          "и права на его папку, затем запустите программу снова.\n%1")
-        .arg(breakablePath(path));
-}
 
 StartHints::StartHints(QTableWidget *instruments, QLabel *databaseLabel, const noxList *registry,
                        noxSql *database)

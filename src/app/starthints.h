@@ -1,19 +1,11 @@
 #pragma once
 
 #include <QObject>
-#include <QString>
 
 class QLabel;
 class QTableWidget;
 class noxList;
 class noxSql;
-
-/** What can be done while there is no instrument, given how many serial ports there are and how
- *  many of them no program has open. */
-QString instrumentHint(int ports, int freePorts);
-
-/** That settings are lost, and what can be done about it; the path is that of the database. */
-QString databaseHint(const QString &path);
 
 /**
  * Tells in the empty table of instruments what can be done next, and in the window that nothing is

@@ -1,4 +1,4 @@
-#include "app/differencemenu.h"
+#include "app/plotinstruments.h"
 #include "windowfixture.h"
 
 namespace

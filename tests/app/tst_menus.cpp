@@ -1,6 +1,6 @@
-#include "app/choicemenu.h"
-#include "app/clearmenu.h"
-#include "app/connectmenu.h"
+#include "app/plotinstruments.h"
+#include "app/plottools.h"
+#include "app/windowmenus.h"
 #include "windowfixture.h"
 
 namespace

@@ -1,5 +1,5 @@
 #include "app/numericpanels.h"
-#include "widgets/fittedlabel.h"
+#include "widgets/qlabelclick.h"
 
 #include <QFrame>
 #include <QSignalSpy>

@@ -1,5 +1,5 @@
-#include "app/plotbuttons.h"
-#include "app/plotplaces.h"
+#include "app/plotinstruments.h"
+#include "app/plottools.h"
 
 #include <QtTest>
 

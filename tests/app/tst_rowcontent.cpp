@@ -35,6 +35,15 @@ ChannelState channel()
     return state;
 }
 
+ValueMark markOf(const QString &text)
+{
+    if (text.contains("alarm"))
+        return ValueMark::Alarm;
+    if (text.contains("rejected"))
+        return ValueMark::Rejected;
+    return text.isEmpty() ? ValueMark::None : ValueMark::Accepted;
+}
+
 QStringList texts(const RowContent &row)
 {
     QStringList all;
@@ -82,10 +91,10 @@ void TestRowContent::writesAnInstrument_data()
     QTest::newRow("without channels")
         << state << QStringList{"", "NOX B", "1234", "21.50", "°С", "-", ""};
     state = instrument();
-    state.marks.rejected = true;
+    state.mark = ValueMark::Rejected;
     QTest::newRow("rejected") << state << QStringList{"", "NOX B", "1234", "--", "°С", "3", ""};
     state = instrument();
-    state.marks.alarm = true;
+    state.mark = ValueMark::Alarm;
     QTest::newRow("alarm") << state << QStringList{"", "NOX B", "1234", "21.50", "°С", "3 (!)", ""};
 }
 
@@ -126,7 +135,7 @@ void TestRowContent::coloursAnInstrument()
     InstrumentState state = instrument();
     state.attached = attached;
     state.current = current;
-    state.marks = {mark == "fresh", mark == "alarm", mark == "rejected"};
+    state.mark = markOf(mark);
 
     using namespace InstrumentColumn;
     const RowContent row = instrumentRow(state);
@@ -160,7 +169,7 @@ void TestRowContent::writesAChannel_data()
     QTest::newRow("difference") << state << QStringList{"5", "21.50", "°С", "2.0", "0.01", "2", ""}
                                 << "Разность с NOX B №1234, канал №2";
     state = channel();
-    state.marks.rejected = true;
+    state.mark = ValueMark::Rejected;
     QTest::newRow("rejected") << state << QStringList{"5", "--", "--", "--", "--", "-", ""} << off;
 }
 
@@ -194,7 +203,8 @@ void TestRowContent::coloursAChannel()
     QFETCH(QString, marks);
     ChannelState state = channel();
     state.inactive = inactive;
-    state.marks = {marks.contains("fresh"), marks.contains("alarm"), marks.contains("rejected")};
+    state.mark = markOf(marks);
+    state.fresh = marks.contains("fresh");
 
     using namespace ChannelColumn;
     for (const bool main : {false, true}) {
@@ -232,7 +242,7 @@ void TestRowContent::tellsWhatCameAndWhatIsAwaited()
     channelState.unit = "<i>"; // the user's own
     QCOMPARE(channelRow(channelState)[ChannelColumn::Value].toolTip,
              QString("Принято: 21.5 &lt;i&gt;"));
-    channelState.marks.rejected = true;
+    channelState.mark = ValueMark::Rejected;
     QCOMPARE(channelRow(channelState)[ChannelColumn::Value].toolTip, QString());
 }
 

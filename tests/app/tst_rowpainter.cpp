@@ -1,6 +1,5 @@
-#include "app/rowpainter.h"
-#include "app/tablesetup.h"
-#include "widgets/legibility.h"
+#include "app/windowtables.h"
+#include "widgets/rowdelegate.h"
 
 #include <QSignalSpy>
 #include <QTableWidget>

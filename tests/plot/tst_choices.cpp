@@ -1,7 +1,5 @@
-#include "plot/numbertext.h"
-#include "plot/scaletables.h"
-#include "plot/timetext.h"
-#include "plot/zoomchoice.h"
+#include "plot/plottexts.h"
+#include "plot/scalechoice.h"
 
 #include <QRandomGenerator>
 #include <QtTest>
@@ -13,7 +11,7 @@
 namespace
 {
 
-constexpr int lastX = 18; // rows of the tables
+constexpr int lastX = 18; // the coarsest steps
 constexpr int lastY = 29;
 
 /** An axis as "from 20 by 0.1", when it has ten steps. */
@@ -43,21 +41,21 @@ private slots:
                  "5 ч. 18000|10 ч. 36000|15 ч. 54000|30 ч. 108000");
         QCOMPARE(scalesY().size(), lastY + 1);
         QCOMPARE(scalesY()[0].label, QString("Авто"));
-        for (int row = 1; row <= lastY; ++row) {
-            const double step =
-                QVector<double>{1, 2, 5}[(row - 1) % 3] * std::pow(10, (row - 1) / 3);
-            QVERIFY(qFuzzyCompare(scalesY()[row].step * 1e6, step));
-            QCOMPARE(scalesY()[row].label.toDouble(), scalesY()[row].step);
-            const int zeros = scalesY()[row].label.section('.', 1).size(); // decimals that show it
-            QCOMPARE(decimalsForRow(row), zeros);
+        for (int step = 1; step <= lastY; ++step) {
+            const double size =
+                QVector<double>{1, 2, 5}[(step - 1) % 3] * std::pow(10, (step - 1) / 3);
+            QVERIFY(qFuzzyCompare(scalesY()[step].step * 1e6, size));
+            QCOMPARE(scalesY()[step].label.toDouble(), scalesY()[step].step);
+            const int zeros = scalesY()[step].label.section('.', 1).size(); // decimals that show it
+            QCOMPARE(decimalsForStep(step), zeros);
         }
-        QCOMPARE(decimalsForRow(0), 0);
+        QCOMPARE(decimalsForStep(0), 0);
     }
-    void choosesRows()
+    void choosesSteps()
     {
         const struct {
             double first, last;
-            int timeRow, valueRow;
+            int timeStep, valueStep;
         } data[] = {{5, 5, 1, 1},
                     {0, 8.5, 1, 19}, // just fit steps of 1
                     {0, 8.51, 2, 20},
@@ -69,9 +67,9 @@ private slots:
                     {-1000, 1e9, lastX, lastY}, // beyond the tables
                     {-1000, qInf(), lastX, lastY},
                     {500, 100, 1, 1}}; // a clock set back
-        for (const auto &[first, last, timeRow, valueRow] : data) {
-            QCOMPARE(rowForTimes(first, last, 10), timeRow);
-            QCOMPARE(rowForValues({first, last}, 10), valueRow);
+        for (const auto &[first, last, timeStep, valueStep] : data) {
+            QCOMPARE(stepForTimes(first, last, 10), timeStep);
+            QCOMPARE(stepForValues({first, last}, 10), valueStep);
         }
     }
     void labelsLeaveEachOtherRoom()
@@ -104,8 +102,8 @@ private slots:
             const ZoomedView view = viewOfRectangle(rectangle, 10, 10);
             QCOMPARE(text(view.x), x);
             QCOMPARE(text(view.y), y);
-            QCOMPARE(view.x.step, double(scalesX()[view.rows.x].step));
-            QCOMPARE(view.y.step, scalesY()[view.rows.y].step);
+            QCOMPARE(view.x.step, double(scalesX()[view.steps.x].step));
+            QCOMPARE(view.y.step, scalesY()[view.steps.y].step);
             QCOMPARE(view.centre, QPointF(view.x.middle(), view.y.middle()));
             const ZoomedView odd = viewOfRectangle(rectangle, 7, 5); // even steps make two halves
             QCOMPARE(odd.x.upper, odd.x.lower + 7 * odd.x.step);
@@ -121,22 +119,22 @@ private slots:
         QCOMPARE(view.centre, QPointF(100, -5));
         QCOMPARE(text(viewAround({20, 0}, {4, 16}, 10, 10).x), "from 0 by 10");
     }
-    void stepsBothRowsTogether()
+    void movesBothStepsTogether()
     {
         for (int x = 1; x <= lastX; ++x)
             for (int y = 1; y <= lastY; ++y) {
                 const int finer = x == 1 || y == 1 ? 0 : 1;
                 const int coarser = x == lastX || y == lastY ? 0 : 1;
-                QVERIFY(neighbouringRows({x, y}, false) == (ScaleRows{x - finer, y - finer}));
-                QVERIFY(neighbouringRows({x, y}, true) == (ScaleRows{x + coarser, y + coarser}));
+                QVERIFY(neighbouringSteps({x, y}, false) == (ScaleSteps{x - finer, y - finer}));
+                QVERIFY(neighbouringSteps({x, y}, true) == (ScaleSteps{x + coarser, y + coarser}));
             }
-        for (int row = 1; row <= lastX; ++row)
-            QCOMPARE(rowOfStepX(scalesX()[row].step), row);
-        for (int row = 1; row <= lastY; ++row)
-            QCOMPARE(rowOfStepY(scalesY()[row].step), row);
-        QCOMPARE(rowOfStepX(70), 7); // the next finer one
-        QCOMPARE(rowOfStepY(0), 1);
-        QCOMPARE(rowOfStepY(1e9), lastY);
+        for (int step = 1; step <= lastX; ++step)
+            QCOMPARE(stepOfSizeX(scalesX()[step].step), step);
+        for (int step = 1; step <= lastY; ++step)
+            QCOMPARE(stepOfSizeY(scalesY()[step].step), step);
+        QCOMPARE(stepOfSizeX(70), 7); // the next finer one
+        QCOMPARE(stepOfSizeY(0), 1);
+        QCOMPARE(stepOfSizeY(1e9), lastY);
     }
     void writesTimes()
     {

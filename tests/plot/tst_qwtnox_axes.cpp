@@ -9,8 +9,8 @@
 namespace
 {
 
-constexpr int oneMinute = 7; // row of the X table
-constexpr int oneTenth = 16; // row of the Y table
+constexpr int oneMinute = 7; // of scalesX()
+constexpr int oneTenth = 16; // of scalesY()
 
 using Points = QVector<QPointF>;
 

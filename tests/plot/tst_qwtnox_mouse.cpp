@@ -1,4 +1,4 @@
-#include "plot/scaletables.h"
+#include "plot/scalechoice.h"
 #include "plotbench.h"
 
 #include <qwt_plot_zoomer.h>
@@ -8,22 +8,22 @@
 namespace
 {
 
-constexpr int lastX = 18; // rows of the tables
+constexpr int lastX = 18; // the coarsest steps
 constexpr int lastY = 29;
 
 struct MouseBench : PlotBench {
     MouseBench() { withRamp(); }
 
     QwtPlotZoomer *zoomer() const { return picker<QwtPlotZoomer>("zoomer"); }
-    /** The rows of the scales in effect. */
-    QPair<int, int> rows() const
+    /** The steps in effect. */
+    QPair<int, int> steps() const
     {
-        const auto row = [](const auto &table, const QString &label) {
+        const auto step = [](const auto &table, const QString &label) {
             return int(std::find_if(table.begin(), table.end(),
                                     [&](const auto &scale) { return scale.label == label; }) -
                        table.begin());
         };
-        return {row(scalesX(), plot.getScaleXLabel()), row(scalesY(), plot.getScaleYLabel())};
+        return {step(scalesX(), plot.getScaleXLabel()), step(scalesY(), plot.getScaleYLabel())};
     }
     /** Moves, and tells whether what was at `held` has come along. */
     bool brings(const QPointF &held, const QPoint &to)
@@ -73,7 +73,7 @@ private slots:
         QCOMPARE(bench.zoomer()->zoomStack().size(), 1);
         for (int i = 0; i < 12; ++i) // down to the finest scales: no rectangle is refused
             mouse.drag({300, 200}, {315, 215});
-        QCOMPARE(bench.rows(), qMakePair(1, 1));
+        QCOMPARE(bench.steps(), qMakePair(1, 1));
         const QString views = bench.views();
         for (int second = 66; second < 300; ++second)
             bench.add(second, second);
@@ -130,20 +130,20 @@ private slots:
         for (int mode = ModeAuto; mode <= ModeLimits; ++mode) {
             MouseBench bench;
             bench.withRamp(600).plot.changeMode(mode);
-            QCOMPARE(bench.rows(), qMakePair(8, 19));
+            QCOMPARE(bench.steps(), qMakePair(8, 19));
             const bool isStored = mode == ModeAuto || mode == ModeFollow;
             for (const int way : {-1, 1, 1, -1}) {
-                const QPair<int, int> rows(bench.rows().first + way, bench.rows().second + way);
+                const QPair<int, int> steps(bench.steps().first + way, bench.steps().second + way);
                 const QPoint at = bench.mouse.pixel(560, 23);
                 const QPointF cursor = bench.mouse.point(at);
                 bench.log.take();
                 bench.mouse.wheel(at, way < 0);
-                QCOMPARE(bench.rows(), rows);
-                QCOMPARE(bench.stepX(), double(scalesX()[rows.first].step));
-                QCOMPARE(bench.stepY(), scalesY()[rows.second].step);
-                QCOMPARE(int(bench.plot.getChScaleX()), isStored ? rows.first : 0);
-                QCOMPARE(int(bench.plot.getChScaleY()), isStored ? rows.second : 0);
-                QCOMPARE(int(bench.plot.getPrecision()), rows.second < 19 ? 1 : 0);
+                QCOMPARE(bench.steps(), steps);
+                QCOMPARE(bench.stepX(), double(scalesX()[steps.first].step));
+                QCOMPARE(bench.stepY(), scalesY()[steps.second].step);
+                QCOMPARE(int(bench.plot.getChScaleX()), isStored ? steps.first : 0);
+                QCOMPARE(int(bench.plot.getChScaleY()), isStored ? steps.second : 0);
+                QCOMPARE(int(bench.plot.getPrecision()), steps.second < 19 ? 1 : 0);
                 QVERIFY(isStored || bench.log.take() == "onChange 0");
                 const bool isMoved = bench.x().startsWith("0 to"); // to begin at 0
                 QVERIFY(isMoved || std::abs(bench.middle().x() - cursor.x()) < 1e-6);
@@ -167,15 +167,15 @@ private slots:
                 bench.plot.changeScaleX(0);
                 bench.plot.changeScaleY(0);
             }
-            QCOMPARE(bench.rows(), qMakePair(0, 0));
+            QCOMPARE(bench.steps(), qMakePair(0, 0));
             for (int notch = 0; notch < 70; ++notch) {
-                const QPair<int, int> rows = bench.rows();
+                const QPair<int, int> steps = bench.steps();
                 const QString views = bench.views();
                 bench.log.take();
                 bench.mouse.wheel(bench.mouse.middle(), notch < 35);
-                if (bench.rows() == rows) // the end of one of the tables
+                if (bench.steps() == steps) // the end of one of the tables
                     QCOMPARE(bench.log.take() + bench.views(), views);
-                const auto [x, y] = bench.rows();
+                const auto [x, y] = bench.steps();
                 QVERIFY(x >= 1 && x <= lastX && y >= 1 && y <= lastY);
                 QVERIFY(bench.stepX() > 0 && bench.stepY() > 0);
             }

@@ -1,9 +1,8 @@
 #include "numbers.h"
-#include "plot/differences.h"
+#include "plot/envelopecurve.h"
 #include "plot/intervalstatistics.h"
 #include "plot/movingaverage.h"
-#include "plot/seriesdata.h"
-#include "plot/unitruns.h"
+#include "plot/plotrecords.h"
 
 #include <QRandomGenerator>
 #include <QtTest>

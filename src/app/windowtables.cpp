@@ -1,0 +1,227 @@
+#include "app/windowtables.h"
+
+#include "plot/qwtnox.h"
+#include "widgets/headedtable.h"
+#include "widgets/qlabelclick.h"
+#include "widgets/rowdelegate.h"
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QIcon>
+#include <QPainter>
+#include <QPixmap>
+
+#include <algorithm>
+#include <utility>
+
+namespace
+{
+
+constexpr QSize pictureSize(20, 20);
+constexpr int titleMargin = 2;
+constexpr int swatchSize = 16;
+constexpr int swatchFrame = 2;
+constexpr int swatchRole = Qt::UserRole;
+
+/** Makes the title as small as it must be to be read whole. */
+void fitTitle(QLabel *label, int width)
+{
+    const int needed = label->fontMetrics().horizontalAdvance(label->text());
+    const int available = width - 2 * titleMargin;
+    if (width == 0 || needed <= available)
+        return;
+    QFont font = label->font();
+    font.setPointSizeF(font.pointSizeF() * available / needed);
+    label->setFont(font);
+}
+
+QLabel *headerCell(const TableColumn &column, bool clickable)
+{
+    QLabel *label = nullptr;
+    if (clickable) {
+        label = new QLabelClick;
+        label->setCursor(Qt::PointingHandCursor);
+    } else {
+        label = new QLabel;
+        label->setCursor(Qt::ArrowCursor);
+    }
+    label->setAlignment(Qt::AlignCenter);
+    label->setAutoFillBackground(true);
+    label->setAttribute(Qt::WA_NoMousePropagation); // the rows may lie below it
+    if (!column.picture.isEmpty()) {
+        label->setToolTip(column.title);
+        label->setAccessibleName(column.title);
+        label->setPixmap(QIcon(column.picture).pixmap(pictureSize));
+        return label;
+    }
+    label->setText(column.title);
+    fitTitle(label, column.width);
+    return label;
+}
+
+void setWidth(QHeaderView *header, int section, int width)
+{
+    header->setSectionResizeMode(section, width > 0 ? QHeaderView::Fixed : QHeaderView::Stretch);
+    if (width > 0)
+        header->resizeSection(section, width);
+}
+
+QPixmap swatchPixmap(const QColor &color, int scale)
+{
+    QPixmap pixmap(swatchSize * scale, swatchSize * scale);
+    pixmap.setDevicePixelRatio(scale);
+    pixmap.fill(color);
+    if (color.alpha() == 0)
+        return pixmap;
+    QPainter painter(&pixmap);
+    painter.setPen(QPen(Qt::white, swatchFrame, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    const int inset = swatchFrame / 2;
+    const int side = swatchSize - swatchFrame;
+    painter.drawRect(inset, inset, side, side);
+    return pixmap;
+}
+
+QTableWidgetItem *itemAt(QTableWidget *table, int row, int column)
+{
+    if (QTableWidgetItem *item = table->item(row, column))
+        return item;
+    auto *item = new QTableWidgetItem;
+    item->setTextAlignment(Qt::AlignCenter);
+    table->setItem(row, column, item);
+    return item;
+}
+
+void paintSwatch(QTableWidgetItem *item, const QColor &color)
+{
+    if (item->data(swatchRole).value<QColor>() == color)
+        return;
+    item->setData(swatchRole, color);
+    item->setIcon(color.isValid() ? swatchIcon(color) : QIcon());
+}
+
+// An item reports a change, and its cell is painted again, only where the new content differs.
+void paintCell(QTableWidgetItem *item, const CellContent &content)
+{
+    item->setText(content.text);
+    item->setToolTip(content.toolTip);
+    item->setForeground(content.textColor);
+    item->setBackground(content.background.isValid() ? QBrush(content.background) : QBrush());
+    item->setData(waitingRole, content.waiting);
+    paintSwatch(item, content.swatch);
+}
+
+/** The height of the lower of two tables that share `total`, all in pixels. */
+int lowerShare(int total, int upperNeed, int lowerNeed)
+{
+    if (upperNeed + lowerNeed <= total)
+        return lowerNeed;
+    return std::max(std::min(lowerNeed, total / 2), total - upperNeed);
+}
+
+} // namespace
+
+void setUpTable(QTableWidget *table, const QVector<TableColumn> &columns)
+{
+    table->setColumnCount(columns.size());
+    table->setRowCount(1);
+    for (int column = 0; column < columns.size(); ++column) {
+        setWidth(table->horizontalHeader(), column, columns.at(column).width);
+        table->setCellWidget(0, column, headerCell(columns.at(column), column == 0));
+    }
+    table->setItemDelegate(new RowDelegate(table));
+    table->setSelectionMode(QAbstractItemView::NoSelection);
+    table->setMouseTracking(true);
+}
+
+void readLatest(LatestValue *latest, const QwtNOX &plot, const noxList::_nox &nox, uchar ch)
+{
+    constexpr int latestPoint = -1;
+    constexpr bool difference = false;
+    latest->value = plot.getChMeasStr(nox.qwtIndex, ch);
+    latest->unit = plot.getChDim(nox.qwtIndex, ch);
+    if (latest->unit.isEmpty())
+        latest->unit = nox.opt->getChMeasTypeName(ch);
+    if (plot.getChMeasCount(nox.qwtIndex, ch, difference) > 0)
+        latest->received = plot.getChMeas(nox.qwtIndex, ch, latestPoint, difference);
+}
+
+void paintRow(QTableWidget *table, int row, const RowContent &content, int first, int last)
+{
+    for (int column = first; column <= last; ++column)
+        paintCell(itemAt(table, row, column), content[size_t(column)]);
+}
+
+QIcon swatchIcon(const QColor &color)
+{
+    QIcon icon;
+    for (const int scale : {1, 2})
+        icon.addPixmap(swatchPixmap(color, scale));
+    return icon;
+}
+
+void selectTableRow(QTableWidget *table, int row)
+{
+    if (row < 1) {
+        table->clearSelection();
+        return;
+    }
+    table->selectionModel()->select(table->model()->index(row, 0),
+                                    QItemSelectionModel::ClearAndSelect |
+                                        QItemSelectionModel::Rows);
+}
+
+QPoint placeBelowCell(const QTableWidget *table, int row, int column)
+{
+    const QRect cell = table->visualRect(table->model()->index(row, column));
+    return table->viewport()->mapToGlobal(cell.bottomLeft());
+}
+
+RowHover::RowHover(QTableWidget *table, QSet<int> menuColumns, QObject *parent)
+    : QObject(parent)
+    , m_table(table)
+    , m_menuColumns(std::move(menuColumns))
+{
+    m_table->viewport()->installEventFilter(this);
+}
+
+void RowHover::enter(int row, int column)
+{
+    const bool opensMenu = row > 0 && m_menuColumns.contains(column);
+    m_table->viewport()->setCursor(opensMenu ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    if (row == m_row)
+        return;
+    const int from = std::exchange(m_row, row);
+    emit moved(from, row);
+}
+
+bool RowHover::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Leave)
+        enter(0, 0);
+    return QObject::eventFilter(watched, event);
+}
+
+TableHeights::TableHeights(HeadedTable *upper, HeadedTable *lower, QObject *parent)
+    : QObject(parent)
+    , m_upper(upper)
+    , m_lower(lower)
+{
+    for (HeadedTable *table : {upper, lower}) {
+        table->installEventFilter(this);
+        connect(table->model(), &QAbstractItemModel::rowsInserted, this, &TableHeights::divide);
+        connect(table->model(), &QAbstractItemModel::rowsRemoved, this, &TableHeights::divide);
+    }
+}
+
+bool TableHeights::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Resize)
+        divide();
+    return QObject::eventFilter(watched, event);
+}
+
+void TableHeights::divide()
+{
+    m_lower->setPreferredHeight(lowerShare(m_upper->height() + m_lower->height(),
+                                           m_upper->neededHeight(), m_lower->neededHeight()));
+}
