@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QLabel>
 #include <qwt_plot_marker.h>
+#include <qwt_plot_textlabel.h>
 #include <qwt_scale_draw.h>
 #include <qwt_scale_widget.h>
 
@@ -95,13 +96,13 @@ public:
         return plot.axisScaleDraw(QwtPlot::yLeft)->label(value).text();
     }
 
-    /** The crosses of the measurement that are seen, the first one first. */
-    QVector<QPointF> crosses() const
+    /** The crosses of the measurement, the first one first; those that are seen, or the others. */
+    QVector<QPointF> crosses(bool areSeen = true) const
     {
         QVector<QPointF> points;
         for (const QwtPlotItem *item : plot.itemList(QwtPlotItem::Rtti_PlotMarker)) {
             const auto *marker = static_cast<const QwtPlotMarker *>(item);
-            if (marker->lineStyle() == QwtPlotMarker::Cross && marker->isVisible())
+            if (marker->lineStyle() == QwtPlotMarker::Cross && marker->isVisible() == areSeen)
                 points.append(marker->value());
         }
         return points;
@@ -116,6 +117,12 @@ public:
         return text(device.upperMarker) + ' ' + text(device.lowerMarker);
     }
 
+    const QwtPlotTextLabel *caption() const
+    {
+        const auto items = plot.itemList(QwtPlotItem::Rtti_PlotTextLabel);
+        return static_cast<const QwtPlotTextLabel *>(items.value(0));
+    }
+    QString captionText() const { return caption()->text().text(); }
     QWidget *frame(const char *name) const { return plot.findChild<QWidget *>(name); }
     /** The frames of the measurement that are seen. */
     QString frames() const

@@ -150,11 +150,12 @@ private slots:
             {[&] { plot.changeScaleX(3); },
              "onChange 0, onChModeChange 0 0 1, onChange 0, onChScaleXChange 0 0 3"},
             {[&] { // of another instrument: its own
+                 plot.setChMode(ModeZoom, 1, 1);
                  plot.setChScaleX(5, 1, 1);
                  plot.setChModeX(ModeXRelative, 1, 1);
              },
-             "onChange 1, onChModeChange 1 1 1, onChange 1, onChScaleXChange 1 1 5, onChange 1, "
-             "onChModeXChange 1 1 1"},
+             "onChange 1, onChModeChange 1 1 2, onChange 1, onChModeChange 1 1 1, onChange 1, "
+             "onChScaleXChange 1 1 5, onChange 1, onChModeXChange 1 1 1"},
             {[&] { // what no table has
                  plot.setChScaleX(19);
                  plot.setChScaleY(30);
@@ -178,7 +179,12 @@ private slots:
                  "СЛЕЖЕНИЕ АБС 5 сек. Авто");
         QCOMPARE(int(plot.getChScaleX()) + 100 * plot.getChScaleX(1, 1) + plot.getChModeX(9, 0),
                  503);
+        plot.setChMain(1, 1);
+        QCOMPARE(bench.labelX(70), "23:01");
         plot.setDevMain(1);
+        QCOMPARE(bench.labelX(70), "00:01:10");
+        plot.setChMain(0);
+        QCOMPARE(bench.labelX(70), "70");
         plot.removeDev(1);
         bench.log.take();
         plot.setDevMain(-1);
@@ -203,6 +209,7 @@ private slots:
         QCOMPARE(bench.labelY(22), "22.0");
         QCOMPARE(int(plot.getChScaleX()) + plot.getChScaleY(), 0);
         QCOMPARE(plot.getScaleXLabel() + plot.getScaleYLabel(), "5 мин.0.1");
+        QVERIFY(bench.captionText().endsWith("dX: 5 мин., dY: 0.1"));
         plot.setChScaleX(0); // has no step of its own
         plot.setChScaleY(0);
         QCOMPARE(bench.views(), "0 to 3000 by 300, 21.5 to 22.5 by 0.1");
