@@ -117,7 +117,9 @@ private slots:
         const ZoomedView view = viewAround({100, -5}, {4, 16}, 10, 10); // 10 s and 0.1
         QCOMPARE(text(view.x) + text(view.y), "from 50 by 10from -5.5 by 0.1");
         QCOMPARE(view.centre, QPointF(100, -5));
-        QCOMPARE(text(viewAround({20, 0}, {4, 16}, 10, 10).x), "from 0 by 10");
+        for (const double middle : {20.0, 49.5}) // would begin below 0
+            QCOMPARE(text(viewAround({middle, 0}, {4, 16}, 10, 10).x), "from 0 by 10");
+        QCOMPARE(text(viewAround({50.5, 0}, {4, 16}, 10, 10).x), "from 0.5 by 10");
     }
     void movesBothStepsTogether()
     {

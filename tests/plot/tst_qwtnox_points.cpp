@@ -371,110 +371,51 @@ private slots:
     {
         PlotBench bench;
         QwtNOX &plot = bench.plot;
+        const auto afterwards = [&plot](auto signal, auto change, auto act) {
+            QObject listener;
+            connect(&plot, signal, &listener, change);
+            act();
+            return plot.devices().keys();
+        };
         limit(plot, 0, TrackLower);
-        auto heard = connect(&plot, &QwtNOX::onAddPoint, this, [&] { plot.clear(0); });
-        QVERIFY(bench.add(20, 1));
+        const auto addPoint = [&] { QVERIFY(bench.add(20, 1)); };
+        afterwards(
+            &QwtNOX::onAddPoint, [&] { plot.clear(0); }, addPoint);
         QCOMPARE(bench.log.take(), "onAddPoint 0 0");
-        disconnect(heard);
-        heard = connect(&plot, &QwtNOX::onAddPoint, this, [&] { plot.removeDev(0); });
-        QVERIFY(bench.add(20, 1));
-        QCOMPARE(plot.devices().keys(), QList<int>{1});
-        disconnect(heard);
+        const QList<int> other = {1};
+        QCOMPARE(afterwards(
+                     &QwtNOX::onAddPoint, [&] { plot.removeDev(0); }, addPoint),
+                 other);
 
         plot.addDev(2, 0);
-        heard = connect(&plot, &QwtNOX::onAddCh, this, [&](int qwtIndex, uchar ch) {
+        const auto removeAtTheSecond = [&](int qwtIndex, uchar ch) {
             if (ch == 1)
                 plot.removeDev(qwtIndex);
-        });
-        QCOMPARE(plot.addPoints(2, {{0, 1, 20}, {1, 1, 20}, {0, 2, 20}}, {"°С", "°С"}), 1);
-        QCOMPARE(plot.devices().keys(), QList<int>{1});
-        disconnect(heard);
+        };
+        const QVector<PlotPoint> points = {{0, 1, 20}, {1, 1, 20}, {0, 2, 20}};
+        const auto addPoints = [&] { QCOMPARE(plot.addPoints(2, points, {"°С", "°С"}), 1); };
+        QCOMPARE(afterwards(&QwtNOX::onAddCh, removeAtTheSecond, addPoints), other);
 
         const int curves = plot.itemList(QwtPlotItem::Rtti_PlotCurve).size();
         plot.addDev(2, 0);
-        heard = connect(&plot, &QwtNOX::onChange, this, [&](int qwtIndex) {
+        const auto addToWhoLeaves = [&](int qwtIndex) {
             if (qwtIndex == 2 && plot.getChCount(2) == 0)
-                plot.addPoint(20, 2, "°С", 2, 0); // to one that leaves
-        });
-        plot.removeDev(2);
+                plot.addPoint(20, 2, "°С", 2, 0);
+        };
+        afterwards(&QwtNOX::onChange, addToWhoLeaves, [&] { plot.removeDev(2); });
         QCOMPARE(plot.itemList(QwtPlotItem::Rtti_PlotCurve).size(), curves);
-        disconnect(heard);
 
         for (const int qwtIndex : {3, 4, 5}) {
             plot.addDev(qwtIndex, 2);
             for (const int ch : {0, 1})
                 refer(plot, qwtIndex, ch, 1, 1);
         }
-        connect(&plot, &QwtNOX::onChModeChange, this, [&](int qwtIndex) {
-            plot.removeDev(qwtIndex); // as it loses its reference
+        const auto removeWhoLosesItsReference = [&](int qwtIndex) {
+            plot.removeDev(qwtIndex);
             plot.removeDev(4);
-        });
-        plot.setChCount(1, 1);
-        QCOMPARE(plot.devices().keys(), QList<int>{1});
-    }
-    void writesValues()
-    {
-        const struct {
-            signed char asked;
-            uchar ofChannel, ofMainChannel;
-            const char *texts;                       // value, average, change
-        } data[] = {{0, 4, 4, "21.50 20.75 1.5000"}, // two decimals at least
-                    {5, 3, 3, "21.50000 20.75000 1.500"},
-                    {-1, 3, 6, "21.500 20.750 1.500"},
-                    {-1, 0, 6, "21.500000 20.750000 1.500000"}, // those of the main channel
-                    {-1, 0, 0, "21.50 20.75 1.50"},
-                    {-1, 1, 6, "21.50 20.75 1.5"}};
-        PlotBench bench;
-        QwtNOX &plot = bench.plot;
-        const auto texts = [&](signed char asked) {
-            return plot.getChMeasStr(0, 1, asked) + ' ' + plot.getChAverStr(0, 1, asked) + ' ' +
-                   plot.getChDYStr(0, 1);
         };
-        QCOMPARE(texts(-1), "-- -- ");
-        bench.add(20, 1, 1);
-        QCOMPARE(plot.getChDXStr(0, 1) + plot.getChDYStr(0, 1), "");
-        bench.add(21.5, 2.26, 1);
-        QCOMPARE(plot.getChDXStr(0, 1), "1.3");
-        for (const auto &[asked, ofChannel, ofMainChannel, expected] : data) {
-            plot.devices()[0].ch[1].precision = ofChannel;
-            plot.devices()[0].ch[0].precision = ofMainChannel;
-            QCOMPARE(texts(asked), expected);
-        }
-    }
-    void readsByIndex()
-    {
-        PlotBench bench;
-        QwtNOX &plot = bench.plot;
-        for (const double time : {12.499, 12.5, 1e6})
-            bench.add(10 + time, time);
-        QStringList read;
-        for (const int index : {0, 1, 2, -1, 3, -7})
-            read +=
-                QString("%1 %2 %3 %4")
-                    .arg(plot.getChMeas(-1, 255, index), 0, 'g', 9)
-                    .arg(plot.getChTime(-1, 255, index), 0, 'g', 9)
-                    .arg(plot.getChMeasStr(-1, 255, 2, index), plot.getChTimeStr(-1, 255, index));
-        plot.devices()[0].mainCh = 9; // where the main channel does not exist it is the first
-        QCOMPARE(plot.getChMeas(), 1000010.0);
-        const QString newest = "1000010 1000000 1000010.00 1e+06";
-        QCOMPARE(read, QStringList({"22.499 12.499 22.50 12", "22.5 12.5 22.50 13", newest, newest,
-                                    newest, newest}));
-    }
-    void keepsSilentAboutTheUnknown()
-    {
-        PlotBench bench;
-        QwtNOX &plot = bench.plot;
-        plot.addDev(2, 0);
-        for (const int qwtIndex : {2, 9}) { // without channels, and not on the plot
-            QCOMPARE(plot.getChMeasStr(qwtIndex, 0) + plot.getChAverStr(qwtIndex, 0) +
-                         plot.getChTimeStr(qwtIndex, 0) + plot.getChDXStr(qwtIndex, 255) +
-                         plot.getChDYStr(qwtIndex, 0) + plot.getChDim(qwtIndex, 255),
-                     "---");
-            QCOMPARE(plot.getChMeas(qwtIndex, 255) + plot.getChTime(qwtIndex, 0) +
-                         plot.getChMeasCount(qwtIndex, 0) + plot.getPrecision(qwtIndex, 0),
-                     0.0);
-        }
-        QCOMPARE(plot.getChDim(0, 0), "");
+        const auto shrink = [&] { plot.setChCount(1, 1); };
+        QCOMPARE(afterwards(&QwtNOX::onChModeChange, removeWhoLosesItsReference, shrink), other);
     }
 };
 
