@@ -66,28 +66,25 @@ private slots:
     void openSettingsFollowTheImage()
     {
         add(0x31, 1);
-        window->deviceSettings()->show(0);
-        window->instrumentCard()->show(0, {});
-        window->instrumentCard()->close();
-        window->channelCard()->show(0, {}, 0);
-        window->channelCard()->close();
-        const auto choices = [this] {
-            QVariantList indices;
-            for (const QWidget *from : QVector<QWidget *>{
-                     window->deviceSettings(), window->instrumentCard(), window->channelCard()})
-                for (const char *name : {"devZakorotkaCB", "currentCB"})
-                    if (const auto *box = from->findChild<QComboBox *>(name))
-                        indices << box->currentIndex();
-            return words(indices);
+        const auto choice = [](const QWidget *from, const char *name) {
+            return from->findChild<QComboBox *>(name)->currentIndex();
         };
-        const QImage before = window->deviceSettings()->grab().toImage();
-        QCOMPARE(choices(), "1 1 0");
-        record(0).opt->setDevZakorotka(0);
-        QCOMPARE(choices(), "0 0 0");
-        record(0).opt->setDevZakorotka(1);
-        record(0).opt->setChCurrent(0, 1);
-        QCOMPARE(choices(), "1 1 1");
-        QVERIFY(window->deviceSettings()->grab().toImage() != before);
+        optionsNOX8 &image = *record(0).opt;
+        devConfUI *const settings = window->deviceSettings();
+        settings->show(0);
+        const QImage before = settings->grab().toImage();
+        click(instruments(), 1, InstrumentColumn::Menu);
+        for (const int shortCircuit : {0, 1}) {
+            image.setDevZakorotka(quint8(shortCircuit));
+            QCOMPARE(choice(settings, "devZakorotkaCB"), shortCircuit);
+            QCOMPARE(choice(window->instrumentCard(), "devZakorotkaCB"), shortCircuit);
+        }
+        window->instrumentCard()->close();
+        click(channels(), 1, ChannelColumn::Menu);
+        QCOMPARE(choice(window->channelCard(), "currentCB"), 0);
+        image.setChCurrent(0, 1);
+        QCOMPARE(choice(window->channelCard(), "currentCB"), 1);
+        QVERIFY(settings->grab().toImage() != before);
     }
 
     void sharesOneTimeOriginAndFillsGaps()

@@ -278,11 +278,15 @@ private slots:
         const auto *frame = plot().findChild<QFrame *>("measurementFrame");
         QTRY_VERIFY(frame->isVisible());
         QTest::qWait(0); // lays the frame out
-        const QImage before = plot().canvas()->grab().toImage();
-        mouse.click(plot().canvas()->mapFrom(&plot(), frame->pos() + QPoint(3, 3)));
-        mouse.clickOn(plot().findChild<QLabel *>("measurementMean"));
-        mouse.moveTo(mouse.middle() + QPoint(60, 0));
-        QCOMPARE(plot().canvas()->grab().toImage(), before);
+        for (const TmcMode mode : {ModeMeasure, ModeZoom}) {
+            plot().setChMode(mode);
+            const QImage before = plot().canvas()->grab().toImage();
+            mouse.click(plot().canvas()->mapFrom(&plot(), frame->pos() + QPoint(3, 3)));
+            mouse.clickOn(plot().findChild<QLabel *>("measurementMean"));
+            mouse.moveTo(mouse.middle() + QPoint(60, 0));
+            QCOMPARE(plot().getChMode(), mode);
+            QCOMPARE(plot().canvas()->grab().toImage(), before);
+        }
     }
 
     void clickMakesAChannelTheMainOne()
