@@ -4,7 +4,7 @@
 /// first.
 
 #include "checks.h"
-#include "device/featureentry.h"
+#include "device/featurenox8.h"
 #include "device/windows1251.h"
 
 namespace

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "device/configurationblock.h"
-#include "device/nibbles.h"
+#include "device/configuration.h"
+#include "device/featurenox8.h"
 #include "device/optionsnox8.h"
-#include "device/takenbytes.h"
 #include "device/vocabulary.h"
 
 #include <cstdlib>

@@ -2,7 +2,7 @@
 
 #include "calibration/characteristicfile.h"
 #include "checks.h"
-#include "device/settingswriter.h"
+#include "device/settingsfile.h"
 #include "device/windows1251.h"
 #include "storage/resultslayout.h"
 

@@ -4,7 +4,6 @@
 
 #include "checks.h"
 #include "device/settingsfile.h"
-#include "device/settingswriter.h"
 #include "device/windows1251.h"
 
 #include <QBuffer>

@@ -9,7 +9,7 @@
 #include "app/resultstools.h"
 #include "dialogs/confchmenu.h"
 #include "dialogs/confmenu.h"
-#include "dialogs/instrumenttitle.h"
+#include "dialogs/settingscontent.h"
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"

@@ -1,7 +1,7 @@
 #include "app/numericpanels.h"
 
 #include "app/rowcontent.h"
-#include "widgets/fittedlabel.h"
+#include "widgets/qlabelclick.h"
 
 #include <QFrame>
 #include <QHBoxLayout>

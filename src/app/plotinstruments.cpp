@@ -1,6 +1,6 @@
 #include "app/plotinstruments.h"
 
-#include "dialogs/instrumenttitle.h"
+#include "dialogs/settingscontent.h"
 #include "plot/qwtnox.h"
 #include "registry/noxlist.h"
 

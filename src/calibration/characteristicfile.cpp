@@ -1,7 +1,6 @@
 #include "calibration/characteristicfile.h"
 
 #include "device/bfloat.h"
-#include "device/featurerecord.h"
 #include "device/filereplacement.h"
 #include "device/windows1251.h"
 
@@ -19,25 +18,8 @@ constexpr int chunkSize = 16 * 1024;
 constexpr int headLines = 2;
 constexpr int fewestPairs = 2;
 
-/** How a type appears in the editor and in a file. */
-struct Layout {
-    int code; ///< the first line of a file
-    int rows;
-    int columns;
-};
-
-constexpr std::array<Layout, 4> layouts = {{{0, 2, 5}, {1, 1, 6}, {3, 2, 5}, {2, 2, 56}}};
-
-const Layout &layoutOf(int type)
-{
-    return layouts.at(std::size_t(type));
-}
-
-/** Whether a line of data is a pair: a column of the table, not a cell. */
-bool isOfPairs(int type)
-{
-    return type == FeatureRecord::temperatureOfVoltage;
-}
+/** The first line of a file of each type. */
+constexpr std::array<int, 4> typeCodes = {0, 1, 3, 2};
 
 QString numberText(double number)
 {
@@ -51,13 +33,13 @@ QString oneLine(QString text)
 
 QStringList dataLines(const CharacteristicFile &file)
 {
-    const Layout &layout = layoutOf(file.type);
+    const CharacteristicLayout layout = characteristicLayout(file.type);
     const auto cell = [&](int row, int column) { return file.rows.value(row).value(column); };
     QStringList lines;
-    if (isOfPairs(file.type))
+    if (layout.isOfPairs)
         for (int column = 0; column < layout.columns; ++column)
-            lines << numberText(cell(0, column).toDouble()) + ' ' +
-                         numberText(cell(1, column).toDouble());
+            lines << numberText(cell(temperatureRow, column).toDouble()) + ' ' +
+                         numberText(cell(emfRow, column).toDouble());
     else
         for (int row = 0; row < layout.rows; ++row)
             for (int column = 0; column < layout.columns; ++column)
@@ -68,9 +50,10 @@ QStringList dataLines(const CharacteristicFile &file)
 /** The whole file; nothing if the type is none of the four. */
 QByteArray bytesOf(const CharacteristicFile &file)
 {
-    if (file.type < 0 || file.type >= int(layouts.size()))
+    if (file.type < 0 || file.type >= int(typeCodes.size()))
         return {};
-    const QStringList head = {QString::number(layoutOf(file.type).code), oneLine(file.description)};
+    const QStringList head = {QString::number(typeCodes.at(std::size_t(file.type))),
+                              oneLine(file.description)};
     const QString lineEnd = QStringLiteral("\r\n");
     return toWindows1251((head + dataLines(file)).join(lineEnd) + lineEnd);
 }
@@ -89,14 +72,14 @@ QByteArray contentOf(QIODevice &device)
 /** The type that a code and the count of all lines stand for. */
 std::optional<int> typeOf(int code, int lineCount)
 {
-    for (int type = 0; type < int(layouts.size()); ++type) {
-        const auto [typeCode, rows, columns] = layoutOf(type);
-        const int most = headLines + (isOfPairs(type) ? columns : rows * columns);
-        const int fewest = isOfPairs(type) ? headLines + fewestPairs : most;
-        if (code == typeCode && lineCount >= fewest && lineCount <= most)
-            return type;
-    }
-    return {};
+    const auto place = std::find(typeCodes.begin(), typeCodes.end(), code);
+    if (place == typeCodes.end())
+        return {};
+    const int type = int(place - typeCodes.begin());
+    const CharacteristicLayout layout = characteristicLayout(type);
+    const int most = headLines + layout.columns * (layout.isOfPairs ? 1 : layout.rows);
+    const int fewest = layout.isOfPairs ? headLines + fewestPairs : most;
+    return lineCount >= fewest && lineCount <= most ? std::optional(type) : std::nullopt;
 }
 
 /** Temperature and EMF of a line; two empty texts if it is no pair. */
@@ -125,7 +108,7 @@ bool isDescriptionBlank(const QStringList &texts)
     if (!type)
         return false;
     const QStringList parts = texts.at(1).split(' ', Qt::SkipEmptyParts);
-    return parts.size() == (isOfPairs(*type) ? 2 : 1) && areNumbers(parts);
+    return parts.size() == (characteristicLayout(*type).isOfPairs ? 2 : 1) && areNumbers(parts);
 }
 
 /** The code, the description and the data. */
@@ -144,37 +127,37 @@ QStringList textsOf(const QByteArray &content)
 
 /** An empty column is written as zeros, which behind the last temperature would fall. Below zero a
  *  pair of zeros is the point at 0 °C, once. */
-void emptyFillers(QVector<QStringList> &rows)
+void emptyFillers(CellTexts &rows)
 {
     const auto isZero = [&rows](int row, int column) {
         bool isNumber = false;
         const float number = bFloat::str2Float(rows.at(row).at(column), &isNumber);
         return isNumber && number == 0.0F;
     };
-    int last = rows.at(0).size() - 1;
-    while (last > 0 && isZero(0, last) && isZero(1, last))
+    int last = rows.at(temperatureRow).size() - 1;
+    while (last > 0 && isZero(temperatureRow, last) && isZero(emfRow, last))
         --last;
-    const bool isBelowZero = bFloat::str2Float(rows.at(0).at(last)) < 0.0F;
+    const bool isBelowZero = bFloat::str2Float(rows.at(temperatureRow).at(last)) < 0.0F;
     const int firstFiller = qMax(last + (isBelowZero ? 2 : 1), fewestPairs);
     for (QStringList &row : rows)
         std::fill(row.begin() + qMin(firstFiller, row.size()), row.end(), QString());
 }
 
-QVector<QStringList> rowsOf(int type, const QStringList &data)
+CellTexts rowsOf(int type, const QStringList &data)
 {
-    const Layout &layout = layoutOf(type);
-    QVector<QStringList> rows(layout.rows);
-    if (isOfPairs(type))
+    const CharacteristicLayout layout = characteristicLayout(type);
+    CellTexts rows(layout.rows);
+    if (layout.isOfPairs) {
         for (int column = 0; column < layout.columns; ++column) {
             const QStringList pair = pairOf(data.value(column));
-            rows[0] << pair.at(0);
-            rows[1] << pair.at(1);
+            rows[temperatureRow] << pair.at(0);
+            rows[emfRow] << pair.at(1);
         }
-    else
+        emptyFillers(rows);
+    } else {
         for (int row = 0; row < layout.rows; ++row)
             rows[row] = data.mid(row * layout.columns, layout.columns);
-    if (isOfPairs(type))
-        emptyFillers(rows);
+    }
     return rows;
 }
 

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <QString>
-#include <QStringList>
-#include <QVector>
-
-#include <optional>
+#include "calibration/characteristictable.h"
 
 class QIODevice;
 
@@ -18,7 +14,7 @@ class QIODevice;
 struct CharacteristicFile {
     int type = 0; ///< as FeatureRecord::_featureIndType
     QString description;
-    QVector<QStringList> rows; ///< texts of the cells: 2 x 5, 1 x 6, 2 x 5, 2 x 56
+    CellTexts rows; ///< 2 x 5, 1 x 6, 2 x 5, 2 x 56
 };
 
 /** What a file gave. */

@@ -1,12 +1,11 @@
 #include "calibration/characteristictable.h"
 
+#include "device/featurenox8.h"
+
 #include <QCoreApplication>
 
 namespace
 {
-
-constexpr int temperatureRow = 0;
-constexpr int emfRow = 1;
 
 struct TableTexts {
     Q_DECLARE_TR_FUNCTIONS(CharacteristicTable)
@@ -50,8 +49,7 @@ QVector<TableCell> valueCells(const CharacteristicLayout &layout)
     else
         for (int row = 0; row < layout.rows; ++row)
             for (int column = 0; column < layout.columns; ++column)
-                if (!layout.unusedCell || layout.unusedCell->row != row ||
-                    layout.unusedCell->column != column)
+                if (layout.isUsed({row, column}))
                     cells << TableCell{row, column};
     return cells;
 }
@@ -64,6 +62,15 @@ QVector<TableCell> enteredCells(const CharacteristicLayout &layout, const CellTe
         if (!layout.isOfPairs || hasText(cells, temperatureRow, cell.column))
             entered << cell;
     return entered;
+}
+
+bool hasNumbersOf(const FeatureRecord &feature, const CharacteristicEntry &entry)
+{
+    if (entry.type != feature.type)
+        return false;
+    const CharacteristicLayout layout = characteristicLayout(feature.type);
+    return entry.values ==
+           (layout.isOfPairs ? feature.ratioStr : enteredValues(layout, cellTexts(feature)));
 }
 
 } // namespace
@@ -179,4 +186,29 @@ QVector<int> columnsLeftOut(const CellTexts &cells)
             (column < end || hasText(cells, emfRow, column)))
             columns << column;
     return columns;
+}
+
+void WorkingCopy::load(const QByteArray &record)
+{
+    if (decodeFeature(record, m_feature))
+        m_record = record;
+}
+
+bool WorkingCopy::take(const CharacteristicEntry &entry)
+{
+    FeatureRecord entered = m_feature;
+    const EntryResult result =
+        enterFeature(entered, FeatureRecord::_featureIndType(entry.type), entry.name, entry.values);
+    const bool hasSameNumbers = hasNumbersOf(m_feature, entry);
+    if (hasSameNumbers && entry.name == m_feature.name)
+        return result != EntryResult::Rejected; // a type without a table has the wrong count
+    if (result != EntryResult::Stored)
+        return false;
+
+    if (hasSameNumbers)
+        m_feature.name = entered.name;
+    else
+        m_feature = entered;
+    m_record = encodeFeature(m_feature);
+    return true;
 }

@@ -75,8 +75,7 @@ private:
     void notice(const QString &text);
     void noticeLoss();
     void takeStored();
-    bool takeToStore();
-    void noticeStored(bool isStored, bool isTaken);
+    void store(bool (StoredPanel::*keep)(const WorkingCopy &));
     int selectedType() const;
     CharacteristicEntry entry() const;
 

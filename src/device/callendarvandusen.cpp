@@ -1,11 +1,15 @@
 #include "device/callendarvandusen.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <limits>
 
 namespace
 {
 
-constexpr int points = 100;
+constexpr int fittedPoints = 100;
+constexpr int comparedIntervals = 20000; // 0.05 °C at the widest range
 constexpr std::size_t unknowns = std::tuple_size<TemperaturePolynomial>::value;
 
 /** The equations M c = y, as rows of M with y behind. */
@@ -45,6 +49,16 @@ TemperaturePolynomial solve(Equations equations)
     return solution;
 }
 
+/** The value of a polynomial, in the precision of its coefficients. */
+template<typename Number>
+Number byHorner(const std::array<Number, unknowns> &coefficients, Number argument)
+{
+    Number value = 0;
+    for (std::size_t k = coefficients.size(); k-- > 0;)
+        value = value * argument + coefficients[k];
+    return value;
+}
+
 } // namespace
 
 double CallendarVanDusen::resistance(double celsius) const
@@ -59,8 +73,8 @@ TemperaturePolynomial fitTemperaturePolynomial(const CallendarVanDusen &thermome
 {
     Equations equations{};
     const double range = thermometer.highest - thermometer.lowest;
-    for (int j = 0; j < points; ++j) {
-        const double celsius = thermometer.lowest + range * j / points;
+    for (int j = 0; j < fittedPoints; ++j) {
+        const double celsius = thermometer.lowest + range * j / fittedPoints;
         addPoint(equations, thermometer.resistance(celsius), celsius);
     }
     return solve(equations);
@@ -68,8 +82,20 @@ TemperaturePolynomial fitTemperaturePolynomial(const CallendarVanDusen &thermome
 
 double evaluate(const TemperaturePolynomial &polynomial, double resistance)
 {
-    double celsius = 0.0;
-    for (std::size_t k = polynomial.size(); k-- > 0;)
-        celsius = celsius * resistance + polynomial[k];
-    return celsius;
+    return byHorner(polynomial, resistance);
+}
+
+double largestDeviation(const StoredPolynomial &polynomial, const CallendarVanDusen &thermometer)
+{
+    double largest = 0.0;
+    for (int j = 0; j <= comparedIntervals; ++j) {
+        const double part = double(j) / comparedIntervals;
+        const double celsius = thermometer.lowest * (1.0 - part) + thermometer.highest * part;
+        const auto resistance = float(thermometer.resistance(celsius));
+        const double deviation = std::fabs(double(byHorner(polynomial, resistance)) - celsius);
+        if (!std::isfinite(deviation))
+            return std::numeric_limits<double>::infinity();
+        largest = std::max(largest, deviation);
+    }
+    return largest;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <tuple>
 
 /**
  * A platinum thermometer after Callendar and Van Dusen (IEC 60751), and the range of use.
@@ -32,3 +33,15 @@ TemperaturePolynomial fitTemperaturePolynomial(const CallendarVanDusen &thermome
 
 /** The temperature in °C that the polynomial gives for a resistance in Ω. */
 double evaluate(const TemperaturePolynomial &polynomial, double resistance);
+
+/** Coefficients C0 to C9 as an instrument holds them. */
+using StoredPolynomial = std::array<float, std::tuple_size<TemperaturePolynomial>::value>;
+
+/**
+ * How far a stored polynomial lies from the thermometer over its range, both ends included: the
+ * largest deviation in °C, infinite where it gives no number.
+ *
+ * The polynomial is evaluated as an instrument may do it, in single precision by Horner's rule; how
+ * the instruments really do it is not known.
+ */
+double largestDeviation(const StoredPolynomial &polynomial, const CallendarVanDusen &thermometer);

@@ -1,6 +1,5 @@
 #include "device/heldblocks.h"
 
-#include "device/blockaddresses.h"
 #include "device/optionsnox8.h"
 
 namespace

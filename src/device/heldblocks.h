@@ -1,8 +1,7 @@
 #pragma once
 
-#include "device/configurationblock.h"
-#include "device/referencedata.h"
-#include "device/zeroshifts.h"
+#include "device/configuration.h"
+#include "device/instrumentblocks.h"
 
 #include <optional>
 

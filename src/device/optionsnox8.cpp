@@ -1,34 +1,19 @@
 #include "device/optionsnox8.h"
 
-#include "device/configurationblock.h"
-#include "device/nibbles.h"
 #include "device/settingsfile.h"
 #include "device/vocabulary.h"
+
+#include <QPointer>
 
 namespace
 {
 
-constexpr quint16 extendedRevision = 0xAA0F;
 constexpr int longestUnit = 10;
-constexpr int shortestNumber = 4;
-
-QString unknownText()
-{
-    return QStringLiteral("-");
-}
-
-QString entryOf(const QStringList &list, int index)
-{
-    return list.value(index, unknownText());
-}
 
 } // namespace
 
 optionsNOX8::optionsNOX8(QObject *parent)
     : QObject(parent)
-    , channels(channelRecords)
-    , m_resistanceThermometers(standardResistanceThermometers())
-    , m_thermocouples(standardThermocouples())
 {
     for (int i = 0; i < channelRecords; ++i) {
         auto *const feature = new featureNOX8(this);
@@ -38,191 +23,112 @@ optionsNOX8::optionsNOX8(QObject *parent)
     }
 }
 
-// What the models of the family have
+// Blocks that were read
 
-QMap<quint32, QString> optionsNOX8::getTypeList(bool withRev)
+bool optionsNOX8::setData(const QByteArray *buf, quint8 address)
 {
-    return typeNames(withRev);
+    return setData(*buf, address);
 }
 
-QStringList optionsNOX8::getDevCurrentList(quint32 type)
+bool optionsNOX8::setData(const QByteArray &buf, quint8 address)
 {
-    return excitationCurrents(type);
-}
-
-QStringList optionsNOX8::getDevResistList(quint32 type)
-{
-    return resistorChoices(type);
-}
-
-QString optionsNOX8::getChMeasTypeName(_chMeasType type)
-{
-    return measurementUnit(type);
-}
-
-QString optionsNOX8::getDim(char letter)
-{
-    return streamUnit(letter);
-}
-
-// What this instrument is
-
-const InstrumentModel &optionsNOX8::model() const
-{
-    return modelOrNone(devType);
-}
-
-quint8 optionsNOX8::getDevChCount() const
-{
-    return model().channels;
-}
-
-quint8 optionsNOX8::getDevResistCount() const
-{
-    return model().resistors;
-}
-
-quint16 optionsNOX8::getDevRev() const
-{
-    return model().extended ? extendedRevision : 0;
-}
-
-int optionsNOX8::getDevDataSize(quint8) const
-{
-    const int channelCount = model().channels;
-    return channelCount == 0 ? 0 : ConfigurationLayout(channelCount).size();
-}
-
-char optionsNOX8::getDevFamily() const
-{
-    return char(model().familyCode);
-}
-
-QString optionsNOX8::getDevTypeStr(bool withRev) const
-{
-    const InstrumentModel *found = findModel(devType);
-    if (!found)
-        return withRev ? unknownText() : QString();
-    return modelName(withRev ? *found : *findModel(found->baseTypeCode));
-}
-
-QString optionsNOX8::getDevNumberStr() const
-{
-    if (devNumber == 0)
-        return QStringLiteral("--");
-    return QString::number(devNumber).rightJustified(shortestNumber, QLatin1Char('0'));
-}
-
-QString optionsNOX8::getDevName(bool withNumber) const
-{
-    if (model().extended && !devName.isEmpty())
-        return devName;
-    const QString type = getDevTypeStr(true);
-    return withNumber ? type + QStringLiteral(" № ") + getDevNumberStr() : type;
-}
-
-// What a channel is set to
-
-optionsNOX8::_ch optionsNOX8::getCh(quint8 ch) const
-{
-    return ch < getDevChCount() ? channels.at(ch) : _ch();
-}
-
-featureNOX8 *optionsNOX8::getFeature(quint8 ch) const
-{
-    return ch < getDevChCount() ? features.at(ch) : nullptr;
-}
-
-QStringList optionsNOX8::getFeatureInfStrList() const
-{
-    QStringList names;
-    for (int i = 0; i < getDevChCount(); ++i)
-        names << features.at(i)->name;
-    return names;
-}
-
-QString optionsNOX8::getChMeasTypeName(quint8 ch) const
-{
-    if (ch >= getDevChCount())
-        return unknownText();
-    const _ch &channel = channels.at(ch);
-    return channel.measType == measTemperatureCustom ? channel.dimCust
-                                                     : getChMeasTypeName(channel.measType);
-}
-
-QString optionsNOX8::getChDimCust(quint8 ch) const
-{
-    return ch < getDevChCount() ? channels.at(ch).dimCust : unknownText();
-}
-
-QString optionsNOX8::getChCurrentStr(quint8 ch) const
-{
-    if (ch >= getDevChCount())
-        return unknownText();
-    return entryOf(getDevCurrentList(devType), channels.at(ch).current);
-}
-
-QString optionsNOX8::getChFeatureName(quint8 ch) const
-{
-    if (ch >= getDevChCount())
-        return unknownText();
-    const _ch &channel = channels.at(ch);
-    return channel.featureType == featureNone
-               ? QString()
-               : entryOf(characteristics(channel.featureType), channel.feature);
-}
-
-QString optionsNOX8::getChFeatureCompesTPName(quint8 ch) const
-{
-    if (ch >= getDevChCount())
-        return unknownText();
-    const _ch &channel = channels.at(ch);
-    return entryOf(characteristics(channel.featureTypeCompensTP), channel.featureCompensTP);
-}
-
-bool optionsNOX8::hasChFeature(quint8 ch) const
-{
-    const _ch channel = getCh(ch);
-    return isChoice(channel.featureType, channel.feature);
-}
-
-bool optionsNOX8::hasChFeatureCompesTP(quint8 ch) const
-{
-    const _ch channel = getCh(ch);
-    return isChoice(channel.featureTypeCompensTP, channel.featureCompensTP);
-}
-
-/** The names from which a source selects; empty for none. */
-QStringList optionsNOX8::characteristics(CharacteristicSource source) const
-{
-    switch (source) {
-    case featureResistanceThermometer:
-        return m_resistanceThermometers;
-    case featureThermocouple:
-        return m_thermocouples;
-    case featureIndividual: {
-        QStringList names;
-        for (const featureNOX8 *feature : features)
-            names << feature->name;
-        return names;
+    if (buf.isEmpty())
+        return false;
+    switch (address) {
+    case configurationAddress:
+        return readConfiguration(buf);
+    case referenceDataAddress:
+        return readReferenceData(buf);
+    case loggerAddress:
+        return readLogger(buf);
+    case zeroShiftsAddress:
+        return readZeroShifts(buf);
+    case identificationAddress:
+        return readIdentification(buf);
+    default:
+        return false;
     }
-    case featureNone:
-        break;
-    }
-    return {};
 }
 
-QStringList optionsNOX8::characteristics(CompensationSource source) const
+bool optionsNOX8::readConfiguration(const QByteArray &block)
 {
-    return characteristics(characteristicSource(source));
+    Configuration read = configuration();
+    if (read.channels.isEmpty() || !decodeConfiguration(block, read))
+        return false;
+    OperatingSettings::operator=(read.settings);
+    for (int i = 0; i < read.channels.size(); ++i)
+        channels[i] = read.channels.at(i);
+    for (int i = 0; i < read.features.size(); ++i)
+        features.at(i)->assign(read.features.at(i));
+    emit onDevChange();
+    return true;
 }
 
-/** Whether a source has a characteristic of this index; none has any that four bits can hold. */
-template<typename Source>
-bool optionsNOX8::isChoice(Source source, quint8 index) const
+bool optionsNOX8::readReferenceData(const QByteArray &block)
 {
-    const QStringList names = characteristics(source);
-    return names.isEmpty() ? fitsNibble(index) : index < names.size();
+    if (!decodeReferenceData(block, *this))
+        return false;
+    if (!identValid && devType == 0)
+        setDevType(typeCodeFromReferenceData(*this));
+    identApplyPending = false;
+    emit onRefChange();
+    return true;
+}
+
+bool optionsNOX8::readLogger(const QByteArray &records)
+{
+    LoggerReadout readout;
+    if (!decodeLoggerRecords(records, getDevChCount(), readout))
+        return false;
+    emit onRecData(readout.items, readout.start);
+    return true;
+}
+
+bool optionsNOX8::readZeroShifts(const QByteArray &block)
+{
+    if (!decodeZeroShifts(block, *this))
+        return false;
+    emit onRefShiftChange();
+    return true;
+}
+
+bool optionsNOX8::readIdentification(const QByteArray &block)
+{
+    identValid = false;
+    devType = 0;
+    devNumber = 0;
+    const bool accepted = block.size() == extendedIdentificationSize
+                              ? takeExtendedIdentification(block)
+                              : takeIdentification(block);
+    emit onIdentChange();
+    return accepted;
+}
+
+bool optionsNOX8::takeIdentification(const QByteArray &block)
+{
+    if (block.size() != identificationSize)
+        return false;
+    identValid = true;
+    devName.clear();
+    Identification read;
+    if (!decodeIdentification(block, read))
+        return false;
+    devNumber = read.number;
+    setDevType(read.typeCode); // the identity is valid by now: it asks to be written back
+    identApplyPending = false;
+    return true;
+}
+
+bool optionsNOX8::takeExtendedIdentification(const QByteArray &block)
+{
+    Identification read;
+    if (!decodeExtendedIdentification(block, read))
+        return false;
+    devName = read.name;
+    devNumber = read.number;
+    setDevType(read.typeCode); // the identity is not valid yet: it stays to be written
+    identValid = true;
+    return true;
 }
 
 // Changes of the instrument
@@ -270,6 +176,27 @@ void optionsNOX8::setDevNumber(quint16 number)
     emit onDevChange();
 }
 
+void optionsNOX8::setDevName(const QString &name)
+{
+    if (name == devName)
+        return;
+    devName = name;
+    identApplyPending = true;
+    const QPointer<optionsNOX8> self(this); // who listens may take the image away
+    if (model().extended)
+        emit onIdentChange();
+    if (self)
+        emit onDevChange();
+}
+
+void optionsNOX8::setOperatingSetting(quint8 OperatingSettings::*setting, quint8 code)
+{
+    if (this->*setting == code)
+        return;
+    this->*setting = code;
+    emit onDevChange();
+}
+
 void optionsNOX8::setDevZakorotka(_devZakorotka code)
 {
     const _devZakorotka allowed = model().hasShortCircuit ? code : 0;
@@ -277,6 +204,18 @@ void optionsNOX8::setDevZakorotka(_devZakorotka code)
         return;
     devZakorotka = allowed;
     emit onDevChange();
+}
+
+void optionsNOX8::setReferenceData(const ReferenceData &data)
+{
+    ReferenceData::operator=(data);
+    emit onRefChange();
+}
+
+void optionsNOX8::setZeroShifts(const ZeroShifts &shifts)
+{
+    ZeroShifts::operator=(shifts);
+    emit onRefShiftChange();
 }
 
 // Changes of a channel
@@ -319,6 +258,16 @@ void optionsNOX8::setChDimCust(quint8 ch, QString dim)
     change(ch, &_ch::dimCust, dim.trimmed().left(longestUnit));
 }
 
+void optionsNOX8::setChUnit(quint8 ch, const QString &unit)
+{
+    _ch *const channel = usedChannel(ch);
+    if (!channel)
+        return;
+    channel->dimCust = unit;
+    channel->measType = measTemperatureCustom;
+    emit onChChange(ch);
+}
+
 void optionsNOX8::setChCurrent(quint8 ch, quint8 index)
 {
     if (fitsNibble(index))
@@ -339,6 +288,15 @@ void optionsNOX8::setChFeature(quint8 ch, _chFeatureType type, quint8 index)
 void optionsNOX8::setChFeatureCompesTP(quint8 ch, _chFeatureTypeCompensTP type, quint8 index)
 {
     choose(ch, &_ch::featureTypeCompensTP, type, &_ch::featureCompensTP, index);
+}
+
+bool optionsNOX8::setIndividualFeature(quint8 ch, FeatureRecord::_featureIndType type,
+                                       const QString &name, const QStringList &values)
+{
+    if (!usedChannel(ch))
+        return false;
+    emit onDevChange();
+    return features.at(ch)->setFeature(type, name, values) != 0;
 }
 
 template<typename Source>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 class QIODevice;
 class optionsNOX8;
@@ -11,8 +11,15 @@ class optionsNOX8;
  */
 
 /** Writes a file. It takes the place of an existing one only when all of it is written. False when
- *  that fails, or when the image holds a table that the file could not keep. */
+ *  that fails, or when the file could not keep the image. */
 bool saveSettingsFile(const optionsNOX8 &image, const QString &fileName);
+
+/** Whether a settings file can keep the image: its model is known, and all numbers of its tables
+ *  fit their lines. */
+bool fitsSettingsFile(const optionsNOX8 &image);
+
+/** The lines of a settings file of the image, each without its end. */
+QStringList settingsLines(const optionsNOX8 &image);
 
 /** Reads a file into the image (see applySettings()). False, and the image untouched, when it
  *  cannot be opened. */
@@ -20,3 +27,17 @@ bool loadSettingsFile(const QString &fileName, optionsNOX8 &image);
 
 /** The same from an open device. More than 1 MiB is no settings file, and is not read further. */
 bool readSettings(QIODevice &device, optionsNOX8 &image);
+
+/**
+ * Takes the lines of a settings file into the image, which announces what changes.
+ *
+ * Everything that can be taken is, in the order of the file. A number that does not parse becomes
+ * 0, and those after it stay; so do the characteristics after one that is rejected. What a line
+ * says in no code of the format leaves the image as it is, and so does a line that is not there.
+ * True only when nothing of all this happened; zero shifts that do not parse do not count.
+ *
+ * A channel never keeps a characteristic that its standard list does not have.
+ *
+ * Without a line that names a model the image's type becomes unknown, and nothing else is taken.
+ */
+bool applySettings(const QStringList &lines, optionsNOX8 &image);

@@ -1,23 +1,35 @@
-#include "device/settingsreader.h"
-
-#include "device/nibbles.h"
 #include "device/optionsnox8.h"
-#include "device/settingscodes.h"
-#include "device/settingslayout.h"
+#include "device/settingsfile.h"
+#include "device/settingsformat.h"
 #include "device/vocabulary.h"
+#include "device/windows1251.h"
 
-#include <QVector>
+#include <QFile>
+#include <QFileInfo>
 
 #include <cstring>
 
 namespace
 {
 
+constexpr qint64 longestFile = 1 << 20; // thirty times what the largest model needs
+
+QStringList linesOf(QIODevice &device)
+{
+    const QByteArray bytes = device.read(longestFile + 1);
+    if (bytes.isEmpty() || bytes.size() > longestFile)
+        return {};
+    QStringList lines = fromWindows1251(bytes).remove('\r').split('\n');
+    if (lines.last().isEmpty())
+        lines.removeLast();
+    return lines;
+}
+
 /** The name in the line that names the model; empty when there is none. */
 QString modelNameIn(const QStringList &lines)
 {
     for (const int channels : {8, 16}) {
-        const QString line = lines.value(SettingsLayout(channels, false).modelLine());
+        const QString line = lines.value(SettingsLayout(channels).modelLine());
         if (line.contains(baseRevisionText))
             return line.chopped(int(std::strlen(baseRevisionText))).trimmed();
     }
@@ -49,7 +61,7 @@ public:
         readReversal();
         if (m_model.hasShortCircuit)
             readCompensation();
-        emit m_image.onRefChange();
+        m_image.setReferenceData(m_image); // all of it is there by now
         readUnits();
         if (m_lines.value(m_layout.extendedPart()) == extendedRevisionText)
             readExtendedPart();
@@ -100,24 +112,16 @@ private:
         readReference(SettingsLayout::voltageLine, m_image.refU.value);
     }
 
-    void setOperatingSetting(quint8 OperatingSettings::*setting, quint8 value)
-    {
-        if (m_image.*setting == value)
-            return;
-        m_image.*setting = value;
-        emit m_image.onDevChange();
-    }
-
     void readOperatingSettings()
     {
         takeNibble(m_lines.at(SettingsLayout::modeLine), 0, [this](quint8 code) {
-            setOperatingSetting(&OperatingSettings::devMeasMode, code);
+            m_image.setOperatingSetting(&OperatingSettings::devMeasMode, code);
         });
         takeNibble(m_lines.at(SettingsLayout::roundingLine), 0, [this](quint8 code) {
-            setOperatingSetting(&OperatingSettings::devMeasRound, quint8(code << 4));
+            m_image.setOperatingSetting(&OperatingSettings::devMeasRound, quint8(code << 4));
         });
         takeNibble(m_lines.at(SettingsLayout::compensationModeLine), 0, [this](quint8 code) {
-            setOperatingSetting(&OperatingSettings::devCompensTP, code);
+            m_image.setOperatingSetting(&OperatingSettings::devCompensTP, code);
         });
     }
 
@@ -148,10 +152,9 @@ private:
         if (!has(m_layout.formLine(ch)))
             return;
         const int type = typeFromFormCode(m_lines.at(m_layout.formLine(ch)).toInt());
-        emit m_image.onDevChange();
-        m_accepted = m_image.features.at(ch)->setFeature(FeatureRecord::_featureIndType(type),
-                                                         m_lines.at(m_layout.nameLine(ch)),
-                                                         characteristicTexts(type, ch)) != 0;
+        m_accepted = m_image.setIndividualFeature(ch, FeatureRecord::_featureIndType(type),
+                                                  m_lines.at(m_layout.nameLine(ch)),
+                                                  characteristicTexts(type, ch));
     }
 
     QStringList characteristicTexts(int type, quint8 ch) const
@@ -180,7 +183,7 @@ private:
         if (!has(m_layout.timeLine()))
             return;
         if (const auto time = timeFromText(m_lines.at(m_layout.timeLine())))
-            setOperatingSetting(&OperatingSettings::devMeasTime, *time);
+            m_image.setOperatingSetting(&OperatingSettings::devMeasTime, *time);
         else
             refuse();
     }
@@ -202,8 +205,8 @@ private:
     {
         const int line = m_layout.reversalLine();
         if (has(line))
-            setOperatingSetting(&OperatingSettings::devChRevers,
-                                m_lines.at(line) == QStringLiteral("1") ? 0x10 : 0x00);
+            m_image.setOperatingSetting(&OperatingSettings::devChRevers,
+                                        m_lines.at(line) == QStringLiteral("1") ? 0x10 : 0x00);
     }
 
     void readCompensation()
@@ -243,11 +246,8 @@ private:
             return;
         for (quint8 ch = 0; ch < m_model.channels; ++ch) {
             const QString unit = m_lines.at(m_layout.unitLine(ch));
-            if (unit.isEmpty())
-                continue;
-            m_image.channels[ch].dimCust = unit;
-            m_image.channels[ch].measType = measTemperatureCustom;
-            emit m_image.onChChange(ch);
+            if (!unit.isEmpty())
+                m_image.setChUnit(ch, unit);
         }
     }
 
@@ -284,4 +284,18 @@ bool applySettings(const QStringList &lines, optionsNOX8 &image)
     image.setDevType(named ? named->typeCode : 0);
     const InstrumentModel &model = modelOrNone(image.devType);
     return model.channels != 0 && SettingsReader(lines, model, image).read();
+}
+
+bool loadSettingsFile(const QString &fileName, optionsNOX8 &image)
+{
+    QFile file(fileName);
+    // opening anything but a file could wait for ever
+    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly))
+        return false;
+    return readSettings(file, image);
+}
+
+bool readSettings(QIODevice &device, optionsNOX8 &image)
+{
+    return applySettings(linesOf(device), image);
 }

@@ -1,9 +1,9 @@
-#include "device/settingswriter.h"
-
+#include "device/filereplacement.h"
 #include "device/optionsnox8.h"
-#include "device/settingscodes.h"
-#include "device/settingslayout.h"
+#include "device/settingsfile.h"
+#include "device/settingsformat.h"
 #include "device/vocabulary.h"
+#include "device/windows1251.h"
 
 namespace
 {
@@ -185,4 +185,12 @@ bool fitsSettingsFile(const optionsNOX8 &image)
 QStringList settingsLines(const optionsNOX8 &image)
 {
     return SettingsWriter(image).write();
+}
+
+bool saveSettingsFile(const optionsNOX8 &image, const QString &fileName)
+{
+    if (!fitsSettingsFile(image))
+        return false;
+    const QString lineEnd = QStringLiteral("\r\n");
+    return replaceFile(fileName, toWindows1251(settingsLines(image).join(lineEnd) + lineEnd));
 }

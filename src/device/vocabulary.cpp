@@ -1,6 +1,6 @@
 #include "device/vocabulary.h"
 
-#include "device/referencedata.h"
+#include "device/instrumentblocks.h"
 
 #include <QCoreApplication>
 

@@ -1,10 +1,48 @@
 #include "dialogs/channelmenus.h"
 
-#include "dialogs/characteristicmenu.h"
-#include "dialogs/unitentry.h"
+#include "device/optionsnox8.h"
+#include "device/vocabulary.h"
+#include "widgets/mlineedit.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
 
 namespace
 {
+
+constexpr char sourceProperty[] = "source";
+
+/** Models from this code on have the standard characteristics. */
+constexpr quint32 firstWithStandards = 34;
+
+/** The text as an entry of a menu, which would take an ampersand for the mark of a key. */
+QString entryText(QString text)
+{
+    return text.replace(QLatin1Char('&'), QStringLiteral("&&"));
+}
+
+void addEntries(QMenu *menu, const QStringList &names, CharacteristicSource source)
+{
+    for (int i = 0; i < names.size(); ++i) {
+        QAction *const entry = menu->addAction(entryText(names.at(i)));
+        entry->setCheckable(true);
+        entry->setData(i);
+        entry->setProperty(sourceProperty, int(source));
+    }
+}
+
+void markEntry(const QMenu *menu, CharacteristicSource source, int index)
+{
+    if (!menu)
+        return;
+    for (QAction *entry : menu->actions())
+        if (!entry->menu())
+            entry->setChecked(entry->property(sourceProperty).toInt() == source &&
+                              entry->data().toInt() == index);
+}
+
+constexpr int longestUnit = 10; ///< characters that the image keeps
 
 constexpr char channelProperty[] = "ch";
 
@@ -54,6 +92,115 @@ void markChoice(const QMenu *menu, int data)
 }
 
 } // namespace
+
+// The menu of characteristics
+
+CharacteristicMenu::CharacteristicMenu(Offer offer, QWidget *parent)
+    : QMenu(parent)
+{
+    if (offer != NoStandards)
+        m_resistanceThermometers = new QMenu(tr("НСХ ТС"), this);
+    if (offer == AllStandards)
+        m_thermocouples = new QMenu(tr("НСХ ТП"), this);
+    // a choice in a menu inside is reported by this one as well
+    connect(this, &QMenu::triggered, this, [this](const QAction *entry) {
+        emit chosen(CharacteristicSource(entry->property(sourceProperty).toInt()),
+                    quint8(entry->data().toInt()));
+    });
+}
+
+void CharacteristicMenu::fill(const optionsNOX8 &image)
+{
+    clear();
+    addEntries(this, image.getFeatureInfStrList(), featureIndividual);
+
+    const auto addStandards = [&](QMenu *menu, const QStringList &names,
+                                  CharacteristicSource source) {
+        if (!menu)
+            return;
+        menu->clear();
+        addEntries(menu, names, source);
+        menu->setEnabled(image.devType >= firstWithStandards);
+        addMenu(menu);
+    };
+    addStandards(m_resistanceThermometers, standardResistanceThermometers(),
+                 featureResistanceThermometer);
+    addStandards(m_thermocouples, standardThermocouples(), featureThermocouple);
+}
+
+void CharacteristicMenu::mark(CharacteristicSource source, int index)
+{
+    markEntry(this, source, index);
+    markEntry(m_resistanceThermometers, source, index);
+    markEntry(m_thermocouples, source, index);
+}
+
+// The entry of a unit
+
+QString ownUnitHint()
+{
+    return ChannelMenus::tr("своя единица");
+}
+
+void prepareUnitLine(QLineEdit *line)
+{
+    line->setMaxLength(longestUnit);
+    line->setPlaceholderText(ownUnitHint());
+    line->setAccessibleName(ChannelMenus::tr("Своя единица"));
+}
+
+UnitEntry::UnitEntry(QObject *parent)
+    : QWidgetAction(parent)
+{
+    setText(QStringLiteral(":"));
+    setCheckable(true);
+
+    auto *const holder = new QWidget;
+    m_check = new QLabel(holder);
+    m_check->setFixedWidth(m_check->fontMetrics().horizontalAdvance(QStringLiteral("✓ ")));
+    m_line = new mLineEdit(holder);
+    prepareUnitLine(m_line);
+    m_line->installEventFilter(this);
+    holder->setFocusProxy(m_line);
+    holder->setFocusPolicy(Qt::StrongFocus);
+    auto *const layout = new QHBoxLayout(holder);
+    layout->setContentsMargins(6, 2, 6, 2);
+    layout->setSpacing(4);
+    layout->addWidget(m_check);
+    layout->addWidget(m_line);
+    setDefaultWidget(holder);
+
+    connect(this, &QAction::toggled, m_check, [this](bool isChecked) {
+        m_check->setText(isChecked ? QStringLiteral("✓") : QString());
+    });
+    connect(m_line, &mLineEdit::clicked, this, &UnitEntry::pressed);
+    connect(m_line, &QLineEdit::editingFinished, this, &UnitEntry::reportEntry);
+}
+
+void UnitEntry::setUnit(const QString &unit)
+{
+    m_line->setText(unit);
+    m_shown = m_line->text(); // of a longer one the line shows the beginning
+}
+
+/** Both Return and the loss of the focus end an entry: the second one brings nothing new. */
+void UnitEntry::reportEntry()
+{
+    if (m_line->text() == m_shown)
+        return;
+    m_shown = m_line->text();
+    emit entered(m_shown);
+}
+
+bool UnitEntry::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
+        m_line->setText(m_shown);
+    return QWidgetAction::eventFilter(watched, event);
+}
+
+// The menus of the columns
 
 ChannelMenus::ChannelMenus(QWidget *parent)
     : QObject(parent)

@@ -1,16 +1,85 @@
 #pragma once
 
 #include "device/optionsnox8.h"
-#include "dialogs/channelcells.h"
+#include "dialogs/settingscontent.h"
 
 #include <QMenu>
 #include <QPointer>
+#include <QWidgetAction>
 
 #include <array>
 #include <functional>
 
-class CharacteristicMenu;
-class UnitEntry;
+class QLabel;
+class QLineEdit;
+class mLineEdit;
+
+// The menus in which the settings of a channel are chosen.
+
+/**
+ * A menu of characteristics: the instrument's own, then the standard ones in menus of their own.
+ *
+ * It is filled when it is wanted, and never while one of its choices is being delivered.
+ */
+class CharacteristicMenu : public QMenu
+{
+    Q_OBJECT
+public:
+    /** Which standard characteristics it offers. */
+    enum Offer { AllStandards, ResistanceThermometers, NoStandards };
+
+    explicit CharacteristicMenu(Offer offer, QWidget *parent = nullptr);
+
+    /** Offers what the instrument has. Models up to code 33 have no standard characteristics. */
+    void fill(const optionsNOX8 &image);
+    /** Marks one characteristic; featureNone marks none. */
+    void mark(CharacteristicSource source, int index);
+
+signals:
+    /** The user has chosen a characteristic by its place in its list. */
+    void chosen(CharacteristicSource source, quint8 index);
+
+private:
+    // null where they are not offered
+    QMenu *m_resistanceThermometers = nullptr;
+    QMenu *m_thermocouples = nullptr;
+};
+
+/** What stands for a unit of the user's own while there is none. */
+QString ownUnitHint();
+/** Lets such a unit be written in a line. */
+void prepareUnitLine(QLineEdit *line);
+
+/**
+ * The entry of a menu in which the user writes a unit of his own.
+ *
+ * Escape gives up what was typed. What is only passed on the way through the menu is not reported.
+ */
+class UnitEntry : public QWidgetAction
+{
+    Q_OBJECT
+public:
+    explicit UnitEntry(QObject *parent);
+
+    /** Shows a unit as the one in effect. */
+    void setUnit(const QString &unit);
+
+signals:
+    /** The line was pressed. */
+    void pressed();
+    /** The user has written another unit than was shown. */
+    void entered(const QString &unit);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void reportEntry();
+
+    QLabel *m_check;
+    mLineEdit *m_line;
+    QString m_shown;
+};
 
 /**
  * The six menus in which the settings of a channel are chosen, one for each column.

@@ -1,8 +1,7 @@
 #include "dialogs/confchmenu.h"
 
 #include "calibration/featconfui.h"
-#include "dialogs/channelcells.h"
-#include "dialogs/characteristicmenu.h"
+#include "dialogs/channelmenus.h"
 #include "registry/noxlist.h"
 #include "ui_confchmenu.h"
 #include "widgets/menucard.h"
@@ -16,7 +15,6 @@ namespace
 {
 
 constexpr int ownUnitPlace = 3; ///< in the list of units
-constexpr int longestUnit = 10; ///< characters that the image keeps
 constexpr int nameWidth = 24;   ///< characters of average width
 constexpr int nameMargin = 12;  ///< pixels that the frame of a name takes
 constexpr QSize switchSize(55, 25);
@@ -36,7 +34,7 @@ protected:
         QStyledItemDelegate::initStyleOption(option, index);
         if (!option->text.isEmpty())
             return;
-        option->text = confChMenu::tr("своя единица");
+        option->text = ownUnitHint();
         option->features |= QStyleOptionViewItem::HasDisplay;
         option->palette.setColor(QPalette::Text, Qt::gray);
     }
@@ -63,7 +61,7 @@ void showChoice(QComboBox *list, const QStringList &entries, int place)
     list->setCurrentIndex(place < list->count() ? place : -1);
 }
 
-/** A name may be longer than there is room for; what looks like markup in it is none. */
+/** A name may be longer than its label is wide; what looks like markup in it is none. */
 void showName(QLabelClick *label, const QString &name, const QString &caption)
 {
     const int width = label->minimumWidth() - nameMargin;
@@ -243,9 +241,7 @@ void confChMenu::setUnitWritable(bool isWritable)
     if (!isWritable)
         return;
     list->setCompleter(nullptr); // it would make another entry of what is typed
-    list->lineEdit()->setMaxLength(longestUnit);
-    list->lineEdit()->setPlaceholderText(tr("своя единица"));
-    list->lineEdit()->setAccessibleName(tr("Своя единица"));
+    prepareUnitLine(list->lineEdit());
 }
 
 void confChMenu::showCharacteristics(const ChannelSettings &channel)

@@ -1,13 +1,11 @@
 #include "dialogs/confmenu.h"
 
-#include "device/blockaddresses.h"
-#include "device/takenbytes.h"
-#include "dialogs/configurationchanges.h"
-#include "dialogs/instrumenttitle.h"
-#include "dialogs/operatingfields.h"
+#include "device/instrumentblocks.h"
+#include "dialogs/instrumentfields.h"
+#include "dialogs/settingscontent.h"
+#include "dialogs/snapshotbox.h"
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
-#include "storage/noxsql.h"
 #include "ui_confmenu.h"
 #include "widgets/menucard.h"
 
@@ -128,16 +126,9 @@ void confMenu::on_connectBtn_clicked()
     if (nox->devIndex >= 0)
         m_registry->disConnByIndex(index);
     else if (nox->opt->isIdentified())
-        emit m_registry->doFindNox(index);
+        m_registry->searchFor(index);
     else
-        connectAgain(nox);
-}
-
-/** What is not known cannot be searched for: it is taken to be where it was. */
-void confMenu::connectAgain(noxList::_nox *nox)
-{
-    nox->devIndex = m_registry->serialPort()->addDev(nox->portName, nox->opt->getDevFamily());
-    emit m_registry->onChange();
+        m_registry->connByIndex(index); // what is not known cannot be searched for
 }
 
 void confMenu::on_readLogBtn_clicked()
@@ -183,12 +174,6 @@ void confMenu::followConfiguration(noxList::_nox *nox)
 {
     if (nox->snapShotId < 1)
         return;
-    noxSql *const database = m_registry->database();
-    const QByteArray data = taken(nox->opt->getData());
-    const QByteArray references = taken(nox->opt->getRefAllData());
-    const int stored =
-        database->setSnapShot(nox->dbIndex, &data, &references,
-                              database->getSnapShotInfo(nox->snapShotId), nox->snapShotId);
-    if (stored >= 1)
-        nox->snapShotId = stored;
+    noxSql &database = *m_registry->database();
+    storeSnapshot(database, *nox, database.getSnapShotInfo(nox->snapShotId), nox->snapShotId);
 }

@@ -1,25 +1,18 @@
 #include "dialogs/devconfui.h"
 
-#include "calibration/featconfui.h"
-#include "device/optionsnox8.h"
-#include "dialogs/channelmenus.h"
-#include "dialogs/channelsettingstable.h"
-#include "dialogs/characteristiclist.h"
-#include "dialogs/configurationchanges.h"
-#include "dialogs/fieldstates.h"
+#include "device/instrumentblocks.h"
 #include "dialogs/instrumentfields.h"
-#include "dialogs/instrumenttitle.h"
-#include "dialogs/operatingfields.h"
+#include "dialogs/settingscontent.h"
 #include "dialogs/settingsfiles.h"
+#include "dialogs/settingstables.h"
 #include "dialogs/snapshotbox.h"
-#include "registry/noxlist.h"
 #include "serial/noxserialport.h"
-#include "storage/noxsql.h"
 #include "ui_devconfui.h"
 #include "widgets/userdialogs.h"
 #include "widgets/wheelguard.h"
 
 #include <QKeyEvent>
+#include <QPointer>
 #include <QScreen>
 
 namespace
@@ -53,7 +46,6 @@ devConfUI::devConfUI(QWidget *parent, noxList *registry, QwtNOX *plot)
 {
     m_ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
-    m_ui->pgBar->hide();
     buildParts();
     listenToRegistry();
     guardFromWheel(this);
@@ -65,32 +57,27 @@ devConfUI::~devConfUI() = default;
 
 void devConfUI::buildParts()
 {
-    m_fields = new InstrumentFields(
-        {m_ui->devPortEdit, m_ui->devNumEdit, m_ui->devNameEdit, m_ui->devTypeCB}, this);
+    m_fields =
+        new InstrumentFields({m_ui->devPortEdit, m_ui->connectionLabel, m_ui->pgBar,
+                              m_ui->devNumEdit, m_ui->devNameEdit, m_ui->devTypeCB, m_ui->dbTypeCB},
+                             this);
     m_operating =
         new OperatingFields({m_ui->devMeasRoundCB, m_ui->devMeasTimeCB, m_ui->devMeasModeCB,
                              m_ui->devCompensTPCB, m_ui->devChReversCB, m_ui->devZakorotkaCB},
                             this);
-    const QMap<quint32, QString> types = optionsNOX8::getTypeList(true);
-    for (auto type = types.begin(); type != types.end(); ++type)
-        m_ui->dbTypeCB->addItem(type.value(), type.key());
-
-    m_channelMenus = new ChannelMenus(this);
-    m_channels = new ChannelSettingsTable(m_ui->chTable, m_channelMenus);
-    m_characteristics = new CharacteristicList(m_ui->featTable);
-    connect(m_characteristics, &CharacteristicList::opened, this, &devConfUI::editCharacteristic);
-
+    m_channels = new ChannelSettingsTable(m_ui->chTable);
+    m_characteristics = new CharacteristicList(m_ui->featTable, m_registry->database());
     connect(m_ui->shiftTab, &ShiftTab::taken, this, &devConfUI::findSnapShot);
 
     const SnapshotBox::Widgets snapshots = {m_ui->dbStatusLabel, m_ui->saveDBBtn,    m_ui->addDBBtn,
                                             m_ui->rmDBBtn,       m_ui->dbSearchEdit, m_ui->dbFindCB,
                                             m_ui->infoText};
     m_snapshots = std::make_unique<SnapshotBox>(snapshots, m_registry);
+    connect(m_snapshots.get(), &SnapshotBox::instrumentRemoved, this, &devConfUI::onDevChange);
     m_files = std::make_unique<SettingsFiles>(this, m_registry);
-    m_editor = new featconfui(this, m_registry->database());
 }
 
-/** All channels are in sight, as far as the screen has room for them; else everything but the
+/** All channels are in sight, as far as they fit the screen; else everything but the
  *  buttons is scrolled. */
 void devConfUI::fixSize()
 {
@@ -120,11 +107,10 @@ void devConfUI::listenToRegistry()
 
 // Opening and closing
 
-/** The image of the instrument that is shown; it may be gone at any time. */
-optionsNOX8 *devConfUI::image() const
+/** The record of the instrument that is shown; it may be gone at any time. */
+const noxList::_nox *devConfUI::shown() const
 {
-    const noxList::_nox *nox = m_registry->getNoxByIndex(m_index);
-    return nox ? nox->opt.get() : nullptr;
+    return m_registry->getNoxByIndex(m_index);
 }
 
 void devConfUI::show(int index)
@@ -135,7 +121,7 @@ void devConfUI::show(int index)
     setCurrent(index);
     m_serviceKeyHeld = false;
     m_ui->tabWidget->setCurrentIndex(0);
-    m_ui->pgBar->hide();
+    m_fields->hideProgress();
     m_ui->shiftTab->setServiceVisible(false);
     m_ui->dbSearchEdit->clear();
     fixSize(); // not before: it lays out every page, for which the start would have to wait
@@ -150,11 +136,13 @@ void devConfUI::show(int index)
 void devConfUI::setCurrent(int index)
 {
     m_index = index;
-    m_fields->setImage(image());
-    m_operating->setImage(image());
-    m_channelMenus->setImage(image());
-    m_ui->referenceTab->setImage(image());
-    m_ui->shiftTab->setImage(image());
+    optionsNOX8 *const image = shown() ? shown()->opt.get() : nullptr;
+    m_fields->setImage(image);
+    m_operating->setImage(image);
+    m_channels->setImage(image);
+    m_characteristics->setImage(image);
+    m_ui->referenceTab->setImage(image);
+    m_ui->shiftTab->setImage(image);
     m_snapshots->setIndex(index);
 }
 
@@ -196,14 +184,8 @@ bool devConfUI::eventFilter(QObject *watched, QEvent *event)
 
 void devConfUI::on_pushButton_6_released()
 {
-    if (m_serviceKeyHeld)
-        unlockService();
-    else
-        reject();
-}
-
-void devConfUI::unlockService()
-{
+    if (!m_serviceKeyHeld)
+        return reject();
     m_fields->unlock();
     m_ui->tabWidget->setTabVisible(shiftPage, true);
     m_ui->shiftTab->setServiceVisible(true);
@@ -223,7 +205,7 @@ void devConfUI::onDevChange(int index)
 {
     if (!isCurrent(index))
         return;
-    const noxList::_nox *const nox = m_registry->getNoxByIndex(index);
+    const noxList::_nox *const nox = shown();
     const FieldStates states = fieldStates(*nox->opt, nox->dbIndex);
     const ConfigurationChanges changes = configurationChanges(nox->held, *nox->opt);
     m_title = instrumentTitle(*nox->opt);
@@ -232,14 +214,12 @@ void devConfUI::onDevChange(int index)
     m_fields->refresh(m_registry->serialPort()->getPortName(nox->devIndex), states,
                       changes.identity);
     m_operating->refresh(changes);
-    m_characteristics->refresh(*nox->opt, changes);
+    m_characteristics->refresh(changes);
     m_ui->referenceTab->setAvailable(states.isKnown);
     m_ui->referenceTab->setRemovable(states.isStored);
     m_ui->shiftTab->followModel();
     m_ui->tabWidget->setTabVisible(shiftPage, states.isExtended);
     m_ui->devGetConfBtn->setEnabled(states.isKnown);
-    m_ui->dbTypeCB->setEnabled(!states.isKnown);
-    m_ui->dbTypeCB->setCurrentIndex(m_ui->dbTypeCB->findData(nox->opt->devType));
     onChChange(index, 0);
 }
 
@@ -247,8 +227,7 @@ void devConfUI::onChChange(int index, uchar)
 {
     if (!isCurrent(index))
         return;
-    const noxList::_nox *const nox = m_registry->getNoxByIndex(index);
-    m_channels->refresh(*nox->opt, configurationChanges(nox->held, *nox->opt));
+    m_channels->refresh(configurationChanges(shown()->held, *shown()->opt));
     findSnapShot();
 }
 
@@ -275,9 +254,8 @@ void devConfUI::markReferences(int index)
 {
     if (!isCurrent(index))
         return;
-    const HeldBlocks &held = m_registry->getNoxByIndex(index)->held;
-    m_ui->referenceTab->setHeld(held.referenceData());
-    m_ui->shiftTab->setHeld(held.zeroShifts());
+    m_ui->referenceTab->setHeld(shown()->held.referenceData());
+    m_ui->shiftTab->setHeld(shown()->held.zeroShifts());
 }
 
 void devConfUI::findSnapShot()
@@ -287,26 +265,182 @@ void devConfUI::findSnapShot()
 
 void devConfUI::showConnection()
 {
-    const noxList::_nox *const nox = m_registry->getNoxByIndex(m_index);
-    if (!nox)
-        return;
-    const bool isConnected = nox->devIndex >= 0;
-    m_ui->connectionLabel->setText(isConnected ? QString() : tr("Прибор не подключён"));
-    m_ui->devPortEdit->setText(m_registry->serialPort()->getPortName(nox->devIndex));
-    if (!isConnected)
-        m_ui->pgBar->hide(); // nobody tells of a transfer that was cut off
+    if (const noxList::_nox *const nox = shown())
+        m_fields->showConnection(nox->devIndex >= 0,
+                                 m_registry->serialPort()->getPortName(nox->devIndex));
 }
 
 void devConfUI::showProgress(int devIndex, int progress, int maxProgress)
 {
-    const noxList::_nox *const nox = m_registry->getNoxByIndex(m_index);
-    if (!nox || nox->devIndex != devIndex)
-        return;
-    const bool isBusy = progress < 0;
-    m_ui->pgBar->setVisible(isBusy || progress != 0 || maxProgress != 0);
-    m_ui->pgBar->setRange(0, maxProgress);
-    if (isBusy)
-        m_ui->pgBar->reset(); // its value is then -1, which setValue() refuses
-    else
-        m_ui->pgBar->setValue(progress);
+    if (shown() && shown()->devIndex == devIndex)
+        m_fields->showProgress(progress, maxProgress);
+}
+
+// The instrument as a whole
+
+void devConfUI::on_devNumEdit_editingFinished()
+{
+    m_fields->storeNumber();
+}
+
+void devConfUI::on_devTypeCB_currentIndexChanged(int)
+{
+    m_fields->storeType();
+}
+
+void devConfUI::on_devMeasRoundCB_currentIndexChanged(int)
+{
+    m_operating->store(m_ui->devMeasRoundCB);
+}
+
+void devConfUI::on_devMeasTimeCB_currentIndexChanged(int)
+{
+    m_operating->store(m_ui->devMeasTimeCB);
+}
+
+void devConfUI::on_devMeasModeCB_currentIndexChanged(int)
+{
+    m_operating->store(m_ui->devMeasModeCB);
+}
+
+void devConfUI::on_devCompensTPCB_currentIndexChanged(int)
+{
+    m_operating->store(m_ui->devCompensTPCB);
+}
+
+void devConfUI::on_devChReversCB_currentIndexChanged(int)
+{
+    m_operating->store(m_ui->devChReversCB);
+}
+
+void devConfUI::on_devZakorotkaCB_currentIndexChanged(int)
+{
+    m_operating->store(m_ui->devZakorotkaCB);
+}
+
+void devConfUI::on_devNameEdit_editingFinished()
+{
+    m_fields->storeName();
+}
+
+void devConfUI::on_pushButton_5_clicked()
+{
+    if (shown())
+        shown()->opt->triggerDevChange();
+}
+
+void devConfUI::on_devGetConfBtn_clicked()
+{
+    m_registry->getOptFromNox(m_index);
+}
+
+// Channels and characteristics
+
+void devConfUI::on_chTable_cellPressed(int row, int column)
+{
+    m_channels->popUp(row, column);
+}
+
+void devConfUI::on_chTable_cellEntered(int, int column)
+{
+    m_channels->hover(column);
+}
+
+void devConfUI::on_featTable_cellDoubleClicked(int row, int)
+{
+    m_characteristics->edit(row);
+}
+
+// What the database keeps
+
+void devConfUI::on_dbSearchEdit_textChanged(const QString &text)
+{
+    m_snapshots->search(text);
+}
+
+void devConfUI::on_dbFindCB_currentIndexChanged(int)
+{
+    m_snapshots->choose();
+}
+
+void devConfUI::on_dbFindCB_activated(int)
+{
+    m_snapshots->choose();
+}
+
+void devConfUI::on_saveDBBtn_clicked()
+{
+    m_snapshots->save();
+}
+
+void devConfUI::on_addDBBtn_clicked()
+{
+    m_snapshots->saveAsNew();
+}
+
+void devConfUI::on_rmDBBtn_clicked()
+{
+    m_snapshots->remove();
+}
+
+void devConfUI::on_rmDevBtn_clicked()
+{
+    m_snapshots->removeInstrument();
+}
+
+void devConfUI::on_pushButton_3_clicked()
+{
+    const QPointer<devConfUI> self(this);
+    m_files->load(m_index);
+    if (self)
+        showAll(); // a name and shifts are taken from a file without a word
+}
+
+void devConfUI::on_pushButton_4_clicked()
+{
+    m_files->save(m_index);
+}
+
+// References and shifts
+
+bool devConfUI::setRef()
+{
+    return m_ui->referenceTab->take();
+}
+
+void devConfUI::on_t0Edit_editingFinished()
+{
+    setRef();
+}
+
+void devConfUI::on_pushButton_clicked()
+{
+    m_ui->referenceTab->write();
+}
+
+void devConfUI::on_pushButton_2_clicked()
+{
+    readBlock(referenceDataAddress, referenceDataSize);
+}
+
+void devConfUI::on_pushButton_7_clicked()
+{
+    if (shown() && shown()->opt->getDevRev() != 0)
+        readBlock(zeroShiftsAddress, zeroShiftsSize);
+}
+
+void devConfUI::on_pushButton_8_clicked()
+{
+    m_ui->shiftTab->write();
+}
+
+void devConfUI::on_chUPB_clicked()
+{
+    m_ui->shiftTab->zeroChannels(m_plot, m_registry->getQWTIndex(m_index));
+}
+
+void devConfUI::readBlock(quint8 address, int size)
+{
+    if (shown())
+        m_registry->serialPort()->sendDevQuery(shown()->devIndex, address, quint16(size), true);
 }

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "registry/noxlist.h"
+
 #include <QDialog>
 
 #include <memory>
 
-class ChannelMenus;
 class ChannelSettingsTable;
 class CharacteristicList;
 class InstrumentFields;
@@ -12,9 +13,6 @@ class OperatingFields;
 class QwtNOX;
 class SettingsFiles;
 class SnapshotBox;
-class featconfui;
-class noxList;
-class optionsNOX8;
 
 namespace Ui
 {
@@ -100,12 +98,10 @@ private:
     void markReferences(int index);
     void showConnection();
     void showRemoval(int index);
-    void unlockService();
-    void editCharacteristic(int row);
     void readBlock(quint8 address, int size);
 
-    bool isCurrent(int index) const { return index >= 0 && index == m_index && image(); }
-    optionsNOX8 *image() const;
+    bool isCurrent(int index) const { return index >= 0 && index == m_index && shown(); }
+    const noxList::_nox *shown() const;
 
     std::unique_ptr<Ui::devConfUI> m_ui;
     bool m_serviceKeyHeld = false;
@@ -117,10 +113,8 @@ private:
     // the parts of the dialog; children of it or of their widgets
     InstrumentFields *m_fields = nullptr;
     OperatingFields *m_operating = nullptr;
-    ChannelMenus *m_channelMenus = nullptr;
     ChannelSettingsTable *m_channels = nullptr;
     CharacteristicList *m_characteristics = nullptr;
     std::unique_ptr<SnapshotBox> m_snapshots;
     std::unique_ptr<SettingsFiles> m_files;
-    featconfui *m_editor = nullptr;
 };

@@ -1,12 +1,14 @@
 #include "dialogs/snapshotbox.h"
 
-#include "device/blockaddresses.h"
-#include "device/takenbytes.h"
-#include "storage/storedsnapshots.h"
+#include "calibration/characteristicmessages.h"
+#include "device/featurenox8.h"
+#include "device/instrumentblocks.h"
+#include "storage/storeditems.h"
 #include "widgets/userdialogs.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -16,9 +18,35 @@
 namespace
 {
 
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(SnapshotMatch)
+};
+
 constexpr int shortestSearch = 3; ///< characters
 
 } // namespace
+
+SnapshotMatch matchSnapshot(const std::optional<noxSql::noxSqlItem> &named,
+                            const QVector<noxSql::noxSqlItem> &equal)
+{
+    SnapshotMatch match;
+    if (!named && equal.isEmpty()) {
+        match.name = Texts::tr("Новая настройка");
+        match.hint = Texts::tr("Настройка НЕ найдена в БД");
+        return match;
+    }
+    const noxSql::noxSqlItem snapshot = named ? *named : equal.first();
+    const bool isEqual = !equal.isEmpty() && equal.first().id == snapshot.id;
+    match.id = snapshot.id;
+    match.name = snapshot.name;
+    match.info = snapshot.info;
+    match.hint = Texts::tr("Настройка найдена в БД");
+    match.isFound = true;
+    match.isChanged = !isEqual;
+    match.canBeSaved = !isEqual && !snapshot.factory;
+    match.canBeRemoved = !snapshot.factory;
+    return match;
+}
 
 SnapshotBox::SnapshotBox(const Widgets &widgets, noxList *registry)
     : m_widgets(widgets)
@@ -166,6 +194,16 @@ void SnapshotBox::tellUnsuited(bool isModelKnown)
 
 // What is stored
 
+bool storeSnapshot(noxSql &database, noxList::_nox &nox, const QString &info, int snapshotId)
+{
+    const QByteArray data = taken(nox.opt->getData());
+    const QByteArray references = taken(nox.opt->getRefAllData());
+    const int stored = database.setSnapShot(nox.dbIndex, &data, &references, info, snapshotId);
+    if (stored >= 1)
+        nox.snapShotId = stored;
+    return stored >= 1;
+}
+
 void SnapshotBox::saveAsNew()
 {
     const noxList::_nox *const nox = record();
@@ -182,20 +220,22 @@ void SnapshotBox::save()
 
 void SnapshotBox::store(int snapshotId)
 {
-    noxList::_nox *const nox = record();
-    const QByteArray data = taken(nox->opt->getData());
-    const QByteArray references = taken(nox->opt->getRefAllData());
-    const int stored = m_registry->database()->setSnapShot(
-        nox->dbIndex, &data, &references, m_widgets.info->toPlainText(), snapshotId);
-    if (stored >= 1) {
-        nox->snapShotId = stored;
+    const QString info = m_widgets.info->toPlainText();
+    if (storeSnapshot(*m_registry->database(), *record(), info, snapshotId))
         m_widgets.info->document()->setModified(false);
-    }
     m_offersResults = false;
     match();
 }
 
-void SnapshotBox::remove(QWidget *dialog)
+/** Asks whether something is to be removed; the widgets may be gone by the time of the answer. */
+bool SnapshotBox::isRemovalWanted() const
+{
+    QWidget *const dialog = m_widgets.found->window();
+    const Message question = removalQuestion(dialog->windowTitle());
+    return UserDialogs::current().ask(dialog, question) == QMessageBox::Yes;
+}
+
+void SnapshotBox::remove()
 {
     const int index = m_index;
     const noxList::_nox *nox = record();
@@ -203,9 +243,7 @@ void SnapshotBox::remove(QWidget *dialog)
         return;
     const int snapshotId = nox->snapShotId;
     const QPointer<SnapshotBox> self(this);
-    const Message question = {QMessageBox::Warning, dialog->windowTitle(), tr("Вы уверены?"),
-                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No};
-    if (UserDialogs::current().ask(dialog, question) != QMessageBox::Yes || !self)
+    if (!isRemovalWanted() || !self)
         return;
     removeSnapshot(snapshotId);
     noxList::_nox *const asked = m_registry->getNoxByIndex(index);
@@ -213,4 +251,17 @@ void SnapshotBox::remove(QWidget *dialog)
         asked->snapShotId = 0;
     m_offersResults = false;
     match();
+}
+
+void SnapshotBox::removeInstrument()
+{
+    const int index = m_index;
+    const QPointer<SnapshotBox> self(this);
+    if (!isRemovalWanted() || !self)
+        return;
+    noxList::_nox *const nox = m_registry->getNoxByIndex(index);
+    if (!nox || nox->dbIndex < 0 || !m_registry->database()->removeDev(nox->dbIndex))
+        return;
+    nox->dbIndex = -1;
+    emit instrumentRemoved(index);
 }

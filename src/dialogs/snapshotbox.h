@@ -1,9 +1,11 @@
 #pragma once
 
-#include "dialogs/snapshotmatch.h"
 #include "registry/noxlist.h"
+#include "storage/noxsql.h"
 
 #include <QObject>
+
+#include <optional>
 
 class QAbstractButton;
 class QComboBox;
@@ -11,8 +13,32 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 
+/** What the box of stored configurations shows of the present one. */
+struct SnapshotMatch {
+    int id = 0;                ///< of the snapshot that the configuration has or comes from
+    QString name;              ///< of that snapshot, or that there is none
+    QString info;              ///< its description
+    QString hint;              ///< stands where there is no description
+    bool isFound = false;      ///< there is such a snapshot, which can be described
+    bool isChanged = false;    ///< the configuration differs from it
+    bool canBeSaved = false;   ///< the snapshot may follow the configuration
+    bool canBeRemoved = false; ///< the snapshot is no factory one
+};
+
 /**
- * The box of an instrument's stored configurations: which one it has, and the search for others.
+ * Decides from the snapshot that the record names, if it is stored, and from those that equal the
+ * configuration, the one to be preferred first.
+ */
+SnapshotMatch matchSnapshot(const std::optional<noxSql::noxSqlItem> &named,
+                            const QVector<noxSql::noxSqlItem> &equal);
+
+/** Stores the configuration of an instrument with a description in place of a snapshot, or as a new
+ *  one (0 or a factory one), which becomes that of its record. False when that fails. */
+bool storeSnapshot(noxSql &database, noxList::_nox &nox, const QString &info, int snapshotId);
+
+/**
+ * What the database keeps of an instrument: which stored configuration it has, the search for
+ * others, and their removal.
  *
  * The instrument may go at any time, also while a question is asked or a snapshot is applied.
  */
@@ -46,10 +72,18 @@ public:
 
     void save();
     void saveAsNew();
-    /** Asks first, under the title of the dialog. */
-    void remove(QWidget *dialog);
+    // Asking first, under the title of the dialog
+
+    void remove();
+    /** Removes all that is stored of the instrument. */
+    void removeInstrument();
+
+signals:
+    /** All that was stored of an instrument (registry index) has been removed. */
+    void instrumentRemoved(int index);
 
 private:
+    bool isRemovalWanted() const;
     void paint(const SnapshotMatch &match);
     void paintInfo(const SnapshotMatch &match);
     void offer(const QString &text, const QVariant &data);

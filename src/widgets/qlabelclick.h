@@ -17,3 +17,28 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 };
+
+/** A clickable label that writes its text as large as its width allows, up to a given size. */
+class FittedLabel : public QLabelClick
+{
+    Q_OBJECT
+public:
+    /** `largestPoints`: font size that is never exceeded. */
+    explicit FittedLabel(int largestPoints, QWidget *parent = nullptr);
+
+    /** Shows a text; an equal one changes nothing. */
+    void showText(const QString &text);
+
+    /** Wide enough for nothing, high enough for the largest font. */
+    QSize minimumSizeHint() const override;
+    QSize sizeHint() const override { return minimumSizeHint(); }
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    QFont fontOf(int points) const;
+    void fit();
+
+    int m_largestPoints;
+};

@@ -123,6 +123,7 @@ private slots:
         click(instruments(), 2, InstrumentColumn::Menu);
         QCOMPARE(window->currentIndex(), 0);
         confMenu *const card = window->instrumentCard();
+        QVERIFY(card->x() > 100); // at the cell, as far as the screen allows
         QCOMPARE(card->findChild<QLabel *>("titleLabel")->text(), "NOX CM1 № 0002");
         QTest::mouseClick(card->findChild<QToolButton *>("setupBtn"), Qt::LeftButton);
         QVERIFY(!card->isVisible() && window->deviceSettings()->isVisible());

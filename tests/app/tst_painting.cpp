@@ -1,7 +1,7 @@
 #include "app/numericpanels.h"
 #include "app/windowtables.h"
-#include "widgets/fittedlabel.h"
-#include "widgets/legibility.h"
+#include "widgets/qlabelclick.h"
+#include "widgets/rowdelegate.h"
 
 #include <QtTest>
 #include <QtWidgets>

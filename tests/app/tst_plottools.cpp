@@ -188,14 +188,16 @@ private slots:
     void coloursAreChosen()
     {
         add(0x11, 1);
-        plot().setChMain(1);
         const auto byMenu = [this] {
             QAction *const action = menuOf("setQwtBtn")->actions().first();
             action->trigger();
             emit menuOf("setQwtBtn")->aboutToShow();
             return middleOf(action->icon());
         };
-        QCOMPARE(clickNumber(Qt::RightButton), QColor(Qt::blue)); // nothing was chosen
+        const QColor first = plot().getChColor(0, 0);
+        QCOMPARE(byMenu(), first); // nothing was chosen
+        plot().setChMain(1);
+        QCOMPARE(clickNumber(Qt::RightButton), QColor(Qt::blue));
         QCOMPARE(byMenu(), QColor(Qt::blue));
         dialogs.color = Qt::magenta;
         QCOMPARE(clickNumber(Qt::RightButton), QColor(Qt::magenta));
@@ -208,7 +210,7 @@ private slots:
         QCOMPARE(byMenu(), QColor(Qt::cyan));
         QCOMPARE(clickNumber(Qt::LeftButton), QColor(Qt::cyan));
         QCOMPARE(dialogs.offeredColors,
-                 (QVector<QColor>{Qt::blue, Qt::blue, Qt::blue, Qt::magenta}));
+                 (QVector<QColor>{first, Qt::blue, Qt::blue, Qt::blue, Qt::magenta}));
     }
 
     void captionsTellTheScalesInEffect()
@@ -314,6 +316,8 @@ private slots:
             QCOMPARE(selected.size(), 1);
             QCOMPARE(selected.first().row(), opens ? 1 : 3);
         }
+        plot().setChMain(4); // by whomever
+        QVERIFY(channels()->item(5, Value)->isSelected() && channel(4).endsWith("|<[current]"));
     }
 
     void clearsThePlot()
@@ -349,25 +353,26 @@ private slots:
 
     void differenceIsConfigured()
     {
-        add(0x11, 1);
         add(0x0970AA0F, 77);
+        add(0x11, 1);
+        choose(2);
         const auto seen = [this] {
             const QTableWidgetItem *cell = channels()->item(2, ChannelColumn::Reference);
             return cell->text() + ' ' + cell->toolTip();
         };
         DifferenceMenu *const menu = openDifferences();
-        const QString all = "%1Канал № 3%2, Канал № 4, Канал № 5, Канал № 6, Канал № 7, Канал № 8]";
-        const QString offered = "Выкл.%1, |, NOX B № 0001 [" + all.arg("Канал № 1, ", "") +
-                                ", NOX D rev.4 № 0077 [" + all.arg("Канал № 1, Канал № 2, ");
+        const QString all = "Канал № 3%2, Канал № 4, Канал № 5, Канал № 6, Канал № 7, Канал № 8]";
+        const QString offered = "Выкл.%1, |, NOX D rev.4 № 0077 [Канал № 1, Канал № 2, " + all +
+                                ", NOX B № 0001 [Канал № 1, " + QString(all).remove("%2");
         QCOMPARE(entriesOf(menu), offered.arg("*", ""));
         pickEntry("NOX D rev.4 № 0077/Канал № 3");
         QCOMPARE(seen(), "3 Разность с NOX D rev.4 №0077, канал №3");
-        QCOMPARE(words({plot().getChMode(0, 1), plot().getChMain(0)}), words({ModeFollow, 0}));
+        QCOMPARE(words({plot().getChMode(1, 1), plot().getChMain(1)}), words({ModeFollow, 0}));
         QCOMPARE(entriesOf(openDifferences()), offered.arg("", "*"));
         pickEntry("Выкл.");
         QCOMPARE(seen(), "- Измерение разности выключено");
-        plot().setChDiff(2, 1, 0, 1);
-        registry().rmByIndex(1);
+        plot().setChDiff(2, 0, 1, 1);
+        registry().rmByIndex(0);
         QCOMPARE(seen(), "- Измерение разности выключено");
         openDifferences(); // nothing of the former opening is left
         QCOMPARE(menu->findChildren<QMenu *>().size(), 1);
@@ -377,7 +382,8 @@ private slots:
     {
         for (const int leaving : {0, 1}) {
             addSome(2);
-            QAction *const entry = openDifferences()->actions().last()->menu()->actions().at(2);
+            choose(2);
+            QAction *const entry = openDifferences()->actions().at(2)->menu()->actions().at(2);
             replace(leaving);
             entry->trigger();
             for (const QwtNOX::_dev &device : plot().devices())

@@ -93,6 +93,7 @@ private slots:
             {{busy, busy}, "освободите порт"},
             {{busy, free}, "опрашивает все свободные порты"}};
         const auto *const hint = find<QLabel>("instrumentHint");
+        window->resize(window->minimumSizeHint());
         for (const auto &advice : advices) {
             ListedPorts::use(advice.first);
             QEvent activation(QEvent::WindowActivate);
@@ -140,6 +141,7 @@ private slots:
             return picture.pixelColor(picture.width() / 2, 0) == QColor("#c62828");
         };
         press("recBtn");
+        QVERIFY(!button->isChecked()); // before the dialog has begun it
         dialogs.file = folder.filePath("запись/1.csv");
         for (const char *name : {"selectFileBtn", "saveBtn", "closeBtn"})
             QTest::mouseClick(find("recmeas")->findChild<QWidget *>(name), Qt::LeftButton);
@@ -172,7 +174,7 @@ private slots:
 
     void filesAreAskedForWhereTheLastOneWas()
     {
-        add(0x11, 7);
+        add(0x0970AA0F, 7);
         press("toolButton"); // nothing is chosen
         dialogs.file = folder.filePath("plot.png");
         press("toolButton");
@@ -185,7 +187,7 @@ private slots:
         QStringList places;
         for (const FileQuestion &question : qAsConst(dialogs.fileQuestions))
             places << question.directory + ' ' + question.name;
-        const QString first = QDir::homePath() + " NOX B_N0007_24-11-2026";
+        const QString first = QDir::homePath() + " NOX D rev_4_N0007_24-11-2026";
         QCOMPARE(places,
                  (QStringList{first, first, folder.path() + ' ', folder.filePath("none") + ' '}));
     }
@@ -212,6 +214,31 @@ private slots:
         press("toolButton_3");
         QCOMPARE(plot().getChMeasCount(0, 0), 2);
         QVERIFY(!record(0).processed);
+        record(0).opt->setDevType(0x11);
+        QVERIFY(title().startsWith("NOX B"));
+    }
+
+    void longReadingIsShownAndStopped()
+    {
+        dialogs.file = folder.filePath(QString(60, 'w') + ".csv");
+        QFile results(dialogs.file);
+        QVERIFY(results.open(QIODevice::WriteOnly));
+        results.write(toWindows1251("Начало измерений. Дата 23.11.2026 Время 06:00:00;\r\n\r\n"
+                                    "№;dT;Канал 1;\r\n ;[c];[°С];\r\n"));
+        for (int row = 1; row <= 200000; ++row)
+            results.write(QByteArray::number(row) + ';' + QByteArray::number(row) + ";21.5;\r\n");
+        results.close();
+        press("toolButton_3");
+        const auto *const progress = find<QProgressBar>("readingProgress");
+        const int begun = progress->value();
+        QVERIFY(find("readingBar")->isVisible() && begun < 50);
+        QTRY_VERIFY(progress->value() > begun);
+        QVERIFY(label("readingLabel").startsWith("Чтение: ww") &&
+                label("readingLabel").contains("…"));
+        QCOMPARE(find("readingLabel")->toolTip(), QFileInfo(dialogs.file).fileName());
+        press("stopReadingBtn");
+        QTRY_VERIFY(find("readingBar")->isHidden());
+        QVERIFY(plot().getChMeasCount(0, 0) < 200000);
     }
 
     void remembersThePlotOfEachInstrument()

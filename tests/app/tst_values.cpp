@@ -174,6 +174,9 @@ private slots:
         QCOMPARE(channel(0), "1[current]|22.00|°С|20.0|2.0|-|<[current]");
         QVERIFY(channel(1).startsWith("2|--|"));
         QCOMPARE(channel(3), "4|19.00[fresh]|мВ[fresh]|[fresh]|[fresh]|-[fresh]|");
+        for (const bool on : {true, false, true}) // the last one clears what was shown meanwhile
+            registry().setProccesed(0, on, !on);
+        QCOMPARE(plot().getChMeasCount(0, 0), 0);
     }
 
     void oldNumbersLookOld()

@@ -1,5 +1,5 @@
-#include "device/blockaddresses.h"
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
+#include "device/instrumentblocks.h"
 #include "plot/plotmouse.h"
 #include "serial/noxserialport.h"
 #include "support/instrumentbench.h"

@@ -1,8 +1,6 @@
-#include "calibration/characteristicnote.h"
-#include "calibration/characteristictable.h"
-#include "calibration/storedmatch.h"
+#include "calibration/characteristicmessages.h"
+#include "calibration/storedpanel.h"
 #include "device/featurenox8.h"
-#include "device/fitdeviation.h"
 
 #include <QtTest>
 

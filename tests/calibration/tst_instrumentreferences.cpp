@@ -1,6 +1,5 @@
-#include "calibration/referencetab.h"
-#include "calibration/shiftentry.h"
-#include "calibration/shifttab.h"
+#include "calibration/referenceentry.h"
+#include "calibration/referencetabs.h"
 #include "device/optionsnox8.h"
 #include "plot/qwtnox.h"
 #include "widgets/rowdelegate.h"

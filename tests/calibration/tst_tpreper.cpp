@@ -1,4 +1,3 @@
-#include "calibration/fixedpointtables.h"
 #include "calibration/tpreper.h"
 
 #include <QtTest>

@@ -1,5 +1,5 @@
+#include "device/featurenox8.h"
 #include "device/optionsnox8.h"
-#include "device/takenbytes.h"
 #include "imagelog.h"
 
 #include <QtTest>

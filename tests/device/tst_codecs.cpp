@@ -1,6 +1,6 @@
 #include "device/bfloat.h"
 #include "device/bword.h"
-#include "device/datetimeblock.h"
+#include "device/instrumentblocks.h"
 #include "device/windows1251.h"
 
 #include <QDateTime>

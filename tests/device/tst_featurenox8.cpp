@@ -1,6 +1,5 @@
 #include "device/callendarvandusen.h"
 #include "device/featurenox8.h"
-#include "device/takenbytes.h"
 
 #include <QSignalSpy>
 #include <QtTest>

@@ -1,5 +1,5 @@
-#include "device/datetimeblock.h"
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
+#include "device/instrumentblocks.h"
 #include "goldenimage.h"
 #include "support/imagefields.h"
 

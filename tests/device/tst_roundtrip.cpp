@@ -1,8 +1,6 @@
-#include "device/identification.h"
+#include "device/featurenox8.h"
+#include "device/instrumentblocks.h"
 #include "device/settingsfile.h"
-#include "device/settingsreader.h"
-#include "device/settingswriter.h"
-#include "device/takenbytes.h"
 #include "device/vocabulary.h"
 #include "imagetrial.h"
 

@@ -1,7 +1,5 @@
 #include "device/filereplacement.h"
 #include "device/settingsfile.h"
-#include "device/settingsreader.h"
-#include "device/settingswriter.h"
 #include "imagelog.h"
 #include "imagetrial.h"
 #include "support/fulldisk.h"

@@ -1,11 +1,10 @@
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
 #include "device/vocabulary.h"
 #include "dialogs/confchmenu.h"
 #include "dialogs/confmenu.h"
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
 #include "serial/portcatalog.h"
-#include "storage/databasefile.h"
 #include "storage/noxsql.h"
 #include "support/menukeys.h"
 

@@ -1,10 +1,7 @@
+#include "device/featurenox8.h"
 #include "device/heldblocks.h"
 #include "device/optionsnox8.h"
-#include "device/takenbytes.h"
-#include "dialogs/channelcells.h"
-#include "dialogs/compensationtext.h"
-#include "dialogs/configurationchanges.h"
-#include "dialogs/fieldstates.h"
+#include "dialogs/settingscontent.h"
 
 #include <QtTest>
 

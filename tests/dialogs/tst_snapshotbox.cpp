@@ -1,8 +1,8 @@
-#include "device/takenbytes.h"
+#include "device/featurenox8.h"
 #include "dialogs/settingsfiles.h"
 #include "dialogs/snapshotbox.h"
 #include "serial/noxserialport.h"
-#include "storage/databasefile.h"
+#include "storage/noxsql.h"
 #include "widgets/userdialogs.h"
 
 #include <QtTest>
@@ -82,8 +82,7 @@ void TestSnapshotBox::init()
     SnapshotBox *const box = m_box.get();
     connect(m_widgets.save, &QAbstractButton::clicked, box, &SnapshotBox::save);
     connect(m_widgets.add, &QAbstractButton::clicked, box, &SnapshotBox::saveAsNew);
-    connect(m_widgets.remove, &QAbstractButton::clicked, box,
-            [this, box] { box->remove(m_window.get()); });
+    connect(m_widgets.remove, &QAbstractButton::clicked, box, &SnapshotBox::remove);
     connect(m_widgets.search, &QLineEdit::textChanged, box, &SnapshotBox::search);
     connect(m_widgets.found, QOverload<int>::of(&QComboBox::currentIndexChanged), box,
             &SnapshotBox::choose);

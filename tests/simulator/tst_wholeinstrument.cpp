@@ -1,6 +1,6 @@
-#include "device/datetimeblock.h"
+#include "device/featurenox8.h"
+#include "device/instrumentblocks.h"
 #include "device/optionsnox8.h"
-#include "device/takenbytes.h"
 #include "device/vocabulary.h"
 #include "serial/noxserialport.h"
 #include "support/imagefields.h"

@@ -1,7 +1,7 @@
 #include "examples/blockexamples.h"
 
-#include "device/configurationblock.h"
-#include "device/datetimeblock.h"
+#include "device/configuration.h"
+#include "device/instrumentblocks.h"
 #include "examples/blockdump.h"
 #include "examples/exampleimage.h"
 

@@ -1,8 +1,8 @@
 #include "examples/fileexamples.h"
 
 #include "calibration/characteristicfile.h"
-#include "device/settingslayout.h"
-#include "device/settingswriter.h"
+#include "device/settingsfile.h"
+#include "device/settingsformat.h"
 #include "device/windows1251.h"
 #include "examples/exampleimage.h"
 #include "storage/resultsexport.h"

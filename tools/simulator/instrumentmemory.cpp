@@ -1,8 +1,8 @@
 #include "simulator/instrumentmemory.h"
 
-#include "device/configurationblock.h"
+#include "device/configuration.h"
+#include "device/featurenox8.h"
 #include "device/optionsnox8.h"
-#include "device/takenbytes.h"
 #include "device/vocabulary.h"
 #include "simulator/factorylog.h"
 

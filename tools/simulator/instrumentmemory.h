@@ -1,6 +1,6 @@
 #pragma once
 
-#include "device/channelsettings.h"
+#include "device/configuration.h"
 #include "simulator/factoryimage.h"
 
 #include <QByteArray>
