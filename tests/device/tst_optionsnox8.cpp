@@ -103,10 +103,10 @@ private slots:
         image.setDevNumber(54321);
         shown << image.getDevName(true);
         image.devType = 0x05; // as a damaged file may leave it
-        shown << image.getDevTypeStr(true) << image.getDevTypeStr(false);
+        shown << image.getDevTypeStr(true)
+              << image.getDevTypeStr(false) + QString::number(image.getDevChCount());
         QCOMPARE(shown, (QStringList{"--", "0042", "NOX CM rev.4", "NOX CM rev.4 № 0042", "Баня 1",
-                                     "NOX CM № 54321", "-", ""}));
-        QCOMPARE(int(image.getDevChCount()), 0);
+                                     "NOX CM № 54321", "-", "0"}));
     }
 
     void namesOfWhatAChannelUses()
@@ -179,12 +179,21 @@ private slots:
         image.setDevNumber(8);
         image.setDevName("Баня");
         note();
-        image.identApplyPending = false;
-        image.setDevNumber(0);
-        note();
-        QCOMPARE(journal, (QStringList{"ident dev ref (pending)", " (pending)", "ident! ident dev",
-                                       "ident! ident dev ref number! ident dev",
-                                       "ident dev ident dev (pending)", "ident dev (pending)"}));
+        for (const quint32 type : {0x00u, 0x31u}) { // with half of an identity
+            image.setDevNumber(9);
+            image.identApplyPending = false;
+            image.setDevType(type);
+            note();
+            image.identApplyPending = false;
+            image.setDevNumber(type == 0 ? 10 : 0);
+            note();
+        }
+        QCOMPARE(
+            journal,
+            (QStringList{"ident dev ref (pending)", " (pending)", "ident! ident dev",
+                         "ident! ident dev ref number! ident dev", "ident dev ident dev (pending)",
+                         "number! ident dev ident dev ref (pending)", "ident dev (pending)",
+                         "ident dev ident! ident dev ref", "ident dev (pending)"}));
     }
 
     void olderTypesHaveNoShortCircuit()

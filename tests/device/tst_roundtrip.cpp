@@ -34,9 +34,8 @@ QByteArray golden(quint32 type, const QString &suffix)
 Blocks goldenBlocks(quint32 type)
 {
     Blocks blocks;
-    for (const QByteArray &line : golden(type, ".blocks").split('\n'))
+    for (const QByteArray &line : golden(type, ".blocks").trimmed().split('\n'))
         blocks.insert(line.split(' ').value(0), QByteArray::fromHex(line.split(' ').value(1)));
-    blocks.remove({});
     return blocks;
 }
 
@@ -95,11 +94,8 @@ QByteArray anyNumbers(int count, QRandomGenerator &random)
 
 QString anyText(int longest, QRandomGenerator &random)
 {
-    const QString letters("abcXYZ0189 -.,№°ЖжяЁ");
-    QString text;
-    for (int i = random.bounded(longest + 1); i > 0; --i)
-        text += letters.at(random.bounded(letters.size()));
-    return text.trimmed();
+    const QString letters = QString("abcXYZ0189 -.,№°ЖжяЁ").repeated(3);
+    return letters.mid(random.bounded(20), random.bounded(longest + 1)).trimmed();
 }
 
 /** Enters any characteristic; a table with the digits that a settings file keeps. */
@@ -205,7 +201,7 @@ private slots:
             }
             applySettings(lines, copy);
             QCOMPARE((copy.devMeasRound | copy.devChRevers) & 0x0F, 0);
-            QVERIFY(copy.devMeasTime <= 15 && copy.devMeasMode <= 15 && copy.devCompensTP <= 15);
+            QVERIFY((copy.devMeasTime | copy.devMeasMode | copy.devCompensTP) <= 15);
             QVERIFY(copy.devZakorotka <= 15);
             for (quint8 ch = 0; ch < copy.getDevChCount(); ++ch) {
                 QVERIFY(copy.channels.at(ch).current <= 15 && copy.channels.at(ch).resist <= 15);
