@@ -166,8 +166,7 @@ private slots:
                                                   "509=|510=100|585=1"),
                               image));
         QCOMPARE(image.getChDimCust(0), " a long unit of a file ");
-        QCOMPARE(image.shiftU[0].value, 0.0F);
-        QCOMPARE(image.shiftU[1].value, 1.5F);
+        QCOMPARE(QPointF(image.shiftU[0].value, image.shiftU[1].value), QPointF(0.0, 1.5));
         QCOMPARE(image.features.at(0)->ratioStr.join(' '), "100 3.9083e-3 -5.775e-7 0  100");
     }
 
@@ -208,15 +207,14 @@ private slots:
     void filesWithoutAModel()
     {
         QRandomGenerator random(1);
-        QByteArray noise(300000, '\0');
-        for (char &byte : noise)
-            byte = char(random.bounded(256));
+        QVector<quint32> noise(75000);
+        random.fillRange(noise.data(), noise.size());
         QStringList lines = linesOf(0x41);
         lines.removeAt(100);
         QByteArrayList contents = {QByteArray(),
                                    QByteArray(5000, '\n'),
                                    QByteArray(100000, '\0'),
-                                   noise,
+                                   {reinterpret_cast<const char *>(noise.data()), 300000},
                                    lines.join('\n').toUtf8(),
                                    linesOf(0x11).join('\n').toUtf8() + QByteArray(1 << 21, ' ')};
         for (const char *model : {"634=NOX Z rev3", "634=-- rev3", "634=NOX B", "634=rev3"})
@@ -299,8 +297,7 @@ private slots:
         }
         QCOMPARE(contentOf(path), before);
         QCOMPARE(QDir(directory.path()).entryList(QDir::Files), (QStringList{"short", "x.ust"}));
-        for (const float number : {9999.9F, -999.9F})
-            QVERIFY(isSavedWith(110, number));
+        QVERIFY(isSavedWith(110, 9999.9F) && isSavedWith(110, -999.9F));
         QVERIFY(isSavedWith(111, -12345.0F));
         QVERIFY(contentOf(path) != before);
     }
