@@ -15,7 +15,6 @@
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
-#include "storage/databasefile.h"
 #include "storage/noxsql.h"
 #include "storage/plotsettingsstore.h"
 #include "ui_mainwindow.h"
@@ -126,7 +125,6 @@ void MainWindow::buildAlarm()
 void MainWindow::buildInstruments()
 {
     m_serialPort = std::make_unique<NOXSerialPort>();
-    registerExchangeItems();
     m_registry = std::make_unique<noxList>(m_serialPort.get(), m_database.get());
 }
 

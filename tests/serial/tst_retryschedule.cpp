@@ -1,5 +1,4 @@
-#include "serial/linktiming.h"
-#include "serial/retryschedule.h"
+#include "serial/linkschedule.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "serial/linktiming.h"
+#include "serial/linkschedule.h"
 #include "simulator/instrumenthost.h"
 
 #include <QHash>

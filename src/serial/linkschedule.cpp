@@ -1,4 +1,6 @@
-#include "serial/retryschedule.h"
+#include "serial/linkschedule.h"
+
+#include <QRandomGenerator64>
 
 namespace
 {
@@ -6,6 +8,13 @@ namespace
 constexpr quint8 lastAttempt = 3;
 
 } // namespace
+
+int startDelay(const LinkTiming &timing, int baseDelay)
+{
+    const int spread =
+        timing.startSpread > 0 ? QRandomGenerator64::global()->bounded(int(timing.startSpread)) : 0;
+    return baseDelay + timing.startBase + spread;
+}
 
 RetryStep nextRetryStep(ExchangeKind kind, noxQueryMode mode, quint8 failedAttempts)
 {
