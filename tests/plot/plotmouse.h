@@ -57,6 +57,12 @@ public:
         press(at, button);
         release(at, button);
     }
+    /** Clicks the middle of a widget that stands on the plot. */
+    void clickOn(const QWidget *widget, Qt::MouseButton button = Qt::LeftButton)
+    {
+        const QPoint onPlot = widget->mapTo(&m_plot, widget->rect().center());
+        click(m_plot.canvas()->mapFrom(&m_plot, onPlot), button);
+    }
     /** Presses, moves in eight steps and keeps the button down. */
     void pull(const QPoint &from, const QPoint &to, Qt::MouseButton button = Qt::LeftButton)
     {
