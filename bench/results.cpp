@@ -5,9 +5,9 @@
 #include "processortime.h"
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
-#include "storage/exportjob.h"
 #include "storage/noxsql.h"
 #include "storage/recorder.h"
+#include "storage/resultsexport.h"
 #include "storage/resultsreading.h"
 
 #include <QApplication>

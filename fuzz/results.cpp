@@ -5,7 +5,7 @@
 #include "checks.h"
 #include "device/windows1251.h"
 #include "storage/resultslayout.h"
-#include "storage/resultsreader.h"
+#include "storage/resultsreading.h"
 
 #include <QBuffer>
 

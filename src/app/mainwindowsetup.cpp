@@ -15,7 +15,6 @@
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
-#include "storage/databasefile.h"
 #include "storage/noxsql.h"
 #include "storage/plotsettingsstore.h"
 #include "ui_mainwindow.h"

@@ -2,10 +2,10 @@
 
 #include "dialogs/settingscontent.h"
 #include "plot/qwtnox.h"
-#include "storage/filequestions.h"
 #include "storage/noxsql.h"
-#include "storage/plotimage.h"
 #include "storage/recmeas.h"
+#include "storage/resultsexport.h"
+#include "storage/resultsfileform.h"
 #include "storage/resultslayout.h"
 #include "storage/savemeas.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "storage/storedcharacteristics.h"
+#include "storage/storeditems.h"
 
 #include <QObject>
 

@@ -126,16 +126,9 @@ void confMenu::on_connectBtn_clicked()
     if (nox->devIndex >= 0)
         m_registry->disConnByIndex(index);
     else if (nox->opt->isIdentified())
-        emit m_registry->doFindNox(index);
+        m_registry->searchFor(index);
     else
-        connectAgain(nox);
-}
-
-/** What is not known cannot be searched for: it is taken to be where it was. */
-void confMenu::connectAgain(noxList::_nox *nox)
-{
-    nox->devIndex = m_registry->serialPort()->addDev(nox->portName, nox->opt->getDevFamily());
-    emit m_registry->onChange();
+        m_registry->connByIndex(index); // what is not known cannot be searched for
 }
 
 void confMenu::on_readLogBtn_clicked()

@@ -55,7 +55,6 @@ private:
     void buildOperating();
     void setCurrent(int index);
     void showConnection(bool isConnected, bool isKnown);
-    void connectAgain(noxList::_nox *nox);
     void followConfiguration(noxList::_nox *nox);
     optionsNOX8 *image() const;
 

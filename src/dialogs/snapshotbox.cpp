@@ -3,7 +3,7 @@
 #include "calibration/characteristicmessages.h"
 #include "device/featurenox8.h"
 #include "device/instrumentblocks.h"
-#include "storage/storedsnapshots.h"
+#include "storage/storeditems.h"
 #include "widgets/userdialogs.h"
 
 #include <QAbstractButton>
@@ -260,9 +260,8 @@ void SnapshotBox::removeInstrument()
     if (!isRemovalWanted() || !self)
         return;
     noxList::_nox *const nox = m_registry->getNoxByIndex(index);
-    if (!nox || nox->dbIndex < 0 || !removeStoredInstrument(nox->dbIndex))
+    if (!nox || nox->dbIndex < 0 || !m_registry->database()->removeDev(nox->dbIndex))
         return;
     nox->dbIndex = -1;
-    emit m_registry->database()->onMeasDBChange();
     emit instrumentRemoved(index);
 }

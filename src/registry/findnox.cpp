@@ -1,8 +1,8 @@
 #include "registry/findnox.h"
 
-#include "device/featurenox8.h"
 #include "device/instrumentblocks.h"
-#include "device/vocabulary.h"
+#include "registry/blockexchange.h"
+#include "registry/instrumentstore.h"
 #include "serial/noxserialport.h"
 #include "serial/portcatalog.h"
 #include "storage/noxsql.h"
@@ -27,6 +27,7 @@ findNox::findNox(QWidget *parent, noxList *registry)
     , m_registry(registry)
     , m_ui(std::make_unique<Ui::findNox>())
     , m_found(std::make_unique<noxList>(registry->serialPort(), registry->database()))
+    , m_store(std::make_unique<InstrumentStore>(registry->database()))
     , m_message(new QLabel(this))
 {
     m_ui->setupUi(this);
@@ -242,8 +243,7 @@ bool findNox::readIdentification(noxList::_nox *found, const QByteArray &block)
     if (!image.isIdentified())
         return false;
     if (isAccepted) {
-        found->dbIndex =
-            m_registry->database()->addDev(image.devType, image.devNumber, image.getDevName(true));
+        m_store->provide(found);
         m_registry->serialPort()->setDevType(found->devIndex, image.getDevFamily());
     }
     return true;
@@ -254,23 +254,8 @@ bool findNox::readReferenceData(noxList::_nox *found, const QByteArray &block)
 {
     const bool isAccepted = found->opt->setData(block, referenceDataAddress);
     if (isAccepted && !found->opt->identValid)
-        return adoptFromDatabase(found) && found->opt->isIdentified();
+        return m_store->recognise(found) && found->opt->isIdentified();
     return found->opt->isIdentified();
-}
-
-/** Takes type and number from the row with the same reference data; false when there is none. */
-bool findNox::adoptFromDatabase(noxList::_nox *found)
-{
-    const QByteArray refdata = taken(found->opt->getRefAllData());
-    quint32 type = 0;
-    quint32 number = 0;
-    const int row = m_registry->database()->findDev(&refdata, &type, &number);
-    if (row < 1)
-        return false;
-    found->dbIndex = row;
-    found->opt->setDevType(type);
-    found->opt->setDevNumber(quint16(number));
-    return true;
 }
 
 /** Shows an instrument that needs no answer, and connects it if it is one that is searched for. */
@@ -376,9 +361,9 @@ void findNox::listWaiting()
         noxList::_nox *const found = m_found->getNoxByIndex(index);
         const optionsNOX8 &image = *found->opt;
         if (image.identValid)
-            found->dbIndex = m_registry->database()->findDev(image.devType, image.devNumber);
+            m_store->find(found);
         else
-            adoptFromDatabase(found);
+            m_store->recognise(found);
         FoundTable::WaitingRow row{index, FoundInstrument(image, found->dbIndex >= 1)};
         if (searchesForOne() && !isSearched(image))
             row.instrument.check(false);
@@ -421,38 +406,13 @@ void findNox::connectRow(const FoundTable::WaitingRow &row)
     if (!found) // its plug was pulled meanwhile
         return;
     optionsNOX8 &image = *found->opt;
-    NOXSerialPort *const serialPort = m_registry->serialPort();
-    bool isNumber = false;
-    const quint16 number = row.instrument.number().toUShort(&isNumber);
-
-    if (image.getDevRev() == 0) {
-        image.setDevType(row.instrument.typeCode());
-        if (isNumber)
-            image.setDevNumber(number);
-        if (image.isIdentified() && image.identValid)
-            serialPort->sendDevData(found->devIndex, taken(image.getIdentData()),
-                                    optionsNOX8::txIdentification);
-    } else if (image.devNumber == 0 && isNumber) {
-        image.setDevNumber(number);
-        serialPort->sendDevData(found->devIndex, taken(image.getSNData()),
-                                optionsNOX8::txSerialNumber);
-    }
+    if (const auto code = row.instrument.identify(&image))
+        m_registry->serialPort()->sendDevData(found->devIndex, pendingBlock(image, *code), *code);
     if (!image.isIdentified())
         return;
     if (found->dbIndex < 1)
-        provideRow(found);
+        m_store->provideWithReferences(found);
     handOver(found);
-}
-
-/** The row of an instrument that the operator has named; none when the database refuses. */
-void findNox::provideRow(noxList::_nox *found)
-{
-    const optionsNOX8 &image = *found->opt;
-    const QByteArray refdata = taken(image.getRefData(true));
-    const int row = m_registry->database()->provideDev(&refdata, image.devType, image.devNumber,
-                                                       image.getDevName(true));
-    if (row >= 1)
-        found->dbIndex = row;
 }
 
 // The operator

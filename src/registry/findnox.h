@@ -8,6 +8,7 @@
 
 #include <memory>
 
+class InstrumentStore;
 class QLabel;
 
 namespace Ui
@@ -66,10 +67,8 @@ private:
 
     bool readIdentification(noxList::_nox *found, const QByteArray &block);
     bool readReferenceData(noxList::_nox *found, const QByteArray &block);
-    bool adoptFromDatabase(noxList::_nox *found);
     void takeRecognised(noxList::_nox *found);
     bool handOver(noxList::_nox *found);
-    void provideRow(noxList::_nox *found);
 
     QList<int> waiting() const;
     void listWaiting();
@@ -81,6 +80,7 @@ private:
     noxList *m_registry; ///< the main one, not owned
     std::unique_ptr<Ui::findNox> m_ui;
     std::unique_ptr<noxList> m_found;
+    std::unique_ptr<InstrumentStore> m_store;
     std::unique_ptr<FoundTable> m_table;
     QLabel *m_message; ///< child of the dialog, in the place of the progress bar
     bool m_autoConnect = false;

@@ -1,6 +1,5 @@
 #include "registry/foundinstrument.h"
 
-#include "device/optionsnox8.h"
 #include "device/vocabulary.h"
 
 namespace
@@ -65,4 +64,21 @@ void FoundInstrument::check(bool checked)
     }
     m_isNumberEditable = m_isNumberEditable || !m_hasOwnIdentity;
     m_isCheckEnabled = m_isCheckEnabled || m_model > 0;
+}
+
+std::optional<optionsNOX8::tx_code> FoundInstrument::identify(optionsNOX8 *image) const
+{
+    bool isNumber = false;
+    const quint16 number = m_number.toUShort(&isNumber);
+    if (image->getDevRev() == 0) {
+        image->setDevType(typeCode());
+        if (isNumber)
+            image->setDevNumber(number);
+        if (image->isIdentified() && image->identValid)
+            return optionsNOX8::txIdentification;
+    } else if (image->devNumber == 0 && isNumber) {
+        image->setDevNumber(number);
+        return optionsNOX8::txSerialNumber;
+    }
+    return std::nullopt;
 }

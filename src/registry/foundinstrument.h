@@ -1,9 +1,11 @@
 #pragma once
 
+#include "device/optionsnox8.h"
+
 #include <QString>
 #include <QVector>
 
-class optionsNOX8;
+#include <optional>
 
 /** A model that the operator can choose for a found instrument; code 0 is none. */
 struct ModelChoice {
@@ -40,6 +42,11 @@ public:
     void enterNumber(const QString &text) { m_number = text; }
     /** The operator wants it connected, or not. */
     void check(bool checked);
+
+    /** Tells the image what the operator has said: model and number where the model does not know
+     *  itself, the number where an extended one lacks it. The block that the instrument is to keep
+     *  of that, if any. */
+    std::optional<optionsNOX8::tx_code> identify(optionsNOX8 *image) const;
 
 private:
     QVector<ModelChoice> m_models;

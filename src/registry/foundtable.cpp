@@ -1,12 +1,11 @@
 #include "registry/foundtable.h"
 
-#include "registry/numberdelegate.h"
+#include "registry/foundcells.h"
 #include "widgets/headedtable.h"
 #include "widgets/qlabelclick.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -14,114 +13,15 @@
 namespace
 {
 
-enum Column { PortColumn, NameColumn, NumberColumn, ConnectColumn };
-
 constexpr int portWidth = 100;
 constexpr int numberWidth = 100;
 constexpr int pictureSize = 24;
-
-QTableWidgetItem *newItem(const QString &text)
-{
-    auto *const item = new QTableWidgetItem(text);
-    item->setTextAlignment(Qt::AlignCenter);
-    item->setFlags(Qt::ItemIsEnabled);
-    return item;
-}
-
-/** A check box in the middle of its cell. */
-QCheckBox *addCheckBox(QTableWidget *table, int row)
-{
-    auto *const cell = new QWidget;
-    auto *const box = new QCheckBox(cell);
-    auto *const layout = new QHBoxLayout(cell);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(box, 0, Qt::AlignCenter);
-    box->setFocusPolicy(Qt::NoFocus);
-    table->setCellWidget(row, ConnectColumn, cell);
-    return box;
-}
-
-/** The models that the operator can choose from. */
-QComboBox *addModels(QTableWidget *table, int row, const FoundInstrument &instrument)
-{
-    auto *const models = new QComboBox;
-    models->setFocusPolicy(Qt::NoFocus); // the table keeps the focus, and opens the list by a key
-    for (const ModelChoice &model : instrument.models())
-        models->addItem(model.name, model.typeCode);
-    models->setCurrentIndex(instrument.model());
-    table->setCellWidget(row, NameColumn, models);
-    return models;
-}
-
-QCheckBox *checkBoxAt(const QTableWidget *table, int row)
-{
-    const QWidget *const cell = table->cellWidget(row, ConnectColumn);
-    return cell ? cell->findChild<QCheckBox *>() : nullptr;
-}
-
-QString chooseModelFirst()
-{
-    return FoundTable::tr("Выберите модель прибора");
-}
-
-QBrush groundOf(bool isIncomplete)
-{
-    return isIncomplete ? QBrush(incompleteColor()) : QBrush();
-}
-
-// Each touches only what changes: an item that is touched takes back what is being typed in it.
-
-void paintNumber(QTableWidgetItem *item, const FoundInstrument &instrument)
-{
-    const Qt::ItemFlags flags = instrument.isNumberEditable()
-                                    ? Qt::ItemIsEnabled | Qt::ItemIsEditable | Qt::ItemIsSelectable
-                                    : Qt::ItemFlags(Qt::NoItemFlags);
-    if (item->flags() != flags)
-        item->setFlags(flags);
-    item->setBackground(groundOf(instrument.lacksNumber()));
-    if (instrument.isNumberEditable())
-        item->setToolTip(FoundTable::tr("Введите номер прибора, от 1 до 65535"));
-    else
-        item->setToolTip(instrument.lacksModel() ? chooseModelFirst() : QString());
-}
-
-void paintModels(QWidget *models, const FoundInstrument &instrument)
-{
-    const QColor ground = instrument.lacksModel() ? incompleteColor() : QColor();
-    QPalette palette;
-    if (ground.isValid())
-        palette.setColor(QPalette::Button, ground);
-    models->setPalette(palette);
-    models->setToolTip(instrument.lacksModel() ? chooseModelFirst() : QString());
-}
-
-QString checkTip(const FoundInstrument &instrument)
-{
-    if (instrument.lacksModel())
-        return chooseModelFirst();
-    if (!instrument.isChecked() && !instrument.isCheckEnabled())
-        return FoundTable::tr("Отметить снова можно щелчком по заголовку столбца (Ctrl+A)");
-    if (!instrument.isChecked())
-        return FoundTable::tr("Отметьте прибор, чтобы подключиться к нему");
-    return instrument.lacksNumber() ? FoundTable::tr("Без номера прибор не подключится")
-                                    : FoundTable::tr("Прибор будет подключён");
-}
-
-void paintCheck(QTableWidgetItem *item, QCheckBox *box, const FoundInstrument &instrument)
-{
-    const QSignalBlocker noEcho(box);
-    box->setChecked(instrument.isChecked());
-    box->setEnabled(instrument.isCheckEnabled());
-    item->setBackground(groundOf(instrument.lacksCheck()));
-    item->setToolTip(checkTip(instrument));
-    box->setToolTip(item->toolTip());
-    box->parentWidget()->setToolTip(item->toolTip());
-}
 
 } // namespace
 
 FoundTable::FoundTable(HeadedTable *table)
     : m_table(table)
+    , m_numbers(new NumberDelegate(table))
 {
     m_table->horizontalHeader()->setMinimumSectionSize(pictureSize);
     m_table->setColumnWidth(PortColumn, portWidth);
@@ -129,7 +29,7 @@ FoundTable::FoundTable(HeadedTable *table)
     m_table->setColumnWidth(NumberColumn, numberWidth);
     m_table->setColumnWidth(ConnectColumn, 2 * pictureSize);
     m_table->setItemDelegate(new RowDelegate(m_table));
-    m_table->setItemDelegateForColumn(NumberColumn, new NumberDelegate(m_table));
+    m_table->setItemDelegateForColumn(NumberColumn, m_numbers);
     m_table->setToolTip(tr("Стрелки выбирают прибор, пробел отмечает его, цифры вводят номер, "
                            "F4 открывает список моделей"));
     addTitles();
@@ -171,9 +71,9 @@ void FoundTable::clear()
 void FoundTable::addRecognised(const QString &portName, const QString &name, const QString &number)
 {
     m_table->insertRow(1);
-    m_table->setItem(1, PortColumn, newItem(portName));
-    m_table->setItem(1, NameColumn, newItem(name));
-    m_table->setItem(1, NumberColumn, newItem(number));
+    addText(m_table, 1, PortColumn, portName);
+    addText(m_table, 1, NameColumn, name);
+    addText(m_table, 1, NumberColumn, number);
     QCheckBox *const box = addCheckBox(m_table, 1);
     box->setChecked(true);
     box->setEnabled(false);
@@ -183,9 +83,9 @@ void FoundTable::addWaiting(const WaitingRow &waiting, const QString &portName)
 {
     const int row = m_rows.size() + 1;
     m_table->insertRow(row);
-    m_table->setItem(row, PortColumn, newItem(portName));
-    m_table->setItem(row, NumberColumn, newItem(waiting.instrument.number()));
-    m_table->setItem(row, ConnectColumn, newItem(QString()));
+    addText(m_table, row, PortColumn, portName);
+    addText(m_table, row, NumberColumn, waiting.instrument.number());
+    addText(m_table, row, ConnectColumn, QString());
     QComboBox *const models = addModels(m_table, row, waiting.instrument);
     models->setAccessibleName(tr("Модель прибора, порт %1").arg(portName));
     QCheckBox *const box = addCheckBox(m_table, row);
@@ -230,10 +130,7 @@ void FoundTable::change(int index, const std::function<void(FoundInstrument &)> 
 void FoundTable::paint(int row)
 {
     const QSignalBlocker noEcho(m_table);
-    const FoundInstrument &instrument = m_rows.at(row - 1).instrument;
-    paintNumber(m_table->item(row, NumberColumn), instrument);
-    paintModels(m_table->cellWidget(row, NameColumn), instrument);
-    paintCheck(m_table->item(row, ConnectColumn), checkBoxAt(m_table, row), instrument);
+    paintCells(m_table, row, m_rows.at(row - 1).instrument);
 }
 
 // The number
@@ -257,9 +154,7 @@ void FoundTable::takeTypedNumber()
     QLineEdit *const editor = numberEditor();
     if (!editor)
         return;
-    QAbstractItemDelegate *const delegate = m_table->itemDelegateForColumn(NumberColumn);
-    emit delegate->commitData(editor);
-    emit delegate->closeEditor(editor);
+    m_numbers->finish(editor);
 }
 
 /** The table has no edit triggers of its own; `typed` is what the number begins with. */

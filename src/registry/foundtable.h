@@ -8,6 +8,7 @@
 #include <functional>
 
 class HeadedTable;
+class NumberDelegate;
 class QKeyEvent;
 class QLineEdit;
 class QTableWidgetItem;
@@ -67,5 +68,6 @@ private:
     bool pressRowKey(int row, const QKeyEvent &event);
 
     HeadedTable *m_table;
+    NumberDelegate *m_numbers;  ///< child of the table
     QVector<WaitingRow> m_rows; ///< of table row 1, 2, ... once the search is over
 };

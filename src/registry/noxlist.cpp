@@ -1,5 +1,8 @@
 #include "registry/noxlist.h"
 
+#include "device/instrumentblocks.h"
+#include "registry/blockexchange.h"
+#include "registry/instrumentstore.h"
 #include "serial/noxserialport.h"
 
 #include <utility>
@@ -8,32 +11,39 @@ namespace
 {
 
 constexpr int mostRecords = 255;
+constexpr quint8 connectionLostCode = 200;
+
+/** The user's unit where the channel has one and is on, else that of the stream. */
+QString unitText(const optionsNOX8 &image, quint8 ch, char dim)
+{
+    const optionsNOX8::_ch channel = image.getCh(ch);
+    const bool isCustom = channel.measType == measTemperatureCustom && channel.onOff != 0;
+    return isCustom ? image.getChMeasTypeName(ch) : optionsNOX8::getDim(dim);
+}
 
 } // namespace
 
 noxList::noxList(NOXSerialPort *serialPort, noxSql *database)
     : m_serialPort(serialPort)
     , m_database(database)
+    , m_exchange(std::make_unique<BlockExchange>(serialPort))
+    , m_store(std::make_unique<InstrumentStore>(database))
 {
-    connect(this, &noxList::sendDevData, m_serialPort,
-            [this](int devIndex, QByteArray *buf, quint8 address, noxQueryMode mode) {
-                m_serialPort->sendDevData(devIndex, buf, address, true, mode);
-            });
     connectSerialPort();
 }
 
 noxList::~noxList()
 {
     const auto all = std::exchange(m_records, {});
-    for (const _nox *nox : all) {
-        nox->opt->disconnect(this);
-        nox->txTimer->disconnect(this); // any of them could run out while a worker is ending
-    }
+    for (const _nox *nox : all)
+        leave(nox); // any of their timers could run out while a worker is ending
     for (_nox *nox : all) {
         m_serialPort->rmDev(nox->devIndex);
         delete nox;
     }
 }
+
+// Coming and going
 
 noxList::_nox *noxList::newNox(int devIndex, bool wire)
 {
@@ -56,9 +66,7 @@ noxList::_nox *noxList::newNox(int devIndex, bool wire)
     if (wire) {
         setSignal(record);
     } else {
-        const auto command = [this, record] { setCommandByte(record); };
-        connect(record->opt.get(), &optionsNOX8::onDevChange, this, command);
-        connect(record->opt.get(), &optionsNOX8::onIdentChange, this, command);
+        m_exchange->followModel(record);
     }
     emit onAddNox(record->index, false);
     return record;
@@ -75,7 +83,7 @@ bool noxList::addNox(_nox *dev)
     dev->index = nextIndex();
     m_records.insert(dev->index, dev);
     setSignal(dev);
-    readConfiguration(dev);
+    m_exchange->readConfiguration(*dev);
     emit onAddNox(dev->index, true);
     return true;
 }
@@ -98,7 +106,7 @@ void noxList::continueOn(_nox *known, int devIndex)
     const int formerDevice = std::exchange(known->devIndex, devIndex);
     known->portName = m_serialPort->getPortName(devIndex);
     m_serialPort->emptyQueues(devIndex);
-    setCommandByte(known);
+    m_exchange->setCommandByte(*known);
     getOptFromNox(index);
     emit onChange();
     // later: the removal lets other events in, and the caller still holds the record that was found
@@ -121,11 +129,6 @@ int noxList::nextIndex() const
     return m_records.isEmpty() ? 0 : m_records.lastKey() + 1;
 }
 
-void noxList::setCommandByte(const _nox *nox)
-{
-    m_serialPort->setDevType(nox->devIndex, nox->opt->getDevFamily());
-}
-
 void noxList::rmByIndex(int index)
 {
     if (!m_records.contains(index))
@@ -135,7 +138,7 @@ void noxList::rmByIndex(int index)
     std::unique_ptr<_nox> nox(m_records.take(index));
     if (!nox)
         return;
-    nox->opt->disconnect(this);
+    leave(nox.get());
     const int qwtIndex = nox->qwtIndex;
     nox.reset(); // with its timer, before anybody hears of it and lets other events in
     emit onRmNox(index, qwtIndex);
@@ -143,11 +146,8 @@ void noxList::rmByIndex(int index)
 
 void noxList::detachByIndex(int index)
 {
-    const _nox *nox = m_records.take(index);
-    if (!nox)
-        return;
-    nox->opt->disconnect(this);
-    nox->txTimer->disconnect(this);
+    if (const _nox *nox = m_records.take(index))
+        leave(nox);
 }
 
 void noxList::detachByDevIndex(int devIndex)
@@ -167,6 +167,15 @@ void noxList::disConnByIndex(int index)
     emit onChange();
 }
 
+void noxList::connByIndex(int index)
+{
+    _nox *nox = getNoxByIndex(index);
+    if (!nox)
+        return;
+    nox->devIndex = m_serialPort->addDev(nox->portName, nox->opt->getDevFamily());
+    emit onChange();
+}
+
 void noxList::setProccesed(int index, bool on, bool clearOnResume)
 {
     _nox *nox = getNoxByIndex(index);
@@ -179,6 +188,17 @@ void noxList::setProccesed(int index, bool on, bool clearOnResume)
         emit doClearQwt(nox->qwtIndex);
     emit onChange();
 }
+
+void noxList::setRecording(int index, bool on)
+{
+    _nox *nox = getNoxByIndex(index);
+    if (!nox)
+        return;
+    nox->recording = on;
+    emit onChange();
+}
+
+// Who is who
 
 noxList::_nox *noxList::getNoxByIndex(int index) const
 {
@@ -227,4 +247,184 @@ bool noxList::isDevIndex(int devIndex) const
 QList<int> noxList::indices() const
 {
     return m_records.keys();
+}
+
+// What is connected
+
+/**
+ * Connects the multiplexer, once and from the beginning: whoever listens to it later finds replies
+ * applied to the records that were there, and not to one that he makes of the reply himself.
+ */
+void noxList::connectSerialPort()
+{
+    connect(m_exchange.get(), &BlockExchange::write, this,
+            [this](int devIndex, QByteArray *block, quint8 address) {
+                emit sendDevData(devIndex, block, address);
+            });
+    connect(this, &noxList::sendDevData, m_serialPort,
+            [this](int devIndex, QByteArray *buf, quint8 address, noxQueryMode mode) {
+                m_serialPort->sendDevData(devIndex, buf, address, true, mode);
+            });
+    connect(m_serialPort, QOverload<int, QByteArray *, quint8>::of(&NOXSerialPort::readyDevReply),
+            this, &noxList::applyDevQuery);
+    connect(m_serialPort, &NOXSerialPort::doneSendDevData, this, &noxList::onDoneSendDevData);
+    connect(m_serialPort, &NOXSerialPort::readyDevMeas, this, &noxList::onReadyDevMeas);
+    connect(m_serialPort, QOverload<int, quint16>::of(&NOXSerialPort::onDevError), this,
+            &noxList::onLinkError);
+}
+
+/** Connects what a record of this registry reports. */
+void noxList::setSignal(_nox *nox)
+{
+    using Image = optionsNOX8;
+    const Image *const image = nox->opt.get();
+    connect(nox->txTimer.get(), &QTimer::timeout, this,
+            [this, index = nox->index] { writePending(index); });
+    m_exchange->follow(nox); // first: a channel is written before its unit is kept
+    connect(image, &Image::onChApply, this,
+            [this, index = nox->index](quint8 ch) { keepUnit(index, ch); });
+    connect(image, &Image::onIdentApply, this, [this, nox] { applyIdentity(nox); });
+    connect(image, &Image::onChChange, this, [this, index = nox->index](quint8 ch) {
+        emit onChChange(index, ch);
+        keepUnit(index, ch);
+    });
+    connect(image, &Image::onDevChange, this, [this, nox] {
+        m_exchange->setCommandByte(*nox);
+        emit onDevChange(nox->index);
+    });
+    connect(image, &Image::onIdentChange, this,
+            [this, index = nox->index] { noteIdentity(index); });
+    connect(image, &Image::onRefChange, this, [this, nox] { emit onRefChange(nox->index); });
+    connect(image, &Image::onRefShiftChange, this,
+            [this, nox] { emit onRefShiftChange(nox->index); });
+    connect(image, &Image::onRecData, this,
+            [this, nox](const QMap<quint8, QVector<optionsNOX8::_recItem>> &records,
+                        const QDateTime &start) { emit onReadRec(nox->index, records, start); });
+}
+
+/** Hears no more of a record. */
+void noxList::leave(const _nox *nox)
+{
+    nox->opt->disconnect(this);
+    nox->opt->disconnect(m_exchange.get());
+    nox->txTimer->disconnect(this);
+}
+
+// What images ask for, and what becomes of them
+
+void noxList::sendNoxData(int index, optionsNOX8::tx_code tx_code)
+{
+    if (_nox *nox = getNoxByIndex(index))
+        BlockExchange::request(nox, tx_code);
+}
+
+void noxList::writePending(int index)
+{
+    if (getNoxByIndex(index)->txCodes.isEmpty())
+        return;
+    emit onChange();
+    if (_nox *nox = getNoxByIndex(index)) // whoever heard of the change may have removed it
+        m_exchange->writeWaiting(nox);
+}
+
+void noxList::writeNow()
+{
+    const auto all = indices();
+    for (const int index : all) {
+        _nox *const nox = getNoxByIndex(index);
+        if (!nox || nox->devIndex < 0)
+            continue;
+        nox->txTimer->stop();
+        writePending(index);
+    }
+}
+
+/** An identity that the instrument does not hold is kept in the database alone. */
+void noxList::applyIdentity(const _nox *nox)
+{
+    if (nox->opt->isIdentified() && !nox->opt->identValid && nox->dbIndex > 0)
+        m_store->updateReferences(*nox);
+}
+
+void noxList::keepUnit(int index, quint8 ch)
+{
+    if (const _nox *nox = getNoxByIndex(index)) // whoever heard of the change may have removed it
+        m_store->keepUnit(*nox, ch);
+}
+
+void noxList::noteIdentity(int index)
+{
+    _nox *nox = getNoxByIndex(index);
+    if (!nox)
+        return;
+    m_exchange->setCommandByte(*nox);
+    if (nox->opt->isIdentified())
+        m_store->provide(nox);
+    emit onIdentChange(index);
+}
+
+// What comes from the instruments
+
+void noxList::getOptFromNox(int index)
+{
+    if (const _nox *nox = getNoxByIndex(index))
+        m_exchange->readAll(*nox);
+}
+
+void noxList::applyDevQuery(int devIndex, QByteArray *buf, quint8 address)
+{
+    _nox *found = getNoxByDevIndex(devIndex);
+    if (!found)
+        return;
+    const int index = found->index;
+    found->held.noteRead(address, *buf); // who hears of the change compares with it
+    const int sizeBefore = found->opt->getDevDataSize();
+    const bool isAccepted = found->opt->setData(*buf, address);
+    _nox *nox = getNoxByIndex(index); // whoever heard of the change may have removed it
+    if (!nox)
+        return;
+    // it is another model than was believed: what has been asked for has the wrong size
+    if (address == identificationAddress && isAccepted && sizeBefore != 0 &&
+        nox->opt->getDevDataSize() != sizeBefore)
+        m_exchange->readConfiguration(*nox);
+    // an extended model's configuration is whole, and can be compared, with its zero shifts
+    const bool isConfiguration = address == configurationAddress || address == zeroShiftsAddress;
+    if (isConfiguration && isAccepted && nox->dbIndex >= 1) {
+        m_store->recogniseSnapShot(nox, m_serialPort->isEmptyQueryQueue(nox->devIndex));
+        emit onChange();
+    } else if (address == referenceDataAddress && nox->dbIndex == 0) {
+        m_store->find(nox);
+    }
+}
+
+void noxList::onDoneSendDevData(int devIndex, noxSerialPortDataItem data)
+{
+    _nox *nox = getNoxByDevIndex(devIndex);
+    if (!nox)
+        return;
+    nox->held.noteWritten(data.address, data.data);
+    if (data.address == optionsNOX8::txReferenceData && nox->dbIndex >= 1)
+        m_store->noteWrittenReferences(*nox);
+    emit onHeldChange(nox->index);
+}
+
+void noxList::onReadyDevMeas(int devIndex, double meas, quint8 ch, char dim)
+{
+    const _nox *nox = getNoxByDevIndex(devIndex);
+    // values measured before a change that is still to be written are not shown after it
+    if (!nox || nox->qwtIndex < 0 || !nox->processed || !nox->txCodes.isEmpty())
+        return;
+    const quint8 channel = ch - 1;
+    emit onReadMeas(nox->index, meas, channel, unitText(*nox->opt, channel, dim));
+}
+
+void noxList::onLinkError(int devIndex, quint16 code)
+{
+    const _nox *nox = getNoxByDevIndex(devIndex);
+    if (!nox)
+        return;
+    const int index = nox->index;
+    nox->opt->blockSignals(false);
+    disConnByIndex(index);
+    emit onDevError(index, connectionLostCode, tr("Обрыв связи [код %1]").arg(code));
 }

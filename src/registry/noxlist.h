@@ -11,6 +11,8 @@
 
 #include <memory>
 
+class BlockExchange;
+class InstrumentStore;
 class NOXSerialPort;
 class noxSql;
 
@@ -80,10 +82,16 @@ public:
     void detachByDevIndex(int devIndex);
     /** Disconnects the instrument; its record stays. */
     void disConnByIndex(int index);
+    /** Takes the instrument to be at the port where it was; stays unconnected when that fails. */
+    void connByIndex(int index);
+    /** Asks for the instrument to be looked for on the ports. */
+    void searchFor(int index) { emit doFindNox(index); }
     /** Reads all blocks of an instrument whose type is known. */
     void getOptFromNox(int index);
     /** Passes the instrument's measurements on, or not, optionally clearing the plot on return. */
     void setProccesed(int index, bool on, bool clearOnResume);
+    /** Switches the recording of the instrument, as its record describes it, on or off. */
+    void setRecording(int index, bool on);
 
     /** The record, or null. It lives until rmByIndex(). */
     _nox *getNoxByIndex(int index) const;
@@ -131,7 +139,7 @@ signals:
     /** The instrument's logger: records by channel from 0, start of the recording. */
     void onReadRec(int index, QMap<quint8, QVector<optionsNOX8::_recItem>> records,
                    QDateTime start);
-    /** Fired by others: look for this instrument on the ports. */
+    /** Asks to look for this instrument on the ports. */
     void doFindNox(int index);
     /** A fault of the instrument, with the text to show. */
     void onDevError(int index, quint8 code, QString msg);
@@ -146,34 +154,22 @@ private slots:
 
 private:
     int nextIndex() const;
-    void setSignal(_nox *nox);
-    void connectChanges(const _nox *nox);
-    void connectRequests(_nox *nox);
-    void connectSerialPort();
-    void setCommandByte(const _nox *nox);
-    QString unitText(const _nox &nox, quint8 ch, char dim) const;
-
     _nox *findSame(const optionsNOX8 &image) const;
     void continueOn(_nox *known, int devIndex);
-    void readBlock(const _nox *nox, quint8 address, int size,
-                   noxQueryMode mode = noxQueryModeNormal);
-    void readConfiguration(const _nox *nox);
+
+    void connectSerialPort();
+    void setSignal(_nox *nox);
+    void leave(const _nox *nox);
 
     void writePending(int index);
-    void writeBlock(const _nox *nox, QByteArray block, quint8 address);
-    void writeChannel(const _nox *nox, quint8 ch);
-    void applyIdentity(_nox *nox);
-    void applyDevice(const _nox *nox);
-
-    void storeUnit(int index, quint8 ch);
-    void storeIdentity(_nox *nox);
-    void updateReferenceData(const _nox *nox);
-    void storeReferenceData(const _nox *nox);
-    void recogniseSnapShot(_nox *nox);
-    void recogniseByReferenceData(_nox *nox);
+    void applyIdentity(const _nox *nox);
+    void keepUnit(int index, quint8 ch);
+    void noteIdentity(int index);
 
     NOXSerialPort *m_serialPort; ///< not owned
     noxSql *m_database;          ///< not owned
+    std::unique_ptr<BlockExchange> m_exchange;
+    std::unique_ptr<InstrumentStore> m_store;
     QMap<int, _nox *> m_records; ///< owned, by registry index
     int m_writeDelayMs = 5000;
 };

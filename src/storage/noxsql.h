@@ -12,6 +12,11 @@
 
 class QSqlQuery;
 
+/** Makes sure that the user's database is there: where no file is, a copy of the built-in template
+ *  (:/resource/nox8.db) is put and made writable. False when that fails; an existing file is left
+ *  alone. */
+bool provideDatabase(const QString &path);
+
 /**
  * The user's database: instruments met, snapshots of their configurations, calibration
  * characteristics, and properties of the program and of the instruments.
@@ -61,6 +66,8 @@ public:
     int findDev(const QByteArray *refdata, quint32 *type, quint32 *number);
     /** The only instrument of this type and serial number. */
     int findDev(quint32 type, quint32 number);
+    /** Removes an instrument with its snapshots and properties, and announces that. */
+    bool removeDev(int deviceId);
 
     // Snapshots
 
@@ -113,13 +120,10 @@ public:
     void setClock(std::function<QDateTime()> clock) { m_clock = std::move(clock); }
 
 signals:
-    /** The settings dialog has changed what is stored. */
+    /** What is stored has changed on behalf of the user. */
     void onMeasDBChange();
 
 private:
-    int insertSnapShot(int deviceId, const QByteArray &data, const QByteArray &refdata,
-                       const QString &info);
-
     QSqlDatabase m_database;
     std::function<QDateTime()> m_clock = [] { return QDateTime::currentDateTime(); };
 };

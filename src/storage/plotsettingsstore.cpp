@@ -1,6 +1,7 @@
 #include "storage/plotsettingsstore.h"
 
 #include "plot/qwtnox.h"
+#include "registry/instrumentstore.h"
 #include "storage/noxsql.h"
 
 #include <QPointer>
@@ -21,11 +22,6 @@ const QString averagesShownKey = QStringLiteral("qwt-aver_show");
 QString channelKey(uchar ch, const char *name)
 {
     return QStringLiteral("qwt_ch_%1-%2").arg(ch).arg(QLatin1String(name));
-}
-
-QString unitKey(uchar ch)
-{
-    return QStringLiteral("ch_%1-dim").arg(ch);
 }
 
 /** Instruments without a row in the database share the id 0. */

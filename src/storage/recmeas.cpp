@@ -74,11 +74,11 @@ void recmeas::on_saveBtn_clicked(bool checked)
     nox->recFieldSep = choice.fieldSeparator;
     nox->recPointSep = choice.decimalSeparator;
     nox->recInterval = quint8(choice.intervalMinutes);
-    nox->recording = checked && !choice.fileName.isEmpty();
-    if (!nox->recording)
+    const bool isRecording = checked && !choice.fileName.isEmpty();
+    if (!isRecording)
         nox->recRow = 0;
-    showRecording(nox->recording);
-    emit m_registry->onChange();
+    showRecording(isRecording);
+    m_registry->setRecording(m_index, isRecording);
 }
 
 void recmeas::on_closeBtn_clicked()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plot/plotrecords.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
@@ -41,6 +43,26 @@ QString encodableText(const QString &text);
 
 /** The name that is proposed for the results of an instrument: "NOX CM rev_4_N0123_24-11-2026". */
 QString resultsFileName(const QString &model, const QString &serialNumber, const QDate &date);
+
+/** The channel whose times are those of the rows: the first with the most points. There must be a
+ *  channel. */
+const PlotChannel &longestChannel(const QVector<PlotChannel> &channels);
+
+/** The unit of each channel's latest point. */
+QStringList unitsOf(const PlotDevice &instrument);
+
+// Numbers are written and read digit for digit as QString does it, which also serves the rare ones
+// that the fast ways here cannot do exactly.
+
+/** Appends what QString::number(number, 'f', decimals) gives; 0 to 7 decimals. */
+void appendFixed(QByteArray *text, double number, int decimals);
+
+/** Appends seconds as a time stamp: what QString::number(std::round(seconds), 'g', 6) gives. */
+void appendWholeSeconds(QByteArray *text, double seconds);
+
+/** What QString::toDouble() reads in the text from `begin` to before `end`, which is Windows-1251.
+ *  False, and `number` is not touched, when that is no number. */
+bool readNumber(const char *begin, const char *end, double *number);
 
 /** Writes the lines of a results file into memory. */
 class ResultsText

@@ -1,7 +1,6 @@
 #include "storage/savemeas.h"
 
 #include "plot/qwtnox.h"
-#include "storage/filequestions.h"
 #include "ui_savemeas.h"
 
 #include <utility>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "storage/exportjob.h"
+#include "storage/resultsexport.h"
 
 #include <QDialog>
 

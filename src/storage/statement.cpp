@@ -2,24 +2,26 @@
 
 #include <QSqlDatabase>
 
-std::optional<QSqlQuery> execute(const QSqlDatabase &database, const char *sql, NamedValues values)
+std::optional<QSqlQuery> execute(const QString &sql, const NamedValues &values)
 {
+    // the connection as it is: closed, it stays closed
+    const auto database =
+        QSqlDatabase::database(QLatin1String(QSqlDatabase::defaultConnection), false);
     if (!database.isOpen())
         return std::nullopt;
     QSqlQuery query(database);
-    if (!query.prepare(QString::fromUtf8(sql)))
+    if (!query.prepare(sql))
         return std::nullopt;
-    for (const auto &[name, value] : values)
-        query.bindValue(QLatin1String(name), value);
+    for (const auto &value : values)
+        query.bindValue(QLatin1String(value.first), value.second);
     if (!query.exec())
         return std::nullopt;
     return query;
 }
 
-std::optional<QSqlQuery> selectOnly(const QSqlDatabase &database, const char *sql,
-                                    NamedValues values)
+std::optional<QSqlQuery> selectOnly(const QString &sql, const NamedValues &values)
 {
-    auto query = execute(database, sql, values);
+    auto query = execute(sql, values);
     if (!query || rowCount(*query) != 1 || !query->first())
         return std::nullopt;
     return query;
@@ -31,4 +33,9 @@ int rowCount(QSqlQuery &query)
     const int count = query.last() ? query.at() + 1 : 0;
     query.seek(position);
     return count;
+}
+
+int insertedId(const std::optional<QSqlQuery> &query)
+{
+    return query ? query->lastInsertId().toInt() : -1;
 }

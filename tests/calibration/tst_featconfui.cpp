@@ -1,6 +1,5 @@
 #include "calibration/featconfui.h"
 #include "device/featurenox8.h"
-#include "storage/databasefile.h"
 #include "storage/noxsql.h"
 #include "widgets/userdialogs.h"
 

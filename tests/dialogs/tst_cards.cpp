@@ -5,7 +5,6 @@
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
 #include "serial/portcatalog.h"
-#include "storage/databasefile.h"
 #include "storage/noxsql.h"
 #include "support/menukeys.h"
 

@@ -4,7 +4,6 @@
 #include "dialogs/devconfui.h"
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
-#include "storage/databasefile.h"
 #include "storage/noxsql.h"
 #include "support/menukeys.h"
 #include "widgets/rowdelegate.h"

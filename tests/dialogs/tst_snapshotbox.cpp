@@ -2,7 +2,7 @@
 #include "dialogs/settingsfiles.h"
 #include "dialogs/snapshotbox.h"
 #include "serial/noxserialport.h"
-#include "storage/databasefile.h"
+#include "storage/noxsql.h"
 #include "widgets/userdialogs.h"
 
 #include <QtTest>

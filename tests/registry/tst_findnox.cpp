@@ -1,7 +1,6 @@
 #include "device/featurenox8.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
-#include "storage/databasefile.h"
 #include "storage/noxsql.h"
 #include "support/instrumentbench.h"
 

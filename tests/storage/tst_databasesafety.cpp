@@ -1,4 +1,3 @@
-#include "storage/databasefile.h"
 #include "storage/noxsql.h"
 #include "support/fulldisk.h"
 

@@ -1,4 +1,4 @@
-#include "storage/databasefile.h"
+#include "storage/noxsql.h"
 
 #include <QProcess>
 #include <QTemporaryDir>

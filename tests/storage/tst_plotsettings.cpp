@@ -1,6 +1,5 @@
 #include "plot/qwtnox.h"
 #include "serial/noxserialport.h"
-#include "storage/databasefile.h"
 #include "storage/noxsql.h"
 #include "storage/plotsettingsstore.h"
 

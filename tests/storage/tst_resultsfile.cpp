@@ -1,7 +1,7 @@
 #include "device/windows1251.h"
 #include "storage/resultsexport.h"
-#include "storage/resultsnumber.h"
-#include "storage/resultsreader.h"
+#include "storage/resultslayout.h"
+#include "storage/resultsreading.h"
 
 #include <QBuffer>
 #include <QRandomGenerator>

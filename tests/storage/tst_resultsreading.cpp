@@ -3,7 +3,7 @@
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
 #include "storage/noxsql.h"
-#include "storage/plotimage.h"
+#include "storage/resultsexport.h"
 #include "storage/resultsreading.h"
 
 #include <QSignalSpy>

@@ -1,0 +1,93 @@
+#include "registry/instrumentstore.h"
+
+#include "device/featurenox8.h"
+#include "storage/noxsql.h"
+
+QString unitKey(quint8 ch)
+{
+    return QStringLiteral("ch_%1-dim").arg(ch);
+}
+
+// Who it is
+
+void InstrumentStore::find(noxList::_nox *nox) const
+{
+    if (nox->opt->identValid)
+        nox->dbIndex = m_database->findDev(nox->opt->devType, nox->opt->devNumber);
+    else if (!recognise(nox))
+        nox->dbIndex = -1;
+}
+
+bool InstrumentStore::recognise(noxList::_nox *nox) const
+{
+    const QByteArray refdata = taken(nox->opt->getRefAllData());
+    quint32 type = 0;
+    quint32 number = 0;
+    const int row = m_database->findDev(&refdata, &type, &number);
+    if (row < 1)
+        return false;
+    nox->dbIndex = row; // first: who hears of the identity asks for it
+    nox->opt->setDevType(type);
+    nox->opt->setDevNumber(quint16(number));
+    return true;
+}
+
+void InstrumentStore::provide(noxList::_nox *nox) const
+{
+    const optionsNOX8 &image = *nox->opt;
+    nox->dbIndex = m_database->addDev(image.devType, image.devNumber, image.getDevName(true));
+}
+
+void InstrumentStore::provideWithReferences(noxList::_nox *nox) const
+{
+    const optionsNOX8 &image = *nox->opt;
+    const QByteArray refdata = taken(image.getRefData(true));
+    const int row =
+        m_database->provideDev(&refdata, image.devType, image.devNumber, image.getDevName(true));
+    if (row >= 1)
+        nox->dbIndex = row;
+}
+
+// What is learnt of it
+
+void InstrumentStore::updateReferences(const noxList::_nox &nox) const
+{
+    const QByteArray refdata = taken(nox.opt->getRefAllData());
+    m_database->updRefData(nox.dbIndex, &refdata, nox.opt->devType, nox.opt->devNumber,
+                           nox.opt->getDevName(true));
+}
+
+void InstrumentStore::noteWrittenReferences(const noxList::_nox &nox) const
+{
+    if (nox.opt->isIdentified())
+        return updateReferences(nox);
+    const QByteArray refdata = taken(nox.opt->getRefAllData());
+    quint32 type = 0;
+    quint32 number = 0;
+    if (m_database->findDev(&refdata, &type, &number) >= 1 && type != nox.opt->devType &&
+        number != nox.opt->devNumber)
+        updateReferences(nox);
+}
+
+void InstrumentStore::keepUnit(const noxList::_nox &nox, quint8 ch) const
+{
+    if (nox.dbIndex < 1 || ch >= nox.opt->getDevChCount())
+        return;
+    const QString unit = nox.opt->getChDimCust(ch);
+    const bool isCustom = nox.opt->getCh(ch).measType == measTemperatureCustom && !unit.isEmpty();
+    m_database->setDevProperty(nox.dbIndex, unitKey(ch), isCustom ? QVariant(unit) : QVariant());
+}
+
+// How it is set
+
+void InstrumentStore::recogniseSnapShot(noxList::_nox *nox, bool isComplete) const
+{
+    const QByteArray data = taken(nox->opt->getData());
+    const QByteArray refdata = taken(nox->opt->getRefAllData());
+    const auto known = m_database->findSnapShot(&data, &refdata, nox->dbIndex);
+    if (!known.isEmpty())
+        nox->snapShotId = known.first().id;
+    else if (isComplete && m_database->getSnapShotCount(nox->dbIndex) == 0)
+        m_database->setSnapShot(nox->dbIndex, &data, &refdata, noxList::tr("Заводская настройка"),
+                                0);
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "registry/noxlist.h"
+
+/** The property of an instrument under which the unit of a channel, from 0, is stored. */
+QString unitKey(quint8 ch);
+
+/** Finds the instruments of records in the database, and keeps there what was learnt of them. */
+class InstrumentStore
+{
+public:
+    /** The database is not owned. */
+    explicit InstrumentStore(noxSql *database)
+        : m_database(database)
+    {
+    }
+
+    /** Finds the row of an instrument, by type and number if it has told them, else by its
+     *  reference data; `dbIndex` is -1 when there is none. */
+    void find(noxList::_nox *nox) const;
+    /** Finds the row with the reference data of an instrument, whose type and number the image
+     *  takes. False, and nothing is changed, when there is none. */
+    bool recognise(noxList::_nox *nox) const;
+    /** Finds the row of type and number, or adds one; `dbIndex` is -1 when the database refuses. */
+    void provide(noxList::_nox *nox) const;
+    /** The same, with the reference data in the row; nothing is changed when the database
+     *  refuses. */
+    void provideWithReferences(noxList::_nox *nox) const;
+
+    /** Brings the row up to the image. */
+    void updateReferences(const noxList::_nox &nox) const;
+    /** The same after the instrument has taken reference data, unless they are another one's. */
+    void noteWrittenReferences(const noxList::_nox &nox) const;
+    /** Keeps the user's unit of a channel, or that there is none. */
+    void keepUnit(const noxList::_nox &nox, quint8 ch) const;
+
+    /** Finds the snapshot that is equal to the configuration. The very first configuration of an
+     *  instrument is stored, if all of it has been read (`isComplete`). */
+    void recogniseSnapShot(noxList::_nox *nox, bool isComplete) const;
+
+private:
+    noxSql *m_database;
+};
