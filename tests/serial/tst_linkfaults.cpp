@@ -15,9 +15,9 @@ namespace
 
 constexpr int always = FaultPlan::always;
 constexpr int initDelayMs = 250;
-constexpr int attemptDelayMs = 500;
+constexpr int attemptDelayMs = 400;
 constexpr int startBaseMs = 50;
-constexpr int noPatternMs = 50;    // where no unit is ever reached
+constexpr int noPatternMs = 20;    // where no unit is ever reached
 constexpr int realUnitMs = 500;    // the instrument repeats a unit between two of these waits
 constexpr int heldUpMs = 20;       // far below the waits of a link under trial
 constexpr int mostRepetitions = 6; // of trials during which the system held bytes up
@@ -36,7 +36,7 @@ struct FaultRow {
     QByteArray attempts;
     int code = 0; ///< reported in the end; 0 for a result, be it an empty one
     int mode = noxQueryModeNormal;
-    int unitTimeoutMs = 100; ///< how long the link waits for a unit
+    int unitTimeoutMs = 70; ///< how long the link waits for a unit
 };
 
 /** A plan with one fault: `plan(&FaultPlan::shortBlocks, 2)`. */
@@ -87,6 +87,8 @@ QVector<FaultRow> faultRows()
         {"block read: silence", BlockRead, silentAfter(2), "2222", 130},
         {"block read: silence once", BlockRead, silentAfter(5, 1), "5c"},
         {"block read: one byte lost", BlockRead, plan(&P::lostAnswerByte, 7), "c", 0, 0,
+         realUnitMs},
+        {"block read: byte altered", BlockRead, plan(&P::garbledAnswerByte, 7), "c", 0, 0,
          realUnitMs},
         {"block read: unconfirmed once", BlockRead, plan(&P::missingConfirmations, 1), "c", 0, 0,
          realUnitMs},
