@@ -144,7 +144,7 @@ private slots:
         QFETCH(bool, reading);
         QFETCH(int, mode);
         QFETCH(int, deafAddressings);
-        emit port->onSetDelayTime(0, 60, 20, 60);
+        emit port->onSetDelayTime(0, 40, 5, 40);
         bench->host.setFaults("a", deafFor(deafAddressings));
         bench->host.setStreaming("a", true);
         if (reading) {
@@ -351,13 +351,13 @@ private slots:
             QTRY_COMPARE(journal->measurements, expected);
         }
 
-        // a silent stream reopens the port
+        // a silent stream reopens the port, and the token that was begun is joined to nothing
         emit port->onSetMeasTimeout(0, 1);
         journal->clear();
-        bench->host.sendRaw("a", firstToken);
+        bench->host.sendRaw("a", firstToken + '1');
         QTRY_COMPARE(journal->lines, QStringList("watchdog reopened"));
-        bench->host.sendRaw("a", firstToken + secondToken);
-        QTRY_COMPARE(journal->measurements.mid(1), expected);
+        QTRY_VERIFY((bench->host.sendRaw("a", firstToken), journal->measurements.size() > 1));
+        QCOMPARE(journal->foreignMeasurements(), QVector<ChannelValue>());
     }
 
     void streamedAddressIsTakenForAnEcho()
