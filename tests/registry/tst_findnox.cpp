@@ -120,6 +120,7 @@ private slots:
             const noxList::_nox &nox = *bench->list.getNoxByIndex(index);
             // nothing is written to an instrument only because it was found
             QVERIFY(nox.opt->identValid && nox.txCodes.isEmpty() && !nox.txTimer->isActive());
+            QCOMPARE(bench->instruments.addressings(nox.portName, 9) > 0, nox.portName == "A");
             QCOMPARE(nox.dbIndex, bench->database.findDev(nox.opt->devType, nox.opt->devNumber));
             QTRY_COMPARE(bench->database.getSnapShotCount(nox.dbIndex), 1);
             const QByteArray data = taken(nox.opt->getData());
@@ -167,6 +168,8 @@ private slots:
         QVERIFY(only() && isRead(only()->index));
         QCOMPARE(only()->opt->getDevName(true), QStringLiteral("NOX D № 65535"));
         QCOMPARE(bench->database.findDev(0x31, 65535), only()->dbIndex);
+        bench->list.getOptFromNox(only()->index); // though it is too old to tell its name
+        QVERIFY(isRead(only()->index) && only()->devIndex >= 0);
     }
 
     void oneWithoutAModelIsNamedByKeyboard()
@@ -239,9 +242,12 @@ private slots:
     void skippedWhenUnknown()
     {
         add("A", "NOX CM1", 1, true);
+        add("B", "NOX B", 1, false, FaultPlan::always);
         find<QCheckBox>("skipNoneCB")->setChecked(true);
         QCOMPARE(bench->database.getAppProperty("find_skip_unknown").toBool(), true);
         dialog->find();
+        QByteArray rubbish(8, '\x55');
+        emit bench->port.readyDevReply(bench->port.devices().last(), &rubbish, 51);
         QVERIFY(closes());
         QVERIFY(bench->list.indices().isEmpty() && bench->port.devices().isEmpty());
     }
@@ -258,13 +264,11 @@ private slots:
         only()->qwtIndex = 0;
         SimulatedInstrumentOptions options = bench->instruments.steadyInstrument();
         options.faults.silentAfterBlocks = 1;
-        for (const auto fault : {&FaultPlan::ignoredAddressings, &FaultPlan::wrongAddressEchoes,
-                                 &FaultPlan::silentDialogues}) {
-            options.faults.ignoredAddressings = options.faults.wrongAddressEchoes = 0;
-            options.faults.*fault = FaultPlan::always;
-            QVERIFY(
-                bench->instruments.add(QString("D%1").arg(bench->port.devices().size()), options));
-        }
+        QVERIFY(bench->instruments.add("silent", options));
+        options.faults.wrongAddressEchoes = FaultPlan::always;
+        QVERIFY(bench->instruments.add("none", options));
+        options.faults.ignoredAddressings = FaultPlan::always;
+        QVERIFY(bench->instruments.add("deaf", options));
         QSignalSpy measured(&bench->list, &noxList::onReadMeas);
         QSignalSpy lost(&bench->list, &noxList::onDevError);
         dialog->find(true);
@@ -303,8 +307,6 @@ private slots:
         add("A", "NOX CM1", 1, true);
         add("B", "NOX B", 2, false, FaultPlan::always);
         dialog->find();
-        QByteArray rubbish(8, '\x55');
-        emit bench->port.readyDevReply(bench->port.devices().last(), &rubbish, 51);
         QSignalSpy replies(&bench->port,
                            QOverload<int, QByteArray, quint8>::of(&NOXSerialPort::readyDevReply));
         QVERIFY(replies.wait(patienceMs));
@@ -346,35 +348,29 @@ private slots:
         QCOMPARE(measured.first().first().toInt(), nox->index);
     }
 
-    void lostDuringTheScanItGoesAlone_data()
-    {
-        QTest::addColumn<quint16>("number");
-        QTest::newRow("unidentified") << quint16(0);
-        QTest::newRow("set aside by the number") << quint16(3);
-    }
-
     void lostDuringTheScanItGoesAlone()
     {
-        QFETCH(quint16, number);
-        const bool isOlder = number == 0;
-        add("A", "NOX D", 1, isOlder);
-        add("B", "NOX B", 2);
-        add("C", "NOX B", 3, isOlder, isOlder ? 8 : 5);
-        LinkTiming timing = RegistryBench::timing();
-        timing.initDelay = 300; // so that it answers when the others have been dealt with
-        bench->port.setLinkTiming(timing);
-        const auto *const progress = find<QProgressBar>("progressBar");
-        dialog->find(true, number ? 0x11 : 0, number);
-        QTRY_COMPARE_WITH_TIMEOUT(progress->value(), 2, patienceMs);
-        QCOMPARE(progress->toolTip(), QStringLiteral("Ожидается ответ: C"));
-        const int rows = table->rowCount();
-        bench->instruments.host.unplug("A");
-        QTRY_COMPARE_WITH_TIMEOUT(bench->port.devices().size(), 2, patienceMs);
-        QVERIFY(dialog->isVisible() && table->rowCount() == rows);
-        QVERIFY(isOlder ? lists() : closes());
-        QCOMPARE(isOlder ? table->item(1, 0)->text() : QString("C"), QString("C"));
-        QVERIFY(only());
-        QCOMPARE(only()->portName, isOlder ? QStringLiteral("B") : QStringLiteral("C"));
+        for (const quint16 number : {0, 3}) { // left for the operator, or set aside by the number
+            cleanup();
+            init();
+            add("A", "NOX D", 1, number == 0);
+            add("B", "NOX B", 2);
+            add("C", "NOX B", 3, false, FaultPlan::always);
+            LinkTiming timing = RegistryBench::timing();
+            timing.initDelay = 600; // it is waited for while the others are dealt with
+            bench->port.setLinkTiming(timing);
+            const auto *const progress = find<QProgressBar>("progressBar");
+            dialog->find(true, number ? typeB : 0, number);
+            QTRY_COMPARE_WITH_TIMEOUT(progress->value(), 2, patienceMs);
+            QCOMPARE(progress->toolTip(), QStringLiteral("Ожидается ответ: C"));
+            const int rows = table->rowCount();
+            bench->instruments.host.unplug("A");
+            QTRY_COMPARE_WITH_TIMEOUT(bench->port.devices().size(), 2, patienceMs);
+            QVERIFY(dialog->isVisible() && table->rowCount() == rows);
+            bench->instruments.host.setFaults("C", FaultPlan());
+            QVERIFY(closes());
+            QCOMPARE(bench->list.indices().size(), number ? 1 : 2);
+        }
     }
 
     void wrongModelIsReadAgain()

@@ -253,6 +253,13 @@ private slots:
         QCOMPARE(storedReferenceData().size(), 72 + 148);
         QVERIFY(extended.held.referenceData().has_value());
         QCOMPARE(bench->news(), QString("held 0;held 0"));
+        const QByteArray others = taken(Image().getRefAllData());
+        QVERIFY(bench->database.updRefData(1, &others, typeB, 9, "another"));
+        extended.opt->blockSignals(true);
+        extended.opt->setData(others, 3);
+        extended.opt->devNumber = 0;
+        extended.opt->devType = typeCM;
+        QCOMPARE(done(1, 72), others); // where they are another one's
     }
 
     void knownByReferenceData()
@@ -370,7 +377,9 @@ private slots:
         list().disConnByIndex(9); // nobody
         QVERIFY(nox->devIndex == -1 && bench->port.devices().isEmpty());
         list().connByIndex(9);
-        list().connByIndex(0); // where it was
+        list().connByIndex(0);   // where it was
+        list().getOptFromNox(0); // unknown, it is not read
+        QVERIFY(bench->port.isReadAllQuery());
         QCOMPARE(bench->port.devices(), QList<int>{nox->devIndex});
         FaultPlan deaf;
         deaf.ignoredAddressings = FaultPlan::always;
