@@ -242,10 +242,8 @@ bool findNox::readIdentification(noxList::_nox *found, const QByteArray &block)
     const bool isAccepted = image.setData(block, identificationAddress);
     if (!image.isIdentified())
         return false;
-    if (isAccepted) {
+    if (isAccepted)
         m_store->provide(found);
-        m_registry->serialPort()->setDevType(found->devIndex, image.getDevFamily());
-    }
     return true;
 }
 

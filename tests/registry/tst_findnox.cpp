@@ -1,585 +1,501 @@
 #include "device/featurenox8.h"
 #include "registry/findnox.h"
-#include "serial/noxserialport.h"
-#include "storage/noxsql.h"
-#include "support/instrumentbench.h"
+#include "registry/foundinstrument.h"
+#include "registrybench.h"
 
-#include <QAbstractItemView>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QTableWidget>
-#include <QTemporaryDir>
-#include <QTimer>
 #include <QtTest>
+#include <QtWidgets>
 
 #include <memory>
-
-Q_DECLARE_METATYPE(int FaultPlan::*)
-
-/** The discovery dialog over a real multiplexer, with simulated instruments on virtual ports. */
-class TestFindNox : public QObject
-{
-    Q_OBJECT
-private slots:
-    void init();
-    void cleanup();
-
-    void instrumentsWithAnIdentityConnectByThemselves();
-    void olderInstrumentIsKnownByItsReferenceData();
-    void olderInstrumentWaitsForTheOperator();
-    void instrumentWithoutAModelIsNamedByTheOperator();
-    void skippedWhenUnknown();
-    void deadPortsAreDropped_data();
-    void deadPortsAreDropped();
-    void noPorts();
-    void cancelledSearchLeavesNoWorker();
-    void oneInstrumentIsSearchedFor();
-    void measuringInstrumentIsNotDisturbed();
-    void lostInstrumentContinuesUnderItsIndex();
-    void waitingInstrumentThatGoesTakesItsRow();
-    void lostDuringTheScanItGoesAlone_data();
-    void lostDuringTheScanItGoesAlone();
-    void identificationThatIsNone();
-    void wrongModelIsReadAgain();
-    void instrumentOnAnotherPortIsMoved();
-    void destroyedWhileItSearches();
-    void searchedForAgainWhileACancelledSearchEnds();
-    void cancelledWhileItClears();
-    void configurationIsKeptOnFirstSight_data();
-    void configurationIsKeptOnFirstSight();
-    void appliedChangesReachTheMemoryOnce();
-
-private:
-    void add(const QString &port, const QString &model, quint16 number, bool isOlder = false,
-             int faults = 0);
-    bool waitUntilClosed() const;
-    bool waitUntilListed() const;
-    bool waitUntilRead(int index) const;
-    noxList::_nox *only() const;
-    template<typename Widget>
-    Widget *find(const char *name) const
-    {
-        return dialog->findChild<Widget *>(QString::fromLatin1(name));
-    }
-    /** Clicks on the number of a row: its editor; null when there is none. */
-    QLineEdit *startTyping(int row) const
-    {
-        const QRect cell = table()->visualItemRect(table()->item(row, 2));
-        QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, cell.center());
-        return table()->viewport()->findChild<QLineEdit *>();
-    }
-    QTableWidget *table() const { return find<QTableWidget>("newDevTable"); }
-    QCheckBox *box(int row) const { return table()->cellWidget(row, 3)->findChild<QCheckBox *>(); }
-    bool isMarked(int row, int column) const
-    {
-        return table()->item(row, column)->background().style() != Qt::NoBrush;
-    }
-    bool isNumberEditable(int row) const
-    {
-        return table()->item(row, 2)->flags().testFlag(Qt::ItemIsEditable);
-    }
-
-    LinkTiming timing;
-    std::unique_ptr<QTemporaryDir> folder;
-    std::unique_ptr<InstrumentBench> bench;
-    std::unique_ptr<noxSql> database;
-    std::unique_ptr<NOXSerialPort> port;
-    std::unique_ptr<noxList> registry;
-    std::unique_ptr<findNox> dialog;
-};
 
 namespace
 {
 
 constexpr int patienceMs = 30000;
 
+FoundInstrument found(quint32 type, quint16 number, bool hasOwnIdentity = false,
+                      bool isStored = false)
+{
+    optionsNOX8 image;
+    image.setDevType(type);
+    image.setDevNumber(number);
+    image.identValid = hasOwnIdentity;
+    return {image, isStored};
+}
+
+QString stateOf(const FoundInstrument &instrument)
+{
+    return QString("%1%2%3%4")
+        .arg(instrument.isChecked() ? "checked" : "unchecked",
+             instrument.isCheckEnabled() ? "" : ", fixed",
+             instrument.isNumberEditable() ? ", number open" : "",
+             instrument.isUnambiguous() ? ", sure" : "");
+}
+
+/** What the operator sees of an instrument at first. */
+QString asked(quint32 type, quint16 number, bool hasOwnIdentity = false, bool isStored = false)
+{
+    const FoundInstrument instrument = found(type, number, hasOwnIdentity, isStored);
+    QStringList models;
+    for (const ModelChoice &model : instrument.models())
+        models << model.name;
+    return models.join(',') + "; " + instrument.number() + "; " + stateOf(instrument);
+}
+
 } // namespace
 
-void TestFindNox::init()
+/** Discovery: what the operator is asked, and the dialog with simulated instruments on its ports.
+ */
+class TestFindNox : public QObject
 {
-    QLocale::setDefault(QLocale::English); // as the window does
-    folder = std::make_unique<QTemporaryDir>();
-    bench = std::make_unique<InstrumentBench>();
-    QVERIFY(provideDatabase(folder->filePath("nox8.db")));
-    database = std::make_unique<noxSql>(folder->filePath("nox8.db"));
-    port = std::make_unique<NOXSerialPort>();
-    timing = shortTiming();
-    timing.startBase = 5;
-    timing.initDelay = 50;
-    timing.queueDelay = 5;
-    timing.attemptDelay = 50;
-    port->setLinkTiming(timing);
-    registry = std::make_unique<noxList>(port.get(), database.get());
-    registry->setWriteDelay(300);
-    dialog = std::make_unique<findNox>(nullptr, registry.get());
-    dialog->setStyleSheet("QLineEdit { selection-background-color: teal; }"); // has its own too
-}
-
-void TestFindNox::cleanup()
-{
-    dialog.reset();
-    registry.reset();
-    database.reset();
-    port.reset();
-    bench.reset();
-}
-
-void TestFindNox::add(const QString &portName, const QString &model, quint16 number, bool isOlder,
-                      int faults)
-{
-    SimulatedInstrumentOptions options = bench->steadyInstrument();
-    options.identity.modelName = model;
-    options.identity.serialNumber = number;
-    options.identity.answersIdentification = !isOlder;
-    options.faults.ignoredAddressings = faults;
-    QVERIFY(bench->add(portName, options));
-}
-
-bool TestFindNox::waitUntilClosed() const
-{
-    return QTest::qWaitFor([this] { return !dialog->isVisible(); }, patienceMs);
-}
-
-bool TestFindNox::waitUntilListed() const
-{
-    return QTest::qWaitFor([this] { return table()->isEnabled() && table()->rowCount() > 1; },
-                           patienceMs);
-}
-
-/** Until the configuration in the registry is that of the instrument. */
-bool TestFindNox::waitUntilRead(int index) const
-{
-    const auto isRead = [this, index] {
-        const noxList::_nox *nox = registry->getNoxByIndex(index);
-        return nox && taken(nox->opt->getData()) == bench->host.block(nox->portName, 2) &&
-               port->isReadAllQuery();
-    };
-    return QTest::qWaitFor(isRead, patienceMs);
-}
-
-/** The one record of the registry; null unless there is exactly one. */
-noxList::_nox *TestFindNox::only() const
-{
-    const auto indices = registry->indices();
-    return indices.size() == 1 ? registry->getNoxByIndex(indices.first()) : nullptr;
-}
-
-void TestFindNox::instrumentsWithAnIdentityConnectByThemselves()
-{
-    add("A", "NOX CM1 rev.4", 4071);
-    add("B", "NOX B", 1234);
-    dialog->find(true);
-    QVERIFY(waitUntilClosed());
-    QCOMPARE(registry->indices().size(), 2);
-    QSet<QString> found;
-    for (const int index : registry->indices()) {
-        QVERIFY(waitUntilRead(index));
-        const noxList::_nox &nox = *registry->getNoxByIndex(index);
-        found << nox.portName + ' ' + nox.opt->getDevName(true);
-        QVERIFY(nox.dbIndex >= 1);
-        QVERIFY(nox.opt->identValid);
-        // nothing is written to an instrument only because it was found
-        QVERIFY(nox.txCodes.isEmpty() && !nox.txTimer->isActive());
-        QCOMPARE(bench->addressings(nox.portName, 50), 0);
+    Q_OBJECT
+private slots:
+    void init()
+    {
+        QLocale::setDefault(QLocale::English); // as the window does
+        bench = std::make_unique<RegistryBench>();
+        dialog = std::make_unique<findNox>(nullptr, &bench->list);
+        dialog->setStyleSheet("QLineEdit { selection-background-color: teal; }"); // as the window
+        table = find<QTableWidget>("newDevTable");
     }
-    QCOMPARE(found, (QSet<QString>{"A NOX CM1 rev.4 № 4071", "B NOX B № 1234"}));
-    QCOMPARE(port->devices().size(), 2);
-}
 
-void TestFindNox::olderInstrumentIsKnownByItsReferenceData()
-{
-    add("A", "NOX C", 1, true);
-    const QByteArray refdata = bench->host.block("A", 3).left(64) + QByteArray(8, '\0');
-    const int row = database->addDev(0x21, 815, "NOX C № 0815");
-    QVERIFY(database->updRefData(row, &refdata, 0x21, 815, "NOX C № 0815"));
-    dialog->find(true);
-    QVERIFY(waitUntilClosed());
-    QVERIFY(only() && waitUntilRead(only()->index));
-    QCOMPARE(only()->dbIndex, row);
-    QCOMPARE(only()->opt->getDevName(true), QStringLiteral("NOX C № 0815"));
-}
-
-void TestFindNox::olderInstrumentWaitsForTheOperator()
-{
-    add("A", "NOX D", 1, true);
-    dialog->find(true);
-    QVERIFY(waitUntilListed());
-    QCOMPARE(table()->item(1, 0)->text(), QStringLiteral("A"));
-    const auto *models = qobject_cast<QComboBox *>(table()->cellWidget(1, 1));
-    QCOMPARE(models->count(), 1);
-    QCOMPARE(models->currentText(), QStringLiteral("NOX D"));
-    QVERIFY(box(1)->isChecked() && isNumberEditable(1) && isMarked(1, 2));
-    QVERIFY(registry->indices().isEmpty());
-
-    QLineEdit *const editor = startTyping(1);
-    QTest::keyClicks(editor, "no 65,536\r");
-    QCOMPARE(editor->text(), QStringLiteral("65536"));
-    QCOMPARE(editor->grab().toImage().pixelColor(2, 2), table()->item(1, 2)->background().color());
-    find<QPushButton>("connectBtn")->click();
-    QVERIFY(!dialog->isVisible());
-    QVERIFY(registry->indices().isEmpty()); // without a number it is nobody
-    QVERIFY(port->devices().isEmpty());
-
-    dialog->find(true);
-    QVERIFY(waitUntilListed());
-    QTest::keyClicks(startTyping(1), "2218000"); // as much of it as is a number up to 65535
-    find<QPushButton>("connectBtn")->click();
-    QVERIFY(only() && waitUntilRead(only()->index));
-    QCOMPARE(only()->opt->getDevName(true), QStringLiteral("NOX D № 22180"));
-    QCOMPARE(database->findDev(0x31, 22180), only()->dbIndex);
-}
-
-void TestFindNox::instrumentWithoutAModelIsNamedByTheOperator()
-{
-    add("A", "NOX CM1", 1, true);
-    dialog->find(true);
-    QVERIFY(waitUntilListed());
-    auto *const models = qobject_cast<QComboBox *>(table()->cellWidget(1, 1));
-    QCOMPARE(models->count(), 7);
-    QVERIFY(!box(1)->isChecked() && !box(1)->isEnabled() && !isNumberEditable(1));
-    QCOMPARE(box(1)->toolTip(), QStringLiteral("Выберите модель прибора"));
-    models->setCurrentText("NOX CM1");
-    QVERIFY(box(1)->isEnabled() && isNumberEditable(1));
-    QVERIFY(isMarked(1, 2) && isMarked(1, 3));
-    models->setCurrentText("--");
-    QVERIFY(!box(1)->isEnabled() && !isNumberEditable(1));
-    QVERIFY(!isMarked(1, 2) && !isMarked(1, 3));
-
-    // by keyboard alone
-    QTest::keyClick(table(), Qt::Key_F4);
-    QWidget *const list = models->view();
-    QTest::keyClicks(list, "NOX CM1");
-    QTest::keyClick(list, Qt::Key_Return);
-    QCOMPARE(models->currentText(), QStringLiteral("NOX CM1"));
-    QTest::keyClick(table(), Qt::Key_9);
-    QTest::keyClicks(dialog->focusWidget(), "9\r");
-    QTRY_VERIFY(!isMarked(1, 2));
-    QTest::keyClick(table(), Qt::Key_Space);
-    QVERIFY(box(1)->isChecked() && !isMarked(1, 3));
-    QTest::keyClick(table(), Qt::Key_Tab);
-    QCOMPARE(dialog->focusWidget(), find<QCheckBox>("skipNoneCB"));
-    QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
-    QVERIFY(only() && waitUntilRead(only()->index));
-    QCOMPARE(only()->opt->getDevChCount(), quint8(16));
-    QCOMPARE(database->findDev(0x41, 99), only()->dbIndex);
-}
-
-void TestFindNox::skippedWhenUnknown()
-{
-    add("A", "NOX CM1", 1, true);
-    find<QCheckBox>("skipNoneCB")->setChecked(true);
-    QCOMPARE(database->getAppProperty("find_skip_unknown").toBool(), true);
-    dialog->find();
-    QVERIFY(waitUntilClosed());
-    QVERIFY(registry->indices().isEmpty() && port->devices().isEmpty());
-}
-
-void TestFindNox::deadPortsAreDropped_data()
-{
-    QTest::addColumn<int FaultPlan::*>("fault");
-    QTest::newRow("deaf") << &FaultPlan::ignoredAddressings;
-    QTest::newRow("no instrument: it echoes anything") << &FaultPlan::wrongAddressEchoes;
-    QTest::newRow("silent in the middle of a block") << &FaultPlan::silentDialogues;
-}
-
-void TestFindNox::deadPortsAreDropped()
-{
-    QFETCH(int FaultPlan::*, fault);
-    SimulatedInstrumentOptions options = bench->steadyInstrument();
-    options.faults.*fault = FaultPlan::always;
-    options.faults.silentAfterBlocks = 1;
-    QVERIFY(bench->add("A", options));
-    add("B", "NOX B", 2);
-    dialog->find(true);
-    QVERIFY(waitUntilClosed());
-    QVERIFY(only());
-    QCOMPARE(only()->portName, QStringLiteral("B"));
-    QCOMPARE(port->devices(), QList<int>{only()->devIndex});
-}
-
-void TestFindNox::noPorts()
-{
-    dialog->find(true);
-    QVERIFY(dialog->isVisible());
-    const auto labels = dialog->findChildren<QLabel *>();
-    QVERIFY(std::any_of(labels.begin(), labels.end(), [](const QLabel *label) {
-        return label->isVisible() && label->text() == "Нет доступных портов";
-    }));
-    QVERIFY(find<QPushButton>("scanBtn")->isEnabled());
-    QVERIFY(!find<QPushButton>("connectBtn")->isEnabled());
-    add("A", "NOX B", 5);
-    find<QPushButton>("scanBtn")->click();
-    QVERIFY(waitUntilClosed());
-    QVERIFY(only());
-}
-
-void TestFindNox::cancelledSearchLeavesNoWorker()
-{
-    add("A", "NOX B", 1);
-    add("B", "NOX B", 2, false, FaultPlan::always);
-    dialog->find(true);
-    QCOMPARE(port->devices().size(), 2);
-    find<QPushButton>("cancelBtn")->click();
-    QVERIFY(!dialog->isVisible());
-    QVERIFY(port->devices().isEmpty() && registry->indices().isEmpty());
-}
-
-void TestFindNox::oneInstrumentIsSearchedFor()
-{
-    add("A", "NOX B", 1);
-    add("B", "NOX B", 2);
-    add("C", "NOX D", 3);
-    dialog->find(true, 0x11, 2);
-    QVERIFY(!find<QCheckBox>("skipNoneCB")->isEnabled());
-    QVERIFY(waitUntilClosed());
-    QVERIFY(only());
-    QCOMPARE(only()->opt->devNumber, quint16(2));
-    QCOMPARE(port->devices(), QList<int>{only()->devIndex});
-}
-
-void TestFindNox::measuringInstrumentIsNotDisturbed()
-{
-    add("A", "NOX B", 1);
-    dialog->find(true);
-    QVERIFY(waitUntilClosed());
-    QVERIFY(only() && waitUntilRead(only()->index));
-    only()->qwtIndex = 0;
-    QSignalSpy measured(registry.get(), &noxList::onReadMeas);
-    QSignalSpy lost(registry.get(), &noxList::onDevError);
-    QVERIFY(measured.wait(patienceMs));
-    add("B", "NOX B", 2, false, FaultPlan::always);
-    measured.clear();
-    dialog->find(true);
-    QVERIFY(waitUntilClosed());
-    QVERIFY(measured.size() >= 3);
-    QVERIFY(lost.isEmpty() && only() && only()->devIndex >= 0);
-}
-
-void TestFindNox::lostInstrumentContinuesUnderItsIndex()
-{
-    add("A", "NOX B", 1);
-    dialog->find(true);
-    QVERIFY(waitUntilClosed());
-    QVERIFY(only() && waitUntilRead(only()->index));
-    noxList::_nox *const nox = only();
-    nox->qwtIndex = 7;
-    QSignalSpy lost(registry.get(), &noxList::onDevError);
-    bench->host.unplug("A");
-    QVERIFY(lost.wait(patienceMs));
-    QCOMPARE(nox->devIndex, -1);
-
-    bench->host.plugIn("A");
-    dialog->find(true, nox->opt->devType, nox->opt->devNumber);
-    QVERIFY(waitUntilClosed());
-    QCOMPARE(only(), nox); // the same record goes on
-    QVERIFY(nox->devIndex >= 0);
-    QCOMPARE(nox->qwtIndex, 7);
-    QVERIFY(waitUntilRead(nox->index));
-    QSignalSpy measured(registry.get(), &noxList::onReadMeas);
-    QVERIFY(measured.wait(patienceMs));
-    QCOMPARE(measured.first().first().toInt(), nox->index);
-}
-
-void TestFindNox::waitingInstrumentThatGoesTakesItsRow()
-{
-    add("A", "NOX D", 1, true);
-    add("B", "NOX D", 1, true);
-    dialog->find(true);
-    QVERIFY(waitUntilListed());
-    QCOMPARE(table()->rowCount(), 3);
-    QWidget *const editor = startTyping(table()->item(1, 0)->text() == "B" ? 1 : 2);
-    QVERIFY(editor);
-    QTest::keyClicks(editor, "22");
-    bench->host.unplug("A");
-    QTRY_COMPARE_WITH_TIMEOUT(table()->rowCount(), 2, patienceMs);
-    QTest::keyClicks(editor, "7");
-    QTest::keyClick(editor, Qt::Key_Return);
-    QCOMPARE(table()->item(1, 0)->text(), QStringLiteral("B"));
-    QTRY_COMPARE(table()->item(1, 2)->text(), QStringLiteral("227"));
-
-    add("C", "NOX B", 2); // takes the device that has become free
-    QVERIFY(registry->newNox(port->addDev("C"), true));
-    bench->host.unplug("B");
-    QVERIFY(waitUntilClosed());
-    QVERIFY(only() && port->devices() == QList<int>{only()->devIndex});
-}
-
-void TestFindNox::lostDuringTheScanItGoesAlone_data()
-{
-    QTest::addColumn<bool>("isOlder");
-    QTest::addColumn<quint16>("number");
-    QTest::newRow("unidentified") << true << quint16(0);
-    QTest::newRow("set aside by the number") << false << quint16(3);
-}
-
-void TestFindNox::lostDuringTheScanItGoesAlone()
-{
-    QFETCH(bool, isOlder);
-    QFETCH(quint16, number);
-    add("A", "NOX D", 1, isOlder);
-    add("B", "NOX B", 2);
-    add("C", "NOX B", 3, isOlder, isOlder ? 8 : 5);
-    timing.initDelay = 300; // so that it answers when the others have been dealt with
-    port->setLinkTiming(timing);
-    const auto *const progress = find<QProgressBar>("progressBar");
-    dialog->find(true, number ? 0x11 : 0, number);
-    QTRY_COMPARE_WITH_TIMEOUT(progress->value(), 2, patienceMs);
-    QCOMPARE(progress->toolTip(), QStringLiteral("Ожидается ответ: C"));
-    const int rows = table()->rowCount();
-    bench->host.unplug("A");
-    QTRY_COMPARE_WITH_TIMEOUT(port->devices().size(), 2, patienceMs);
-    QVERIFY(dialog->isVisible());
-    QCOMPARE(table()->rowCount(), rows);
-    if (isOlder) {
-        QVERIFY(waitUntilListed());
-        QCOMPARE(table()->item(1, 0)->text(), QStringLiteral("C"));
-    } else {
-        QVERIFY(waitUntilClosed());
+    void cleanup()
+    {
+        dialog.reset();
+        bench.reset();
     }
-    QVERIFY(only());
-    QCOMPARE(only()->portName, isOlder ? QStringLiteral("B") : QStringLiteral("C"));
-}
 
-void TestFindNox::identificationThatIsNone()
-{
-    add("A", "NOX B", 1, false, FaultPlan::always);
-    dialog->find();
-    QByteArray rubbish(8, '\x55');
-    emit port->readyDevReply(port->devices().first(), &rubbish, 51);
-    QVERIFY(waitUntilClosed());
-    QVERIFY(port->devices().isEmpty() && registry->indices().isEmpty());
-}
+    void whatTheOperatorIsAsked()
+    {
+        constexpr bool own = true;
+        constexpr bool stored = true;
+        QCOMPARE(asked(0, 0),
+                 QString("--,NOX A,NOX B,NOX C,NOX CM,NOX D,NOX CM1; --; unchecked, fixed"));
+        QCOMPARE(asked(0x31, 0), QString("NOX D; --; checked, number open"));
+        QCOMPARE(asked(0x31, 5, false, stored), QString("NOX D; 0005; checked, sure"));
+        QCOMPARE(asked(typeB, 0, own), QString("NOX B; --; checked"));
+        QCOMPARE(asked(typeCM, 5), QString("--,NOX C,NOX CM; 0005; checked")); // two alike
+        QCOMPARE(asked(typeCM, 5, false, stored), QString("NOX CM; 0005; checked, sure"));
+        QCOMPARE(asked(0x21, 5, own), QString("NOX C; 0005; checked, sure"));
+        QCOMPARE(asked(0x0950AA0F, 5), QString("--,NOX C,NOX CM; 0005; checked, number open"));
+        QCOMPARE(asked(typeCM1Extended, 0, own),
+                 QString("NOX CM1 rev.4; --; checked, number open"));
+    }
 
-void TestFindNox::wrongModelIsReadAgain()
-{
-    add("A", "NOX CM1", 77);
-    noxList::_nox *const nox = registry->newNox(port->addDev("A"), true);
-    nox->opt->setDevType(0x11); // as somebody believed
-    registry->getOptFromNox(nox->index);
-    QVERIFY(waitUntilRead(nox->index));
-    QCOMPARE(nox->opt->devType, 0x41u);
-    const QByteArray data = taken(nox->opt->getData());
-    const QByteArray refdata = taken(nox->opt->getRefAllData());
-    QCOMPARE(database->getSnapShotCount(nox->dbIndex), 1);
-    QCOMPARE(database->findSnapShot(&data, &refdata, nox->dbIndex).size(), 1);
-}
+    void whatTheOperatorSays()
+    {
+        FoundInstrument unnamed = found(0, 0);
+        unnamed.chooseModel(2);
+        QCOMPARE(unnamed.typeCode(), typeB);
+        QStringList states{stateOf(unnamed)};
+        for (const bool checked : {true, false, true}) { // at last by the header
+            unnamed.check(checked);
+            states << stateOf(unnamed);
+        }
+        unnamed.chooseModel(0);
+        states << stateOf(unnamed);
+        FoundInstrument named = found(typeB, 0, true);
+        for (const bool checked : {false, true}) {
+            named.check(checked);
+            states << stateOf(named);
+        }
+        QCOMPARE(states, (QStringList{"unchecked, number open", "checked, number open",
+                                      "unchecked, fixed", "checked, number open",
+                                      "unchecked, fixed", "unchecked, fixed", "checked, fixed"}));
+    }
 
-void TestFindNox::instrumentOnAnotherPortIsMoved()
-{
-    add("A", "NOX B", 1);
-    dialog->find(true);
-    QVERIFY(waitUntilClosed());
-    QVERIFY(only() && waitUntilRead(only()->index));
-    const int former = only()->devIndex;
-    add("B", "NOX B", 1);
-    connect(registry.get(), &noxList::onChange, dialog.get(), [this, former] {
-        if (only()->devIndex != former && dialog->isVisible())
-            QTimer::singleShot(0, find<QPushButton>("cancelBtn"), &QPushButton::click);
-    });
-    dialog->find(true);
-    QVERIFY(waitUntilClosed());
-    QTRY_COMPARE_WITH_TIMEOUT(port->devices(), QList<int>{only()->devIndex}, patienceMs);
-    QVERIFY(only()->devIndex != former);
-}
+    void identifiedOnesConnectAndAreKept()
+    {
+        add("A", "NOX CM rev.4", 4071);
+        add("B", "NOX B", 1234);
+        QStringList shown;
+        connect(&bench->list, &noxList::onAddNox, dialog.get(), [&] { shown << row(1); });
+        dialog->find(true);
+        QVERIFY(closes());
+        shown.sort();
+        QCOMPARE(shown, (QStringList{"A; NOX CM rev.4; 4071; checked, fixed",
+                                     "B; NOX B; 1234; checked, fixed"}));
+        for (const int index : {0, 1}) {
+            QVERIFY(isRead(index));
+            const noxList::_nox &nox = *bench->list.getNoxByIndex(index);
+            // nothing is written to an instrument only because it was found
+            QVERIFY(nox.opt->identValid && nox.txCodes.isEmpty() && !nox.txTimer->isActive());
+            QCOMPARE(bench->instruments.addressings(nox.portName, 9) > 0, nox.portName == "A");
+            QCOMPARE(nox.dbIndex, bench->database.findDev(nox.opt->devType, nox.opt->devNumber));
+            QTRY_COMPARE(bench->database.getSnapShotCount(nox.dbIndex), 1);
+            const QByteArray data = taken(nox.opt->getData());
+            const QByteArray refdata = taken(nox.opt->getRefAllData());
+            const auto stored = bench->database.findSnapShot(&data, &refdata, nox.dbIndex);
+            QCOMPARE(stored.value(0).info, QStringLiteral("Заводская настройка"));
+        }
+    }
 
-void TestFindNox::destroyedWhileItSearches()
-{
-    add("A", "NOX CM1", 1, true);
-    add("B", "NOX B", 2, false, FaultPlan::always);
-    dialog->find();
-    QSignalSpy replies(port.get(),
-                       QOverload<int, QByteArray, quint8>::of(&NOXSerialPort::readyDevReply));
-    QVERIFY(replies.wait(patienceMs));
-    const QList<int> devices = port->devices();
-    QTimer::singleShot(0, port.get(), [this, devices] {
-        QByteArray block(72, '\0');
-        for (const int device : devices)
-            emit port->readyDevReply(device, &block, 3);
-    });
-    dialog.reset();
-    QVERIFY(port->devices().isEmpty());
-}
+    void olderOneIsKnownByItsReferenceData()
+    {
+        add("A", "NOX C", 1, true);
+        const auto refdata = bench->instruments.host.block("A", 3).left(64) + QByteArray(8, '\0');
+        const int stored = bench->database.provideDev(&refdata, 0x21, 815, "NOX C № 0815");
+        dialog->find(true, 0x21, 815); // be it searched for
+        QVERIFY(closes());
+        QVERIFY(only());
+        QCOMPARE(only()->dbIndex, stored);
+        QCOMPARE(only()->opt->getDevName(true), QStringLiteral("NOX C № 0815"));
+    }
 
-void TestFindNox::searchedForAgainWhileACancelledSearchEnds()
-{
-    add("A", "NOX B", 1);
-    add("B", "NOX B", 2);
-    dialog->find(true);
-    QTimer::singleShot(0, dialog.get(), [this] { dialog->find(true); });
-    find<QPushButton>("cancelBtn")->click();
-    QVERIFY(waitUntilClosed());
-    QCOMPARE(registry->indices().size(), 2);
-}
+    void olderOneWaitsForItsNumber()
+    {
+        add("A", "NOX D", 1, true);
+        dialog->find(true);
+        QVERIFY(lists());
+        QCOMPARE(row(1), QString("A; NOX D; --; checked, open, number!"));
+        QCOMPARE(
+            (QVector<int>{table->columnWidth(0), table->columnWidth(2), table->columnWidth(3)}),
+            (QVector<int>{100, 100, 48}));
+        QVERIFY(bench->list.indices().isEmpty());
+        QLineEdit *const editor = startTyping(1);
+        QTest::keyClicks(editor, "no 65,536\r");
+        QCOMPARE(editor->text(), QStringLiteral("65536"));
+        QCOMPARE(editor->grab().toImage().pixelColor(2, 2),
+                 table->item(1, 2)->background().color());
+        press("connectBtn");
+        QVERIFY(!dialog->isVisible());
+        QVERIFY(bench->list.indices().isEmpty() && bench->port.devices().isEmpty()); // nobody
 
-void TestFindNox::cancelledWhileItClears()
-{
-    add("A", "NOX CM1", 1, true);
-    dialog->find(true);
-    QVERIFY(waitUntilListed());
-    QTimer::singleShot(0, find<QPushButton>("cancelBtn"), &QPushButton::click);
-    find<QPushButton>("scanBtn")->click();
-    QVERIFY(!dialog->isVisible());
-    QVERIFY(port->devices().isEmpty());
-}
+        dialog->find(true);
+        QVERIFY(lists());
+        QTest::keyClicks(startTyping(1), "6553500"); // as much of it as is a number up to 65535
+        press("connectBtn");
+        QVERIFY(only() && isRead(only()->index));
+        QCOMPARE(only()->opt->getDevName(true), QStringLiteral("NOX D № 65535"));
+        QCOMPARE(bench->database.findDev(0x31, 65535), only()->dbIndex);
+        bench->list.getOptFromNox(only()->index); // though it is too old to tell its name
+        QVERIFY(isRead(only()->index) && only()->devIndex >= 0);
+    }
 
-void TestFindNox::configurationIsKeptOnFirstSight_data()
-{
-    QTest::addColumn<QString>("model");
-    QTest::newRow("with zero shifts") << "NOX CM rev.4";
-    QTest::newRow("without") << "NOX B";
-}
+    void oneWithoutAModelIsNamedByKeyboard()
+    {
+        add("A", "NOX CM1", 1, true);
+        dialog->find(true);
+        QVERIFY(lists());
+        auto *const models = qobject_cast<QComboBox *>(table->cellWidget(1, 1));
+        QCOMPARE(row(1), QString("A; --; --; unchecked, fixed"));
+        QCOMPARE(box(1)->toolTip(), QStringLiteral("Выберите модель прибора"));
+        models->setCurrentText("NOX CM1");
+        QCOMPARE(row(1), QString("A; NOX CM1; --; unchecked, open, number!, check!"));
+        QCOMPARE(box(1)->toolTip(), QStringLiteral("Отметьте прибор, чтобы подключиться к нему"));
+        models->setCurrentText("--");
+        QCOMPARE(row(1), QString("A; --; --; unchecked, fixed"));
 
-void TestFindNox::configurationIsKeptOnFirstSight()
-{
-    QFETCH(QString, model);
-    add("A", model, 5);
-    dialog->find(true);
-    QVERIFY(waitUntilClosed());
-    QVERIFY(only() && waitUntilRead(only()->index));
-    const int dbIndex = only()->dbIndex;
-    QTRY_VERIFY_WITH_TIMEOUT(database->getSnapShotCount(dbIndex) == 1, patienceMs);
-    const QByteArray data = taken(only()->opt->getData());
-    const QByteArray refdata = taken(only()->opt->getRefAllData());
-    const auto stored = database->findSnapShot(&data, &refdata, dbIndex);
-    QCOMPARE(stored.size(), 1);
-    QVERIFY(stored.first().factory);
-    QCOMPARE(stored.first().info, QStringLiteral("Заводская настройка"));
+        QTest::keyClick(table, Qt::Key_F4);
+        QTest::keyClicks(models->view(), "NOX CM1");
+        QTest::keyClick(models->view(), Qt::Key_Return);
+        QTest::keyClick(table, Qt::Key_9);
+        QTest::keyClicks(dialog->focusWidget(), "9\r");
+        QTRY_COMPARE(row(1), QString("A; NOX CM1; 99; unchecked, open, check!"));
+        QTest::keyClick(table, Qt::Key_Space);
+        QCOMPARE(row(1), QString("A; NOX CM1; 99; checked, open"));
+        QCOMPARE(box(1)->toolTip(), QStringLiteral("Прибор будет подключён"));
+        QTest::keyClick(table, Qt::Key_Tab);
+        QCOMPARE(dialog->focusWidget(), find<QCheckBox>("skipNoneCB"));
+        QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
+        QVERIFY(only() && isRead(only()->index));
+        QCOMPARE(only()->opt->getDevChCount(), quint8(16));
+        QCOMPARE(bench->database.findDev(0x41, 99), only()->dbIndex);
+    }
 
-    registry->getOptFromNox(only()->index); // the second time it is found
-    QTRY_COMPARE_WITH_TIMEOUT(only()->snapShotId, stored.first().id, patienceMs);
-    QVERIFY(waitUntilRead(only()->index));
-    QCOMPARE(database->getSnapShotCount(dbIndex), 1);
-}
+    void waitingOnesAreClickedAndGo()
+    {
+        add("A", "NOX D", 1, true);
+        add("B", "NOX D", 1, true);
+        dialog->find(true);
+        QVERIFY(lists());
+        const int rowOfB = table->item(1, 0)->text() == "B" ? 1 : 2;
+        for (int click = 0; click < 2; ++click) { // beside the box, which takes the first alone
+            QTest::mouseClick(table->cellWidget(rowOfB, 3), Qt::LeftButton, {}, {1, 1});
+            QCOMPARE(row(rowOfB), QString("B; NOX D; --; unchecked, fixed"));
+        }
+        QCOMPARE(box(rowOfB)->toolTip(),
+                 QString("Отметить снова можно щелчком по заголовку столбца (Ctrl+A)"));
+        const bool isFirst = rowOfB == 1; // all take the opposite of the first
+        QTest::mouseClick(table->cellWidget(0, 3), Qt::LeftButton);
+        QVERIFY(box(1)->isChecked() == isFirst && box(2)->isChecked() == isFirst);
+        QTest::keyClick(table, Qt::Key_A, Qt::ControlModifier);
+        QVERIFY(box(1)->isChecked() != isFirst && box(2)->isChecked() != isFirst);
+        if (isFirst)
+            QTest::keyClick(table, Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(row(rowOfB), QString("B; NOX D; --; checked, fixed, open, number!"));
 
-void TestFindNox::appliedChangesReachTheMemoryOnce()
-{
-    add("A", "NOX CM rev.4", 5);
-    dialog->find(true);
-    QVERIFY(waitUntilClosed());
-    QVERIFY(only() && waitUntilRead(only()->index));
-    noxList::_nox &nox = *only();
-    QTRY_VERIFY_WITH_TIMEOUT(nox.txCodes.isEmpty() && port->isSendAllData(), patienceMs);
-    bench->host.clearExchanges("A");
+        QWidget *const editor = startTyping(rowOfB);
+        QTest::keyClicks(editor, "22");
+        bench->instruments.host.unplug("A");
+        QTRY_COMPARE_WITH_TIMEOUT(table->rowCount(), 2, patienceMs);
+        QTest::keyClicks(editor, "7\r");
+        QTRY_COMPARE(row(1), QString("B; NOX D; 227; checked, fixed, open"));
+        QCOMPARE(message(), QString("Найдено приборов: 1"));
+        add("C", "NOX B", 2); // takes the device that has become free
+        QVERIFY(bench->list.newNox(bench->port.addDev("C"), true));
+        bench->instruments.host.unplug("B");
+        QVERIFY(closes());
+        QCOMPARE(bench->port.devices(), QList<int>{only()->devIndex});
+    }
 
-    nox.opt->setChCurrent(2, 5);
-    nox.opt->refR[1].value.value = 199.5F;
-    nox.opt->triggerDevChange();
-    nox.opt->triggerRefChange();
-    nox.opt->triggerDevChange();
-    QVERIFY(!nox.txCodes.isEmpty());
-    QTRY_VERIFY_WITH_TIMEOUT(nox.txCodes.isEmpty() && port->isSendAllData(), patienceMs);
-    QCOMPARE(bench->host.block("A", 2), taken(nox.opt->getData()));
-    QCOMPARE(bench->host.block("A", 3).left(64), taken(nox.opt->getRefData(true)).left(64));
-    QVector<int> written;
-    for (const ExchangeEvent &event : bench->host.exchanges("A"))
-        if (event.kind == ExchangeEvent::WriteCompleted)
-            written << event.address;
-    QCOMPARE(written, (QVector<int>{6, 0, 1}));
-}
+    void skippedWhenUnknown()
+    {
+        add("A", "NOX CM1", 1, true);
+        add("B", "NOX B", 1, false, FaultPlan::always);
+        find<QCheckBox>("skipNoneCB")->setChecked(true);
+        QCOMPARE(bench->database.getAppProperty("find_skip_unknown").toBool(), true);
+        dialog->find();
+        QByteArray rubbish(8, '\x55');
+        emit bench->port.readyDevReply(bench->port.devices().last(), &rubbish, 51);
+        QVERIFY(closes());
+        QVERIFY(bench->list.indices().isEmpty() && bench->port.devices().isEmpty());
+    }
+
+    void deadPortsAreDroppedAndDisturbNobody()
+    {
+        dialog->find(true);
+        QCOMPARE(message(), QString("Нет доступных портов"));
+        QVERIFY(!find<QPushButton>("connectBtn")->isEnabled());
+        add("B", "NOX B", 2);
+        press("scanBtn");
+        QVERIFY(closes());
+        QVERIFY(only() && isRead(only()->index));
+        only()->qwtIndex = 0;
+        SimulatedInstrumentOptions options = bench->instruments.steadyInstrument();
+        options.faults.silentAfterBlocks = 1;
+        QVERIFY(bench->instruments.add("silent", options));
+        options.faults.wrongAddressEchoes = FaultPlan::always;
+        QVERIFY(bench->instruments.add("none", options));
+        options.faults.ignoredAddressings = FaultPlan::always;
+        QVERIFY(bench->instruments.add("deaf", options));
+        QSignalSpy measured(&bench->list, &noxList::onReadMeas);
+        QSignalSpy lost(&bench->list, &noxList::onDevError);
+        dialog->find(true);
+        QVERIFY(closes());
+        QVERIFY(measured.size() >= 3);
+        QVERIFY(lost.isEmpty() && only());
+        QCOMPARE(bench->port.devices(), QList<int>{only()->devIndex});
+    }
+
+    void cancelledSearchLeavesNoWorker()
+    {
+        add("A", "NOX CM1", 1, true);
+        add("B", "NOX B", 2, false, FaultPlan::always);
+        dialog->find(true);
+        QCOMPARE(bench->port.devices().size(), 2);
+        press("cancelBtn");
+        QVERIFY(!dialog->isVisible() && bench->port.devices().isEmpty());
+
+        bench->instruments.host.unplug("B");
+        dialog->find(true);
+        QVERIFY(lists());
+        QTimer::singleShot(0, dialog.get(), [this] { press("cancelBtn"); });
+        press("scanBtn"); // which first clears, and lets events in
+        QVERIFY(!dialog->isVisible() && bench->port.devices().isEmpty());
+
+        add("C", "NOX B", 3);
+        dialog->find(true);
+        QTimer::singleShot(0, dialog.get(), [this] { dialog->find(true); });
+        press("cancelBtn");
+        QVERIFY(lists());
+        QVERIFY(only());
+    }
+
+    void destroyedWhileItSearches()
+    {
+        add("A", "NOX CM1", 1, true);
+        add("B", "NOX B", 2, false, FaultPlan::always);
+        dialog->find();
+        QSignalSpy replies(&bench->port,
+                           QOverload<int, QByteArray, quint8>::of(&NOXSerialPort::readyDevReply));
+        QVERIFY(replies.wait(patienceMs));
+        QTimer::singleShot(0, &bench->port, [this, devices = bench->port.devices()] {
+            QByteArray block(72, '\0');
+            for (const int device : devices)
+                emit bench->port.readyDevReply(device, &block, 3);
+        });
+        dialog.reset();
+        QVERIFY(bench->port.devices().isEmpty());
+    }
+
+    void oneIsSearchedForAndContinuesUnderItsIndex()
+    {
+        add("A", "NOX B", 1);
+        add("B", "NOX B", 2);
+        add("C", "NOX D", 3);
+        dialog->find(true, 0x11, 2);
+        QVERIFY(!find<QCheckBox>("skipNoneCB")->isEnabled());
+        QVERIFY(closes());
+        noxList::_nox *const nox = only();
+        QVERIFY(nox && isRead(nox->index));
+        QCOMPARE(nox->opt->devNumber, quint16(2));
+        QCOMPARE(bench->port.devices(), QList<int>{nox->devIndex});
+
+        nox->qwtIndex = 7;
+        nox->txTimer->setInterval(30); // it was made by the dialog, with 5 s
+        QSignalSpy lost(&bench->list, &noxList::onDevError);
+        bench->instruments.host.unplug("B");
+        QVERIFY(lost.wait(patienceMs));
+        QCOMPARE(nox->devIndex, -1);
+        bench->instruments.host.plugIn("B");
+        dialog->find(true, 0x11, 2);
+        QVERIFY(closes());
+        QCOMPARE(only(), nox); // the same record goes on
+        QVERIFY(nox->devIndex >= 0 && nox->qwtIndex == 7);
+        QSignalSpy measured(&bench->list, &noxList::onReadMeas);
+        QVERIFY(measured.wait(patienceMs));
+        QCOMPARE(measured.first().first().toInt(), nox->index);
+    }
+
+    void lostDuringTheScanItGoesAlone()
+    {
+        for (const quint16 number : {0, 3}) { // left for the operator, or set aside by the number
+            cleanup();
+            init();
+            add("A", "NOX D", 1, number == 0);
+            add("B", "NOX B", 2);
+            add("C", "NOX B", 3, false, FaultPlan::always);
+            LinkTiming timing = RegistryBench::timing();
+            timing.initDelay = 600; // it is waited for while the others are dealt with
+            bench->port.setLinkTiming(timing);
+            const auto *const progress = find<QProgressBar>("progressBar");
+            dialog->find(true, number ? typeB : 0, number);
+            QTRY_COMPARE_WITH_TIMEOUT(progress->value(), 2, patienceMs);
+            QCOMPARE(progress->toolTip(), QStringLiteral("Ожидается ответ: C"));
+            const int rows = table->rowCount();
+            bench->instruments.host.unplug("A");
+            QTRY_COMPARE_WITH_TIMEOUT(bench->port.devices().size(), 2, patienceMs);
+            QVERIFY(dialog->isVisible() && table->rowCount() == rows);
+            bench->instruments.host.setFaults("C", FaultPlan());
+            QVERIFY(closes());
+            QCOMPARE(bench->list.indices().size(), number ? 1 : 2);
+        }
+    }
+
+    void wrongModelIsReadAgain()
+    {
+        add("A", "NOX CM1", 77);
+        noxList::_nox *const nox = bench->list.newNox(bench->port.addDev("A"), true);
+        nox->opt->setDevType(0x11); // as somebody believed
+        bench->list.getOptFromNox(nox->index);
+        QVERIFY(isRead(nox->index));
+        QCOMPARE(nox->opt->devType, 0x41u);
+        QCOMPARE(bench->database.getSnapShotCount(nox->dbIndex), 1);
+    }
+
+    void appliedChangesReachTheMemoryOnce()
+    {
+        add("A", "NOX B", 5);
+        dialog->find(true);
+        QVERIFY(closes());
+        QVERIFY(only() && isRead(only()->index));
+        InstrumentHost &host = bench->instruments.host;
+        optionsNOX8 &image = *only()->opt;
+        only()->txTimer->setInterval(30); // it was made by the dialog, with 5 s
+        host.clearExchanges("A");
+        image.setChCurrent(2, 2);
+        image.triggerChChange(2);
+        image.refR[1].value.value = 199.5F;
+        image.triggerRefChange();
+        emit image.onIdentApply();
+        image.triggerRefChange();
+        QTRY_VERIFY_WITH_TIMEOUT(only()->txCodes.isEmpty() && bench->port.isSendAllData(),
+                                 patienceMs);
+        QCOMPARE(host.block("A", 2), taken(image.getData()));
+        QCOMPARE(host.block("A", 3).left(64), taken(image.getRefData(true)).left(64));
+        QVector<int> written;
+        for (const ExchangeEvent &event : host.exchanges("A"))
+            if (event.kind == ExchangeEvent::WriteCompleted)
+                written << event.address;
+        QCOMPARE(written, (QVector<int>{4, 1, 50}));
+        emit image.onChErrorData(); // then it is read once more
+        QVERIFY(!bench->port.isReadAllQuery());
+    }
+
+private:
+    void add(const QString &portName, const QString &model, quint16 number, bool isOlder = false,
+             int faults = 0)
+    {
+        SimulatedInstrumentOptions options = bench->instruments.steadyInstrument();
+        options.identity.modelName = model;
+        options.identity.serialNumber = number;
+        options.identity.answersIdentification = !isOlder;
+        options.faults.ignoredAddressings = faults;
+        QVERIFY(bench->instruments.add(portName, options));
+    }
+    bool closes() const
+    {
+        return QTest::qWaitFor([this] { return !dialog->isVisible(); }, patienceMs);
+    }
+    bool lists() const
+    {
+        return QTest::qWaitFor([this] { return table->isEnabled() && table->rowCount() > 1; },
+                               patienceMs);
+    }
+    /** Waits until the configuration in the registry is that of the instrument. */
+    bool isRead(int index) const
+    {
+        const auto isRead = [this, index] {
+            const noxList::_nox *nox = bench->list.getNoxByIndex(index);
+            return nox &&
+                   taken(nox->opt->getData()) == bench->instruments.host.block(nox->portName, 2) &&
+                   bench->port.isReadAllQuery();
+        };
+        return QTest::qWaitFor(isRead, patienceMs);
+    }
+    /** The one record of the registry; null unless there is exactly one. */
+    noxList::_nox *only() const
+    {
+        const auto indices = bench->list.indices();
+        return indices.size() == 1 ? bench->list.getNoxByIndex(indices.first()) : nullptr;
+    }
+    template<typename Widget>
+    Widget *find(const char *name) const
+    {
+        return dialog->findChild<Widget *>(name);
+    }
+    void press(const char *name) const
+    {
+        QTest::mouseClick(find<QPushButton>(name), Qt::LeftButton);
+    }
+    QString message() const
+    {
+        QString shown;
+        for (const QLabel *label : dialog->findChildren<QLabel *>())
+            if (label->isVisible() && label->parent() != table->viewport())
+                shown += label->text();
+        return shown;
+    }
+    QCheckBox *box(int row) const { return table->cellWidget(row, 3)->findChild<QCheckBox *>(); }
+    /** A row as the operator sees it. */
+    QString row(int row) const
+    {
+        const auto isMarked = [this, row](int column) {
+            const QTableWidgetItem *const item = table->item(row, column);
+            return item && item->background().style() != Qt::NoBrush;
+        };
+        const auto *models = qobject_cast<QComboBox *>(table->cellWidget(row, 1));
+        const bool isOpen = table->item(row, 2)->flags().testFlag(Qt::ItemIsEditable);
+        return QString("%1; %2; %3; %4%5%6%7%8")
+            .arg(table->item(row, 0)->text(),
+                 models ? models->currentText() : table->item(row, 1)->text(),
+                 table->item(row, 2)->text(), box(row)->isChecked() ? "checked" : "unchecked",
+                 box(row)->isEnabled() ? "" : ", fixed", isOpen ? ", open" : "",
+                 isMarked(2) ? ", number!" : "", isMarked(3) ? ", check!" : "");
+    }
+    /** Clicks on the number of a row: its editor; null when there is none. */
+    QLineEdit *startTyping(int row) const
+    {
+        const QRect cell = table->visualItemRect(table->item(row, 2));
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, cell.center());
+        return table->viewport()->findChild<QLineEdit *>();
+    }
+
+    std::unique_ptr<RegistryBench> bench;
+    std::unique_ptr<findNox> dialog;
+    QTableWidget *table = nullptr;
+};
 
 QTEST_MAIN(TestFindNox)
 #include "tst_findnox.moc"

@@ -1,8 +1,7 @@
-#include "registry/noxlist.h"
-#include "serial/noxserialport.h"
-#include "storage/noxsql.h"
-#include "support/instrumentbench.h"
+#include "device/featurenox8.h"
+#include "registrybench.h"
 
+#include <QSqlQuery>
 #include <QtTest>
 
 #include <memory>
@@ -10,451 +9,454 @@
 namespace
 {
 
-constexpr quint32 typeB = 0x11; // eight channels
-constexpr int plotIndex = 40;
+using Image = optionsNOX8;
 
-/** The fields that tell who a record is. */
-QStringList identityOf(const noxList::_nox &nox)
-{
-    return {QString::number(nox.index), QString::number(nox.devIndex), nox.portName,
-            nox.processed ? "processed" : "held"};
-}
+constexpr int device = 3; // has no worker: the test plays its part
 
 } // namespace
 
-Q_DECLARE_METATYPE(optionsNOX8::_chMeasType)
-
-/** The registry over a multiplexer: records without a port, then one with a live instrument. */
+/** The registry: its records, what it announces and writes, and what it keeps in the database. */
 class TestNoxList : public QObject
 {
     Q_OBJECT
 private slots:
-    void init();
-    void cleanup();
+    void init() { bench = std::make_unique<RegistryBench>(); }
+    void cleanup() { bench.reset(); }
 
-    void newRecordStartsWithItsDefaults();
-    void indexIsOneMoreThanTheLargest();
-    void recordsAreFoundByEachIndex();
-    void refusesTheRecordAfterTheLast();
-    void measurementIsMapped_data();
-    void measurementIsMapped();
-    void measurementIsHeldBack();
-    void processingSwitch();
-    void imageChangesCarryTheIndex();
-    void imageSetsTheCommandByte();
+    void recordsAndTheirIndices()
+    {
+        const noxList::_nox *nox = list().newNox(-1, true);
+        QCOMPARE(QString(nox->portName + nox->fileName + nox->recFileName + nox->recFieldSep +
+                         nox->recPointSep),
+                 QString("-;"));
+        QCOMPARE((QVector<int>{nox->devIndex, nox->dbIndex, nox->snapShotId, nox->qwtIndex,
+                               nox->mainCh, nox->processed, nox->clearOnResume, nox->recording,
+                               nox->recPrecision, nox->recInterval, nox->recRow}),
+                 (QVector<int>{-1, 0, 0, -1, 0, false, false, false, 4, 0, 0}));
+        noxList other(&bench->port, &bench->database);
+        QCOMPARE(other.newNox(-1, true)->txTimer->interval(), 5000);
+        for (int index = 1; index < 4; ++index)
+            list().newNox(7 * index, true);
+        list().rmByIndex(1);
+        list().newNox(-1, true);
+        list().rmByIndex(4);
+        list().newNox(-1, false);
+        list().getOptFromNox(1); // nobody's
+        list().searchFor(3);
+        QCOMPARE(bench->news(),
+                 QString("added 0 0;added 1 0;added 2 0;added 3 0;change;removed 1 -1;added 4 0;"
+                         "change;removed 4 -1;added 4 0;find 3"));
+        noxList::_nox *last = list().getNoxByIndex(3);
+        last->qwtIndex = 40;
+        last->dbIndex = 12;
+        QVERIFY(list().getNoxByDevIndex(21) == last && list().getNoxByQwtIndex(40) == last);
+        QVERIFY(!list().getNoxByIndex(1) && !list().getNoxByQwtIndex(3));
+        QCOMPARE(list().indices(), (QList<int>{0, 2, 3, 4}));
+        QCOMPARE(
+            (QVector<int>{list().getIndexByDev(21), list().getQWTIndex(3), list().getDBIndex(3),
+                          list().isDevIndex(21), last->processed, list().getIndexByDev(7),
+                          list().getQWTIndex(1), list().getDBIndex(1), list().isDevIndex(7)}),
+            (QVector<int>{3, 40, 12, true, true, -1, -1, -1, false}));
+    }
 
-    void disconnectedRecordStays();
-    void removedRecordIsAnnouncedWithItsIndices();
-    void liveMeasurementsArriveOnceAfterRemovalAndReturn();
-    void lostConnectionIsReportedOnceAndKeepsTheRecord();
-    void failedExchangeIsALostConnection();
-    void errorOfAnUnknownDeviceIsIgnored();
-    void recordRemovedByTheReceiverOfItsError();
-    void instrumentOnAnotherPortLeavesNoLinkBehind();
+    void fullRegistry()
+    {
+        noxList found(&bench->port, &bench->database);
+        for (int i = 0; i < 254; ++i)
+            QVERIFY(list().newNox(-1, true));
+        bench->news();
+        QVERIFY(!list().newNox(-1, true));
+        QVERIFY(list().addNox(found.newNox(8, false))); // the 255th
+        found.detachByDevIndex(8);
+        noxList::_nox *tooMany = found.newNox(9, false);
+        QVERIFY(!list().addNox(tooMany) && found.owns(tooMany));
+        QCOMPARE(bench->news(), QString("added -1 0;added 254 1"));
+    }
+
+    void measurementsAreMapped()
+    {
+        noxList::_nox *nox = add();
+        for (const char unit : {'A', 'B', 'C', 'Z'})
+            measure(1, unit);
+        nox->opt->setChMeasType(1, measTemperatureCustom, "bar");
+        measure(2, 'B');
+        nox->opt->setChOnOff(1, 0);
+        for (const int ch : {2, 9, 255}) // two of them beyond the model
+            measure(ch, 'B');
+        emit bench->port.readyDevMeas(device + 1, 20.5, 1, 'A'); // nobody's
+        QCOMPARE(bench->measured,
+                 (QStringList{"0: 0 20.5 Ω", "0: 0 20.5 °С", "0: 0 20.5 мВ", "0: 0 20.5 -",
+                              "0: 1 20.5 bar", "0: 1 20.5 °С", "0: 8 20.5 °С", "0: 254 20.5 °С"}));
+        bench->measured.clear();
+        nox->qwtIndex = -1; // not on the plot
+        measure(1, 'A');
+        nox->qwtIndex = 0;
+        nox->processed = false;
+        measure(2, 'A');
+        nox->processed = true;
+        nox->opt->triggerDevChange(); // what was measured before it is written
+        measure(3, 'A');
+        QTRY_VERIFY(nox->txCodes.isEmpty());
+        measure(4, 'A');
+        QCOMPARE(bench->measured, QStringList{"0: 3 20.5 Ω"});
+    }
+
+    void processingAndRecordingAreSwitched()
+    {
+        const noxList::_nox *nox = add();
+        list().setProccesed(0, true, true); // it is on already
+        list().setProccesed(9, false, true);
+        list().setRecording(9, true);
+        QCOMPARE(bench->news(), QString());
+        list().setProccesed(0, false, true);
+        list().setProccesed(0, false, false); // no second time, whatever the flag
+        QVERIFY(!nox->processed && nox->clearOnResume);
+        list().setProccesed(0, true, false);
+        QVERIFY(nox->processed && !nox->clearOnResume);
+        list().setProccesed(0, false, false);
+        list().setProccesed(0, true, true);
+        list().setRecording(0, true);
+        QVERIFY(nox->recording);
+        QCOMPARE(bench->news(), QString("change;clear 40;change;change;change;change"));
+    }
+
+    void imageChangesCarryTheIndex()
+    {
+        list().newNox(-1, true);
+        const noxList::_nox *nox = add(typeCM1Extended);
+        QSignalSpy logger(&list(), &noxList::onReadRec);
+        emit nox->opt->onRecData({}, QDateTime());
+        QCOMPARE(logger.value(0).value(0), QVariant(1));
+        reply(taken(nox->opt->getRefShiftData()), 9);
+        nox->opt->setDevType(typeB);
+        nox->opt->setChOnOff(5, 0);
+        QCOMPARE(bench->news(),
+                 QString("shifts 1;change;identity 1;device 1;references 1;channel 1 5"));
+        QSignalSpy command(&bench->port, &NOXSerialPort::onSetDevType);
+        for (const bool wire : {false, true}) {
+            const int worker = link(wire ? "a" : "b");
+            list().newNox(worker, wire)->opt->setDevType(typeB);
+            QCOMPARE(command.last(), (QVariantList{worker, QVariant::fromValue(char(1))}));
+        }
+    }
+
+    void appliedBlocksAreWritten()
+    {
+        const auto written = [this](quint32 type, bool hasOwnIdentity, const char *requests) {
+            Image &image = *add(type, 5, hasOwnIdentity)->opt;
+            for (; *requests != '\0'; ++requests)
+                ask(&image, *requests);
+            list().writeNow();
+            list().rmByIndex(0);
+            return bench->news().remove("write 3 ").remove(";change;removed 0 40");
+        };
+        constexpr bool own = true;
+        QCOMPARE(written(typeCM, own, "DRDSIN"),
+                 QString("change;[8] 6 0;[3976] 0 0;[72] 1 0;[8] 50 0"));
+        QCOMPARE(written(typeCM, !own, "DRDSIN"), QString("change;[3976] 0 0;[72] 1 0"));
+        QCOMPARE(written(typeCM1Extended, own, "DRDSIN"),
+                 QString("change;[8] 6 0;[7944] 0 0;[72] 1 0;[148] 8 0;[20] 50 0;[4] 52 0"));
+        QCOMPARE(written(typeCM1Extended, own, "0SINR"), QString("change;[148] 8 0;[72] 1 0"));
+        QCOMPARE(written(typeCM, own, "RDR"), QString("change;[72] 1 0;[8] 6 0;[3976] 0 0"));
+        QCOMPARE(written(typeCM, own, "78"), QString("[12] 4 0")); // at once; it has eight
+        QCOMPARE(written(0, own, "DRSIN"), QString("change;removed 0 40"));
+    }
+
+    void writesAreNotWaitedFor()
+    {
+        noxList::_nox *const nox = add();
+        noxList::_nox *const unconnected = add();
+        nox->devIndex = 0;
+        unconnected->devIndex = -1;
+        for (const int index : {0, 1, 99})
+            list().sendNoxData(index, Image::txReferenceData);
+        nox->txTimer->setTimerType(Qt::PreciseTimer);
+        nox->txTimer->start(100000);
+        unconnected->txTimer->start(100000);
+        QTest::qWait(20);
+        const int remaining = nox->txTimer->remainingTime();
+        list().sendNoxData(0, Image::txReferenceData);
+        QVERIFY(nox->txTimer->remainingTime() > remaining); // each request begins anew
+        list().writeNow();
+        list().writeNow();
+        QCOMPARE(bench->news(), QString("change;write 0 [72] 1 0"));
+        QVERIFY(nox->txCodes.isEmpty() && !nox->txTimer->isActive());
+        QVERIFY(!unconnected->txCodes.isEmpty() && unconnected->txTimer->isActive());
+    }
+
+    void recordRemovedByWhoHearsOfIt()
+    {
+        bool isRemoved = false;
+        const auto remove = [this, &isRemoved] {
+            if (!std::exchange(isRemoved, true)) // the removal itself is a change too
+                list().rmByIndex(0);
+        };
+        connect(&list(), &noxList::onChange, &bench->port, remove);
+        connect(&list(), &noxList::onChChange, &bench->port, remove);
+        // who hears of a removal may let events in for longer than writes wait
+        connect(&list(), &noxList::onRmNox, &bench->port, [] { QTest::qWait(60); });
+        for (const int change : {0, 1, 2}) {
+            const noxList::_nox &nox = *add();
+            isRemoved = false;
+            nox.opt->triggerRefChange();
+            if (change == 1)
+                nox.opt->setChMeasType(3, measTemperatureCustom, "K");
+            else if (change == 2)
+                list().disConnByIndex(0);
+            QTRY_VERIFY(list().indices().isEmpty());
+            QCOMPARE(bench->news(),
+                     (change == 1 ? "channel 0 3" : "change") + QString(";change;removed 0 40"));
+            QVERIFY(bench->database.getDevProperty(1).isEmpty());
+        }
+    }
+
+    void unitsAreStored()
+    {
+        const noxList::_nox &nox = *add();
+        const QMap<QString, QVariant> unit{{"ch_3-dim", "K"}};
+        nox.opt->setChMeasType(3, measTemperatureCustom, "K");
+        QCOMPARE(bench->database.getDevProperty(1), unit);
+        nox.opt->setChMeasType(3, measTemperature, "");
+        QVERIFY(bench->database.getDevProperty(1).isEmpty());
+        {
+            const QSignalBlocker unheard(nox.opt.get());
+            nox.opt->setChMeasType(3, measTemperatureCustom, "K");
+        }
+        nox.opt->triggerChChange(3); // with what is written it is stored, too
+        QCOMPARE(bench->database.getDevProperty(1), unit);
+    }
+
+    void referenceDataAreStored()
+    {
+        const noxList::_nox &older = *add(typeB, 0, false);
+        QCOMPARE(older.dbIndex, 0);
+        emit older.opt->onIdentApply(); // of nobody
+        older.opt->setDevNumber(7);
+        QCOMPARE(older.dbIndex, bench->database.findDev(typeB, 7));
+        QCOMPARE(storedReferenceData(), QByteArray());
+        older.opt->refR[0].value.value = 200.0F;
+        emit older.opt->onIdentApply(); // it cannot be told; the row takes what is known
+        QCOMPARE(storedReferenceData(), taken(older.opt->getRefAllData()));
+        QVERIFY(older.txCodes.isEmpty());
+        list().rmByIndex(0);
+
+        const noxList::_nox &extended = *add(0x0950AA0F, 7);
+        const auto done = [this](quint8 address, int size) {
+            const QByteArray block(size, 'x');
+            emit bench->port.doneSendDevData(device,
+                                             {address, block, noxQueryModeNormal, true, false});
+            return storedReferenceData();
+        };
+        extended.opt->shiftR[0].value = 0.5F;
+        QCOMPARE(done(0, 3976), QByteArray());
+        QCOMPARE(done(1, 72), taken(extended.opt->getRefAllData()));
+        QCOMPARE(storedReferenceData().size(), 72 + 148);
+        QVERIFY(extended.held.referenceData().has_value());
+        QCOMPARE(bench->news(), QString("held 0;held 0"));
+        const QByteArray others = taken(Image().getRefAllData());
+        QVERIFY(bench->database.updRefData(1, &others, typeB, 9, "another"));
+        extended.opt->blockSignals(true);
+        extended.opt->setData(others, 3);
+        extended.opt->devNumber = 0;
+        extended.opt->devType = typeCM;
+        QCOMPARE(done(1, 72), others); // where they are another one's
+    }
+
+    void knownByReferenceData()
+    {
+        Image before;
+        before.setDevType(0x21);
+        before.refR[0].value.value = 75.0F;
+        const QByteArray refdata = taken(before.getRefAllData());
+        const int row = bench->database.addDev(0x21, 815, "NOX C");
+        QVERIFY(bench->database.updRefData(row, &refdata, 0x21, 815, "NOX C"));
+        const noxList::_nox &nox = *list().newNox(device, true);
+        reply(refdata, 3);
+        QCOMPARE(nox.dbIndex, row);
+        QCOMPARE(nox.opt->getDevName(true), QStringLiteral("NOX C № 0815"));
+        emit bench->port.readyDevReply(device + 1, nullptr, 3); // nobody's
+        list().rmByIndex(0);
+
+        noxList::_nox &own = *add(typeB, 7); // who tells its name is found by that
+        const int itsRow = std::exchange(own.dbIndex, 0);
+        reply(refdata, 3);
+        QCOMPARE(own.dbIndex, itsRow);
+        QCOMPARE(own.opt->getDevName(true), QStringLiteral("NOX B № 0007"));
+    }
+
+    void changedConfigurationIsNotTheFactoryState()
+    {
+        const noxList::_nox &nox = *add();
+        nox.opt->setData(taken(nox.opt->getData()), 2); // as it is once it has been read
+        const QByteArray factory = taken(nox.opt->getData());
+        const QByteArray refdata = taken(nox.opt->getRefAllData());
+        const int id = bench->database.setSnapShot(nox.dbIndex, &factory, &refdata, "factory", 0);
+        QByteArray changed = factory;
+        changed[4 + 4 * 2 + 1] = 0x11;
+        reply(changed, 2);
+        QCOMPARE(nox.snapShotId, 0);
+        QCOMPARE(bench->database.getSnapShotCount(nox.dbIndex), 1);
+        reply(factory, 2);
+        QCOMPARE(nox.snapShotId, id);
+    }
+
+    void foundInstrumentIsAdopted()
+    {
+        noxList found(&bench->port, &bench->database);
+        const auto adopt = [&](int foundDevice, quint32 type, quint16 number) {
+            noxList::_nox *nox = found.newNox(foundDevice, false);
+            nox->opt->setDevType(type);
+            nox->opt->setDevNumber(number);
+            QVERIFY(list().addNox(nox));
+            if (list().owns(nox))
+                found.detachByDevIndex(foundDevice);
+        };
+        noxList::_nox &known = *add();
+        adopt(8, typeCM, 5);
+        QCOMPARE(known.devIndex, 8);
+        adopt(9, typeCM, 6);
+        adopt(10, typeB, 5); // another model with that number
+        adopt(11, typeB, 0); // unknown ones are never the same
+        adopt(12, typeB, 0);
+        QCOMPARE(found.indices(), QList<int>{0}); // the one that was known
+        QCOMPARE(bench->news(), QString("change;added 1 1;added 2 1;added 3 1;added 4 1"));
+        Image &other = *list().getNoxByDevIndex(9)->opt;
+        other.devZakorotka = 0;
+        other.setDevZakorotka(1);
+        QCOMPARE(bench->news(), QString("device 1"));
+    }
+
+    void instrumentOnAnotherPortLeavesNoLinkBehind()
+    {
+        noxList::_nox *nox = list().newNox(link("a"), true);
+        noxList found(&bench->port, &bench->database);
+        noxList::_nox *same = found.newNox(link("b"), false);
+        for (const noxList::_nox *record : {nox, same}) {
+            record->opt->setDevType(typeB);
+            record->opt->setDevNumber(5);
+        }
+        QVERIFY(list().addNox(same));
+        QCOMPARE(nox->portName, QString("b"));
+        QCOMPARE(bench->port.devices().size(), 2); // what would let events in comes later
+        QTRY_COMPARE(bench->port.devices(), QList<int>{same->devIndex});
+        QVERIFY(list().addNox(same)); // once more where it is
+        QCoreApplication::processEvents();
+        QCOMPARE(bench->port.devices(), QList<int>{nox->devIndex});
+
+        list().sendNoxData(list().newNox(-1, true)->index, Image::txConfiguration);
+        found.detachByIndex(0);
+        cleanup(); // the write would begin while the link is ending
+    }
+
+    void lostConnectionIsReportedOnceAndKeepsTheRecord()
+    {
+        const noxList::_nox *nox = list().newNox(link("a"), true);
+        noxList::_nox *neighbour = list().newNox(link("b"), true);
+        neighbour->qwtIndex = 0;
+        nox->opt->blockSignals(true);
+        QTRY_VERIFY(bench->measured.size() > 8);
+        bench->news();
+        bench->instruments.host.unplug("a");
+        QTRY_COMPARE(nox->devIndex, -1);
+        QVERIFY(!nox->opt->signalsBlocked());
+        bench->measured.clear();
+        QTRY_VERIFY(bench->measured.size() > 8);
+        const QString error = "change;error 0 200 Обрыв связи [код 24%1]";
+        const QString news = bench->news();
+        QVERIFY2(news == error.arg(6) || news == error.arg(7), qPrintable(news));
+        for (const QString &text : qAsConst(bench->measured)) {
+            const QStringList fields = text.split(' ');
+            QVERIFY(isSteadyMeasurement({fields[1].toInt() + 1, fields[2].toDouble()}));
+        }
+    }
+
+    void linksComeGoAndFail()
+    {
+        const noxList::_nox *nox = list().newNox(link("a"), true);
+        list().disConnByIndex(0);
+        list().disConnByIndex(9); // nobody
+        QVERIFY(nox->devIndex == -1 && bench->port.devices().isEmpty());
+        list().connByIndex(9);
+        list().connByIndex(0);   // where it was
+        list().getOptFromNox(0); // unknown, it is not read
+        QVERIFY(bench->port.isReadAllQuery());
+        QCOMPARE(bench->port.devices(), QList<int>{nox->devIndex});
+        FaultPlan deaf;
+        deaf.ignoredAddressings = FaultPlan::always;
+        bench->instruments.host.setFaults("a", deaf);
+        connect(&list(), &noxList::onDevError, &list(), &noxList::rmByIndex);
+        for (const quint8 address : {3, 2})
+            bench->port.sendDevQuery(nox->devIndex, address, 72, false, noxQueryModeOnce);
+        QTRY_VERIFY(list().indices().isEmpty() && bench->port.devices().isEmpty());
+        QCOMPARE(bench->news(), QString("added 0 0;change;change;change;error 0 200 "
+                                        "Обрыв связи [код 110];change;removed 0 -1"));
+        QVERIFY(bench->port.isReadAllQuery());
+    }
+
+    void errorOfAnUnknownDeviceIsIgnored()
+    {
+        add();
+        emit bench->port.onDevError(device + 1, quint16(247));
+        QCOMPARE(bench->news(), QString());
+        // while the first is handled the same error comes again, as a dying port may repeat it
+        connect(&list(), &noxList::onChange, &bench->port,
+                [this] { emit bench->port.onDevError(device, quint16(247)); });
+        emit bench->port.onDevError(device, quint16(247));
+        QCOMPARE(bench->news(), QString("change;error 0 200 Обрыв связи [код 247]"));
+    }
 
 private:
-    /** A wired record on the plot for a device. */
-    noxList::_nox *onPlot(int devIndex);
-    /** Plugs an instrument in under a name and adds it to the multiplexer. */
-    int connectInstrument(const QString &portName);
-    /** As the multiplexer says it. */
-    void fireMeasurement(int devIndex, double value, quint8 ch, char dim);
+    noxList &list() { return bench->list; }
+    noxList::_nox *add(quint32 type = typeCM, quint16 number = 5, bool hasOwnIdentity = true)
+    {
+        noxList::_nox *nox = list().newNox(device, true);
+        nox->qwtIndex = 40 + nox->index;
+        nox->opt->setDevType(type);
+        nox->opt->setDevNumber(number);
+        nox->opt->identValid = hasOwnIdentity;
+        nox->opt->identApplyPending = false;
+        bench->news();
+        return nox;
+    }
+    /** As the settings dialog does: '0' takes the number away, '7' and '8' are channels. */
+    static void ask(Image *image, char request)
+    {
+        if (request == '0')
+            image->devNumber = 0;
+        else if (request == 'D')
+            image->triggerDevChange();
+        else if (request == 'R')
+            image->triggerRefChange();
+        else if (request == 'S')
+            image->triggerRefShiftChange();
+        else if (request == 'I')
+            emit image->onIdentApply();
+        else if (request == 'N')
+            emit image->onSNApply();
+        else
+            image->triggerChChange(quint8(request - '0'));
+    }
+    /** Plugs an instrument in: its worker. */
+    int link(const QString &portName)
+    {
+        return bench->instruments.add(portName) ? bench->port.addDev(portName) : -1;
+    }
+    void measure(int ch, char unit)
+    {
+        emit bench->port.readyDevMeas(device, 20.5, quint8(ch), unit);
+    }
+    void reply(QByteArray block, quint8 address)
+    {
+        emit bench->port.readyDevReply(device, &block, address);
+    }
+    static QByteArray storedReferenceData()
+    {
+        QSqlQuery query("SELECT device_refdata FROM device ORDER BY device_id DESC");
+        return query.next() ? query.value(0).toByteArray() : QByteArray("no row");
+    }
 
-    noxSql closedDatabase{QString()};
-    std::unique_ptr<InstrumentBench> bench;
-    std::unique_ptr<NOXSerialPort> port;
-    std::unique_ptr<noxList> list;
+    std::unique_ptr<RegistryBench> bench;
 };
-
-void TestNoxList::init()
-{
-    bench = std::make_unique<InstrumentBench>();
-    port = std::make_unique<NOXSerialPort>();
-    LinkTiming timing = shortTiming();
-    timing.initDelay = 50;
-    port->setLinkTiming(timing);
-    list = std::make_unique<noxList>(port.get(), &closedDatabase);
-}
-
-void TestNoxList::cleanup()
-{
-    list.reset();
-    port.reset();
-    bench.reset();
-}
-
-noxList::_nox *TestNoxList::onPlot(int devIndex)
-{
-    noxList::_nox *nox = list->newNox(devIndex, true);
-    nox->qwtIndex = plotIndex + nox->index;
-    return nox;
-}
-
-int TestNoxList::connectInstrument(const QString &portName)
-{
-    return bench->add(portName) ? port->addDev(portName) : -1;
-}
-
-void TestNoxList::fireMeasurement(int devIndex, double value, quint8 ch, char dim)
-{
-    emit port->readyDevMeas(devIndex, value, ch, dim);
-}
-
-void TestNoxList::newRecordStartsWithItsDefaults()
-{
-    QSignalSpy added(list.get(), &noxList::onAddNox);
-    const noxList::_nox *offline = list->newNox(-1, true);
-    QCOMPARE(identityOf(*offline), (QStringList{"0", "-1", "-", "held"}));
-    QCOMPARE(offline->dbIndex, 0);
-    QCOMPARE(offline->snapShotId, 0);
-    QCOMPARE(offline->qwtIndex, -1);
-    QCOMPARE(int(offline->mainCh), 0);
-    QVERIFY(offline->fileName.isEmpty());
-    QVERIFY(!offline->clearOnResume);
-    QVERIFY(!offline->recording && offline->recFileName.isEmpty());
-    QCOMPARE(offline->recFieldSep, QString(";"));
-    QCOMPARE(int(offline->recPrecision), 4);
-    QVERIFY(offline->recPointSep.isEmpty());
-    QCOMPARE(int(offline->recInterval), 0);
-    QCOMPARE(offline->recRow, 0);
-    QVERIFY(offline->txCodes.isEmpty());
-    QVERIFY(offline->txTimer->isSingleShot() && !offline->txTimer->isActive());
-    QCOMPARE(offline->txTimer->interval(), 5000);
-    QCOMPARE(offline->opt->devType, 0u);
-
-    const int device = connectInstrument("a");
-    const noxList::_nox *online = list->newNox(device, true);
-    QCOMPARE(identityOf(*online), (QStringList{"1", "0", "a", "processed"}));
-    QCOMPARE(added.size(), 2);
-    QCOMPARE(added.at(1), (QVariantList{1, false}));
-}
-
-void TestNoxList::indexIsOneMoreThanTheLargest()
-{
-    for (int i = 0; i < 4; ++i)
-        QCOMPARE(list->newNox(-1, true)->index, i);
-    list->rmByIndex(1);
-    QCOMPARE(list->newNox(-1, true)->index, 4);
-    list->rmByIndex(4);
-    QCOMPARE(list->newNox(-1, false)->index, 4);
-    QCOMPARE(list->indices(), (QList<int>{0, 2, 3, 4}));
-}
-
-void TestNoxList::recordsAreFoundByEachIndex()
-{
-    list->newNox(-1, true);
-    noxList::_nox *nox = onPlot(7);
-    nox->dbIndex = 12;
-
-    QCOMPARE(list->getNoxByIndex(1), nox);
-    QCOMPARE(list->getNoxByDevIndex(7), nox);
-    QCOMPARE(list->getNoxByQwtIndex(plotIndex + 1), nox);
-    QCOMPARE(list->getIndexByDev(7), 1);
-    QCOMPARE(list->getQWTIndex(1), plotIndex + 1);
-    QCOMPARE(list->getDBIndex(1), 12);
-    QVERIFY(list->isDevIndex(7));
-
-    QVERIFY(!list->getNoxByIndex(2));
-    QVERIFY(!list->getNoxByDevIndex(8));
-    QVERIFY(!list->getNoxByQwtIndex(1));
-    QCOMPARE(list->getIndexByDev(8), -1);
-    QCOMPARE(list->getQWTIndex(2), -1);
-    QCOMPARE(list->getDBIndex(2), -1);
-    QVERIFY(!list->isDevIndex(8));
-}
-
-void TestNoxList::refusesTheRecordAfterTheLast()
-{
-    for (int i = 0; i < 254; ++i)
-        QVERIFY(list->newNox(-1, true));
-    QSignalSpy added(list.get(), &noxList::onAddNox);
-    QVERIFY(!list->newNox(-1, true));
-    QCOMPARE(added.size(), 1);
-    QCOMPARE(added.at(0), (QVariantList{-1, false}));
-    list->rmByIndex(100);
-    QVERIFY(list->newNox(-1, true));
-}
-
-void TestNoxList::measurementIsMapped_data()
-{
-    QTest::addColumn<quint32>("type");
-    QTest::addColumn<optionsNOX8::_chMeasType>("measType");
-    QTest::addColumn<int>("onOff");
-    QTest::addColumn<int>("ch");
-    QTest::addColumn<char>("dim");
-    QTest::addColumn<QString>("unit");
-
-    const auto custom = measTemperatureCustom;
-    const auto plain = measTemperature;
-    QTest::newRow("ohm") << typeB << plain << 1 << 2 << 'A' << "Ω";
-    QTest::newRow("degree") << typeB << plain << 1 << 2 << 'B' << "°С";
-    QTest::newRow("millivolt") << typeB << plain << 1 << 2 << 'C' << "мВ";
-    QTest::newRow("unknown letter") << typeB << plain << 1 << 2 << 'Z' << "-";
-    QTest::newRow("user's unit") << typeB << custom << 1 << 2 << 'B' << "bar";
-    QTest::newRow("user's unit, channel off") << typeB << custom << 0 << 2 << 'B' << "°С";
-    QTest::newRow("first channel of an unknown model") << 0u << plain << 1 << 1 << 'B' << "°С";
-    QTest::newRow("channel beyond the model") << typeB << custom << 1 << 9 << 'A' << "Ω";
-    QTest::newRow("last channel number") << typeB << custom << 1 << 255 << 'A' << "Ω";
-}
-
-void TestNoxList::measurementIsMapped()
-{
-    QFETCH(quint32, type);
-    QFETCH(optionsNOX8::_chMeasType, measType);
-    QFETCH(int, onOff);
-    QFETCH(int, ch);
-    QFETCH(char, dim);
-    QFETCH(QString, unit);
-    noxList::_nox *nox = onPlot(3);
-    nox->processed = true;
-    nox->opt->setDevType(type);
-    for (quint8 i = 0; i < nox->opt->getDevChCount(); ++i) {
-        nox->opt->setChMeasType(i, measType, "bar");
-        nox->opt->setChOnOff(i, optionsNOX8::_chOnOff(onOff));
-    }
-    QSignalSpy measured(list.get(), &noxList::onReadMeas);
-    fireMeasurement(3, 20.125, quint8(ch), dim);
-    QCOMPARE(measured.size(), 1);
-    QCOMPARE(measured.at(0).at(0).toInt(), nox->index);
-    QCOMPARE(measured.at(0).at(1).toDouble(), 20.125);
-    QCOMPARE(measured.at(0).at(2).toInt(), ch - 1);
-    QCOMPARE(measured.at(0).at(3).toString(), unit);
-}
-
-void TestNoxList::measurementIsHeldBack()
-{
-    noxList::_nox *nox = onPlot(3);
-    QSignalSpy measured(list.get(), &noxList::onReadMeas);
-    const auto passes = [&] {
-        const int before = measured.size();
-        fireMeasurement(3, 20.0, 1, 'B');
-        return measured.size() > before;
-    };
-    QVERIFY(passes());
-    nox->qwtIndex = -1;
-    QVERIFY2(!passes(), "not on the plot");
-    nox->qwtIndex = 0;
-    nox->processed = false;
-    QVERIFY2(!passes(), "not processed");
-    nox->processed = true;
-    nox->txCodes = {optionsNOX8::txConfiguration};
-    QVERIFY2(!passes(), "a write is pending");
-    nox->txCodes.clear();
-    QVERIFY(passes());
-    fireMeasurement(4, 20.0, 1, 'B');
-    QCOMPARE(measured.size(), 2);
-}
-
-void TestNoxList::processingSwitch()
-{
-    const noxList::_nox *nox = onPlot(3);
-    QSignalSpy changed(list.get(), &noxList::onChange);
-    QSignalSpy cleared(list.get(), &noxList::doClearQwt);
-    list->setProccesed(0, true, true); // it is on already
-    list->setProccesed(9, false, true);
-    QCOMPARE(changed.size(), 0);
-
-    list->setProccesed(0, false, true);
-    QVERIFY(!nox->processed && nox->clearOnResume);
-    list->setProccesed(0, false, false); // no second time, whatever the flag
-    QVERIFY(nox->clearOnResume);
-    QCOMPARE(changed.size(), 1);
-    QCOMPARE(cleared.size(), 0);
-
-    list->setProccesed(0, true, false);
-    QVERIFY(nox->processed && !nox->clearOnResume);
-    QCOMPARE(cleared.size(), 1);
-    QCOMPARE(cleared.at(0).at(0).toInt(), plotIndex);
-
-    list->setProccesed(0, false, false);
-    list->setProccesed(0, true, true);
-    QCOMPARE(cleared.size(), 1);
-    QCOMPARE(changed.size(), 4);
-}
-
-void TestNoxList::imageChangesCarryTheIndex()
-{
-    list->newNox(-1, true);
-    const noxList::_nox *nox = list->newNox(-1, true);
-    QSignalSpy device(list.get(), &noxList::onDevChange);
-    QSignalSpy identity(list.get(), &noxList::onIdentChange);
-    QSignalSpy references(list.get(), &noxList::onRefChange);
-    QSignalSpy channel(list.get(), &noxList::onChChange);
-    nox->opt->setDevType(typeB);
-    nox->opt->setChOnOff(5, 0);
-    for (const QSignalSpy *spy : {&device, &identity, &references}) {
-        QCOMPARE(spy->size(), 1);
-        QCOMPARE(spy->at(0).at(0).toInt(), 1);
-    }
-    QCOMPARE(channel.size(), 1);
-    QCOMPARE(channel.at(0).at(0).toInt(), 1);
-    QCOMPARE(channel.at(0).at(1).toInt(), 5);
-}
-
-void TestNoxList::imageSetsTheCommandByte()
-{
-    const int device = connectInstrument("a");
-    QSignalSpy command(port.get(), &NOXSerialPort::onSetDevType);
-    for (bool wire : {false, true}) {
-        command.clear();
-        const noxList::_nox *nox = list->newNox(device, wire);
-        nox->opt->setDevType(typeB);
-        QVERIFY(!command.isEmpty());
-        QCOMPARE(command.last().at(0).toInt(), device);
-        QCOMPARE(int(command.last().at(1).value<char>()), 1);
-    }
-}
-
-void TestNoxList::disconnectedRecordStays()
-{
-    const int device = connectInstrument("a");
-    const noxList::_nox *nox = onPlot(device);
-    QSignalSpy changed(list.get(), &noxList::onChange);
-    QSignalSpy errors(list.get(), &noxList::onDevError);
-    list->disConnByIndex(nox->index);
-    QCOMPARE(nox->devIndex, -1);
-    QCOMPARE(changed.size(), 1);
-    QCOMPARE(port->getPortName(device), QString("-"));
-    list->disConnByIndex(nox->index); // nothing left to end
-    list->disConnByIndex(9);
-    QCOMPARE(list->indices(), QList<int>{0});
-    QCOMPARE(errors.size(), 0);
-    QCOMPARE(port->addDev("a"), device);
-}
-
-void TestNoxList::removedRecordIsAnnouncedWithItsIndices()
-{
-    const int device = connectInstrument("a");
-    onPlot(-1);
-    onPlot(device);
-    QSignalSpy removed(list.get(), &noxList::onRmNox);
-    list->rmByIndex(1);
-    list->rmByIndex(1);
-    QCOMPARE(removed.size(), 1);
-    QCOMPARE(removed.at(0), (QVariantList{1, plotIndex + 1}));
-    QCOMPARE(port->getPortName(device), QString("-"));
-    QCOMPARE(list->indices(), QList<int>{0});
-}
-
-void TestNoxList::liveMeasurementsArriveOnceAfterRemovalAndReturn()
-{
-    QSignalSpy measured(list.get(), &noxList::onReadMeas);
-    QSignalSpy streamed(port.get(), &NOXSerialPort::readyDevMeas);
-    const int device = connectInstrument("a");
-    for (int round = 0; round < 3; ++round) {
-        const noxList::_nox *nox = onPlot(device);
-        const noxList::_nox *other = onPlot(-1);
-        measured.clear();
-        streamed.clear();
-        QTRY_VERIFY(measured.size() > 8);
-        QCOMPARE(measured.size(), streamed.size());
-        for (const QVariantList &arguments : measured)
-            QVERIFY(isSteadyMeasurement({arguments.at(2).toInt() + 1, arguments.at(1).toDouble()}));
-        list->rmByIndex(nox->index);
-        list->rmByIndex(other->index);
-        QCOMPARE(port->addDev("a"), device);
-        // nobody listens while the registry is empty
-        measured.clear();
-        fireMeasurement(device, 20.0, 1, 'B');
-        QCOMPARE(measured.size(), 0);
-    }
-}
-
-void TestNoxList::lostConnectionIsReportedOnceAndKeepsTheRecord()
-{
-    const int device = connectInstrument("a");
-    const int neighbour = connectInstrument("b");
-    const noxList::_nox *nox = onPlot(device);
-    onPlot(neighbour);
-    nox->opt->blockSignals(true);
-    QSignalSpy measured(list.get(), &noxList::onReadMeas);
-    QSignalSpy errors(list.get(), &noxList::onDevError);
-    QSignalSpy removed(list.get(), &noxList::onRmNox);
-    QTRY_VERIFY(measured.size() > 8);
-
-    bench->host.unplug("a");
-    QTRY_COMPARE(errors.size(), 1);
-    QCOMPARE(errors.at(0).at(0).toInt(), nox->index);
-    QCOMPARE(errors.at(0).at(1).toInt(), 200);
-    const QString text = errors.at(0).at(2).toString();
-    QVERIFY2(text == "Обрыв связи [код 247]" || text == "Обрыв связи [код 246]", qPrintable(text));
-    QCOMPARE(nox->devIndex, -1);
-    QVERIFY(!nox->opt->signalsBlocked());
-    QCOMPARE(list->indices(), (QList<int>{0, 1}));
-
-    const int before = measured.size();
-    QTRY_VERIFY(measured.size() > before + 8);
-    QCOMPARE(errors.size(), 1);
-    QCOMPARE(removed.size(), 0);
-    QVERIFY(list->isDevIndex(neighbour));
-}
-
-void TestNoxList::failedExchangeIsALostConnection()
-{
-    const int device = connectInstrument("a");
-    const noxList::_nox *nox = onPlot(device);
-    FaultPlan deaf;
-    deaf.ignoredAddressings = FaultPlan::always;
-    bench->host.setFaults("a", deaf);
-    QSignalSpy errors(list.get(), &noxList::onDevError);
-    port->sendDevQuery(device, 3, 72, false, noxQueryModeOnce);
-    port->sendDevQuery(device, 2, 3976, false, noxQueryModeOnce);
-    QTRY_COMPARE(errors.size(), 1);
-    QCOMPARE(errors.at(0).at(2).toString(), QString("Обрыв связи [код 110]"));
-    QCOMPARE(nox->devIndex, -1);
-    QTest::qWait(300);
-    QCOMPARE(errors.size(), 1);
-    QVERIFY(port->isReadAllQuery());
-}
-
-void TestNoxList::errorOfAnUnknownDeviceIsIgnored()
-{
-    onPlot(3);
-    QSignalSpy errors(list.get(), &noxList::onDevError);
-    QSignalSpy changed(list.get(), &noxList::onChange);
-    emit port->onDevError(4, quint16(247));
-    QCOMPARE(errors.size() + changed.size(), 0);
-    // while the first is handled the same error comes again, as a dying port may repeat it
-    connect(list.get(), &noxList::onChange, this,
-            [this] { emit port->onDevError(3, quint16(247)); });
-    emit port->onDevError(3, quint16(247));
-    QCOMPARE(errors.size(), 1);
-    QCOMPARE(changed.size(), 1);
-}
-
-void TestNoxList::recordRemovedByTheReceiverOfItsError()
-{
-    const int device = connectInstrument("a");
-    onPlot(device);
-    QSignalSpy removed(list.get(), &noxList::onRmNox);
-    connect(list.get(), &noxList::onDevError, this, [this](int index) { list->rmByIndex(index); });
-    port->sendDevQuery(device, 3, 72);
-    bench->host.unplug("a");
-    QTRY_COMPARE(removed.size(), 1);
-    QVERIFY(list->indices().isEmpty());
-    QTRY_COMPARE(port->getPortName(device), QString("-"));
-}
-
-void TestNoxList::instrumentOnAnotherPortLeavesNoLinkBehind()
-{
-    noxList::_nox *nox = onPlot(connectInstrument("a"));
-    noxList found(port.get(), &closedDatabase);
-    noxList::_nox *same = found.newNox(connectInstrument("b"), false);
-    for (const noxList::_nox *record : {nox, same}) {
-        record->opt->setDevType(typeB);
-        record->opt->setDevNumber(5);
-    }
-    const int former = nox->devIndex;
-    QVERIFY(list->addNox(same));
-    QCOMPARE(nox->portName, QString("b"));
-    QTRY_COMPARE(port->devices(), QList<int>{nox->devIndex});
-    QVERIFY(nox->devIndex != former);
-
-    list->setWriteDelay(0);
-    list->sendNoxData(onPlot(-1)->index, optionsNOX8::txConfiguration);
-    list.reset(); // the write would begin while the link is ending
-    QVERIFY(port->devices().isEmpty());
-}
 
 QTEST_GUILESS_MAIN(TestNoxList)
 #include "tst_noxlist.moc"
