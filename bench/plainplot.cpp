@@ -1,6 +1,6 @@
 #include "plainplot.h"
 
-#include "plot/channelcolors.h"
+#include "plot/plotitems.h"
 #include "plothistory.h"
 
 #include <QCoreApplication>

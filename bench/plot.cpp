@@ -2,8 +2,8 @@
 
 #include "averageerror.h"
 #include "plainplot.h"
-#include "plot/channelcolors.h"
 #include "plot/envelopecurve.h"
+#include "plot/plotitems.h"
 #include "plot/qwtnox.h"
 #include "plothistory.h"
 #include "processortime.h"

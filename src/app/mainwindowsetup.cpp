@@ -125,7 +125,6 @@ void MainWindow::buildAlarm()
 void MainWindow::buildInstruments()
 {
     m_serialPort = std::make_unique<NOXSerialPort>();
-    registerExchangeItems();
     m_registry = std::make_unique<noxList>(m_serialPort.get(), m_database.get());
 }
 

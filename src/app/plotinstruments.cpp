@@ -9,8 +9,6 @@ namespace
 
 constexpr char channelProperty[] = "ch";
 constexpr char indexProperty[] = "index";
-constexpr uchar noChannel = 255;
-constexpr int noInstrument = -1;
 
 uchar channelOf(const QObject *object)
 {

@@ -103,6 +103,26 @@ std::unique_ptr<ChoiceMenu> limitChoices(QwtNOX *plot, QWidget *parent)
     return menu;
 }
 
+/** The labelling of the X axis that follows at a click. */
+TmcModeX nextModeX(TmcModeX mode)
+{
+    switch (mode) {
+    case ModeXSeconds:
+        return ModeXAbsolute;
+    case ModeXAbsolute:
+        return ModeXRelative;
+    case ModeXRelative:
+        break;
+    }
+    return ModeXSeconds;
+}
+
+/** The mode that follows at a click; `fixedScale`: a step of X or Y has been chosen. */
+TmcMode nextMode(TmcMode mode, bool fixedScale)
+{
+    return mode != ModeFollow && fixedScale ? ModeFollow : ModeAuto;
+}
+
 } // namespace
 
 ChoiceMenu::ChoiceMenu(std::function<int()> current, QWidget *parent)
@@ -182,24 +202,6 @@ void PlotButtons::refresh()
     m_buttons.scroll->setChecked(mode == ModeScroll);
     m_buttons.measure->setChecked(mode == ModeMeasure);
     m_buttons.limits->setChecked(m_plot->getModeTrack() != TrackOff);
-}
-
-TmcModeX PlotButtons::nextModeX(TmcModeX mode)
-{
-    switch (mode) {
-    case ModeXSeconds:
-        return ModeXAbsolute;
-    case ModeXAbsolute:
-        return ModeXRelative;
-    case ModeXRelative:
-        break;
-    }
-    return ModeXSeconds;
-}
-
-TmcMode PlotButtons::nextMode(TmcMode mode, bool fixedScale)
-{
-    return mode != ModeFollow && fixedScale ? ModeFollow : ModeAuto;
 }
 
 void PlotButtons::switchMode()

@@ -76,11 +76,6 @@ public:
     /** A click on the button of ModeZoom, ModeScroll or ModeMeasure has checked or unchecked it. */
     void applyTool(TmcMode tool);
 
-    /** The labelling of the X axis that follows at a click. */
-    static TmcModeX nextModeX(TmcModeX mode);
-    /** The mode that follows at a click; `fixedScale`: a step of X or Y has been chosen. */
-    static TmcMode nextMode(TmcMode mode, bool fixedScale);
-
 private:
     void switchMode();
     const QToolButton *toolButton(TmcMode tool) const;

@@ -36,7 +36,7 @@ int levelWithin(const TimeSpan &span, const Series &times, int first)
 /** The first point from `first` on outside of `span`, or else the end of the block of 64. */
 int endOfSingles(const TimeSpan &span, const Series &times, int first)
 {
-    const int end = std::min(times.size(), SealedLevels::nextBlock(first));
+    const int end = std::min(times.size(), MinMaxPyramid::nextBlock(first));
     const double *stretch = times.stretch(first);
     int i = first;
     while (i < end && span.contains(stretch[i - first]))
@@ -44,37 +44,36 @@ int endOfSingles(const TimeSpan &span, const Series &times, int first)
     return i;
 }
 
-/** The first point from `first` on outside of `span`; adds to `read` what it looked at. */
-int walkOutOf(const TimeSpan &span, const Series &times, int first, int &read)
+/** The first point from `first` on outside of `span`. */
+int walkOutOf(const TimeSpan &span, const Series &times, int first)
 {
     int next = first;
     do {
         first = next;
         const int level = levelWithin(span, times, first);
-        next =
-            level < 0 ? endOfSingles(span, times, first) : first + SealedLevels::blockLength(level);
-        read += level < 0 ? next - first + 1 : 1;
+        next = level < 0 ? endOfSingles(span, times, first)
+                         : first + MinMaxPyramid::blockLength(level);
     } while (next != first && next < times.size());
     return next;
 }
 
 /**
  * The first point from `first` on whose time, in ascending times, is not below `bound`: first
- * sought around `guess`, where it is when points come regularly. Adds to `read` what it looked at.
+ * sought around `guess`, where it is when points come regularly.
  */
-int searchFrom(int guess, const Series &times, int first, double bound, int &read)
+int searchFrom(int guess, const Series &times, int first, double bound)
 {
     int low = first;         // the points before it are below
     int high = times.size(); // the points from it on are not
     int step = 1;
-    for (int probe = guess - 1; probe >= low && probe < high; ++read, step *= 2) {
+    for (int probe = guess - 1; probe >= low && probe < high; step *= 2) {
         if (times[probe] < bound)
             low = probe + 1;
         else
             high = probe;
         probe = low > probe ? probe + step : probe - step;
     }
-    for (; low < high; ++read) {
+    while (low < high) {
         const int middle = low + (high - low) / 2;
         if (times[middle] < bound)
             low = middle + 1;
@@ -102,7 +101,7 @@ int PixelColumns::columnOf(double time) const
     return column;
 }
 
-void TimeRuns::divide(const PixelColumns &columns, const Series &times, int *read)
+void TimeRuns::divide(const PixelColumns &columns, const Series &times)
 {
     if (!(columns == m_columns))
         forget();
@@ -112,22 +111,22 @@ void TimeRuns::divide(const PixelColumns &columns, const Series &times, int *rea
         const int column = columns.columnOf(times[next]);
         if (m_runs.empty() || m_runs.back().column != column)
             m_runs.push_back({column, next, next - 1});
-        next = endOfRun(times, next, read);
+        next = endOfRun(times, next);
         m_runs.back().last = next - 1;
     }
 }
 
 /** End of the stretch of points from `first` on that lie in the column of the newest run. */
-int TimeRuns::endOfRun(const Series &times, int first, int *read) const
+int TimeRuns::endOfRun(const Series &times, int first) const
 {
     const TimeSpan span = spanOf(m_columns, m_runs.back().column);
     if (!times.isAscending())
-        return walkOutOf(span, times, first, *read);
+        return walkOutOf(span, times, first);
     const TimeRun &before = m_runs[m_runs.size() < 2 ? 0 : m_runs.size() - 2];
     const int length = before.last - before.first + 1;
     const int guess = std::min(first + length, times.size());
     prefetch(times.stretch(std::min(guess + length, times.size() - 1)), 1); // of the run after it
-    return searchFrom(guess, times, first, span.end, *read);
+    return searchFrom(guess, times, first, span.end);
 }
 
 void TimeRuns::forget()
@@ -144,8 +143,7 @@ ColumnRuns::ColumnRuns(std::shared_ptr<TimeRuns> times)
 template<typename Values>
 void ColumnRuns::divide(const PixelColumns &columns, const Series &times, const Values &values)
 {
-    m_blocksRead = 0;
-    m_times->divide(columns, times, &m_blocksRead);
+    m_times->divide(columns, times);
     if (m_division != m_times->division())
         m_runs.clear();
     m_division = m_times->division();
@@ -159,7 +157,7 @@ void ColumnRuns::divide(const PixelColumns &columns, const Series &times, const 
         ColumnRun &run = m_runs[i];
         if (run.last == divided[i].last)
             continue;
-        run.values.include(values.range(run.last + 1, divided[i].last + 1, &m_blocksRead));
+        run.values.include(values.range(run.last + 1, divided[i].last + 1));
         run.last = divided[i].last;
         run.lastValue = values[run.last];
     }

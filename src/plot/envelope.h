@@ -43,9 +43,8 @@ struct TimeRun {
 class TimeRuns
 {
 public:
-    /** Divides `times`, which continue those of the call before unless forget() was called. Adds to
-     * `read` the number of blocks and single times that it looked at. */
-    void divide(const PixelColumns &columns, const Series &times, int *read);
+    /** Divides `times`, which continue those of the call before unless forget() was called. */
+    void divide(const PixelColumns &columns, const Series &times);
 
     /** Call it before dividing other times. */
     void forget();
@@ -55,7 +54,7 @@ public:
     int division() const { return m_division; }
 
 private:
-    int endOfRun(const Series &times, int first, int *read) const;
+    int endOfRun(const Series &times, int first) const;
 
     PixelColumns m_columns;
     std::vector<TimeRun> m_runs;
@@ -90,12 +89,9 @@ public:
     void forget();
 
     const std::vector<ColumnRun> &runs() const { return m_runs; }
-    /** Number of blocks and single points that the latest divide() looked at. */
-    int blocksRead() const { return m_blocksRead; }
 
 private:
     std::shared_ptr<TimeRuns> m_times;
     int m_division = 0; ///< of the times, to which the runs belong
     std::vector<ColumnRun> m_runs;
-    int m_blocksRead = 0;
 };

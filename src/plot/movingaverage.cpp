@@ -6,7 +6,7 @@ namespace
 {
 
 constexpr int before = averagingWindow - 1; ///< values in a window beside the newest
-constexpr int blockSize = SealedLevels::valuesPerBlock;
+constexpr int blockSize = MinMaxPyramid::valuesPerBlock;
 
 using Window = std::array<double, before + blockSize>; ///< a block, and what came before it
 using Sums = std::array<double, blockSize>;
@@ -37,13 +37,13 @@ Sums windowSums(const Window &values, std::size_t count)
 void MovingAverages::follow(const Series &values)
 {
     if (!values.continues(m_values))
-        m_levels.reset();
+        m_pyramid.reset();
     m_values = values;
-    int sealed = m_levels ? m_levels->sealedValues() : 0;
-    for (; sealed + blockSize <= size(); sealed += blockSize) {
-        if (!m_levels)
-            m_levels = std::make_shared<SealedLevels>();
-        m_levels->seal(singles(sealed, sealed + blockSize));
+    int inBlocks = m_pyramid ? m_pyramid->size() : 0;
+    for (; inBlocks + blockSize <= size(); inBlocks += blockSize) {
+        if (!m_pyramid)
+            m_pyramid = std::make_shared<MinMaxPyramid>();
+        m_pyramid->append(singles(inBlocks, inBlocks + blockSize));
     }
 }
 
@@ -60,7 +60,7 @@ double MovingAverages::sum(int index) const
     return ((pair(8) + pair(6)) + (pair(4) + pair(2))) + pair(0);
 }
 
-ValueRange MovingAverages::range(int first, int end, int *read) const
+ValueRange MovingAverages::range(int first, int end) const
 {
     first = std::max(first, 0);
     end = std::min(end, size());
@@ -68,10 +68,8 @@ ValueRange MovingAverages::range(int first, int end, int *read) const
         return {};
     m_values.prefetchEnds(first, end);
     const auto inBlock = [this](int from, int to) { return singles(from, to); };
-    int unread = 0;
-    read = read ? read : &unread;
-    return m_levels ? m_levels->range(first, end, inBlock, read)
-                    : SealedLevels().range(first, end, inBlock, read);
+    return m_pyramid ? m_pyramid->range(first, end, inBlock)
+                     : MinMaxPyramid().range(first, end, inBlock);
 }
 
 /** Range of the averages of a stretch inside one block of 64. */
@@ -85,7 +83,7 @@ ValueRange MovingAverages::singles(int first, int end) const
     Window window{};
     double *copied = window.data();
     for (int i = first - before; i < end;) {
-        const int count = std::min(end, SealedLevels::nextBlock(i)) - i;
+        const int count = std::min(end, MinMaxPyramid::nextBlock(i)) - i;
         copied = std::copy_n(m_values.stretch(i), count, copied);
         i += count;
     }

@@ -11,7 +11,7 @@ constexpr int averagingWindow = 10;
  *
  * An average is not stored; reading one adds up its values. So it knows nothing of what has left
  * the window, and its error is at most 10 * 2^-53 of the mean of the magnitudes. Minimum and
- * maximum are sealed per block as in the series itself. Copies are as cheap.
+ * maximum are kept per block as in the series itself. Copies are as cheap.
  */
 class MovingAverages
 {
@@ -39,20 +39,19 @@ public:
     }
 
     /** Range of the averages from `first` to before `end`; places that do not exist are left out.
-     * Adds to `read` the number of blocks and single values that it took.
      */
-    ValueRange range(int first, int end, int *read = nullptr) const;
-
+    ValueRange range(int first, int end) const;
+    /** Fetches all that range() reads of the same stretch, which is not empty. */
     [[gnu::always_inline]] void prefetchRange(int first, int end) const
     {
         m_values.prefetchEnds(first, end);
-        if (m_levels)
-            m_levels->prefetchRange(first, end);
+        if (m_pyramid)
+            m_pyramid->prefetchRange(first, end);
     }
 
 private:
     ValueRange singles(int first, int end) const;
 
     Series m_values;
-    std::shared_ptr<SealedLevels> m_levels; ///< null until the first block is sealed
+    std::shared_ptr<MinMaxPyramid> m_pyramid; ///< null until the first block is full
 };

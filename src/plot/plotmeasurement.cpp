@@ -1,30 +1,126 @@
 #include "plot/plotmeasurement.h"
 
-#include "plot/frameplacement.h"
-#include "plot/measurementframe.h"
-#include "plot/pointframe.h"
+#include "plot/intervalstatistics.h"
+#include "plot/plotrecords.h"
 
+#include <QPen>
 #include <qwt_plot.h>
+#include <qwt_plot_marker.h>
 #include <qwt_scale_widget.h>
+
+namespace
+{
+
+QwtPlotMarker *addCross(QwtPlot *plot)
+{
+    auto *cross = new QwtPlotMarker;
+    cross->setLineStyle(QwtPlotMarker::Cross);
+    cross->setLinePen(QPen(Qt::darkGray, 2, Qt::DotLine));
+    cross->setVisible(false);
+    cross->attach(plot);
+    return cross;
+}
+
+void place(QwtPlotMarker *cross, const QPointF &point)
+{
+    cross->setValue(point);
+    cross->setVisible(true);
+}
+
+void takeAway(QwtPlotMarker *cross)
+{
+    cross->setValue(0, 0);
+    cross->setVisible(false);
+}
+
+bool standsAt(const QwtPlotMarker *cross, const QPointF &point)
+{
+    return cross->isVisible() && cross->value() == point;
+}
+
+QString noStatistics()
+{
+    return QStringLiteral("--");
+}
+
+} // namespace
+
+QString readingText(const PlotChannel &channel, double value)
+{
+    return numberText(value, channel.precision + 1);
+}
+
+MeasurementTexts measurementTexts(const PlotChannel &channel, const QPointF &first,
+                                  const QPointF &second, const TimeFormat &format)
+{
+    const TimeSpanTexts times = timeSpanTexts(format, first.x(), second.x());
+    const IntervalStatistics statistics =
+        intervalStatistics(channel.times(), channel.values(), first.x(), second.x());
+
+    MeasurementTexts texts;
+    texts.x1 = times.first;
+    texts.x2 = times.second;
+    texts.deltaX = times.between;
+    texts.y1 = readingText(channel, first.y());
+    texts.y2 = readingText(channel, second.y());
+    texts.deltaY = readingText(channel, second.y() - first.y());
+    texts.count = QString::number(statistics.count);
+    texts.mean = statistics.count > 0 ? readingText(channel, statistics.mean) : noStatistics();
+    texts.deviation = statistics.count > 1
+                          ? QString::number(statistics.deviation, 'f', channel.precision + 2)
+                          : noStatistics();
+    return texts;
+}
 
 PlotMeasurement::PlotMeasurement(QwtPlot *plot)
     : m_plot(plot)
-    , m_markers(plot)
+    , m_first(addCross(plot))
+    , m_second(addCross(plot))
     , m_pointFrame(new PointFrame(plot))
     , m_measurementFrame(new MeasurementFrame(plot))
 {
 }
 
+bool PlotMeasurement::hasFirst() const
+{
+    return m_first->isVisible();
+}
+
+bool PlotMeasurement::hasSecond() const
+{
+    return m_second->isVisible();
+}
+
+QPointF PlotMeasurement::first() const
+{
+    return m_first->value();
+}
+
+QPointF PlotMeasurement::second() const
+{
+    return m_second->value();
+}
+
 void PlotMeasurement::start(const QPointF &point)
 {
     m_measurementFrame->hide();
-    m_markers.start(point);
+    takeAway(m_second);
+    place(m_first, point);
 }
 
 void PlotMeasurement::add(const QPointF &point)
 {
-    m_markers.add(point);
-    if (!m_markers.standAt(m_pointFrame->anchor()))
+    if (!hasFirst()) {
+        takeAway(m_second);
+        place(m_first, point);
+    } else if (point.x() < first().x()) {
+        place(m_second, first());
+        place(m_first, point);
+    } else {
+        place(m_second, point);
+    }
+    const QPointF told = m_pointFrame->anchor();
+    if (!standsAt(m_first, told) && !standsAt(m_second, told))
         m_pointFrame->hide(); // its point has given way to the new one
 }
 
@@ -43,7 +139,8 @@ void PlotMeasurement::showInterval(const QPointF &added, const MeasurementTexts 
 
 void PlotMeasurement::reset()
 {
-    m_markers.reset();
+    takeAway(m_first);
+    takeAway(m_second);
     hideFrames();
 }
 
@@ -55,8 +152,7 @@ void PlotMeasurement::hideFrames()
 
 void PlotMeasurement::followAxes()
 {
-    for (ValueFrame *frame :
-         {static_cast<ValueFrame *>(m_pointFrame), static_cast<ValueFrame *>(m_measurementFrame)})
+    for (ValueFrame *frame : std::initializer_list<ValueFrame *>{m_pointFrame, m_measurementFrame})
         if (!frame->isHidden())
             moveBeside(frame, placeOf(frame->anchor()));
 }

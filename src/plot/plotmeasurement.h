@@ -1,27 +1,40 @@
 #pragma once
 
-#include "plot/measurementmarkers.h"
+#include "plot/measurementframes.h"
+#include "plot/plottexts.h"
 
-class MeasurementFrame;
-class PointFrame;
 class QwtPlot;
-class ValueFrame;
-struct MeasurementTexts;
+class QwtPlotMarker;
+struct PlotChannel;
 
-/** A measurement between two points as it is seen: the crosses, and the frames beside them. */
+/** What is known between two points of a channel, of which the first is not the later one. */
+MeasurementTexts measurementTexts(const PlotChannel &channel, const QPointF &first,
+                                  const QPointF &second, const TimeFormat &format);
+
+/** A value read off the plot: one decimal more than the axis, for there is something to read
+ * between two ticks. */
+QString readingText(const PlotChannel &channel, double value);
+
+/**
+ * A measurement between two points as it is seen: the crosses, of which the first never stands
+ * right of the second, and the frames beside them.
+ */
 class PlotMeasurement
 {
 public:
     /** Crosses and frames are hidden at first; the plot owns them. */
     explicit PlotMeasurement(QwtPlot *plot);
 
-    const MeasurementMarkers &markers() const { return m_markers; }
+    bool hasFirst() const;
+    bool hasSecond() const;
+    QPointF first() const;
+    QPointF second() const;
     PointFrame *pointFrame() const { return m_pointFrame; }
     MeasurementFrame *measurementFrame() const { return m_measurementFrame; }
 
     /** Begins at `point`, which leaves nothing of an earlier measurement. */
     void start(const QPointF &point);
-    /** Adds a point to the one or two that are there. */
+    /** Adds a point to the one or two that are there; begins at it when there is none. */
     void add(const QPointF &point);
     /** Shows what is known of the first point, beside a place on the canvas in pixels. */
     void showPoint(const QPointF &point, const QPoint &place, const QString &x, const QString &y);
@@ -41,7 +54,8 @@ private:
     void moveBeside(ValueFrame *frame, const QPoint &place);
 
     QwtPlot *m_plot;
-    MeasurementMarkers m_markers;
+    QwtPlotMarker *m_first;
+    QwtPlotMarker *m_second;
     PointFrame *m_pointFrame;
     MeasurementFrame *m_measurementFrame;
 };

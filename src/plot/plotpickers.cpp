@@ -1,10 +1,10 @@
 #include "plot/plotpickers.h"
 
-#include "plot/plotzoomer.h"
-
 #include <QPen>
 #include <QVariant>
 #include <qwt_picker_machine.h>
+
+#include <cstdlib>
 
 namespace
 {
@@ -28,6 +28,43 @@ void stop(Picker *picker)
 }
 
 } // namespace
+
+bool isClick(const QPoint &pressed, const QPoint &released)
+{
+    const QPoint way = released - pressed;
+    return std::abs(way.x()) < clickPixels && std::abs(way.y()) < clickPixels;
+}
+
+bool isDrag(const QPoint &pressed, const QPoint &now)
+{
+    const QPoint way = now - pressed;
+    return std::abs(way.x()) > clickPixels || std::abs(way.y()) > clickPixels;
+}
+
+PlotZoomer::PlotZoomer(QWidget *canvas, const QPen &pen)
+    : QwtPlotZoomer(canvas, false)
+{
+    setRubberBandPen(pen);
+    setTrackerMode(AlwaysOff);
+}
+
+void PlotZoomer::zoom(const QRectF &rectangle)
+{
+    emit zoomed(rectangle.normalized());
+}
+
+void PlotZoomer::zoom(int) {}
+
+QSizeF PlotZoomer::minZoomSize() const
+{
+    return {}; // no rectangle is too small for the finest scales
+}
+
+bool PlotZoomer::accept(QPolygon &selection) const
+{
+    const bool isRectangle = selection.size() >= 2 && !isClick(selection.first(), selection.last());
+    return isRectangle && QwtPlotZoomer::accept(selection);
+}
 
 PlotPickers::PlotPickers(QWidget *canvas, const QPen &limitPen)
 {

@@ -2,9 +2,19 @@
 
 #include "plot/plotmodes.h"
 
+#include <QPoint>
 #include <qwt_plot_picker.h>
+#include <qwt_plot_zoomer.h>
 
-class PlotZoomer;
+// What selects points and rectangles on the canvas, and what is a click there.
+
+/** A mouse that stays this near, in pixels, between press and release was clicked, not dragged. */
+constexpr int clickPixels = 10;
+
+/** True when the mouse was released where it was pressed. */
+bool isClick(const QPoint &pressed, const QPoint &released);
+/** True when the mouse has been dragged away from where it was pressed. */
+bool isDrag(const QPoint &pressed, const QPoint &now);
 
 /** A picker that can be stopped in the middle of a selection. */
 class CanvasPicker : public QwtPlotPicker
@@ -13,6 +23,29 @@ class CanvasPicker : public QwtPlotPicker
 public:
     using QwtPlotPicker::QwtPlotPicker;
     using QwtPlotPicker::reset;
+};
+
+/**
+ * Selects rectangles on the canvas with the left button and reports each one.
+ *
+ * What it inherits would move the axes by itself, keep every rectangle on a stack, refuse small
+ * ones and jump back at a right click or a key: all that is switched off. A click, a selection of
+ * less than `clickPixels` in both directions, is no rectangle.
+ */
+class PlotZoomer : public QwtPlotZoomer
+{
+    Q_OBJECT
+public:
+    /** `pen` draws the rectangle while it is selected. */
+    PlotZoomer(QWidget *canvas, const QPen &pen);
+
+    using QwtPlotZoomer::reset;
+    void zoom(const QRectF &rectangle) override;
+    void zoom(int offset) override;
+
+protected:
+    QSizeF minZoomSize() const override;
+    bool accept(QPolygon &selection) const override;
 };
 
 /**

@@ -1,61 +1,26 @@
 #include "plot/qwtnox.h"
 
-#include "plot/channelcolors.h"
 #include "plot/envelopecurve.h"
-#include "plot/plotmeasurement.h"
-#include "plot/plotpickers.h"
-#include "plot/qwtnoxscaledraw.h"
-#include "plot/wrappedlabel.h"
+#include "plot/plotaxes.h"
+#include "plot/plotinteraction.h"
+#include "plot/plotitems.h"
+#include "plot/plotsettings.h"
+#include "plot/qwtlabelclick.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <qwt_plot_canvas.h>
 #include <qwt_plot_grid.h>
 #include <qwt_plot_layout.h>
-#include <qwt_plot_marker.h>
-#include <qwt_scale_widget.h>
-
-// Construction and the records: instruments and their channels.
 
 namespace
 {
-
-constexpr uchar mainChannel = 255;
-constexpr int axisFontPoints = 11;
 
 void addGrid(QwtPlot *plot)
 {
     auto *grid = new QwtPlotGrid;
     grid->setMajorPen(Qt::darkGray, 0, Qt::DotLine);
     grid->attach(plot);
-}
-
-QwtPlotTextLabel *addCaption(QwtPlot *plot)
-{
-    auto *caption = new WrappedLabel;
-    caption->setZ(100); // above curves and lines
-    caption->attach(plot);
-    return caption;
-}
-
-QwtPlotMarker *addLimitLine(QwtPlot *plot)
-{
-    auto *line = new QwtPlotMarker;
-    line->setLineStyle(QwtPlotMarker::HLine);
-    line->setLinePen(QwtNOX::limitPen());
-    line->setVisible(false);
-    line->attach(plot);
-    return line;
-}
-
-/** Plot index and number of every channel whose difference has that reference. */
-QVector<QPair<int, uchar>> referringTo(const QMap<int, PlotDevice> &devices, int diffQwtIndex,
-                                       int diffCh)
-{
-    QVector<QPair<int, uchar>> found;
-    for (auto device = devices.cbegin(); device != devices.cend(); ++device)
-        for (int ch = 0; ch < device->ch.size(); ++ch)
-            if (device->ch[ch].diffQwtIndex == diffQwtIndex && device->ch[ch].diffCh == diffCh)
-                found.append({device.key(), static_cast<uchar>(ch)});
-    return found;
 }
 
 } // namespace
@@ -70,57 +35,62 @@ QwtNOX::QwtNOX(QWidget *parent)
     plotLayout()->setSpacing(0);
     plotLayout()->setAlignCanvasToScales(true);
     addGrid(this);
-    m_caption = addCaption(this);
-
     setAutoReplot(false); // painting waits for the next frame
-    connect(&m_frameClock, &FrameClock::frame, this, &QwtNOX::paintFrame);
+    connect(&m_frameClock, &FrameClock::frame, this, [this] {
+        m_axes->labelNewDay();
+        replot();
+    });
 
-    for (const int axis : {xBottom, yLeft}) {
-        QFont labels = axisFont(axis);
-        labels.setPointSize(axisFontPoints);
-        setAxisFont(axis, labels);
-        setAxisAutoScale(axis, false);
-    }
-    installScaleXDraw();
-    setAxisScaleDraw(yLeft, new QwtNOXScaleYDraw(this));
-    restAxes();
-    buildInteraction();
+    m_axes = std::make_unique<PlotAxes>(this, m_records);
+    m_interaction = std::make_unique<PlotInteraction>(this, m_records, *m_axes);
+    m_settings = std::make_unique<PlotSettings>(m_records, *m_axes, *m_interaction, m_frameClock);
+    passSignalsOn();
+}
+
+void QwtNOX::passSignalsOn()
+{
+    connect(m_interaction.get(), &PlotInteraction::viewChosen, this,
+            [this] { emit onChange(getDevMain()); });
+    const auto pass = [this](auto signal, auto own) {
+        connect(m_settings.get(), signal, this, own);
+    };
+    pass(&PlotSettings::changed, &QwtNOX::onChange);
+    pass(&PlotSettings::mainDeviceChanged, &QwtNOX::onDevChange);
+    pass(&PlotSettings::mainChannelChanged, &QwtNOX::onChMainChange);
+    pass(&PlotSettings::channelShownChanged, &QwtNOX::onChShowChange);
+    pass(&PlotSettings::valuesShownChanged, &QwtNOX::onMeasShowChange);
+    pass(&PlotSettings::averagesShownChanged, &QwtNOX::onAverShowChange);
+    pass(&PlotSettings::colorChanged, &QwtNOX::onChColorChange);
+    pass(&PlotSettings::trackingModeChanged, &QwtNOX::onModeTrackChange);
+    pass(&PlotSettings::modeChanged, &QwtNOX::onChModeChange);
+    pass(&PlotSettings::modeXChanged, &QwtNOX::onChModeXChange);
+    pass(&PlotSettings::scaleXChanged, &QwtNOX::onChScaleXChange);
+    pass(&PlotSettings::scaleYChanged, &QwtNOX::onChScaleYChange);
 }
 
 QwtNOX::~QwtNOX() = default;
 
 void QwtNOX::addDev(int qwtIndex, uchar fixedChCount)
 {
-    if (qwtIndex < 0 || m_devices.contains(qwtIndex))
+    if (qwtIndex < 0 || devices().contains(qwtIndex))
         return;
     _dev device;
     device.fixedChCount = fixedChCount;
-    device.startDateTime = m_devices.isEmpty() ? now() : m_devices.first().startDateTime;
-    device.upperMarker = addLimitLine(this);
-    device.lowerMarker = addLimitLine(this);
-    m_devices.insert(qwtIndex, device);
-    m_measurement->hideFrames();
+    device.startDateTime = devices().isEmpty() ? now() : devices().first().startDateTime;
+    addLimitLines(device, this);
+    devices().insert(qwtIndex, device);
+    m_interaction->hideFrames();
     setChCount(fixedChCount, qwtIndex);
-}
-
-void QwtNOX::attachDev(int qwtIndex, uchar fixedChCount)
-{
-    addDev(qwtIndex, fixedChCount);
-    if (m_devices.size() == 1)
-        setDevMain(qwtIndex);
-    else
-        emit onChange(qwtIndex);
 }
 
 void QwtNOX::removeDev(int qwtIndex)
 {
-    if (!m_devices.contains(qwtIndex))
+    if (!devices().contains(qwtIndex))
         return;
-    for (_dev &device : m_devices) {
+    for (_dev &device : devices()) {
         for (_ch &channel : device.ch) {
             if (channel.diffQwtIndex == qwtIndex) {
-                channel.diffQwtIndex = -1;
-                channel.diffCh = 255;
+                channel.endDifference();
                 showSeries(channel);
             }
         }
@@ -128,121 +98,351 @@ void QwtNOX::removeDev(int qwtIndex)
     setChCount(0, qwtIndex);
     while (getChCount(qwtIndex) > 0) // whoever heard of it added a point
         removeLastChannel(qwtIndex);
-    const _dev removed = m_devices.take(qwtIndex);
-    delete removed.upperMarker;
-    delete removed.lowerMarker;
-    if (m_mainIndex == qwtIndex) {
-        m_mainIndex = -1;
-        installScaleXDraw();
+    removeLimitLines(devices()[qwtIndex]);
+    devices().remove(qwtIndex);
+    if (getDevMain() == qwtIndex) {
+        m_records.setMainIndex(noInstrument);
+        m_axes->labelTimes();
     }
     applyScale();
 }
 
-QDateTime QwtNOX::getStartDateTime(int qwtIndex) const
+void QwtNOX::setDevMain(int qwtIndex)
 {
-    const _dev *device = findDevice(qwtIndex);
-    return device ? device->startDateTime : QDateTime();
-}
-
-void QwtNOX::setClock(std::function<QDateTime()> clock)
-{
-    m_clock = std::move(clock);
-}
-
-QPen QwtNOX::limitPen()
-{
-    return QPen(Qt::red, 2, Qt::DotLine);
+    m_settings->setMainDevice(qwtIndex);
 }
 
 void QwtNOX::setChCount(uchar count, int qwtIndex)
 {
-    qwtIndex = resolveIndex(qwtIndex);
-    if (!m_devices.contains(qwtIndex) || count == 255)
+    qwtIndex = m_records.resolve(qwtIndex);
+    if (!devices().contains(qwtIndex) || count == mainChannel)
         return;
     const int before = getChCount(qwtIndex);
     while (getChCount(qwtIndex) < count)
-        appendChannel(qwtIndex);
+        appendChannel(devices()[qwtIndex], qwtIndex == getDevMain(), this);
     for (int ch = count - 1; ch >= before; --ch)
         emit onAddCh(qwtIndex, static_cast<uchar>(ch));
     while (getChCount(qwtIndex) > count)
         removeLastChannel(qwtIndex);
-    const _dev *device = findDevice(qwtIndex);
+    const _dev *device = m_records.findDevice(qwtIndex);
     if (device && count > 0 && device->mainCh >= count)
         setChMain(0, qwtIndex);
-    if (count == 0 && qwtIndex == m_mainIndex)
-        restMouse();
+    if (count == 0 && qwtIndex == getDevMain())
+        m_interaction->reset();
     applyScale();
     emit onChange(qwtIndex);
 }
 
-void QwtNOX::appendChannel(int qwtIndex)
-{
-    _dev &device = *findDevice(qwtIndex);
-    const bool shown = device.devShow && qwtIndex == m_mainIndex;
-    const QColor color = defaultChannelColor(device.ch.size());
-    const auto times = std::make_shared<TimeRuns>(); // those of values and of averages are the same
-    _ch channel;
-    channel.averCurve = new EnvelopeCurve(color, 2, times);
-    channel.averCurve->setVisible(shown && device.averShow);
-    channel.averCurve->attach(this);
-    channel.measCurve = new EnvelopeCurve(color, 1, times);
-    channel.measCurve->setVisible(shown && device.measShow);
-    channel.measCurve->attach(this);
-    device.ch.append(channel);
-}
-
 void QwtNOX::removeLastChannel(int qwtIndex)
 {
-    _dev &device = *findDevice(qwtIndex);
-    const int removed = device.ch.size() - 1;
-    delete device.ch.last().measCurve;
-    delete device.ch.last().averCurve;
-    device.ch.removeLast();
+    _dev &device = devices()[qwtIndex];
+    ::removeLastChannel(device);
 
     // Whoever hears that a difference ended may change the records: all are found before.
-    for (const auto &[index, ch] : referringTo(m_devices, qwtIndex, removed)) {
-        const _ch *channel = findChannel(index, ch);
+    const auto removed = static_cast<uchar>(device.ch.size());
+    for (const ChannelNumber &number : m_records.differencesAgainst(qwtIndex, removed)) {
+        const _ch *channel = m_records.findChannel(number.qwtIndex, number.ch);
         if (channel && channel->diffQwtIndex == qwtIndex && channel->diffCh == removed)
-            endDifference(index, ch);
+            endDifference(number);
     }
 }
 
-QwtNOX::_dev *QwtNOX::findDevice(int qwtIndex)
+bool QwtNOX::ensureChannel(int qwtIndex, uchar ch)
 {
-    const auto device = m_devices.find(resolveIndex(qwtIndex));
-    return device == m_devices.end() ? nullptr : &*device;
+    const _dev *device = m_records.findDevice(qwtIndex);
+    if (!device || ch == mainChannel)
+        return false;
+    if (ch >= device->ch.size() && device->fixedChCount == 0)
+        setChCount(static_cast<uchar>(ch + 1), qwtIndex);
+    return ch < getChCount(qwtIndex);
 }
 
-const QwtNOX::_dev *QwtNOX::findDevice(int qwtIndex) const
+void QwtNOX::setChMain(uchar ch, int qwtIndex)
 {
-    const auto device = m_devices.constFind(resolveIndex(qwtIndex));
-    return device == m_devices.cend() ? nullptr : &*device;
+    m_settings->setMainChannel(ch, qwtIndex);
 }
 
-QwtNOX::_ch *QwtNOX::findChannel(int qwtIndex, uchar ch)
+bool QwtNOX::addPoint(double val, const QString &dim, int qwtIndex, uchar ch)
 {
-    _dev *device = findDevice(qwtIndex);
-    ch = resolveChannel(qwtIndex, ch);
-    return device && ch < device->ch.size() ? &device->ch[ch] : nullptr;
+    const _dev *device = m_records.findDevice(qwtIndex);
+    if (!device)
+        return false;
+    const double time = static_cast<double>(device->startDateTime.msecsTo(now())) / 1000.0;
+    return addPoint(val, time, dim, qwtIndex, ch);
 }
 
-const QwtNOX::_ch *QwtNOX::findChannel(int qwtIndex, uchar ch) const
+bool QwtNOX::addPoint(double val, double time, const QString &dim, int qwtIndex, uchar ch)
 {
-    const _dev *device = findDevice(qwtIndex);
-    ch = resolveChannel(qwtIndex, ch);
-    return device && ch < device->ch.size() ? &device->ch[ch] : nullptr;
+    qwtIndex = m_records.resolve(qwtIndex);
+    if (!ensureChannel(qwtIndex, ch))
+        return false;
+    _ch &channel = *m_records.findChannel(qwtIndex, ch);
+    if (!m_records.storePoint(channel, val, time, dim)) {
+        emit onErrorAddPoint(qwtIndex, ch);
+        return false;
+    }
+    showSeries(channel);
+    if (m_records.isMain({qwtIndex, ch}))
+        applyScale();
+    else
+        m_frameClock.request();
+
+    // Whoever hears of the point may change the records: nothing found before holds after this.
+    emit onAddPoint(qwtIndex, ch);
+    if (m_records.device(qwtIndex).isBeyondLimit(m_records.channel(qwtIndex, ch)))
+        emit onPointTrackOff(qwtIndex, ch);
+    return true;
 }
 
-/** 255 is the main channel, and channel 0 when the stored main channel does not exist. */
-uchar QwtNOX::resolveChannel(int qwtIndex, uchar ch) const
+int QwtNOX::addPoints(int qwtIndex, const QVector<PlotPoint> &points, const QVector<QString> &units)
 {
-    const _dev *device = findDevice(qwtIndex);
-    if (ch != mainChannel || !device)
-        return ch;
-    return device->mainCh < device->ch.size() ? device->mainCh : 0;
+    qwtIndex = m_records.resolve(qwtIndex);
+    const auto ensure = [=](uchar ch) { return ensureChannel(qwtIndex, ch); };
+    const PointBatch batch = m_records.storePoints(qwtIndex, points, units, ensure);
+    if (devices().contains(qwtIndex))
+        announce(qwtIndex, batch);
+    return batch.accepted();
 }
 
-bool QwtNOX::isMainChannel(int qwtIndex, uchar ch) const
+/** Shows what points have changed, and tells of it in the order of the channels' last points. */
+void QwtNOX::announce(int qwtIndex, const PointBatch &batch)
 {
-    return qwtIndex == m_mainIndex && ch == resolveChannel(qwtIndex, mainChannel);
+    const QVector<uchar> channels = batch.channels();
+    bool hasMain = false;
+    for (const uchar ch : channels) {
+        showSeries(*m_records.findChannel(qwtIndex, ch));
+        hasMain = hasMain || m_records.isMain({qwtIndex, ch});
+    }
+    if (hasMain)
+        applyScale();
+    else
+        m_frameClock.request();
+
+    for (const uchar ch : channels)
+        for (const PointBatch::Event event : batch.eventsOf(ch))
+            announce(event, qwtIndex, ch);
+}
+
+void QwtNOX::announce(PointBatch::Event event, int qwtIndex, uchar ch)
+{
+    switch (event) {
+    case PointBatch::Event::Accepted:
+        emit onAddPoint(qwtIndex, ch);
+        break;
+    case PointBatch::Event::Rejected:
+        emit onErrorAddPoint(qwtIndex, ch);
+        break;
+    case PointBatch::Event::BeyondLimit:
+        emit onPointTrackOff(qwtIndex, ch);
+        break;
+    }
+}
+
+void QwtNOX::clear(int qwtIndex)
+{
+    _dev *device = m_records.findDevice(qwtIndex);
+    if (!device)
+        return;
+    for (_ch &channel : device->ch) {
+        channel.clearPoints();
+        showSeries(channel);
+    }
+    applyScale();
+}
+
+void QwtNOX::prepareMeas(int qwtIndex, const QDateTime &start)
+{
+    qwtIndex = m_records.resolve(qwtIndex);
+    _dev *device = m_records.findDevice(qwtIndex);
+    if (!device)
+        return;
+    clear(qwtIndex);
+    device->startDateTime = start;
+    m_axes->labelTimes();
+    emit onChange(qwtIndex);
+    applyScale();
+}
+
+void QwtNOX::setChDiff(uchar diffCh, int diffQwtIndex, int qwtIndex, uchar ch)
+{
+    const ChannelNumber number = m_records.resolve(qwtIndex, ch);
+    _ch *channel = m_records.findChannel(number.qwtIndex, number.ch);
+    if (!channel)
+        return;
+    if (diffCh == noChannel && diffQwtIndex == noInstrument)
+        return endDifference(number);
+    const auto reference = std::as_const(*this).devices().constFind(diffQwtIndex);
+    if (reference != devices().cend() && diffCh < reference->ch.size()) {
+        channel->startDifference(reference->ch.at(diffCh), diffQwtIndex, diffCh);
+        showSeries(*channel);
+    }
+    setChMode(ModeFollow, number.qwtIndex, number.ch);
+}
+
+void QwtNOX::endDifference(const ChannelNumber &number)
+{
+    _ch &channel = *m_records.findChannel(number.qwtIndex, number.ch);
+    channel.endDifference();
+    showSeries(channel);
+    setChMode(ModeFollow, number.qwtIndex, number.ch);
+}
+
+void QwtNOX::setDevShow(bool show, int qwtIndex)
+{
+    m_settings->setDeviceShown(show, qwtIndex);
+}
+
+void QwtNOX::setChShow(bool show, int qwtIndex, uchar ch)
+{
+    m_settings->setChannelShown(show, qwtIndex, ch);
+}
+
+void QwtNOX::setMeasShow(bool show, int qwtIndex)
+{
+    m_settings->setValuesShown(show, qwtIndex);
+}
+
+void QwtNOX::setAverShow(bool show, int qwtIndex)
+{
+    m_settings->setAveragesShown(show, qwtIndex);
+}
+
+void QwtNOX::setChColor(const QColor &color, int qwtIndex, uchar ch)
+{
+    m_settings->setColor(color, qwtIndex, ch);
+}
+
+QColor QwtNOX::getChColor(int qwtIndex, uchar ch) const
+{
+    const _ch *channel = m_records.findChannel(qwtIndex, ch);
+    return channel ? channel->measCurve->pen().color() : QColor(Qt::white);
+}
+
+void QwtNOX::setModeTrack(TmcTrackingMode mode, int qwtIndex)
+{
+    m_settings->setTrackingMode(mode, qwtIndex);
+}
+
+void QwtNOX::calcPrecision(uchar scaleY, int qwtIndex, uchar ch)
+{
+    m_settings->setPrecisionFor(scaleY, qwtIndex, ch);
+}
+
+void QwtNOX::setChMode(TmcMode mode, int qwtIndex, uchar ch)
+{
+    m_settings->setMode(mode, qwtIndex, ch);
+}
+
+void QwtNOX::setChModeX(TmcModeX mode, int qwtIndex, uchar ch)
+{
+    m_settings->setModeX(mode, qwtIndex, ch);
+}
+
+void QwtNOX::setChScaleX(uchar scale, int qwtIndex, uchar ch)
+{
+    m_settings->setScaleX(scale, qwtIndex, ch);
+}
+
+void QwtNOX::setChScaleY(uchar scale, int qwtIndex, uchar ch)
+{
+    m_settings->setScaleY(scale, qwtIndex, ch);
+}
+
+QString QwtNOX::getScaleXLabel() const
+{
+    return m_records.findDevice(mainInstrument) ? m_axes->stepLabel(xBottom) : QStringLiteral("-");
+}
+
+QString QwtNOX::getScaleYLabel() const
+{
+    return m_records.findDevice(mainInstrument) ? m_axes->stepLabel(yLeft) : QStringLiteral("-");
+}
+
+QString QwtNOX::getChModeLabel() const
+{
+    static const QStringList labels = {tr("АВТО"),      tr("СЛЕЖЕНИЕ"), tr("УВЕЛИЧЕНИЕ"),
+                                       tr("ИЗМЕРЕНИЕ"), tr("СДВИГ"),    tr("ПРЕДЕЛЫ")};
+    return m_records.findDevice(mainInstrument) ? labels.value(getChMode()) : QStringLiteral("-");
+}
+
+QString QwtNOX::getChModeXLabel() const
+{
+    static const QStringList labels = {tr("СЕК"), tr("ОТН"), tr("АБС")};
+    return m_records.findDevice(mainInstrument) ? labels.value(getChModeX()) : QStringLiteral("-");
+}
+
+void QwtNOX::setDivX(uchar divisions)
+{
+    m_axes->setDivisions(xBottom, divisions);
+}
+
+void QwtNOX::setDivY(uchar divisions)
+{
+    m_axes->setDivisions(yLeft, divisions);
+}
+
+void QwtNOX::applyScale()
+{
+    m_settings->rescale();
+}
+
+void QwtNOX::updLabelScale()
+{
+    m_axes->refreshLabels();
+}
+
+void QwtNOX::addMeasPointFirst(const QPointF &p, QPoint pos)
+{
+    m_interaction->showFirstPoint(p, pos);
+}
+
+void QwtNOX::setMeasPoint(const QPointF &p)
+{
+    m_interaction->addPoint(p);
+}
+
+QString QwtNOX::pointText(const QPointF &point) const
+{
+    return m_interaction->pointText(point);
+}
+
+void QwtNOX::setZoomScale(const QRectF &rect)
+{
+    m_interaction->zoomTo(rect);
+}
+
+void QwtNOX::scrollCanvas(const QPointF &p)
+{
+    m_interaction->panTo(p);
+}
+
+void QwtNOX::copyToClipboard()
+{
+    auto *label = qobject_cast<QwtLabelClick *>(sender());
+    if (!label)
+        return;
+    QGuiApplication::clipboard()->setText(label->text());
+    label->setStyleSheet(QStringLiteral("color: blue"));
+}
+
+void QwtNOX::updateLayout()
+{
+    QwtPlot::updateLayout();
+    if (m_interaction)
+        m_interaction->followAxes();
+}
+
+void QwtNOX::mousePressEvent(QMouseEvent *event)
+{
+    m_interaction->mousePressed(event);
+}
+
+void QwtNOX::mouseMoveEvent(QMouseEvent *event)
+{
+    m_interaction->mouseMoved(event);
+}
+
+void QwtNOX::mouseReleaseEvent(QMouseEvent *event)
+{
+    m_interaction->mouseReleased(event);
 }

@@ -3,51 +3,32 @@
 #include "plot/frameclock.h"
 #include "plot/plotrecords.h"
 #include "plot/scalechoice.h"
-#include "plot/scaletables.h"
 
 #include <QColor>
-#include <QMap>
-#include <QPen>
 #include <qwt_plot.h>
 
 #include <functional>
 #include <memory>
 
-class PlotMeasurement;
-class PlotPickers;
-class QwtNoxQwtPlotPicker;
-class QwtPlotTextLabel;
-struct MeasurementTexts;
-struct PointOutcome;
-struct ScaleRows;
-struct TimeFormat;
-struct ZoomedView;
-
-/** What the caption in the corner of the canvas tells. */
-struct CaptionParts {
-    int ch = -1; ///< main channel, -1 without one
-    QString unit;
-    uchar scaleX = 0; ///< rows of the scale tables
-    uchar scaleY = 0;
-
-    bool operator==(const CaptionParts &other) const
-    {
-        return ch == other.ch && scaleX == other.scaleX && scaleY == other.scaleY &&
-               unit == other.unit;
-    }
-};
+class PlotAxes;
+class PlotInteraction;
+class PlotSettings;
 
 /**
  * The time plot of all instruments.
  *
  * Every instrument on the plot has a record under its plot index, `qwtIndex`. In every operation a
- * `qwtIndex` below 0 means the main instrument, and a channel of 255 the main channel of the
- * instrument (channel 0 when the stored one does not exist). Operations on an unknown instrument or
- * channel change nothing and return the value named with them. Times are seconds since the
- * instrument's `startDateTime`.
+ * `qwtIndex` below 0 (mainInstrument) means the main instrument, and a channel of 255 (mainChannel)
+ * the main channel of the instrument, or channel 0 when the stored one does not exist. Operations
+ * on an unknown instrument or channel change nothing and return the value named with them. Times
+ * are seconds since the instrument's `startDateTime`.
  *
  * State (records, axes, caption) changes at once and is announced at once; painting is put off to
  * one replot per frame of frameClock(). `replot()` paints without waiting.
+ *
+ * The numbers are those of PlotRecords, what the axes show is up to PlotAxes, what the mouse does
+ * to PlotInteraction, and how all is looked at to PlotSettings. Here instruments and channels come
+ * and go, and points arrive.
  */
 class QwtNOX : public QwtPlot
 {
@@ -64,8 +45,8 @@ public:
 
     /** The records by plot index. Whoever writes to them calls applyScale() for what is on screen.
      */
-    QMap<int, _dev> &devices() { return m_devices; }
-    const QMap<int, _dev> &devices() const { return m_devices; }
+    QMap<int, _dev> &devices() { return m_records.devices(); }
+    const QMap<int, _dev> &devices() const { return m_records.devices(); }
 
     /**
      * Puts an instrument on the plot: its record with `fixedChCount` channels, two hidden limit
@@ -76,7 +57,14 @@ public:
 
     /** addDev() of an instrument that is shown from now on: the first one becomes the main one,
      *  each further one is announced by onChange(). */
-    void attachDev(int qwtIndex, uchar fixedChCount);
+    void attachDev(int qwtIndex, uchar fixedChCount)
+    {
+        addDev(qwtIndex, fixedChCount);
+        if (devices().size() == 1)
+            setDevMain(qwtIndex);
+        else
+            emit onChange(qwtIndex);
+    }
 
     /**
      * Takes an instrument off the plot with its channels, curves and limit lines. Differences
@@ -85,7 +73,7 @@ public:
     void removeDev(int qwtIndex);
 
     /** Plot index of the main instrument, -1 when there is none. */
-    int getDevMain() const { return m_mainIndex; }
+    int getDevMain() const { return m_records.mainIndex(); }
 
     /**
      * Makes the instrument the main one, alone on show. A negative index applies the main
@@ -94,18 +82,18 @@ public:
     void setDevMain(int qwtIndex);
 
     /** The instrument's time origin; an invalid date-time when unknown. */
-    QDateTime getStartDateTime(int qwtIndex = -1) const;
+    QDateTime getStartDateTime(int qwtIndex = mainInstrument) const
+    {
+        return m_records.device(qwtIndex).startDateTime;
+    }
 
     /** The clock that stamps points and tells which day is today; tests set their own. */
-    void setClock(std::function<QDateTime()> clock);
+    void setClock(std::function<QDateTime()> clock) { m_clock = std::move(clock); }
     /** What that clock shows. */
     QDateTime now() const { return m_clock(); }
 
     /** Tells when to paint, the plot and whatever else shows its points. */
     FrameClock &frameClock() { return m_frameClock; }
-
-    /** Red dotted pen, 2 pixels wide: limit lines and the rubber band that places them. */
-    static QPen limitPen();
 
     // Points
 
@@ -129,7 +117,7 @@ public:
     int addPoints(int qwtIndex, const QVector<PlotPoint> &points, const QVector<QString> &units);
 
     /** Empties all series of the instrument; its settings, differences and limits stay. */
-    void clear(int qwtIndex = -1);
+    void clear(int qwtIndex = mainInstrument);
 
     /** Empties all series of the instrument and makes `start` its time origin. */
     void prepareMeas(int qwtIndex, const QDateTime &start);
@@ -137,100 +125,184 @@ public:
     // Channels
 
     /** Grows or shrinks the instrument to `count` channels; 255 is ignored. */
-    void setChCount(uchar count, int qwtIndex = -1);
+    void setChCount(uchar count, int qwtIndex = mainInstrument);
     /** Number of channels, 0 when the instrument is unknown. */
-    uchar getChCount(int qwtIndex = -1) const;
+    uchar getChCount(int qwtIndex = mainInstrument) const
+    {
+        return static_cast<uchar>(m_records.device(qwtIndex).ch.size());
+    }
 
     /** Makes `ch` the main channel and hides the others. */
-    void setChMain(uchar ch = 255, int qwtIndex = -1);
+    void setChMain(uchar ch = mainChannel, int qwtIndex = mainInstrument);
     /** The main channel, -1 when the instrument is unknown or has no channels. */
-    int getChMain(int qwtIndex = -1) const;
+    int getChMain(int qwtIndex = mainInstrument) const
+    {
+        const _dev &device = m_records.device(qwtIndex);
+        return device.ch.isEmpty() ? -1 : device.mainCh;
+    }
 
     /**
      * Makes the channel the difference against a channel of an instrument on the plot, from its
      * first point on; 255 and -1 end the difference. A reference that does not exist leaves it as
      * it was. Either way the channel follows its newest points from then on.
      */
-    void setChDiff(uchar diffCh, int diffQwtIndex, int qwtIndex = -1, uchar ch = 255);
+    void setChDiff(uchar diffCh, int diffQwtIndex, int qwtIndex = mainInstrument,
+                   uchar ch = mainChannel);
     /** The channel's reference channel; 255 and -1 when it has none that is on the plot. */
-    void getChDiff(uchar *diffCh, int *diffQwtIndex, int qwtIndex = -1, uchar ch = 255) const;
+    void getChDiff(uchar *diffCh, int *diffQwtIndex, int qwtIndex = mainInstrument,
+                   uchar ch = mainChannel) const
+    {
+        const ChannelNumber reference = m_records.referenceOf(m_records.channel(qwtIndex, ch));
+        *diffCh = reference.ch;
+        *diffQwtIndex = reference.qwtIndex;
+    }
 
     // Values. `diff` asks for the difference series, where the channel has one. `index` counts
     // points from 0; -1, or one that does not exist, means the latest point.
 
     /** Number of points, 0 when unknown. */
-    int getChMeasCount(int qwtIndex = -1, uchar ch = 255, bool diff = true) const;
+    int getChMeasCount(int qwtIndex = mainInstrument, uchar ch = mainChannel,
+                       bool diff = true) const
+    {
+        return m_records.channel(qwtIndex, ch).values(diff).size();
+    }
     /** Value of a point, 0 when there is none. */
-    double getChMeas(int qwtIndex = -1, uchar ch = 255, int index = -1, bool diff = true) const;
+    double getChMeas(int qwtIndex = mainInstrument, uchar ch = mainChannel, int index = latestPoint,
+                     bool diff = true) const
+    {
+        return m_records.channel(qwtIndex, ch).valueAt(index, diff);
+    }
     /** Time of a point in seconds, 0 when there is none. */
-    double getChTime(int qwtIndex = -1, uchar ch = 255, int index = -1, bool diff = true) const;
+    double getChTime(int qwtIndex = mainInstrument, uchar ch = mainChannel, int index = latestPoint,
+                     bool diff = true) const
+    {
+        return m_records.channel(qwtIndex, ch).timeAt(index, diff);
+    }
 
     /**
      * Value as text; "--" when there is none or the latest point was rejected. `precision` is the
      * number of decimals, below 0 the one that suits the Y scale; two are always written.
      */
-    QString getChMeasStr(int qwtIndex = -1, uchar ch = 255, signed char precision = -1,
-                         int index = -1, bool diff = true) const;
+    QString getChMeasStr(int qwtIndex = mainInstrument, uchar ch = mainChannel,
+                         signed char precision = decimalsOfScale, int index = latestPoint,
+                         bool diff = true) const
+    {
+        return m_records.valueText(qwtIndex, ch, precision, index, diff);
+    }
     /**
      * Moving average as text, of the difference whenever there is one, whatever `diff` says; "--"
      * when the latest point was rejected, "" when there is no value.
      */
-    QString getChAverStr(int qwtIndex = -1, uchar ch = 255, signed char precision = -1,
-                         int index = -1, bool diff = true) const;
+    QString getChAverStr(int qwtIndex = mainInstrument, uchar ch = mainChannel,
+                         signed char precision = decimalsOfScale, int index = latestPoint,
+                         bool /*diff*/ = true) const
+    {
+        return m_records.averageText(qwtIndex, ch, precision, index);
+    }
     /** Time of a measured point in whole seconds, whatever `diff` says; "" when there is none. */
-    QString getChTimeStr(int qwtIndex = -1, uchar ch = 255, int index = -1, bool diff = true) const;
+    QString getChTimeStr(int qwtIndex = mainInstrument, uchar ch = mainChannel,
+                         int index = latestPoint, bool /*diff*/ = true) const
+    {
+        return m_records.timeText(qwtIndex, ch, index);
+    }
     /** Seconds between the two newest points, one decimal; "" with fewer than two. */
-    QString getChDXStr(int qwtIndex = -1, uchar ch = 255) const;
+    QString getChDXStr(int qwtIndex = mainInstrument, uchar ch = mainChannel) const
+    {
+        return m_records.timeStepText(qwtIndex, ch);
+    }
     /** Change between the two newest points; "" with fewer than two. */
-    QString getChDYStr(int qwtIndex = -1, uchar ch = 255) const;
+    QString getChDYStr(int qwtIndex = mainInstrument, uchar ch = mainChannel) const
+    {
+        return m_records.valueStepText(qwtIndex, ch);
+    }
     /** Unit text of the latest point; "-" when unknown. */
-    QString getChDim(int qwtIndex = -1, uchar ch = 255) const;
+    QString getChDim(int qwtIndex = mainInstrument, uchar ch = mainChannel) const
+    {
+        return m_records.channel(qwtIndex, ch).dim;
+    }
 
     // Appearance
 
-    void setChColor(const QColor &color, int qwtIndex = -1, uchar ch = 255);
+    void setChColor(const QColor &color, int qwtIndex = mainInstrument, uchar ch = mainChannel);
     /** Colour of the channel's curves, white when unknown. */
-    QColor getChColor(int qwtIndex = -1, uchar ch = 255) const;
-    void setChShow(bool show, int qwtIndex = -1, uchar ch = 255);
-    bool getChShow(int qwtIndex = -1, uchar ch = 255) const;
-    void setDevShow(bool show, int qwtIndex = -1);
-    void setMeasShow(bool show, int qwtIndex = -1);
+    QColor getChColor(int qwtIndex = mainInstrument, uchar ch = mainChannel) const;
+    void setChShow(bool show, int qwtIndex = mainInstrument, uchar ch = mainChannel);
+    bool getChShow(int qwtIndex = mainInstrument, uchar ch = mainChannel) const
+    {
+        return m_records.channel(qwtIndex, ch).show;
+    }
+    void setDevShow(bool show, int qwtIndex = mainInstrument);
+    void setMeasShow(bool show, int qwtIndex = mainInstrument);
     /** Switches the curves of values and returns the new state. */
-    bool toggleMeasShow(int qwtIndex = -1);
+    bool toggleMeasShow(int qwtIndex = mainInstrument)
+    {
+        setMeasShow(!getMeasShow(qwtIndex), qwtIndex);
+        return getMeasShow(qwtIndex);
+    }
     /** True when unknown. */
-    bool getMeasShow(int qwtIndex = -1) const;
-    void setAverShow(bool show, int qwtIndex = -1);
+    bool getMeasShow(int qwtIndex = mainInstrument) const
+    {
+        return m_records.device(qwtIndex).measShow;
+    }
+    void setAverShow(bool show, int qwtIndex = mainInstrument);
     /** Switches the curves of averages and returns the new state. */
-    bool toggleAverShow(int qwtIndex = -1);
+    bool toggleAverShow(int qwtIndex = mainInstrument)
+    {
+        setAverShow(!getAverShow(qwtIndex), qwtIndex);
+        return getAverShow(qwtIndex);
+    }
     /** True when unknown. */
-    bool getAverShow(int qwtIndex = -1) const;
+    bool getAverShow(int qwtIndex = mainInstrument) const
+    {
+        return m_records.device(qwtIndex).averShow;
+    }
 
     /**
      * Chooses the limits that raise an alarm: hides both limit lines and, unless they are switched
      * off, lets the user place those of `mode` with the mouse (ModeLimits).
      */
-    void setModeTrack(TmcTrackingMode mode, int qwtIndex = -1);
+    void setModeTrack(TmcTrackingMode mode, int qwtIndex = mainInstrument);
     /** TrackOff when unknown or without channels. */
-    TmcTrackingMode getModeTrack(int qwtIndex = -1) const;
+    TmcTrackingMode getModeTrack(int qwtIndex = mainInstrument) const
+    {
+        const _dev &device = m_records.device(qwtIndex);
+        return device.ch.isEmpty() ? TrackOff : device.modeTrack;
+    }
 
-    // Scales and modes. A scale is a row of scalesX() or scalesY(); 0 chooses by itself.
+    // Scales and modes. A scale is the index of a step in scalesX() or scalesY(); 0
+    // chooses by itself.
 
     /** Number of steps that the X axis spans, at least 1. */
     void setDivX(uchar divisions);
     /** Number of steps that the Y axis spans, at least 2. */
     void setDivY(uchar divisions);
 
-    /** Sets the decimals that suit a row of scalesY(). */
-    void calcPrecision(uchar scaleY, int qwtIndex = -1, uchar ch = 255);
-    uchar getPrecision(int qwtIndex = -1, uchar ch = 255) const;
-    void setChScaleX(uchar scale, int qwtIndex = -1, uchar ch = 255);
-    uchar getChScaleX(int qwtIndex = -1, uchar ch = 255) const;
-    void setChScaleY(uchar scale, int qwtIndex = -1, uchar ch = 255);
-    uchar getChScaleY(int qwtIndex = -1, uchar ch = 255) const;
-    void setChMode(TmcMode mode, int qwtIndex = -1, uchar ch = 255);
-    TmcMode getChMode(int qwtIndex = -1, uchar ch = 255) const;
-    void setChModeX(TmcModeX mode, int qwtIndex = -1, uchar ch = 255);
-    TmcModeX getChModeX(int qwtIndex = -1, uchar ch = 255) const;
+    /** Sets the decimals that suit a step of scalesY(). */
+    void calcPrecision(uchar scaleY, int qwtIndex = mainInstrument, uchar ch = mainChannel);
+    uchar getPrecision(int qwtIndex = mainInstrument, uchar ch = mainChannel) const
+    {
+        return m_records.channel(qwtIndex, ch).precision;
+    }
+    void setChScaleX(uchar scale, int qwtIndex = mainInstrument, uchar ch = mainChannel);
+    uchar getChScaleX(int qwtIndex = mainInstrument, uchar ch = mainChannel) const
+    {
+        return m_records.channel(qwtIndex, ch).scaleX;
+    }
+    void setChScaleY(uchar scale, int qwtIndex = mainInstrument, uchar ch = mainChannel);
+    uchar getChScaleY(int qwtIndex = mainInstrument, uchar ch = mainChannel) const
+    {
+        return m_records.channel(qwtIndex, ch).scaleY;
+    }
+    void setChMode(TmcMode mode, int qwtIndex = mainInstrument, uchar ch = mainChannel);
+    TmcMode getChMode(int qwtIndex = mainInstrument, uchar ch = mainChannel) const
+    {
+        return m_records.channel(qwtIndex, ch).mode;
+    }
+    void setChModeX(TmcModeX mode, int qwtIndex = mainInstrument, uchar ch = mainChannel);
+    TmcModeX getChModeX(int qwtIndex = mainInstrument, uchar ch = mainChannel) const
+    {
+        return m_records.channel(qwtIndex, ch).modeX;
+    }
 
     // The mouse on the plot; it acts on the main channel of the main instrument
 
@@ -247,14 +319,14 @@ public:
 
 public slots:
     // The same for the main channel of the main instrument; a number out of range is ignored.
-    void changeMode(int mode);
-    void changeModeX(int mode);
-    void changeScaleX(int indexX);
-    void changeScaleY(int indexY);
+    void changeMode(int mode) { setChMode(static_cast<TmcMode>(mode)); }
+    void changeModeX(int mode) { setChModeX(static_cast<TmcModeX>(mode)); }
+    void changeScaleX(int indexX) { setChScaleX(scaleNumber(indexX)); }
+    void changeScaleY(int indexY) { setChScaleY(scaleNumber(indexY)); }
 
     /** Recomputes the axes from the main channel's data, mode and scales. */
     void applyScale();
-    /** Refreshes the caption in the corner of the canvas. */
+    /** Refreshes the caption in the corner of the canvas, and the decimals along the value axis. */
     void updLabelScale();
 
     // What the mouse selects on the canvas, in seconds and values
@@ -308,72 +380,22 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
-    int resolveIndex(int qwtIndex) const { return qwtIndex < 0 ? m_mainIndex : qwtIndex; }
-    uchar resolveChannel(int qwtIndex, uchar ch) const;
-    _dev *findDevice(int qwtIndex);
-    const _dev *findDevice(int qwtIndex) const;
-    _ch *findChannel(int qwtIndex, uchar ch);
-    const _ch *findChannel(int qwtIndex, uchar ch) const;
-    bool isMainChannel(int qwtIndex, uchar ch) const;
-
+    /** Of a number that is no scale, one that is none either. */
+    static uchar scaleNumber(int index)
+    {
+        return static_cast<uchar>(index < 0 ? 255 : qMin(index, 255));
+    }
     bool ensureChannel(int qwtIndex, uchar ch);
-    bool storePoint(_ch &channel, double val, double time, const QString &dim) const;
-    void announce(int qwtIndex, const QVector<PointOutcome> &outcomes);
-    void appendChannel(int qwtIndex);
     void removeLastChannel(int qwtIndex);
-    void endDifference(int qwtIndex, uchar ch);
-    bool extendDifference(_ch &channel) const;
-    void rebuildDifference(_ch &channel, const _ch &reference) const;
-    bool violatesLimit(int qwtIndex, uchar ch) const;
-    bool violatesLimit(const _dev &device, const _ch &channel) const;
+    void announce(int qwtIndex, const PointBatch &batch);
+    void announce(PointBatch::Event event, int qwtIndex, uchar ch);
+    void endDifference(const ChannelNumber &number);
+    void passSignalsOn();
 
-    bool hasFreeView(int qwtIndex, uchar ch) const;
-    void setCurrentScales(const _ch &channel);
-    void showMode(const _ch &channel);
-    void scaleX(const _ch &channel);
-    void scaleY(_ch &channel);
-    void restAxes();
-    AxisView axisView(int axis) const;
-    void setAxisView(int axis, const AxisView &view);
-    void steadyLabels(int axis);
-    void installScaleXDraw();
-    void refreshScaleYLabels();
-    void paintFrame();
-
-    void buildInteraction();
-    void restMouse();
-    void startMeasurement(const QPointF &point);
-    void resetMeasurement();
-    void rewriteMeasurement();
-    MeasurementTexts measurementTexts() const;
-    QString valueText(double value) const;
-    TimeFormat timeFormat() const;
-    void zoomByWheel(bool coarser);
-    ScaleRows rowsInEffect() const;
-    void showZoomed(const ZoomedView &view);
-    QPointF middleOfView() const;
-    QPointF cursor() const;
-    void placeLimit(const QPointF &point);
-    void clickLeft(const QPointF &point);
-    void clickRight();
-    QPointF plotPosition(const QPoint &position) const;
-
-    QMap<int, _dev> m_devices;
-    int m_mainIndex = -1;
+    PlotRecords m_records;
     std::function<QDateTime()> m_clock = &QDateTime::currentDateTime;
-    uchar m_divX = 10;
-    uchar m_divY = 10;
-    uchar m_scaleX = 0; ///< row of scalesX() in effect, chosen by the user or by the data
-    uchar m_scaleY = 0; ///< row of scalesY() in effect
-    QwtPlotTextLabel *m_caption = nullptr; ///< owned by the plot's item list
-    CaptionParts m_captionParts;           ///< what it shows at present
-    uchar m_labelPrecision = 0;            ///< decimals with which the Y axis was labelled last
-    QDate m_labelDay;                      ///< what was today when the X axis was labelled last
     FrameClock m_frameClock;
-
-    std::unique_ptr<PlotMeasurement> m_measurement;
-    std::unique_ptr<PlotPickers> m_pickers;
-    QwtNoxQwtPlotPicker *m_crossHair = nullptr; ///< owned by the canvas
-    QPoint m_pressed;         ///< where a button went down, in pixels of this widget
-    bool m_rightHeld = false; ///< the right button is down, and no other
+    std::unique_ptr<PlotAxes> m_axes;
+    std::unique_ptr<PlotInteraction> m_interaction;
+    std::unique_ptr<PlotSettings> m_settings;
 };

@@ -1,9 +1,8 @@
 #include "plot/qwtnoxscaledraw.h"
 
-#include "plot/numbertext.h"
+#include "plot/plottexts.h"
 #include "plot/qwtnox.h"
 #include "plot/scalechoice.h"
-#include "plot/timetext.h"
 
 #include <QPainter>
 #include <qwt_scale_div.h>
@@ -30,7 +29,7 @@ void QwtNOXScaleXDraw::drawLabel(QPainter *painter, double value) const
     QwtScaleDraw::drawLabel(painter, value);
 }
 
-/** Every how many ticks there is room for a label. */
+/** Every how many ticks a label fits between its neighbours. */
 int QwtNOXScaleXDraw::stride(const QFont &font) const
 {
     const QList<double> ticks = scaleDiv().ticks(QwtScaleDiv::MajorTick);
@@ -76,4 +75,17 @@ QwtNOXScaleYDraw::QwtNOXScaleYDraw(const QwtNOX *plot)
 QwtText QwtNOXScaleYDraw::label(double value) const
 {
     return numberText(value, m_plot->getPrecision());
+}
+
+QwtNOXScaleXDraw *newScaleXDraw(TmcModeX mode, const QwtNOX *plot)
+{
+    switch (mode) {
+    case ModeXRelative:
+        return new QwtNOXScaleXDrawMode1(plot);
+    case ModeXAbsolute:
+        return new QwtNOXScaleXDrawMode2(plot);
+    case ModeXSeconds:
+        break;
+    }
+    return new QwtNOXScaleXDrawMode0;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plot/plotmodes.h"
+
 #include <qwt_scale_draw.h>
 #include <qwt_text.h>
 
@@ -57,3 +59,6 @@ public:
 private:
     const QwtNOX *m_plot;
 };
+
+/** Labels of the time axis of `plot` in a mode of its main channel; the caller owns them. */
+QwtNOXScaleXDraw *newScaleXDraw(TmcModeX mode, const QwtNOX *plot);

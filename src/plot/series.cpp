@@ -2,16 +2,79 @@
 
 #include <utility>
 
+ValueRange rangeOf(const double *values, int count)
+{
+    ValueRange lanes[4]; // comparisons that do not wait for each other
+    int i = 0;
+    for (; i + 4 <= count; i += 4)
+        for (int lane = 0; lane < 4; ++lane)
+            lanes[lane].include(values[i + lane]);
+    for (; i < count; ++i)
+        lanes[0].include(values[i]);
+    for (int lane = 1; lane < 4; ++lane)
+        lanes[0].include(lanes[lane]);
+    return lanes[0];
+}
+
+void MinMaxPyramid::append(std::size_t level, const ValueRange &range)
+{
+    if (level == m_levels.size())
+        m_levels.emplace_back();
+    Level &blocks = m_levels[level];
+    blocks.append(range);
+    if (blocks.size() % blocksPerBlock != 0)
+        return;
+    ValueRange upper;
+    for (int i = blocks.size() - blocksPerBlock; i < blocks.size(); ++i)
+        upper.include(blocks[i]);
+    append(level + 1, upper);
+}
+
+/** Range of the blocks of level 0 from number `first` to before `end`. */
+ValueRange MinMaxPyramid::blocks(int first, int end) const
+{
+    // On each level those that fill no block of the next one, on both sides.
+    ValueRange range;
+    for (std::size_t level = 0; first < end; ++level) {
+        const Level &blocks = m_levels[level];
+        while (first < end && first % blocksPerBlock != 0)
+            range.include(blocks[first++]);
+        while (first < end && end % blocksPerBlock != 0)
+            range.include(blocks[--end]);
+        first /= blocksPerBlock;
+        end /= blocksPerBlock;
+    }
+    return range;
+}
+
+int MinMaxPyramid::levelFrom(int first, int end) const
+{
+    int level = -1;
+    const int levels = static_cast<int>(m_levels.size());
+    while (level + 1 < levels && first % blockLength(level + 1) == 0 &&
+           blockLength(level + 1) <= end - first)
+        ++level;
+    return level;
+}
+
+int MinMaxPyramid::levelBefore(int end) const
+{
+    int level = -1;
+    const int levels = static_cast<int>(m_levels.size());
+    while (level + 1 < levels && end % blockLength(level + 1) == 0)
+        ++level;
+    return level;
+}
+
 void Series::Storage::append(double value)
 {
     const int before = values.size();
     if (ascending == before && (before == 0 || value >= values[before - 1]))
         ascending = before + 1;
     values.append(value);
-    const int size = before + 1;
-    if (size % SealedLevels::valuesPerBlock == 0)
-        levels.seal(
-            rangeOf(&values[size - SealedLevels::valuesPerBlock], SealedLevels::valuesPerBlock));
+    constexpr int block = MinMaxPyramid::valuesPerBlock;
+    if (values.size() % block == 0)
+        pyramid.append(rangeOf(&values[values.size() - block], block));
 }
 
 Series::Series() = default;
@@ -53,7 +116,7 @@ void Series::clear()
     m_size = 0;
 }
 
-ValueRange Series::range(int first, int end, int *read) const
+ValueRange Series::range(int first, int end) const
 {
     first = std::max(first, 0);
     end = std::min(end, m_size);
@@ -61,8 +124,7 @@ ValueRange Series::range(int first, int end, int *read) const
         return {};
     prefetchEnds(first, end);
     const auto singles = [this](int from, int to) { return rangeOf(stretch(from), to - from); };
-    int unread = 0;
-    return m_storage->levels.range(first, end, singles, read ? read : &unread);
+    return m_storage->pyramid.range(first, end, singles);
 }
 
 int Series::firstNotBelow(double bound) const
@@ -73,7 +135,7 @@ int Series::firstNotBelow(double bound) const
             --level;
         if (level < 0 && (*this)[i] >= bound)
             return i;
-        i += SealedLevels::blockLength(level);
+        i += MinMaxPyramid::blockLength(level);
     }
     return m_size;
 }
@@ -81,12 +143,12 @@ int Series::firstNotBelow(double bound) const
 int Series::lastBelow(double bound) const
 {
     for (int end = m_size; end > 0;) {
-        int level = m_storage->levels.levelBefore(end);
-        while (level >= 0 && block(level, end - SealedLevels::blockLength(level)).min < bound)
+        int level = m_storage->pyramid.levelBefore(end);
+        while (level >= 0 && block(level, end - MinMaxPyramid::blockLength(level)).min < bound)
             --level;
         if (level < 0 && (*this)[end - 1] < bound)
             return end - 1;
-        end -= SealedLevels::blockLength(level);
+        end -= MinMaxPyramid::blockLength(level);
     }
     return -1;
 }

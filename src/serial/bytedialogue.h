@@ -1,7 +1,6 @@
 #pragma once
 
-#include "serial/exchangeitems.h"
-#include "serial/linktiming.h"
+#include "serial/linkschedule.h"
 
 #include <QByteArray>
 #include <QElapsedTimer>

@@ -4,10 +4,8 @@
 #include "serial/portcatalog.h"
 
 #include <QAbstractEventDispatcher>
+#include <QEventLoop>
 #include <QTimer>
-
-#include <algorithm>
-#include <memory>
 
 namespace
 {
@@ -17,43 +15,6 @@ constexpr int removalTimeoutMs = 5000;
 constexpr quint16 queryCodeOffset = 100;
 constexpr quint16 dataCodeOffset = 200;
 constexpr quint16 wordSize = 4;
-
-/** Appends `item` unless an equal one waits behind the head. */
-template<typename Item>
-void enqueueOnce(QQueue<Item> &queue, const Item &item)
-{
-    const auto waiting = queue.begin() + std::min(1, queue.size());
-    if (std::find(waiting, queue.end(), item) == queue.end())
-        queue.enqueue(item);
-}
-
-template<typename Item>
-bool allEmpty(const QHash<int, QQueue<Item>> &queues)
-{
-    return std::all_of(queues.begin(), queues.end(),
-                       [](const QQueue<Item> &queue) { return queue.isEmpty(); });
-}
-
-template<typename Item>
-int pendingItems(const QHash<int, QQueue<Item>> &queues)
-{
-    int count = 0;
-    for (const QQueue<Item> &queue : queues)
-        count += queue.size();
-    return count;
-}
-
-/** After a failure: of mode normal the whole queue goes, else only the failed head. */
-template<typename Item>
-void dropFailed(QQueue<Item> &queue, noxQueryMode mode, bool abandoned)
-{
-    if (abandoned || queue.isEmpty())
-        return;
-    if (mode == noxQueryModeNormal)
-        queue.clear();
-    else
-        queue.dequeue();
-}
 
 /** Connects a signal of the multiplexer with the slot of a worker. Only what is about the worker's
  *  own device is queued: an event for each of all workers would hold the GUI thread up. */
@@ -70,12 +31,6 @@ void connectToWorker(const NOXSerialPort *port, void (NOXSerialPort::*signal)(in
     QObject::connect(port, signal, worker, queue, Qt::DirectConnection);
 }
 
-noxSerialPortDataItem dataItem(const QByteArray &data, quint8 address, bool showPr,
-                               noxQueryMode qMode)
-{
-    return {address, data, qMode, showPr, false};
-}
-
 } // namespace
 
 int NOXSerialPort::progMax = 0;
@@ -88,31 +43,28 @@ NOXSerialPort::NOXSerialPort(QObject *parent)
 
 NOXSerialPort::~NOXSerialPort()
 {
-    const auto devices = m_workers.keys();
-    for (int devIndex : devices) {
+    const auto indices = devices();
+    for (int devIndex : indices)
         rmDev(devIndex);
-        dropHeldReplies(devIndex);
-    }
     // a worker that outlived its removal time still has to end before it may be deleted
-    qDeleteAll(m_workers);
+    m_devices.clear();
 }
 
 int NOXSerialPort::addDev(QString portName, char devType, int baudRate, quint8 measTimeout)
 {
-    if (m_workers.size() >= mostDevices)
-        return -1;
     const SerialPortEntry entry = PortCatalog::current().find(portName);
     if (entry.name.isEmpty() || entry.busy)
         return -1;
 
-    int devIndex = 0;
-    while (m_workers.contains(devIndex))
-        ++devIndex;
-    auto *worker = new noxSerialPortThread(devIndex, portName, devType, baudRate, measTimeout);
+    const int devIndex = m_devices.add(mostDevices);
+    if (devIndex < 0)
+        return -1;
+    auto worker =
+        std::make_unique<noxSerialPortThread>(devIndex, portName, devType, baudRate, measTimeout);
     worker->setTiming(m_timing);
-    m_workers.insert(devIndex, worker);
-    connectWorker(worker);
+    connectWorker(worker.get());
     worker->start(QThread::InheritPriority);
+    m_devices.find(devIndex)->worker = std::move(worker);
     return devIndex;
 }
 
@@ -144,22 +96,52 @@ void NOXSerialPort::connectWorker(noxSerialPortThread *worker)
 
 void NOXSerialPort::rmDev(int devIndex)
 {
+    LinkDevice *const device = m_devices.find(devIndex);
     // called again while its own loop runs, it has nothing to add
-    if (!m_workers.contains(devIndex) || m_removalWaits.contains(devIndex))
+    if (!device || device->removalWait)
         return;
     const bool wasReadAll = isReadAllQuery();
     const bool wasSentAll = isSendAllData();
 
     QEventLoop loop;
-    m_removalWaits.insert(devIndex, &loop);
+    device->removalWait = &loop;
     QTimer::singleShot(removalTimeoutMs, &loop, &QEventLoop::quit);
-    m_workers.value(devIndex)->requestStop();
+    device->worker->requestStop();
     // Called while an event is delivered, the loop would sleep over those that wait behind it (so
     // does glib's dispatcher), and one of them may tell that the worker has ended already.
     QAbstractEventDispatcher::instance()->wakeUp();
     loop.exec();
-    m_removalWaits.remove(devIndex);
+    if (LinkDevice *const outlived = m_devices.find(devIndex))
+        outlived->removalWait = nullptr;
 
+    announceEmptied(wasReadAll, wasSentAll);
+}
+
+void NOXSerialPort::purgeDevSerialPortThread()
+{
+    const int devIndex = senderIndex();
+    if (devIndex < 0)
+        return;
+    const LinkDevice device = m_devices.take(devIndex);
+    device.worker->disconnect();
+    disconnect(device.worker.get());
+
+    onExchangeProg();
+    if (device.removalWait)
+        device.removalWait->quit();
+}
+
+void NOXSerialPort::emptyQueues(int devIndex)
+{
+    LinkDevice *const device = m_devices.find(devIndex);
+    if (!device)
+        return;
+    const bool wasReadAll = isReadAllQuery();
+    const bool wasSentAll = isSendAllData();
+    device->queries.abandon();
+    device->writes.abandon();
+    device->heldReplies.clear();
+    onExchangeProg();
     announceEmptied(wasReadAll, wasSentAll);
 }
 
@@ -171,95 +153,40 @@ void NOXSerialPort::announceEmptied(bool wasReadAll, bool wasSentAll)
         emit allDevDataSend();
 }
 
-void NOXSerialPort::purgeDevSerialPortThread()
-{
-    const int devIndex = senderIndex();
-    if (devIndex < 0)
-        return;
-    const std::unique_ptr<noxSerialPortThread> worker(m_workers.value(devIndex));
-    worker->disconnect();
-    disconnect(worker.get());
-
-    m_queryQueues.remove(devIndex);
-    m_dataQueues.remove(devIndex);
-    for (QSet<int> *state :
-         {&m_queryHandedOver, &m_dataHandedOver, &m_queryAbandoned, &m_dataAbandoned})
-        state->remove(devIndex);
-    onExchangeProg();
-    dropHeldReplies(devIndex);
-    m_blockedDevices.removeAll(devIndex);
-
-    m_workers.remove(devIndex);
-    if (QEventLoop *loop = m_removalWaits.value(devIndex))
-        loop->quit();
-}
-
-void NOXSerialPort::emptyQueues(int devIndex)
-{
-    if (!m_workers.contains(devIndex))
-        return;
-    const bool wasReadAll = isReadAllQuery();
-    const bool wasSentAll = isSendAllData();
-    m_queryQueues[devIndex].clear();
-    m_dataQueues[devIndex].clear();
-    dropHeldReplies(devIndex);
-    if (m_queryHandedOver.contains(devIndex))
-        m_queryAbandoned.insert(devIndex);
-    if (m_dataHandedOver.contains(devIndex))
-        m_dataAbandoned.insert(devIndex);
-    onExchangeProg();
-    announceEmptied(wasReadAll, wasSentAll);
-}
-
-void NOXSerialPort::dropHeldReplies(int devIndex)
-{
-    const auto replies = m_heldReplies.take(devIndex);
-    for (const devDataReply &reply : replies)
-        delete reply.buf;
-}
-
 void NOXSerialPort::setDevType(int devIndex, char devType)
 {
-    if (m_workers.contains(devIndex))
+    if (m_devices.find(devIndex))
         emit onSetDevType(devIndex, devType);
 }
 
 QString NOXSerialPort::getPortName(int devIndex) const
 {
-    const noxSerialPortThread *worker = m_workers.value(devIndex);
-    return worker ? worker->name() : QStringLiteral("-");
+    const LinkDevice *device = m_devices.find(devIndex);
+    return device ? device->worker->name() : QStringLiteral("-");
+}
+
+/** The device whose signal is being received; -1 when it has been purged, or is blocked. */
+int NOXSerialPort::streamingIndex() const
+{
+    const int devIndex = senderIndex();
+    return devIndex >= 0 && m_devices.find(devIndex)->blocked == 0 ? devIndex : -1;
 }
 
 bool NOXSerialPort::isEmptyQueryQueue(int devIndex) const
 {
-    const auto queue = m_queryQueues.constFind(devIndex);
-    return queue != m_queryQueues.constEnd() && queue->isEmpty();
+    const LinkDevice *device = m_devices.find(devIndex);
+    return device && device->queries.wasUsed() && device->queries.isEmpty();
 }
 
 bool NOXSerialPort::isEmptyDataQueue(int devIndex) const
 {
-    const auto queue = m_dataQueues.constFind(devIndex);
-    return queue != m_dataQueues.constEnd() && queue->isEmpty();
-}
-
-bool NOXSerialPort::hasExchanges(int devIndex) const
-{
-    return !m_queryQueues.value(devIndex).isEmpty() || !m_dataQueues.value(devIndex).isEmpty();
-}
-
-bool NOXSerialPort::isSendAllData() const
-{
-    return allEmpty(m_dataQueues);
-}
-
-bool NOXSerialPort::isReadAllQuery() const
-{
-    return allEmpty(m_queryQueues) && allEmpty(m_heldReplies);
+    const LinkDevice *device = m_devices.find(devIndex);
+    return device && device->writes.wasUsed() && device->writes.isEmpty();
 }
 
 void NOXSerialPort::onExchangeProg()
 {
-    const int pending = pendingItems(m_queryQueues) + pendingItems(m_dataQueues);
+    const int pending = m_devices.pendingExchanges();
     if (progMax > pending) {
         if (pending > 0) {
             emit setProgress(progMax - pending, progMax);
@@ -274,44 +201,29 @@ void NOXSerialPort::onExchangeProg()
     progMax = pending;
 }
 
-void NOXSerialPort::sendDevQuery(int devIndex, quint8 address, quint16 size, bool showPr,
-                                 noxQueryMode qMode)
-{
-    sendDevQuery(devIndex, {address, size, showPr, qMode, false, false});
-}
-
 void NOXSerialPort::sendDevQuery(int devIndex, noxSerialPortQueryItem query)
 {
     // a read of nothing would never be answered and hold the stream back for good
-    if (!m_workers.contains(devIndex) || query.size == 0)
+    if (!m_devices.find(devIndex) || query.size == 0)
         return;
     emit blockStatusEvent(devIndex, true);
     onExchangeProg();
-    QQueue<noxSerialPortQueryItem> &queue = m_queryQueues[devIndex];
-    if (!m_dataQueues.value(devIndex).isEmpty()) {
-        queue.enqueue(query);
+    LinkDevice *const device = m_devices.find(devIndex);
+    if (!device)
+        return;
+    if (!device->writes.isEmpty()) {
+        device->queries.push(query);
         return;
     }
-    enqueueOnce(queue, query);
-    if (queue.size() == 1)
-        startQuery(devIndex);
-}
-
-void NOXSerialPort::sendRecQuery(int devIndex, quint8 address, quint16 size, bool showPr,
-                                 noxQueryMode qMode)
-{
-    sendDevQuery(devIndex, {address, size, showPr, qMode, true, false});
+    device->queries.pushUnlessWaiting(query);
+    if (device->queries.size() == 1)
+        startQuery(devIndex, *device);
 }
 
 void NOXSerialPort::sendRecQuery(int devIndex, noxSerialPortQueryItem query)
 {
     query.rec = true;
     sendDevQuery(devIndex, query);
-}
-
-void NOXSerialPort::sendWordQuery(int devIndex, quint8 address, bool showPr, noxQueryMode qMode)
-{
-    sendDevQuery(devIndex, {address, wordSize, showPr, qMode, false, true});
 }
 
 void NOXSerialPort::sendWordQuery(int devIndex, noxSerialPortQueryItem query)
@@ -323,25 +235,15 @@ void NOXSerialPort::sendWordQuery(int devIndex, noxSerialPortQueryItem query)
 
 void NOXSerialPort::sendDevData(int devIndex, noxSerialPortDataItem data)
 {
-    if (!m_workers.contains(devIndex) || data.data.isEmpty())
+    if (!m_devices.find(devIndex) || data.data.isEmpty())
         return;
     emit blockStatusEvent(devIndex, true);
-    QQueue<noxSerialPortDataItem> &queue = m_dataQueues[devIndex];
-    enqueueOnce(queue, data);
-    if (queue.size() == 1)
-        startData(devIndex);
-}
-
-void NOXSerialPort::sendDevData(int devIndex, QByteArray *buf, quint8 address, bool showPr,
-                                noxQueryMode qMode)
-{
-    sendDevData(devIndex, dataItem(*buf, address, showPr, qMode));
-}
-
-void NOXSerialPort::sendDevData(int devIndex, QByteArray buf, quint8 address, bool showPr,
-                                noxQueryMode qMode)
-{
-    sendDevData(devIndex, dataItem(buf, address, showPr, qMode));
+    LinkDevice *const device = m_devices.find(devIndex);
+    if (!device)
+        return;
+    device->writes.pushUnlessWaiting(data);
+    if (device->writes.size() == 1)
+        startData(devIndex, *device);
 }
 
 void NOXSerialPort::sendDevWord(int devIndex, noxSerialPortDataItem data)
@@ -350,54 +252,36 @@ void NOXSerialPort::sendDevWord(int devIndex, noxSerialPortDataItem data)
     sendDevData(devIndex, data);
 }
 
-void NOXSerialPort::sendDevWord(int devIndex, QByteArray *buf, quint8 address, bool showPr,
-                                noxQueryMode qMode)
-{
-    sendDevWord(devIndex, dataItem(*buf, address, showPr, qMode));
-}
-
-void NOXSerialPort::sendDevWord(int devIndex, QByteArray buf, quint8 address, bool showPr,
-                                noxQueryMode qMode)
-{
-    sendDevWord(devIndex, dataItem(buf, address, showPr, qMode));
-}
-
 /**
- * Hands the head of the read queue to the worker, unless it has it already, or has a write: the two
- * would begin in an order of chance, and what the read says may be what the write changes.
+ * Hands the next read to the worker, unless it has one already, or has a write: the two would begin
+ * in an order of chance, and what the read says may be what the write changes.
  */
-void NOXSerialPort::startQuery(int devIndex)
+void NOXSerialPort::startQuery(int devIndex, LinkDevice &device)
 {
-    if (isExchanging(devIndex))
+    if (device.isExchanging())
         return;
-    m_queryHandedOver.insert(devIndex);
-    emit readyDevQuery(devIndex, m_queryQueues[devIndex].head());
+    if (const auto query = device.queries.takeHead())
+        emit readyDevQuery(devIndex, *query);
 }
 
-void NOXSerialPort::startData(int devIndex)
+void NOXSerialPort::startData(int devIndex, LinkDevice &device)
 {
-    if (m_dataHandedOver.contains(devIndex))
-        return;
-    m_dataHandedOver.insert(devIndex);
-    emit readyDevData(devIndex, m_dataQueues[devIndex].head());
-}
-
-bool NOXSerialPort::isExchanging(int devIndex) const
-{
-    return m_queryHandedOver.contains(devIndex) || m_dataHandedOver.contains(devIndex);
+    if (const auto data = device.writes.takeHead())
+        emit readyDevData(devIndex, *data);
 }
 
 /** Chooses a device's next exchange: a write, else a read, else its stream flows again. */
 void NOXSerialPort::startNext(int devIndex)
 {
     // whoever received a result may have removed the device
-    if (!m_workers.contains(devIndex))
+    LinkDevice *const device = m_devices.find(devIndex);
+    if (!device)
         return;
-    if (!m_dataQueues.value(devIndex).isEmpty())
-        startData(devIndex);
-    else if (!m_queryQueues.value(devIndex).isEmpty())
-        startQuery(devIndex);
-    else if (!isExchanging(devIndex)) // what the worker still has may be forgotten, but not done
+    if (!device->writes.isEmpty())
+        startData(devIndex, *device);
+    else if (!device->queries.isEmpty())
+        startQuery(devIndex, *device);
+    else if (!device->isExchanging()) // what the worker has may be forgotten, but not done
         emit blockStatusEvent(devIndex, false);
 }
 
@@ -407,13 +291,12 @@ void NOXSerialPort::readDevReply(QByteArray *buf, quint8 address)
     const int devIndex = senderIndex();
     if (devIndex < 0)
         return;
-    m_queryHandedOver.remove(devIndex);
-    if (!m_queryAbandoned.remove(devIndex) && !m_queryQueues[devIndex].isEmpty())
-        m_queryQueues[devIndex].dequeue();
+    m_devices.find(devIndex)->queries.finish();
     onExchangeProg();
 
-    if (isBlocked(devIndex)) {
-        m_heldReplies[devIndex].enqueue({address, reply.release()});
+    LinkDevice *const device = m_devices.find(devIndex);
+    if (device && device->blocked > 0) {
+        device->heldReplies.push_back({address, std::move(reply)});
     } else {
         emit readyDevReply(devIndex, reply.get(), address);
         emit readyDevReply(devIndex, *reply, address);
@@ -430,14 +313,13 @@ void NOXSerialPort::onSendQueryError(quint16 code, noxSerialPortQueryItem query)
     const int devIndex = senderIndex();
     if (devIndex < 0)
         return;
-    m_queryHandedOver.remove(devIndex);
-    dropFailed(m_queryQueues[devIndex], query.qMode, m_queryAbandoned.remove(devIndex));
+    m_devices.find(devIndex)->queries.fail(query.qMode);
     onExchangeProg();
     emit onDevQueryError(devIndex, code + queryCodeOffset, query);
     emitErrorEvent(devIndex, code + queryCodeOffset);
     if (isReadAllQuery())
         emit allDevQueryComplite();
-    if (m_queryQueues.value(devIndex).isEmpty())
+    if (!m_devices.hasQueries(devIndex))
         emit resultDevQuery(devIndex, false);
     startNext(devIndex);
 }
@@ -447,17 +329,14 @@ void NOXSerialPort::doneDevSend()
     const int devIndex = senderIndex();
     if (devIndex < 0)
         return;
-    m_dataHandedOver.remove(devIndex);
-    if (m_dataAbandoned.remove(devIndex)) {
+    const auto done = m_devices.find(devIndex)->writes.finish();
+    if (!done) {
         startNext(devIndex);
         return;
     }
-    if (m_dataQueues.value(devIndex).isEmpty())
-        return;
-    const noxSerialPortDataItem done = m_dataQueues[devIndex].dequeue();
     onExchangeProg();
-    emit doneSendDevData(devIndex, done);
-    const bool moreWrites = !m_dataQueues.value(devIndex).isEmpty();
+    emit doneSendDevData(devIndex, *done);
+    const bool moreWrites = m_devices.hasWrites(devIndex);
     startNext(devIndex);
     if (!moreWrites)
         emit doneSend(devIndex);
@@ -470,14 +349,13 @@ void NOXSerialPort::onSendDataError(quint16 code, noxSerialPortDataItem data)
     const int devIndex = senderIndex();
     if (devIndex < 0)
         return;
-    m_dataHandedOver.remove(devIndex);
-    dropFailed(m_dataQueues[devIndex], data.qMode, m_dataAbandoned.remove(devIndex));
+    m_devices.find(devIndex)->writes.fail(data.qMode);
     onExchangeProg();
     emit onDevDataError(devIndex, code + dataCodeOffset, data);
     emitErrorEvent(devIndex, code + dataCodeOffset);
     if (isSendAllData())
         emit allDevDataSend();
-    if (!m_dataQueues.value(devIndex).isEmpty())
+    if (m_devices.hasWrites(devIndex))
         emit resultDevData(devIndex, false);
     startNext(devIndex);
 }
@@ -489,80 +367,69 @@ void NOXSerialPort::onError(quint16 code)
 
 void NOXSerialPort::emitErrorEvent(int devIndex, quint16 code)
 {
-    if (!m_workers.contains(devIndex))
+    if (!m_devices.find(devIndex))
         return;
-    const QString msg = m_errorTexts.value(code, QStringLiteral("Unknown error"));
-    emit onDevError(devIndex, code, msg);
+    // no code has a text of its own
+    emit onDevError(devIndex, code, QStringLiteral("Unknown error"));
     emit onDevError(devIndex, code);
     emit onDevError(devIndex);
 }
 
 void NOXSerialPort::readDevMeas(double meas, quint8 ch, char dim)
 {
-    const int devIndex = senderIndex();
-    if (devIndex >= 0 && !isBlocked(devIndex))
+    if (const int devIndex = streamingIndex(); devIndex >= 0)
         emit readyDevMeas(devIndex, meas, ch, dim);
 }
 
 void NOXSerialPort::readDevSource(QByteArray buf)
 {
-    const int devIndex = senderIndex();
-    if (devIndex >= 0 && !isBlocked(devIndex))
+    if (const int devIndex = streamingIndex(); devIndex >= 0)
         emit readyDevSource(devIndex, buf);
 }
 
 void NOXSerialPort::readDevStatus(QStringList lStr)
 {
-    const int devIndex = senderIndex();
-    if (devIndex >= 0 && !isBlocked(devIndex))
+    if (const int devIndex = streamingIndex(); devIndex >= 0)
         emit readyDevStatus(devIndex, lStr);
 }
 
 void NOXSerialPort::setDevProgress(int progress, int maxProgress, quint8 address)
 {
-    const int devIndex = senderIndex();
-    if (devIndex >= 0)
+    if (const int devIndex = senderIndex(); devIndex >= 0)
         emit setProgress(devIndex, progress, maxProgress, address);
 }
 
 void NOXSerialPort::devMeasTimeout(bool isConnect)
 {
-    const int devIndex = senderIndex();
-    if (devIndex >= 0)
+    if (const int devIndex = senderIndex(); devIndex >= 0)
         emit onMeasTimeOut(devIndex, isConnect);
 }
 
 void NOXSerialPort::blockEventDev(int devIndex, bool b)
 {
-    if (!m_workers.contains(devIndex))
+    LinkDevice *device = m_devices.find(devIndex);
+    if (!device)
         return;
     if (b) {
-        m_blockedDevices.append(devIndex);
+        ++device->blocked;
         return;
     }
-    if (!isBlocked(devIndex))
+    if (device->blocked == 0)
         return;
-    while (!m_heldReplies.value(devIndex).isEmpty()) {
-        const devDataReply reply = m_heldReplies[devIndex].dequeue();
-        // out of the queue first: a receiver may remove the device with all that is held
-        const std::unique_ptr<QByteArray> buf(reply.buf);
-        emit readyDevReply(devIndex, *buf, reply.address);
-        emit readyDevReply(devIndex, buf.get(), reply.address);
+    while (const auto reply = m_devices.takeHeldReply(devIndex)) {
+        emit readyDevReply(devIndex, *reply->buf, reply->address);
+        emit readyDevReply(devIndex, reply->buf.get(), reply->address);
     }
     if (isReadAllQuery())
         emit allDevQueryComplite();
-    m_blockedDevices.removeOne(devIndex);
+    device = m_devices.find(devIndex);
+    if (device && device->blocked > 0)
+        --device->blocked;
 }
 
 void NOXSerialPort::blockEventAll(bool b)
 {
-    const auto devices = m_workers.keys();
-    for (int devIndex : devices)
+    const auto indices = devices();
+    for (int devIndex : indices)
         blockEventDev(devIndex, b);
-}
-
-/** The device of the worker whose signal is being received; -1 when it has been purged. */
-int NOXSerialPort::senderIndex() const
-{
-    return m_workers.key(static_cast<noxSerialPortThread *>(sender()), -1);
 }

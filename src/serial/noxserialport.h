@@ -1,17 +1,10 @@
 #pragma once
 
-#include "serial/exchangeitems.h"
-#include "serial/linktiming.h"
+#include "serial/linkdevices.h"
+#include "serial/linkschedule.h"
 
-#include <QEventLoop>
-#include <QHash>
 #include <QObject>
-#include <QQueue>
-#include <QSet>
 #include <QStringList>
-#include <QVector>
-
-class noxSerialPortThread;
 
 /**
  * The port multiplexer: the one object through which the program talks to its instruments.
@@ -26,16 +19,14 @@ class NOXSerialPort : public QObject
     Q_OBJECT
 public:
     /** A reply held back while the events of its instrument are blocked. */
-    struct devDataReply {
-        quint8 address = 0;
-        QByteArray *buf = nullptr; ///< owned by the queue that holds it
-    };
+    using devDataReply = HeldReply;
 
     explicit NOXSerialPort(QObject *parent = nullptr);
     ~NOXSerialPort() override;
 
     /** Starts a worker on a port; its `devIndex`, or -1: port missing or busy, or 255 workers. */
-    int addDev(QString portName, char devType = 0, int baudRate = 9600, quint8 measTimeout = 15);
+    int addDev(QString portName, char devType = 0, int baudRate = defaultBaudRate,
+               quint8 measTimeout = defaultMeasTimeout);
     /** Stops and removes a worker; spins a local event loop until it has ended, 5 s at most. */
     void rmDev(int devIndex);
     /** Sets the command byte of an instrument's transfers. */
@@ -43,15 +34,18 @@ public:
     /** The port's name, "-" for an unknown device. */
     QString getPortName(int devIndex) const;
     /** The `devIndex` of every worker. */
-    QList<int> devices() const { return m_workers.keys(); }
+    QList<int> devices() const { return m_devices.indices(); }
     /** True only if the device has had a read and none is queued now. */
     bool isEmptyQueryQueue(int devIndex) const;
     /** A read or a write of the device is queued, the one in progress included. */
-    bool hasExchanges(int devIndex) const;
+    bool hasExchanges(int devIndex) const
+    {
+        return m_devices.hasQueries(devIndex) || m_devices.hasWrites(devIndex);
+    }
     /** No device has a queued write. */
-    bool isSendAllData() const;
+    bool isSendAllData() const { return m_devices.haveSentAll(); }
     /** No device has a queued read or a held reply. */
-    bool isReadAllQuery() const;
+    bool isReadAllQuery() const { return m_devices.haveReadAll(); }
     /** Recomputes and announces the overall progress. */
     void onExchangeProg();
 
@@ -70,28 +64,49 @@ public:
 public slots:
     /** Queues a block read. */
     void sendDevQuery(int devIndex, quint8 address, quint16 size, bool showPr = false,
-                      noxQueryMode qMode = noxQueryModeNormal);
+                      noxQueryMode qMode = noxQueryModeNormal)
+    {
+        sendDevQuery(devIndex, {address, size, showPr, qMode, false, false});
+    }
     void sendDevQuery(int devIndex, noxSerialPortQueryItem query);
     /** Queues a read of 8-byte records. */
     void sendRecQuery(int devIndex, quint8 address, quint16 size, bool showPr = false,
-                      noxQueryMode qMode = noxQueryModeNormal);
+                      noxQueryMode qMode = noxQueryModeNormal)
+    {
+        sendRecQuery(devIndex, {address, size, showPr, qMode, true, false});
+    }
     void sendRecQuery(int devIndex, noxSerialPortQueryItem query);
     /** Queues a read of one 4-byte word. */
     void sendWordQuery(int devIndex, quint8 address, bool showPr = false,
-                       noxQueryMode qMode = noxQueryModeNormal);
+                       noxQueryMode qMode = noxQueryModeNormal)
+    {
+        sendWordQuery(devIndex, {address, 0, showPr, qMode, false, true});
+    }
     void sendWordQuery(int devIndex, noxSerialPortQueryItem query);
     /** Queues a block write; the caller keeps `buf`. */
     void sendDevData(int devIndex, noxSerialPortDataItem data);
     void sendDevData(int devIndex, QByteArray *buf, quint8 address, bool showPr = false,
-                     noxQueryMode qMode = noxQueryModeNormal);
+                     noxQueryMode qMode = noxQueryModeNormal)
+    {
+        sendDevData(devIndex, *buf, address, showPr, qMode);
+    }
     void sendDevData(int devIndex, QByteArray buf, quint8 address, bool showPr = false,
-                     noxQueryMode qMode = noxQueryModeNormal);
+                     noxQueryMode qMode = noxQueryModeNormal)
+    {
+        sendDevData(devIndex, {address, buf, qMode, showPr, false});
+    }
     /** Queues a write of one 4-byte word; the caller keeps `buf`. */
     void sendDevWord(int devIndex, noxSerialPortDataItem data);
     void sendDevWord(int devIndex, QByteArray *buf, quint8 address, bool showPr = false,
-                     noxQueryMode qMode = noxQueryModeNormal);
+                     noxQueryMode qMode = noxQueryModeNormal)
+    {
+        sendDevWord(devIndex, *buf, address, showPr, qMode);
+    }
     void sendDevWord(int devIndex, QByteArray buf, quint8 address, bool showPr = false,
-                     noxQueryMode qMode = noxQueryModeNormal);
+                     noxQueryMode qMode = noxQueryModeNormal)
+    {
+        sendDevWord(devIndex, {address, buf, qMode, showPr, true});
+    }
     /** Holds a device's replies back and drops its stream (true), or delivers what was held. */
     void blockEventDev(int devIndex, bool b);
     void blockEventAll(bool b);
@@ -165,32 +180,16 @@ private slots:
     void emitErrorEvent(int devIndex, quint16 code);
 
 private:
+    int senderIndex() const { return m_devices.indexOf(sender()); }
+    int streamingIndex() const;
     void connectWorker(noxSerialPortThread *worker);
-    int senderIndex() const;
-    bool isBlocked(int devIndex) const { return m_blockedDevices.contains(devIndex); }
-    bool isExchanging(int devIndex) const;
-    void startQuery(int devIndex);
-    void startData(int devIndex);
+    void startQuery(int devIndex, LinkDevice &device);
+    void startData(int devIndex, LinkDevice &device);
     void startNext(int devIndex);
     void announceEmptied(bool wasReadAll, bool wasSentAll);
-    void dropHeldReplies(int devIndex);
 
     static int progMax; ///< most exchanges pending since none was; of the whole process
 
-    QHash<int, noxSerialPortThread *> m_workers; ///< owned
-    QHash<int, QString> m_errorTexts;            ///< by code; nothing fills it
-    // By devIndex, each made at its first use; the head is the exchange in progress.
-    QHash<int, QQueue<noxSerialPortQueryItem>> m_queryQueues;
-    QHash<int, QQueue<noxSerialPortDataItem>> m_dataQueues;
-    QHash<int, QQueue<devDataReply>> m_heldReplies;
-    QVector<int> m_blockedDevices;
-    QHash<int, QEventLoop *> m_removalWaits; ///< loops of rmDev(), on its stack
-    // Devices whose worker already has the head of the queue. Without them a head handed over
-    // again, just when the worker has finished it, would be carried out twice.
-    QSet<int> m_queryHandedOver;
-    QSet<int> m_dataHandedOver;
-    // Devices whose queue was emptied meanwhile: the result to come takes no head off it.
-    QSet<int> m_queryAbandoned;
-    QSet<int> m_dataAbandoned;
+    LinkDevices m_devices;
     LinkTiming m_timing;
 };

@@ -6,7 +6,6 @@ namespace
 {
 
 constexpr int lostPortPeriodMs = 100;
-constexpr quint8 noAddress = noBlockAddress;
 
 /** Sets a flag for the length of a scope. */
 class FlagScope
@@ -35,8 +34,6 @@ noxSerialPortThread::noxSerialPortThread(int devIndex, const QString &portName, 
     , m_measTimeout(measTimeout)
     , m_portName(portName)
 {
-    m_query.address = noAddress;
-    m_data.address = noAddress;
     // A QThread lives where it was created; only here its slots and single-shot callbacks come to
     // run in the thread that it starts, where the port is.
     moveToThread(this);
@@ -84,23 +81,27 @@ void noxSerialPortThread::run()
 void noxSerialPortThread::sendQuery(int devIndex, noxSerialPortQueryItem newQuery)
 {
     assertWorkerThread();
-    if (devIndex != m_devIndex || !m_running || m_query.address != noAddress)
-        return;
-    m_measTimer->stop();
-    m_query = newQuery;
-    m_queryAttempt = 0;
-    scheduleStart(m_timing.queueDelay, &noxSerialPortThread::sendNextQuery);
+    if (devIndex == m_devIndex)
+        accept(m_query, newQuery, &noxSerialPortThread::sendNextQuery);
 }
 
 void noxSerialPortThread::sendData(int devIndex, noxSerialPortDataItem newData)
 {
     assertWorkerThread();
-    if (devIndex != m_devIndex || !m_running || m_data.address != noAddress)
+    if (devIndex == m_devIndex)
+        accept(m_data, newData, &noxSerialPortThread::sendNextData);
+}
+
+/** Takes an exchange on, unless one of its kind is in progress. */
+template<typename Item>
+void noxSerialPortThread::accept(Current<Item> &current, const Item &item, Start start)
+{
+    if (!m_running || current.item.address != noBlockAddress)
         return;
     m_measTimer->stop();
-    m_data = newData;
-    m_dataAttempt = 0;
-    scheduleStart(m_timing.queueDelay, &noxSerialPortThread::sendNextData);
+    current.item = item;
+    current.attempts = 0;
+    scheduleStart(m_timing.queueDelay, start);
 }
 
 void noxSerialPortThread::setDevType(int devIndex, char newDevType)
@@ -184,12 +185,12 @@ void noxSerialPortThread::publish(const StreamToken &token)
 void noxSerialPortThread::sendNextQuery()
 {
     assertWorkerThread();
-    if (m_query.size == 0 || !mayGoOn())
+    if (m_query.item.size == 0 || !mayGoOn())
         return;
     const FlagScope scope(m_exchanging);
-    if (m_query.rec)
+    if (m_query.item.rec)
         sendNextQueryRec();
-    else if (m_query.word)
+    else if (m_query.item.word)
         sendNextQueryWord();
     else
         sendNextQueryData();
@@ -198,37 +199,37 @@ void noxSerialPortThread::sendNextQuery()
 void noxSerialPortThread::sendNextQueryData()
 {
     QByteArray reply;
-    showProgress(m_query.showPr, -1, 0, m_query.address);
+    showProgress(m_query.item.showPr, -1, 0, m_query.item.address);
     const LinkResult result =
-        m_dialogue->readBlock(m_query.address, m_query.size, m_devType, &reply,
-                              progressOf(m_query.showPr, m_query.address));
+        m_dialogue->readBlock(m_query.item.address, m_query.item.size, m_devType, &reply,
+                              progressOf(m_query.item.showPr, m_query.item.address));
     finishQuery(result, ExchangeKind::BlockRead, reply);
 }
 
 void noxSerialPortThread::sendNextQueryRec()
 {
     QByteArray reply;
-    showProgress(m_query.showPr, -1, 0, m_query.address);
+    showProgress(m_query.item.showPr, -1, 0, m_query.item.address);
     const LinkResult result =
-        m_dialogue->readRecords(m_query.address, m_query.size, m_devType, &reply,
-                                progressOf(m_query.showPr, m_query.address));
+        m_dialogue->readRecords(m_query.item.address, m_query.item.size, m_devType, &reply,
+                                progressOf(m_query.item.showPr, m_query.item.address));
     finishQuery(result, ExchangeKind::RecordRead, reply);
 }
 
 void noxSerialPortThread::sendNextQueryWord()
 {
     QByteArray reply;
-    const LinkResult result = m_dialogue->readWord(m_query.address, &reply);
+    const LinkResult result = m_dialogue->readWord(m_query.item.address, &reply);
     finishQuery(result, ExchangeKind::WordRead, reply);
 }
 
 void noxSerialPortThread::sendNextData()
 {
     assertWorkerThread();
-    if (m_data.data.isEmpty() || !mayGoOn())
+    if (m_data.item.data.isEmpty() || !mayGoOn())
         return;
     const FlagScope scope(m_exchanging);
-    if (m_data.word)
+    if (m_data.item.word)
         sendNextDataWord();
     else
         sendNextDataSync();
@@ -236,83 +237,67 @@ void noxSerialPortThread::sendNextData()
 
 void noxSerialPortThread::sendNextDataSync()
 {
-    showProgress(m_data.showPr, -1, 0, m_data.address);
-    finishData(m_dialogue->writeBlock(m_data.address, m_data.data, m_devType,
-                                      progressOf(m_data.showPr, m_data.address)));
+    showProgress(m_data.item.showPr, -1, 0, m_data.item.address);
+    finishData(m_dialogue->writeBlock(m_data.item.address, m_data.item.data, m_devType,
+                                      progressOf(m_data.item.showPr, m_data.item.address)));
 }
 
 void noxSerialPortThread::sendNextDataWord()
 {
-    finishData(m_dialogue->writeWord(m_data.address, m_data.data));
+    finishData(m_dialogue->writeWord(m_data.item.address, m_data.item.data));
 }
 
 void noxSerialPortThread::finishQuery(LinkResult result, ExchangeKind kind, const QByteArray &reply)
 {
-    if (!mayGoOn())
-        return;
-    if (result != LinkResult::Done) {
-        failQuery(result, kind);
-        return;
-    }
-    showProgress(m_query.showPr, -1, 0, m_query.address);
-    emit readyQuery(new QByteArray(reply), m_query.address);
-    m_query.address = noAddress;
-    m_queryAttempt = 0;
-    showProgress(m_query.showPr, 0, 0, noAddress);
-    m_measTimer->start();
-    endExchange(StreamStart::Anew);
-}
-
-void noxSerialPortThread::failQuery(LinkResult result, ExchangeKind kind)
-{
-    showProgress(m_query.showPr, -1, 0, m_query.address);
-    const RetryStep step = nextRetryStep(kind, m_query.qMode, m_queryAttempt);
-    m_queryAttempt = step.attempts;
-    if (step.action != RetryStep::GiveUp) {
-        scheduleRetry(step, &noxSerialPortThread::sendNextQuery);
-        return;
-    }
-    showProgress(m_query.showPr, 0, 0, m_query.address);
-    if (deliversEmptyReply(kind, m_query.qMode))
-        emit readyQuery(new QByteArray, m_query.address);
-    else
-        emit onSendQueryError(quint16(result), m_query);
-    m_query.address = noAddress;
-    m_measTimer->start();
-    endExchange(StreamStart::Anywhere);
+    const auto announce = [&](const noxSerialPortQueryItem &query) {
+        if (result == LinkResult::Done)
+            emit readyQuery(new QByteArray(reply), query.address);
+        else if (deliversEmptyReply(kind, query.qMode))
+            emit readyQuery(new QByteArray, query.address);
+        else
+            emit onSendQueryError(quint16(result), query);
+    };
+    settle(m_query, result, kind, &noxSerialPortThread::sendNextQuery, announce);
 }
 
 void noxSerialPortThread::finishData(LinkResult result)
 {
-    if (!mayGoOn())
-        return;
-    if (result != LinkResult::Done) {
-        failData(result);
-        return;
-    }
-    showProgress(m_data.showPr, -1, 0, m_data.address);
-    m_data.address = noAddress;
-    emit doneSend();
-    m_dataAttempt = 0;
-    showProgress(m_data.showPr, 0, 0, noAddress);
-    m_measTimer->start();
-    endExchange(StreamStart::Anew);
+    const auto announce = [&](const noxSerialPortDataItem &data) {
+        if (result == LinkResult::Done)
+            emit doneSend();
+        else
+            emit onSendDataError(quint16(result), data);
+    };
+    settle(m_data, result, ExchangeKind::Write, &noxSerialPortThread::sendNextData, announce);
 }
 
-void noxSerialPortThread::failData(LinkResult result)
+/** What follows an attempt: another one, or the result is announced and the stream goes on. */
+template<typename Item, typename Announce>
+void noxSerialPortThread::settle(Current<Item> &current, LinkResult result, ExchangeKind kind,
+                                 Start start, Announce announce)
 {
-    showProgress(m_data.showPr, -1, 0, m_data.address);
-    const RetryStep step = nextRetryStep(ExchangeKind::Write, m_data.qMode, m_dataAttempt);
-    m_dataAttempt = step.attempts;
-    if (step.action != RetryStep::GiveUp) {
-        scheduleRetry(step, &noxSerialPortThread::sendNextData);
+    if (!mayGoOn())
         return;
+    const Item item = current.item;
+    const bool done = result == LinkResult::Done;
+    showProgress(item.showPr, -1, 0, item.address);
+    if (!done) {
+        const RetryStep step = nextRetryStep(kind, item.qMode, current.attempts);
+        current.attempts = step.attempts;
+        if (step.action != RetryStep::GiveUp) {
+            scheduleRetry(step.action, start);
+            return;
+        }
+        showProgress(item.showPr, 0, 0, item.address);
     }
-    showProgress(m_data.showPr, 0, 0, m_data.address);
-    emit onSendDataError(quint16(result), m_data);
-    m_data.address = noAddress;
-    // the watchdog starts again with the stream
-    endExchange(StreamStart::Anywhere);
+    announce(item);
+    current.item.address = noBlockAddress;
+    if (done)
+        showProgress(item.showPr, 0, 0, noBlockAddress);
+    // after a failed write the watchdog starts again with the stream
+    if (done || kind != ExchangeKind::Write)
+        m_measTimer->start();
+    endExchange(done ? StreamStart::Anew : StreamStart::Anywhere);
 }
 
 /** Leaves the line empty and tells the parser where in the stream the next byte will stand. */
@@ -408,27 +393,25 @@ ByteDialogue::Progress noxSerialPortThread::progressOf(bool show, quint8 address
     return [this, show, address](int done, int total) { showProgress(show, done, total, address); };
 }
 
-template<typename Slot>
-void noxSerialPortThread::scheduleStart(int baseDelayMs, Slot slot)
+void noxSerialPortThread::scheduleStart(int baseDelayMs, Start start)
 {
     // a coarse timer, Qt's choice from 2 s on, would fire up to a twentieth too early
-    QTimer::singleShot(startDelay(m_timing, baseDelayMs), Qt::PreciseTimer, this, slot);
+    QTimer::singleShot(startDelay(m_timing, baseDelayMs), Qt::PreciseTimer, this, start);
 }
 
-template<typename Slot>
-void noxSerialPortThread::scheduleRetry(const RetryStep &step, Slot slot)
+void noxSerialPortThread::scheduleRetry(RetryStep::Action action, Start start)
 {
-    switch (step.action) {
+    switch (action) {
     case RetryStep::RetryQuickly:
-        scheduleStart(0, slot);
+        scheduleStart(0, start);
         break;
     case RetryStep::Retry:
-        scheduleStart(m_timing.attemptDelay, slot);
+        scheduleStart(m_timing.attemptDelay, start);
         break;
     case RetryStep::ReopenAndRetry:
         // when it cannot be reopened the retry ends here; the error has been reported
         if (reConnect())
-            scheduleStart(2 * m_timing.attemptDelay, slot);
+            scheduleStart(2 * m_timing.attemptDelay, start);
         break;
     case RetryStep::GiveUp:
         break;

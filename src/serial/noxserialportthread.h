@@ -2,8 +2,7 @@
 
 #include "serial/bytedialogue.h"
 #include "serial/exchangeitems.h"
-#include "serial/linktiming.h"
-#include "serial/retryschedule.h"
+#include "serial/linkschedule.h"
 #include "serial/streamparser.h"
 
 #include <QByteArray>
@@ -29,7 +28,7 @@ class noxSerialPortThread : public QThread
     Q_OBJECT
 public:
     noxSerialPortThread(int devIndex, const QString &portName, char devType = 0,
-                        int baudRate = 9600, quint8 measTimeout = 15);
+                        int baudRate = defaultBaudRate, quint8 measTimeout = defaultMeasTimeout);
     ~noxSerialPortThread() override;
 
     /** The waits of the link; before start(). */
@@ -107,33 +106,41 @@ private:
     /** Where in the measurement stream the next byte stands. */
     enum class StreamStart { Anew, Anywhere };
 
+    /** The read, or the write, in progress; its address is `noBlockAddress` when there is none. */
+    template<typename Item>
+    struct Current {
+        Item item;
+        quint8 attempts = 0; ///< those that have failed
+        Current() { item.address = noBlockAddress; }
+    };
+    using Start = void (noxSerialPortThread::*)();
+
     bool reConnect();
     void endExchange(StreamStart start);
     void publish(const StreamToken &token);
     bool mayGoOn();
     void finishQuery(LinkResult result, ExchangeKind kind, const QByteArray &reply);
     void finishData(LinkResult result);
-    void failQuery(LinkResult result, ExchangeKind kind);
-    void failData(LinkResult result);
+    template<typename Item>
+    void accept(Current<Item> &current, const Item &item, Start start);
+    template<typename Item, typename Announce>
+    void settle(Current<Item> &current, LinkResult result, ExchangeKind kind, Start start,
+                Announce announce);
     void showProgress(bool show, int progress, int maxProgress, quint8 address);
     ByteDialogue::Progress progressOf(bool show, quint8 address);
-    template<typename Slot>
-    void scheduleStart(int baseDelayMs, Slot slot);
-    template<typename Slot>
-    void scheduleRetry(const RetryStep &step, Slot slot);
+    void scheduleStart(int baseDelayMs, Start start);
+    void scheduleRetry(RetryStep::Action action, Start start);
 
     std::unique_ptr<QSerialPort> m_port;
     std::unique_ptr<ByteDialogue> m_dialogue; ///< on `m_port`; it remembers what it wrote last
     int m_baudRate;
     int m_devIndex;
     char m_devType;
-    quint8 m_queryAttempt = 0;
-    quint8 m_dataAttempt = 0;
     quint8 m_measTimeout; ///< seconds
     LinkTiming m_timing;
     std::atomic<bool> m_running{false};
-    noxSerialPortQueryItem m_query;
-    noxSerialPortDataItem m_data;
+    Current<noxSerialPortQueryItem> m_query;
+    Current<noxSerialPortDataItem> m_data;
     std::unique_ptr<QTimer> m_measTimer;
     std::unique_ptr<QTimer> m_lostPortTimer; ///< looks at a port whose signals are held back
     StreamParser m_parser;                   ///< holds the unparsed tail of the stream

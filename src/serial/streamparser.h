@@ -44,9 +44,6 @@ public:
     /** The instrument starts its stream anew: what comes begins a token. */
     void restart();
 
-    /** Bytes kept for the next batch. */
-    int tailLength() const { return m_tail.size(); }
-
 private:
     QByteArray m_tail;
     bool m_skipping = false;

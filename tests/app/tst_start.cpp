@@ -1,202 +1,270 @@
+#include "device/windows1251.h"
 #include "registry/findnox.h"
-#include "serial/noxserialport.h"
-#include "storage/noxsql.h"
 #include "windowfixture.h"
 
-#include <QProgressBar>
-#include <QStandardPaths>
-
-/** What the window keeps from one start to the next, and what it does when it starts and ends. */
-class TestStart : public QObject
+/** What the window keeps from one start to the next and in files, and how it starts and ends. */
+class TestStart : public WindowTest
 {
     Q_OBJECT
+    /** The check boxes of the settings: "Автоподключение" and "Запрос при выходе". */
+    QList<QCheckBox *> boxes() const { return menuOf("settingsBtn")->findChildren<QCheckBox *>(); }
+    QString checked() const
+    {
+        return words({boxes()[0]->text(), boxes()[0]->isChecked(), boxes()[1]->text(),
+                      boxes()[1]->isChecked()});
+    }
+    static QString databaseFolder()
+    {
+        return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    }
+    QTemporaryDir folder;
+
 private slots:
-    void firstStartMakesTheDatabaseAndSearches();
-    void settingsAreKept();
-    void exitIsAskedFor();
-    void progressStandsInTheRow();
-    void programTellsItsVersion();
-    void emptyWindowTellsWhatToDo_data();
-    void emptyWindowTellsWhatToDo();
-    void uselessDatabaseIsTold_data();
-    void uselessDatabaseIsTold();
+    void firstStartMakesTheDatabaseAndSearches()
+    {
+        QLocale::setDefault(QLocale::Russian);
+        start();
+        QCOMPARE(QLocale().language(), QLocale::English); // numbers have a point
+        QVERIFY(QFile::exists(databaseFolder() + "/nox8.db"));
+        QCOMPARE(checked(), "Автоподключение true Запрос при выходе false");
+        QVERIFY(!window->discovery()->isVisible());
+        QTRY_VERIFY(window->discovery()->isVisible());
+    }
+
+    void settingsAreKept()
+    {
+        menuOf("settingsBtn")->popup({});
+        QTest::mouseClick(boxes()[0], Qt::LeftButton, {}, {8, 8});
+        QVERIFY(!menuOf("settingsBtn")->isVisible());
+        boxes()[1]->click();
+        start();
+        QCOMPARE(checked(), "Автоподключение false Запрос при выходе true");
+        QTest::qWait(700); // longer than a search would wait for
+        QVERIFY(!window->discovery()->isVisible());
+        press("findDevBtn");
+        QVERIFY(window->discovery()->isVisible());
+    }
+
+    void exitIsAskedFor()
+    {
+        boxes()[1]->click();
+        press("exitBtm");
+        QVERIFY(window->isVisible());
+        const Message question = dialogs.asked.value(0);
+        QCOMPARE(question.icon, QMessageBox::Question);
+        QCOMPARE(question.title, "Выход из программы");
+        QCOMPARE(question.text, "Вы уверены что хотите выйти из программы?");
+        QCOMPARE(question.buttons, QMessageBox::Yes | QMessageBox::No);
+        QCOMPARE(question.defaultButton, QMessageBox::No);
+        dialogs.answer = QMessageBox::Yes;
+        QVERIFY(window->close());
+        start();
+        boxes()[1]->click();
+        press("exitBtm");
+        QVERIFY(!window->isVisible());
+        QCOMPARE(dialogs.asked.size(), 2);
+    }
+
+    void programTellsItsVersion()
+    {
+        QCoreApplication::setApplicationVersion("3.4.6");
+        window->setProperty("BUILD_NUMBER", 110);
+        window->setProperty("BUILD_DATE", "Mar  5 2024");
+        pick(menuOf("settingsBtn"), "О программе");
+        QStringList told;
+        for (const char *name : {"versionLabel", "buildLabel", "buildDateLabel", "qtLabel"})
+            told << label(name);
+        QCOMPARE(told, (QStringList{"3.4.6", "110", "Mar  5 2024", QT_VERSION_STR}));
+        QVERIFY(label("qwtLabel").startsWith("6."));
+        QVERIFY(find<QLineEdit>("databaseEdit")->text().endsWith("/nox8.db"));
+        QVERIFY(find<QPlainTextEdit>("licenceText")->toPlainText().contains("MIT License"));
+        QWidget *const dialog = find("appconf");
+        QVERIFY(dialog->isVisible());
+        QTest::keyClick(dialog, Qt::Key_Escape);
+        QVERIFY(!dialog->isVisible());
+    }
+
+    void emptyWindowTellsWhatToDo()
+    {
+        const SerialPortEntry busy{"1", {}, true};
+        const SerialPortEntry free{"2", {}, false};
+        const QVector<QPair<QVector<SerialPortEntry>, QString>> advices = {
+            {{}, "подключите прибор"},
+            {{busy, busy}, "освободите порт"},
+            {{busy, free}, "опрашивает все свободные порты"}};
+        const auto *const hint = find<QLabel>("instrumentHint");
+        window->resize(window->minimumSizeHint());
+        for (const auto &advice : advices) {
+            ListedPorts::use(advice.first);
+            QEvent activation(QEvent::WindowActivate);
+            QCoreApplication::sendEvent(window.get(), &activation);
+            QVERIFY2(hint->text().contains(advice.second), qPrintable(hint->text()));
+            QVERIFY(hint->isVisible() && hint->height() >= hint->heightForWidth(hint->width()));
+        }
+        add();
+        QVERIFY(!hint->isVisible());
+        ListedPorts::use({});
+        registry().rmByIndex(0);
+        QVERIFY(hint->isVisible() && hint->text().contains("подключите прибор"));
+    }
+
+    void uselessDatabaseIsTold()
+    {
+        const QByteArray contents[] = {"", QByteArray(4096, 'x'), "in place of the folder"};
+        for (const QByteArray &content : contents) {
+            window.reset();
+            const QFileInfo place(databaseFolder());
+            QVERIFY(QDir(place.filePath()).removeRecursively());
+            const bool isBlocked = content.startsWith("in");
+            QVERIFY(isBlocked || QDir().mkpath(place.filePath()));
+            QFile file(isBlocked ? place.filePath() : place.filePath() + "/nox8.db");
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+            file.close();
+            start();
+            QVERIFY(find("databaseHint")->isVisible());
+            const QString told =
+                label("databaseHint").remove(QChar(0x200b)); // may be wrapped there
+            QVERIFY(told.startsWith("Настройки не сохраняются: "));
+            QVERIFY(told.endsWith(place.filePath() + "/nox8.db"));
+            QVERIFY(!isBlocked || QFile::remove(place.filePath()));
+        }
+        start();
+        QVERIFY(!find("databaseHint")->isVisible());
+    }
+
+    void recordsAndTellsOfLostRows()
+    {
+        addSome(2);
+        auto *button = find<QToolButton>("recBtn");
+        const auto isMarked = [button] {
+            const QImage picture = button->grab().toImage();
+            return picture.pixelColor(picture.width() / 2, 0) == QColor("#c62828");
+        };
+        press("recBtn");
+        QVERIFY(!button->isChecked()); // before the dialog has begun it
+        dialogs.file = folder.filePath("запись/1.csv");
+        for (const char *name : {"selectFileBtn", "saveBtn", "closeBtn"})
+            QTest::mouseClick(find("recmeas")->findChild<QWidget *>(name), Qt::LeftButton);
+        for (const int row : {2, 1}) { // the button speaks of the current instrument
+            choose(row);
+            QCOMPARE(button->isChecked(), row == 1);
+        }
+        const auto measureRound = [this] {
+            now = now.addSecs(1);
+            measure(0, 1, 0);
+            measure(0, 2, 1);
+        };
+        measureRound();
+        measureRound(); // there is no folder yet
+        QVERIFY(isMarked());
+        QCOMPARE(button->toolTip(), "Запись в файл\nNOX B № 0001: Запись не ведётся с 24.11.2026 "
+                                    "07:05:11: файл не открывается для записи");
+        QCOMPARE(button->accessibleDescription(), button->toolTip());
+        choose(2); // but its mark of all
+        QVERIFY(isMarked() && QDir(folder.path()).mkdir("запись"));
+        measureRound();
+        QVERIFY(!isMarked() && QFile::exists(dialogs.file));
+        QCOMPARE(button->toolTip(), "Запись в файл");
+        QVERIFY(QDir(folder.filePath("запись")).removeRecursively());
+        measureRound();
+        QVERIFY(isMarked());
+        registry().rmByIndex(0);
+        QVERIFY(!isMarked());
+    }
+
+    void filesAreAskedForWhereTheLastOneWas()
+    {
+        add(0x0970AA0F, 7);
+        press("toolButton"); // nothing is chosen
+        dialogs.file = folder.filePath("plot.png");
+        press("toolButton");
+        QVERIFY(!QImage(dialogs.file).isNull() && dialogs.told.isEmpty());
+        start();
+        dialogs.file = folder.filePath("none/plot.png");
+        press("toolButton");
+        QCOMPARE(dialogs.told.size(), 1);
+        press("toolButton_3");
+        QStringList places;
+        for (const FileQuestion &question : qAsConst(dialogs.fileQuestions))
+            places << question.directory + ' ' + question.name;
+        const QString first = QDir::homePath() + " NOX D rev_4_N0007_24-11-2026";
+        QCOMPARE(places,
+                 (QStringList{first, first, folder.path() + ' ', folder.filePath("none") + ' '}));
+    }
+
+    void readsIntoAnEmptyRegistry()
+    {
+        dialogs.file = folder.filePath("results.csv");
+        QFile file(dialogs.file);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(toWindows1251("Начало измерений. Дата 23.11.2026 Время 06:00:00;\r\n\r\n"
+                                 "№;dT;Канал 1;Канал 2;\r\n ;[c];[°С];[Ом];\r\n"
+                                 "1;5;21.5000;101.2500;\r\n2;6;21.7500;--;\r\n"));
+        file.close();
+        press("toolButton_3");
+        showFrame();
+        QCOMPARE(column(channels(), ChannelColumn::Value), "21.75 101.25");
+        QCOMPARE(column(channels(), ChannelColumn::Unit), "°С Ω");
+        QCOMPARE(plot().getStartDateTime(), QDateTime({2026, 11, 23}, {6, 0}));
+        QVERIFY(find("readingBar")->isHidden());
+        QCOMPARE(label("readingLabel"), "Чтение: results.csv");
+
+        // once more the same; what the instrument measures stays away from what was read
+        registry().setProccesed(0, true, false);
+        press("toolButton_3");
+        QCOMPARE(plot().getChMeasCount(0, 0), 2);
+        QVERIFY(!record(0).processed);
+        record(0).opt->setDevType(0x11);
+        QVERIFY(title().startsWith("NOX B"));
+    }
+
+    void longReadingIsShownAndStopped()
+    {
+        dialogs.file = folder.filePath(QString(60, 'w') + ".csv");
+        QFile results(dialogs.file);
+        QVERIFY(results.open(QIODevice::WriteOnly));
+        results.write(toWindows1251("Начало измерений. Дата 23.11.2026 Время 06:00:00;\r\n\r\n"
+                                    "№;dT;Канал 1;\r\n ;[c];[°С];\r\n"));
+        for (int row = 1; row <= 200000; ++row)
+            results.write(QByteArray::number(row) + ';' + QByteArray::number(row) + ";21.5;\r\n");
+        results.close();
+        press("toolButton_3");
+        const auto *const progress = find<QProgressBar>("readingProgress");
+        const int begun = progress->value();
+        QVERIFY(find("readingBar")->isVisible() && begun < 50);
+        QTRY_VERIFY(progress->value() > begun);
+        QVERIFY(label("readingLabel").startsWith("Чтение: ww") &&
+                label("readingLabel").contains("…"));
+        QCOMPARE(find("readingLabel")->toolTip(), QFileInfo(dialogs.file).fileName());
+        press("stopReadingBtn");
+        QTRY_VERIFY(find("readingBar")->isHidden());
+        QVERIFY(plot().getChMeasCount(0, 0) < 200000);
+    }
+
+    void remembersThePlotOfEachInstrument()
+    {
+        addSome(2);
+        click(channels(), 2, ChannelColumn::Value);
+        choose(2);
+        click(channels(), 4, ChannelColumn::Value);
+        press("mainAverLabel");
+        const auto restartWith = [this](std::initializer_list<quint16> numbers) {
+            start();
+            for (const quint16 number : numbers)
+                add(0x11, number);
+        };
+        // the second one is current again although it comes last; the new third one inherits from
+        // it
+        restartWith({1, 3, 2});
+        QCOMPARE(words({title(), plot().getChMain(0), plot().getChMain(1), plot().getChMain(2)}),
+                 "NOX B № 0002 1 3 3");
+        QVERIFY(!plot().getAverShow(1) && !plot().getAverShow(2));
+        // after its removal the newest of the others is current, now and later
+        registry().rmByIndex(2);
+        restartWith({2, 1, 3});
+        QCOMPARE(title(), "NOX B № 0003");
+    }
 };
-
-namespace
-{
-
-QCheckBox *settingBox(const WindowFixture &fixture, const QString &title)
-{
-    const auto boxes =
-        fixture.find<QPushButton>("settingsBtn")->menu()->findChildren<QCheckBox *>();
-    for (QCheckBox *box : boxes)
-        if (box->text() == title)
-            return box;
-    return nullptr;
-}
-
-QProgressBar *progressAt(const WindowFixture &fixture, int row)
-{
-    return qobject_cast<QProgressBar *>(
-        fixture.instruments()->cellWidget(row, InstrumentColumn::Menu));
-}
-
-} // namespace
-
-void TestStart::firstStartMakesTheDatabaseAndSearches()
-{
-    const WindowFixture fixture;
-    QVERIFY(QFile::exists(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) +
-                          "/nox8.db"));
-    QVERIFY(settingBox(fixture, "Автоподключение")->isChecked());
-    QVERIFY(!settingBox(fixture, "Запрос при выходе")->isChecked());
-    QVERIFY(!fixture.window->discovery()->isVisible());
-    QTRY_VERIFY(fixture.window->discovery()->isVisible());
-}
-
-void TestStart::settingsAreKept()
-{
-    WindowFixture fixture;
-    settingBox(fixture, "Автоподключение")->setChecked(false);
-    settingBox(fixture, "Запрос при выходе")->setChecked(true);
-    fixture.window.reset();
-    fixture.window = std::make_unique<MainWindow>();
-    QVERIFY(!settingBox(fixture, "Автоподключение")->isChecked());
-    QVERIFY(settingBox(fixture, "Запрос при выходе")->isChecked());
-    QTest::qWait(700); // longer than a search would wait for
-    QVERIFY(!fixture.window->discovery()->isVisible());
-    fixture.find<QPushButton>("findDevBtn")->click();
-    QVERIFY(fixture.window->discovery()->isVisible());
-}
-
-void TestStart::exitIsAskedFor()
-{
-    WindowFixture fixture;
-    settingBox(fixture, "Запрос при выходе")->setChecked(true);
-    QVERIFY(!fixture.window->close());
-    QCOMPARE(fixture.dialogs.asked.size(), 1);
-    const Message &question = fixture.dialogs.asked.first();
-    QCOMPARE(question.title, QStringLiteral("Выход из программы"));
-    QCOMPARE(question.text, QStringLiteral("Вы уверены что хотите выйти из программы?"));
-    QCOMPARE(question.buttons, QMessageBox::Yes | QMessageBox::No);
-    QCOMPARE(question.defaultButton, QMessageBox::No);
-    QVERIFY(fixture.window->isVisible());
-    fixture.dialogs.answer = QMessageBox::Yes;
-    QVERIFY(fixture.window->close());
-    settingBox(fixture, "Запрос при выходе")->setChecked(false);
-    fixture.window->show();
-    QVERIFY(fixture.window->close());
-    QCOMPARE(fixture.dialogs.asked.size(), 2);
-}
-
-void TestStart::progressStandsInTheRow()
-{
-    const WindowFixture fixture;
-    const int first = fixture.add(0x11, 1);
-    const int second = fixture.add(0x11, 2);
-    fixture.registry().getNoxByIndex(second)->devIndex = 9;
-    const auto report = [&](int devIndex, int progress, int most) {
-        emit fixture.window->serialPort()->setProgress(devIndex, progress, most, 2);
-    };
-    report(9, -1, 0);
-    QVERIFY(progressAt(fixture, 2) && progressAt(fixture, 2)->maximum() == 0);
-    QVERIFY(!progressAt(fixture, 1));
-    report(9, 30, 100);
-    QCOMPARE(progressAt(fixture, 2)->value(), 30);
-    QCOMPARE(progressAt(fixture, 2)->maximum(), 100);
-    report(8, 50, 100);
-    report(9, 0, 0);
-    QVERIFY(!progressAt(fixture, 2));
-
-    report(9, 30, 100);
-    fixture.registry().disConnByIndex(second);
-    QVERIFY(!progressAt(fixture, 2));
-
-    fixture.registry().getNoxByIndex(second)->devIndex = 9;
-    report(9, 30, 100); // the row moves up: the bar must not speak for another
-    fixture.registry().rmByIndex(first);
-    QVERIFY(!progressAt(fixture, 1));
-}
-
-void TestStart::programTellsItsVersion()
-{
-    const WindowFixture fixture;
-    QCoreApplication::setApplicationVersion("3.4.6");
-    fixture.window->setProperty("BUILD_NUMBER", 110);
-    fixture.window->setProperty("BUILD_DATE", "Mar  5 2024");
-    const auto actions = fixture.find<QPushButton>("settingsBtn")->menu()->actions();
-    QCOMPARE(actions.last()->text(), QStringLiteral("О программе"));
-    actions.last()->trigger();
-    QCOMPARE(fixture.label("versionLabel"), QStringLiteral("3.4.6"));
-    QCOMPARE(fixture.label("buildLabel"), QStringLiteral("110"));
-    QCOMPARE(fixture.label("buildDateLabel"), QStringLiteral("Mar  5 2024"));
-    QCOMPARE(fixture.label("qtLabel"), QStringLiteral(QT_VERSION_STR));
-    QVERIFY(fixture.find<QPlainTextEdit>("licenceText")->toPlainText().contains("MIT License"));
-
-    auto *const dialog = fixture.find<QDialog>("appconf");
-    QVERIFY(dialog->isVisible());
-    QTest::keyClick(dialog, Qt::Key_Escape);
-    QVERIFY(!dialog->isVisible());
-}
-
-void TestStart::emptyWindowTellsWhatToDo_data()
-{
-    QTest::addColumn<QVector<bool>>("busyPorts");
-    QTest::addColumn<QString>("advice");
-    QTest::newRow("no port") << QVector<bool>{} << "подключите прибор";
-    QTest::newRow("no free port") << QVector<bool>{true, true} << "освободите порт";
-    QTest::newRow("a free port") << QVector<bool>{true, false} << "Ручное подключение";
-}
-
-void TestStart::emptyWindowTellsWhatToDo()
-{
-    QFETCH(QVector<bool>, busyPorts);
-    QFETCH(QString, advice);
-    const WindowFixture fixture;
-    QVector<SerialPortEntry> ports;
-    for (const bool busy : busyPorts)
-        ports.append({QString::number(ports.size()), {}, busy});
-    PortCatalog::setCurrent(std::make_unique<ListedPorts>(ports));
-    QEvent activation(QEvent::WindowActivate);
-    QCoreApplication::sendEvent(fixture.window.get(), &activation);
-    const auto *const hint = fixture.find<QLabel>("instrumentHint");
-    QVERIFY(hint->isVisible());
-    QVERIFY2(hint->text().contains(advice), qPrintable(hint->text()));
-    const int index = fixture.add();
-    QVERIFY(!hint->isVisible());
-    fixture.registry().rmByIndex(index);
-    QVERIFY(hint->isVisible());
-}
-
-void TestStart::uselessDatabaseIsTold_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<bool>("isFolderBlocked");
-    QTest::newRow("no folder") << QByteArray() << true;
-    QTest::newRow("empty file") << QByteArray() << false;
-    QTest::newRow("other file") << QByteArray(4096, 'x') << false;
-}
-
-void TestStart::uselessDatabaseIsTold()
-{
-    QFETCH(QByteArray, content);
-    QFETCH(bool, isFolderBlocked);
-    WindowFixture fixture;
-    const auto *hint = fixture.find<QLabel>("databaseHint");
-    QVERIFY(!hint->isVisible());
-    fixture.window.reset();
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
-    QVERIFY(QDir(folder).removeRecursively());
-    QVERIFY(isFolderBlocked || QDir().mkpath(folder));
-    QFile file(isFolderBlocked ? folder : folder + "/nox8.db");
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
-    file.close();
-
-    fixture.window = std::make_unique<MainWindow>();
-    fixture.window->show();
-    hint = fixture.find<QLabel>("databaseHint");
-    QVERIFY(hint->isVisible() && hint->text().contains("Настройки не сохраняются"));
-}
 
 QTEST_MAIN(TestStart)
 #include "tst_start.moc"

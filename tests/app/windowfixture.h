@@ -5,92 +5,85 @@
 #include "app/rowcontent.h"
 #include "plot/qwtnox.h"
 #include "serial/portcatalog.h"
+#include "support/menukeys.h"
 #include "widgets/userdialogs.h"
 
 #include <QtTest>
 #include <QtWidgets>
 
 /** A list of ports that a test has made up. */
-class ListedPorts : public PortCatalog
-{
-public:
-    explicit ListedPorts(QVector<SerialPortEntry> entries)
-        : m_entries(std::move(entries))
+struct ListedPorts : PortCatalog {
+    QVector<SerialPortEntry> ports() const override { return entries; }
+    QVector<SerialPortEntry> entries;
+
+    static void use(const QVector<SerialPortEntry> &entries)
     {
+        auto catalog = std::make_unique<ListedPorts>();
+        catalog->entries = entries;
+        PortCatalog::setCurrent(std::move(catalog));
     }
-    QVector<SerialPortEntry> ports() const override { return m_entries; }
-
-private:
-    QVector<SerialPortEntry> m_entries;
 };
 
-/** Answers the questions of the program and keeps what it said, for as long as it lives. */
-class AnsweredDialogs
+/** Values as one text. */
+inline QString words(const QVariantList &values)
 {
-public:
-    AnsweredDialogs()
+    return QVariant(values).toStringList().join(' ');
+}
+
+/** What is seen of a cell: its text, and in brackets what its colours mean, as in "21.50[fresh]".
+ */
+inline QString seenCell(const QString &text, const QColor &textColor, const QColor &ground)
+{
+    const QHash<QString, QString> meanings = {{"#ff000000", ""},       {"#ffc0c0c0", "gray "},
+                                              {"#ffff0000", "red "},   {"#ffadd8e6", "current "},
+                                              {"#8090ee90", "fresh "}, {"#ffffff00", "yellow "}};
+    QString meaning;
+    for (const QColor &color : {textColor, ground})
+        if (color.isValid())
+            meaning += meanings.value(color.name(QColor::HexArgb), color.name(QColor::HexArgb));
+    return meaning.isEmpty() ? text : text + '[' + meaning.trimmed() + ']';
+}
+
+/**
+ * Tests of a main window without any port, seen through its form. Each begins with the first start
+ * of a user who has no data yet, at a time that stands still. What the program asks is answered.
+ */
+class WindowTest : public QObject
+{
+    Q_OBJECT
+protected:
+    /** No test meets the database of another, nor a real dialog. */
+    void prepare()
     {
-        UserDialogs::current().ask = [this](QWidget *, const Message &message) {
-            asked << message;
-            return answer;
-        };
-        UserDialogs::current().tell = [this](QWidget *, const Message &message) {
-            told << message;
-        };
-        UserDialogs::current().chooseColor = [this](QWidget *, const QColor &current) {
-            offeredColors << current;
-            return color;
-        };
-        UserDialogs::current().chooseFile = [this](QWidget *, const FileQuestion &question) {
-            fileQuestions << question;
-            return file;
-        };
+        data = std::make_unique<QTemporaryDir>();
+        qputenv("XDG_DATA_HOME", QFile::encodeName(data->path()));
+        ListedPorts::use({});
+        dialogs = {};
+        soundsPlayed = 0;
+        UserDialogs::current() = {
+            [this](QWidget *, const Message &message) {
+                return answered(dialogs.asked, message, dialogs.answer);
+            },
+            [this](QWidget *, const Message &message) { dialogs.told << message; },
+            [this](QWidget *, const QColor &now) {
+                return answered(dialogs.offeredColors, now, dialogs.color);
+            },
+            [this](QWidget *, const FileQuestion &one) {
+                return answered(dialogs.fileQuestions, one, dialogs.file);
+            }};
     }
-    ~AnsweredDialogs() { UserDialogs::current() = UserDialogs::onScreen(); }
-    Q_DISABLE_COPY(AnsweredDialogs)
-
-    QVector<Message> asked;
-    QVector<Message> told;
-    QVector<QColor> offeredColors; ///< the colour that each question started from
-    QMessageBox::StandardButton answer = QMessageBox::No;
-    QColor color;
-    QVector<FileQuestion> fileQuestions;
-    QString file; ///< what is chosen when a file is asked for
-};
-
-/** A folder of its own for the user's data: no test meets the database of another. */
-class OwnDataFolder
-{
-public:
-    OwnDataFolder() { qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.path())); }
-    ~OwnDataFolder() { qunsetenv("XDG_DATA_HOME"); }
-    Q_DISABLE_COPY(OwnDataFolder)
-
-private:
-    QTemporaryDir m_folder;
-};
-
-/** A main window without any port, seen through its form. */
-class WindowFixture
-{
-public:
-    WindowFixture()
+    void start()
     {
-        PortCatalog::setCurrent(std::make_unique<ListedPorts>(QVector<SerialPortEntry>()));
+        window.reset();
         window = std::make_unique<MainWindow>();
         window->alarmSound()->setPlayer({[this] { ++soundsPlayed; }, [] { return true; }});
         window->resize(1280, 800);
         window->show();
     }
-    ~WindowFixture()
-    {
-        window.reset();
-        PortCatalog::setCurrent(nullptr);
-    }
-    Q_DISABLE_COPY(WindowFixture)
 
     noxList &registry() const { return *window->registry(); }
     QwtNOX &plot() const { return *window->plot(); }
+    noxList::_nox &record(int index) const { return *registry().getNoxByIndex(index); }
 
     /** Adds an instrument without a port; returns its registry index. */
     int add(quint32 typeCode = 0, quint16 number = 0) const
@@ -100,6 +93,12 @@ public:
         nox->opt->setDevNumber(number);
         return nox->index;
     }
+    /** Adds instruments of eight channels with the numbers 1, 2 ... `count`. */
+    void addSome(int count) const
+    {
+        for (int number = 1; number <= count; ++number)
+            add(0x11, quint16(number));
+    }
     /** A measurement comes in; the frame that shows it is still to come. */
     void deliver(int index, double value, quint8 ch) const
     {
@@ -107,50 +106,117 @@ public:
     }
     /** Lets the frame come that is due. */
     void showFrame() const { plot().frameClock().flush(); }
-    /** A measurement comes in and is shown. */
     void measure(int index, double value, quint8 ch) const
     {
         deliver(index, value, ch);
         showFrame();
     }
 
-    template<typename Widget>
-    Widget *find(const char *name) const
+    template<typename Widget = QWidget>
+    Widget *find(const QString &name) const
     {
-        return window->findChild<Widget *>(QString::fromLatin1(name));
+        return window->findChild<Widget *>(name);
     }
-    QTableWidget *channels() const { return find<QTableWidget>("chTable"); }
-    QTableWidget *instruments() const { return find<QTableWidget>("devTable"); }
-    QString title() const { return find<QGroupBox>("lcdGroupBox")->title(); }
-    QString label(const char *name) const { return find<QLabel>(name)->text(); }
-    QCheckBox *showBox(int row) const
+    void press(const QString &name) const { QTest::mouseClick(find(name), Qt::LeftButton); }
+    QMenu *menuOf(const QString &button) const
     {
-        return instruments()->cellWidget(row, InstrumentColumn::Show)->findChild<QCheckBox *>();
+        const auto *push = find<QPushButton>(button);
+        return push ? push->menu() : find<QToolButton>(button)->menu();
+    }
+    /** Opens a menu and picks an entry of it or of one inside it ("menu/entry"). */
+    static void pick(QMenu *menu, const QString &path)
+    {
+        menu->popup(menu->pos());
+        pickEntry(path);
+    }
+    /** The entries of a menu that opens: separators as "|", ticked ones with a star, and in
+     *  brackets those of a menu inside it. */
+    static QString entriesOf(QMenu *menu)
+    {
+        emit menu->aboutToShow();
+        QStringList entries;
+        for (const QAction *action : menu->actions()) {
+            const QString inside = action->menu() ? " [" + entriesOf(action->menu()) + ']' : "";
+            const QString tick = action->isChecked() ? "*" : "";
+            entries << (action->isSeparator() ? "|" : action->text() + tick + inside);
+        }
+        return entries.join(", ");
+    }
+    QString label(const QString &name) const { return find<QLabel>(name)->text(); }
+    QString title() const { return find<QGroupBox>("lcdGroupBox")->title(); }
+    /** Value, average and unit of the panels. */
+    QString panels() const
+    {
+        return label("mainMeasLabel") + '|' + label("mainAverLabel") + '|' + label("mainDimLabel");
     }
 
-    static QString text(const QTableWidget *table, int row, int column)
+    QTableWidget *channels() const { return find<QTableWidget>("chTable"); }
+    QTableWidget *instruments() const { return find<QTableWidget>("devTable"); }
+    /** A row of a table as it is seen, cell by cell. */
+    static QStringList cells(const QTableWidget *table, int row)
     {
-        return table->item(row, column)->text();
+        QStringList seen;
+        for (int column = 0; column < table->columnCount(); ++column) {
+            const QTableWidgetItem *item = table->item(row, column);
+            const QBrush ground = item->background();
+            seen << seenCell(item->text(), item->foreground().color(),
+                             ground.style() == Qt::NoBrush ? QColor() : ground.color());
+        }
+        return seen;
     }
-    static QColor textColor(const QTableWidget *table, int row, int column)
+    QString instrument(int row) const { return cells(instruments(), row).join('|'); }
+    QString channel(int ch) const { return cells(channels(), ch + 1).join('|'); }
+    /** The texts of a column below its header. */
+    static QString column(const QTableWidget *table, int column)
     {
-        return table->item(row, column)->foreground().color();
-    }
-    /** Invalid when the cell has none of its own. */
-    static QColor background(const QTableWidget *table, int row, int column)
-    {
-        const QBrush brush = table->item(row, column)->background();
-        return brush.style() == Qt::NoBrush ? QColor() : brush.color();
+        QStringList texts;
+        for (int row = 1; row < table->rowCount(); ++row)
+            texts << table->item(row, column)->text();
+        return texts.join(' ');
     }
     static void click(const QTableWidget *table, int row, int column,
                       Qt::MouseButton button = Qt::LeftButton)
     {
-        const QRect cell = table->visualItemRect(table->item(row, column));
+        const QRect cell = table->visualRect(table->model()->index(row, column));
         QTest::mouseClick(table->viewport(), button, Qt::NoModifier, cell.center());
     }
+    void choose(int row) const { click(instruments(), row, InstrumentColumn::Name); }
 
-    OwnDataFolder data;
-    AnsweredDialogs dialogs;
-    int soundsPlayed = 0; ///< how often the alarm was heard
+    QDateTime now; ///< what the plot's clock shows
+    struct {
+        QVector<Message> asked;
+        QVector<Message> told;
+        QVector<QColor> offeredColors; ///< the colour that each question started from
+        QVector<FileQuestion> fileQuestions;
+        QMessageBox::StandardButton answer = QMessageBox::No;
+        QColor color;
+        QString file;                             ///< what is chosen when a file is asked for
+        std::function<void()> whileAsked = [] {}; ///< what goes on while a question is open
+    } dialogs;
+    int soundsPlayed; ///< how often the alarm was heard
+    std::unique_ptr<QTemporaryDir> data;
     std::unique_ptr<MainWindow> window;
+
+private:
+    template<typename Question, typename Answer>
+    Answer answered(QVector<Question> &questions, const Question &question, const Answer &given)
+    {
+        questions << question;
+        dialogs.whileAsked();
+        return given;
+    }
+
+private slots:
+    void init()
+    {
+        prepare();
+        start();
+        now = QDateTime({2026, 11, 24}, {7, 5, 9});
+        plot().setClock([this] { return now; });
+    }
+    void cleanup()
+    {
+        window.reset();
+        PortCatalog::setCurrent(nullptr);
+    }
 };

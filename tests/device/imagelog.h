@@ -2,32 +2,30 @@
 
 #include "device/optionsnox8.h"
 
-/** The image's signals by name, in the order in which they were fired. */
+/** The image's signals by name, in the order in which they were fired; "!" asks for a write. */
 class ImageLog
 {
 public:
     explicit ImageLog(const optionsNOX8 &image)
     {
         using Image = optionsNOX8;
-        const auto note = [this](const char *name) { return [this, name] { m_names << name; }; };
-        const auto noteChannel = [this](const char *name) {
-            return [this, name](quint8 ch) { m_names << name + QString::number(ch); };
-        };
-        QObject::connect(&image, &Image::onDevChange, &m_context, note("dev"));
-        QObject::connect(&image, &Image::onRefChange, &m_context, note("ref"));
-        QObject::connect(&image, &Image::onRefShiftChange, &m_context, note("shift"));
-        QObject::connect(&image, &Image::onChChange, &m_context, noteChannel("ch"));
-        QObject::connect(&image, &Image::onIdentChange, &m_context, note("ident"));
-        QObject::connect(&image, &Image::onIdentApply, &m_context, note("write ident"));
-        QObject::connect(&image, &Image::onSNApply, &m_context, note("write number"));
-        QObject::connect(&image, &Image::onDevApply, &m_context, note("write dev"));
-        QObject::connect(&image, &Image::onChApply, &m_context, noteChannel("write ch"));
-        QObject::connect(&image, &Image::onRefApply, &m_context, note("write ref"));
-        QObject::connect(&image, &Image::onRefShiftApply, &m_context, note("write shift"));
-        QObject::connect(&image, &Image::onRecData, &m_context, note("log"));
+        const QVector<QPair<void (Image::*)(), const char *>> signalNames = {
+            {&Image::onDevChange, "dev"},        {&Image::onRefChange, "ref"},
+            {&Image::onRefShiftChange, "shift"}, {&Image::onIdentChange, "ident"},
+            {&Image::onIdentApply, "ident!"},    {&Image::onSNApply, "number!"},
+            {&Image::onDevApply, "dev!"},        {&Image::onRefApply, "ref!"},
+            {&Image::onRefShiftApply, "shift!"}};
+        for (const auto &[signal, name] : signalNames)
+            QObject::connect(&image, signal, &m_context, [this, name = name] { m_names << name; });
+        QObject::connect(&image, &Image::onChChange, &m_context,
+                         [this](quint8 ch) { m_names << QString("ch%1").arg(ch); });
+        QObject::connect(&image, &Image::onChApply, &m_context,
+                         [this](quint8 ch) { m_names << QString("ch%1!").arg(ch); });
+        QObject::connect(&image, &Image::onRecData, &m_context, [this] { m_names << "log"; });
     }
 
-    QStringList take() { return std::exchange(m_names, {}); }
+    /** The names since the last call, with blanks between them. */
+    QString take() { return std::exchange(m_names, {}).join(' '); }
 
 private:
     QObject m_context;

@@ -1,347 +1,424 @@
 #include "device/optionsnox8.h"
 #include "device/vocabulary.h"
 #include "imagelog.h"
+#include "support/imagefields.h"
 
 #include <QtTest>
 
-using Setter = std::function<void(optionsNOX8 &)>;
+using Image = optionsNOX8;
+using Setter = std::function<void(Image &)>;
 Q_DECLARE_METATYPE(Setter)
 
+namespace
+{
+
+QString texts(const SettingChoices &choices)
+{
+    QStringList list;
+    for (const SettingChoice &choice : choices)
+        list << QString("%1 %2").arg(choice.code).arg(choice.text);
+    return list.join(", ") + "; ";
+}
+
+} // namespace
+
+/** The vocabulary, and an image that is asked, changed and given blocks. */
 class TestOptionsNox8 : public QObject
 {
     Q_OBJECT
 private slots:
-    void models_data();
-    void models();
-    void typeLists();
-    void units();
-    void unknownTypeChangesNothing();
-    void numberAndName();
-    void identityAsksToBeWrittenOnceItIsKnown();
-    void olderTypesHaveNoShortCircuit();
-    void settersCompare_data();
-    void settersCompare();
-    void unitIsKeptUntilItIsReplaced();
-    void namesOfWhatAChannelUses();
-    void settingTexts();
-    void applyingAsksForWrites();
-};
+    void models()
+    {
+        QStringList answers;
+        for (const quint32 type : Image::getTypeList(true).keys()) {
+            Image image;
+            QCOMPARE(image.setDevType(type), type != 0);
+            const QList<int> numbers = {image.getDevChCount(),     image.getDevDataSize(),
+                                        image.getDevResistCount(), image.getDevFamily(),
+                                        image.getDevRev(),         image.devCompensTP,
+                                        image.devZakorotka};
+            QStringList answer{image.getDevTypeStr(true), image.getDevTypeStr(false)};
+            for (const int number : numbers)
+                answer << QString::number(number);
+            answer << Image::getDevCurrentList(type) << Image::getDevResistList(type);
+            answers << QString::number(type, 16) + ": " + answer.join(", ");
+        }
+        const QString wide("0.1mA, 0.2mA, 0.4mA, 0.7mA, 1mA, 1.5mA, 2mA, 4mA, "
+                           "75 Ω, 200 Ω, 1500 Ω, Внешний");
+        const QString high("0.4mA, 0.7mA, 1mA, 1.5mA, 2mA, 2.5mA, 3mA, 4mA, "
+                           "3 Ω, 30 Ω, 300 Ω, Внешний");
+        const QStringList expected = {
+            // channels, bytes, resistors, family, revision, compensation, short circuit
+            "0: --, --, 0, 0, 0, 0, 0, 0, 1",
+            "1: NOX A, NOX A, 8, 3976, 1, 0, 0, 0, 0, 1mA, 1.5mA, 200 Ω",
+            "11: NOX B, NOX B, 8, 3976, 2, 1, 0, 0, 0, 0.1mA, 0.2mA, 1mA, 1.5mA, 200 Ω, 1500 Ω",
+            "21: NOX C, NOX C, 8, 3976, 4, 2, 0, 0, 0, " + wide,
+            "22: NOX CM, NOX CM, 8, 3976, 4, 2, 0, 0, 1, " + wide,
+            "31: NOX D, NOX D, 8, 3976, 4, 3, 0, 0, 1, " + high,
+            "41: NOX CM1, NOX CM1, 16, 7944, 4, 4, 0, 0, 1, " + wide,
+            "950aa0f: NOX CM rev.4, NOX CM, 8, 3976, 4, 2, 43535, 0, 1, " + wide,
+            "960aa0f: NOX CM1 rev.4, NOX CM1, 16, 7944, 4, 4, 43535, 0, 1, " + wide,
+            "970aa0f: NOX D rev.4, NOX D, 8, 3976, 4, 3, 43535, 0, 1, " + high};
+        QCOMPARE(answers, expected);
+        QCOMPARE(QStringList(Image::getTypeList(false).values()).join(", "),
+                 "--, NOX A, NOX B, NOX C, NOX CM, NOX D, NOX CM1");
+    }
 
-void TestOptionsNox8::models_data()
-{
-    QTest::addColumn<quint32>("type");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("nameWithoutRevision");
-    QTest::addColumn<int>("channels");
-    QTest::addColumn<int>("resistors");
-    QTest::addColumn<int>("family");
-    QTest::addColumn<int>("blockSize");
-    QTest::addColumn<bool>("extended");
-    QTest::addColumn<QString>("firstCurrent");
-    QTest::addColumn<int>("currents");
-    QTest::addColumn<QString>("secondResistor");
+    void vocabulary()
+    {
+        QCOMPARE(Image::getDim('A') + Image::getDim('B') + Image::getDim('C') + Image::getDim('Z'),
+                 "Ω°СмВ-");
+        const QString choices =
+            texts(compensationChoices(0x21, 0)) + texts(compensationChoices(0x22, 0)) +
+            texts(compensationChoices(0x0970AA0F, 1)) + texts(compensationChoices(0x41, 0)) +
+            texts(compensationChoices(0x0960AA0F, 1)) + texts(roundingChoices()) +
+            texts(measurementTimeChoices()) + texts(reversalChoices()) +
+            texts(shortCircuitChoices()) + texts(measurementModeChoices());
+        QCOMPARE(choices,
+                 "0 Нет, 1 Да; 0 Нет, 1 Канал 7, 2 Все; 0 Нет, 1 Канал 8, 2 Все; "
+                 "0 Нет, 1 Канал 15, 2 Все; 0 Нет, 1 Канал 16, 2 Все; "
+                 "0 0.1, 16 0.01, 32 0.001; 0 1, 1 2, 2 3, 3 4, 4 5, 5 6, 6 7, 7 8, 8 9; "
+                 "0 Нет, 16 Да; 0 Да, 1 Нет; 0 :/resource/images/single_ch.png, "
+                 "1 :/resource/images/singleShow_ch.png, 2 :/resource/images/cyclic_ch.png; ");
+        QCOMPARE(standardResistanceThermometers().join(' '),
+                 "10M 50M 100M 10П 50П 100П 500П 1000П Pt10 Pt50 Pt100 Pt500 Pt1000");
+        QCOMPARE(standardThermocouples().join(' '),
+                 "ТНН(N) ТВР(A1) ТВР(A2) ТВР(A3) ТЖК(J) ТМК(M) ТМК(T) ТПР(B) ТПП(R) "
+                 "ТПП(S) ТХА(K) ТХК(E) ТХК(L)");
+        QCOMPARE(modelsWithSameReferenceData(0x0950AA0F), (QVector<quint32>{0x21, 0x22}));
+        QCOMPARE(modelsWithSameReferenceData(0x31), QVector<quint32>());
+    }
 
-    const auto row = [](quint32 type, const char *name, const char *base, int channels,
-                        int resistors, int family, bool extended, const char *firstCurrent,
-                        int currents, const char *secondResistor) {
-        const int size = channels == 0 ? 0 : channels == 8 ? 3976 : 7944;
-        QTest::newRow(name) << type << QString(name) << QString(base) << channels << resistors
-                            << family << size << extended << QString(firstCurrent) << currents
-                            << QString(secondResistor);
-    };
-    row(0x00, "--", "--", 0, 0, 0, false, "", 0, "");
-    row(0x01, "NOX A", "NOX A", 8, 1, 0, false, "1mA", 2, "");
-    row(0x11, "NOX B", "NOX B", 8, 2, 1, false, "0.1mA", 4, "1500 Ω");
-    row(0x21, "NOX C", "NOX C", 8, 4, 2, false, "0.1mA", 8, "200 Ω");
-    row(0x22, "NOX CM", "NOX CM", 8, 4, 2, false, "0.1mA", 8, "200 Ω");
-    row(0x31, "NOX D", "NOX D", 8, 4, 3, false, "0.4mA", 8, "30 Ω");
-    row(0x41, "NOX CM1", "NOX CM1", 16, 4, 4, false, "0.1mA", 8, "200 Ω");
-    row(0x0950AA0F, "NOX CM rev.4", "NOX CM", 8, 4, 2, true, "0.1mA", 8, "200 Ω");
-    row(0x0960AA0F, "NOX CM1 rev.4", "NOX CM1", 16, 4, 4, true, "0.1mA", 8, "200 Ω");
-    row(0x0970AA0F, "NOX D rev.4", "NOX D", 8, 4, 3, true, "0.4mA", 8, "30 Ω");
-}
+    void numberAndName()
+    {
+        Image image;
+        QStringList shown{image.getDevNumberStr()};
+        image.setDevType(0x0950AA0F);
+        image.setDevNumber(42);
+        shown << image.getDevNumberStr() << image.getDevName(false) << image.getDevName(true);
+        image.devName = "Баня 1";
+        shown << image.getDevName(true);
+        image.setDevType(0x22); // without a name of its own
+        image.setDevNumber(54321);
+        shown << image.getDevName(true);
+        image.devType = 0x05; // as a damaged file may leave it
+        shown << image.getDevTypeStr(true)
+              << image.getDevTypeStr(false) + QString::number(image.getDevChCount());
+        QCOMPARE(shown, (QStringList{"--", "0042", "NOX CM rev.4", "NOX CM rev.4 № 0042", "Баня 1",
+                                     "NOX CM № 54321", "-", "0"}));
+    }
 
-void TestOptionsNox8::models()
-{
-    QFETCH(quint32, type);
-    QFETCH(QString, name);
-    optionsNOX8 image;
-    QCOMPARE(image.setDevType(type), type != 0);
-    QCOMPARE(image.getDevTypeStr(true), name);
-    QTEST(image.getDevTypeStr(false), "nameWithoutRevision");
-    QTEST(int(image.getDevChCount()), "channels");
-    QTEST(int(image.getDevResistCount()), "resistors");
-    QTEST(int(image.getDevFamily()), "family");
-    QTEST(image.getDevDataSize(), "blockSize");
-    QFETCH(bool, extended);
-    QCOMPARE(image.getDevRev(), quint16(extended ? 0xAA0F : 0));
-    const QStringList currents = optionsNOX8::getDevCurrentList(type);
-    QTEST(currents.value(0), "firstCurrent");
-    QTEST(currents.size(), "currents");
-    const QStringList resistors = optionsNOX8::getDevResistList(type);
-    QTEST(resistors.value(1), "secondResistor");
-    QCOMPARE(resistors.size(), int(image.getDevResistCount()));
-    QCOMPARE(findModelNamed(name)->typeCode, type);
-}
+    void namesOfWhatAChannelUses()
+    {
+        Image image;
+        image.setDevType(0x22);
+        image.features[15]->name = "own";
+        image.features[7]->name = "seven";
+        image.channels[7].current = 1;
+        QStringList names;
+        const auto note = [&](CharacteristicSource source, CompensationSource compensation,
+                              quint8 index) {
+            image.channels[7].featureType = source;
+            image.channels[7].featureTypeCompensTP = compensation;
+            image.channels[7].feature = image.channels[7].featureCompensTP = index;
+            names << image.getChFeatureName(7) + ", " + image.getChFeatureCompesTPName(7);
+        };
+        note(featureIndividual, compensIndividual, 15);
+        note(featureThermocouple, compensResistanceThermometer, 12);
+        note(featureResistanceThermometer, compensThermocouple, 11);
+        note(featureResistanceThermometer, compensThermocouple, 13); // as an instrument may have it
+        note(featureNone, compensNone, 13);
+        names << image.getChFeatureName(8) << image.getChFeatureCompesTPName(8)
+              << image.getChCurrentStr(7) << image.getChCurrentStr(8);
+        image.channels[7].current = 8;
+        names << image.getChCurrentStr(7) << image.getFeatureInfStrList().join(',');
+        QCOMPARE(names, (QStringList{"own, own", "ТХК(L), Pt1000", "Pt500, ТХК(E)", "-, -", ", -",
+                                     "-", "-", "0.2mA", "-", "-", ",,,,,,,seven"}));
+        QVERIFY(image.getFeature(7) == image.features.at(7) && !image.getFeature(8));
+        image.channels[8].current = 5;
+        QCOMPARE(image.getCh(7).current + 10 * image.getCh(8).current, 8);
+    }
 
-void TestOptionsNox8::typeLists()
-{
-    const optionsNOX8 image;
-    QCOMPARE(image.getTypeList(false).size(), 7);
-    QCOMPARE(image.getTypeList(true).size(), 10);
-    QVERIFY(!image.getTypeList(false).contains(0x0950AA0F));
-}
+    void unitIsKeptUntilItIsReplaced()
+    {
+        Image image;
+        QStringList units{image.getChMeasTypeName(quint8(0))};
+        image.setDevType(0x31);
+        const auto set = [&](MeasurementType type, const char *unit) {
+            image.setChMeasType(0, type, unit);
+            units << image.getChMeasTypeName(quint8(0)) + ", " + image.getChDimCust(0);
+        };
+        set(measTemperatureCustom, "  a unit longer than ten");
+        set(measTemperature, "K");
+        set(measTemperatureCustom, "");
+        units << image.getChMeasTypeName(quint8(7)) + image.getChMeasTypeName(quint8(8))
+              << image.getChDimCust(8);
+        QCOMPARE(units, (QStringList{"-", "a unit lon, a unit lon", "°С, a unit lon",
+                                     "a unit lon, a unit lon", "Ω-", "-"}));
+    }
 
-void TestOptionsNox8::units()
-{
-    optionsNOX8 image;
-    QCOMPARE(image.getDim('A'), QStringLiteral("Ω"));
-    QCOMPARE(image.getDim('B'), QStringLiteral("°С"));
-    QCOMPARE(image.getDim('C'), QStringLiteral("мВ"));
-    QCOMPARE(image.getDim('Z'), QStringLiteral("-"));
+    void identityAsksToBeWrittenOnceItIsKnown()
+    {
+        Image image;
+        ImageLog log(image);
+        QStringList journal;
+        const auto note = [&] {
+            journal << log.take() + (image.identApplyPending ? " (pending)" : "");
+        };
+        image.setDevType(0x11);
+        note();
+        QVERIFY(!image.setDevType(0x05) && image.setDevType(0x11));
+        note();
+        image.identValid = true;
+        image.setDevNumber(7);
+        note();
+        image.setDevType(0x0960AA0F);
+        image.setDevNumber(8);
+        note();
+        image.setDevNumber(8);
+        image.setDevName("Баня");
+        note();
+        for (const quint32 type : {0x00u, 0x31u}) { // with half of an identity
+            image.setDevNumber(9);
+            image.identApplyPending = false;
+            image.setDevType(type);
+            note();
+            image.identApplyPending = false;
+            image.setDevNumber(type == 0 ? 10 : 0);
+            note();
+        }
+        QCOMPARE(
+            journal,
+            (QStringList{"ident dev ref (pending)", " (pending)", "ident! ident dev",
+                         "ident! ident dev ref number! ident dev", "ident dev ident dev (pending)",
+                         "number! ident dev ident dev ref (pending)", "ident dev (pending)",
+                         "ident dev ident! ident dev ref", "ident dev (pending)"}));
+    }
 
-    QCOMPARE(image.getChMeasTypeName(quint8(0)), QStringLiteral("-"));
-    image.setDevType(0x11);
-    QCOMPARE(image.getChMeasTypeName(quint8(7)), QStringLiteral("Ω"));
-    QCOMPARE(image.getChMeasTypeName(quint8(8)), QStringLiteral("-"));
-    image.setChMeasType(2, measTemperatureCustom, "  K and more text ");
-    QCOMPARE(image.getChMeasTypeName(quint8(2)), QStringLiteral("K and more"));
-}
+    void olderTypesHaveNoShortCircuit()
+    {
+        Image image;
+        image.devCompensTP = 2;
+        image.setDevType(0x22);
+        QCOMPARE(encodeOperatingSettings(image).toHex(), "02220100");
+        image.setDevType(0x21);
+        QCOMPARE(encodeOperatingSettings(image).toHex(), "02210000");
+        ImageLog log(image);
+        image.setDevZakorotka(1);
+        QCOMPARE(log.take(), QString());
+        image.devZakorotka = 1; // as a configuration block may have it
+        image.setDevZakorotka(1);
+        QCOMPARE(log.take(), "dev");
+        QCOMPARE(int(image.devZakorotka), 0);
+    }
 
-void TestOptionsNox8::unknownTypeChangesNothing()
-{
-    optionsNOX8 image;
-    image.setDevType(0x31);
-    ImageLog log(image);
-    QVERIFY(!image.setDevType(0x05));
-    QVERIFY(image.setDevType(0x31));
-    QCOMPARE(image.devType, 0x31u);
-    QCOMPARE(log.take(), QStringList());
+    void settersCompare_data()
+    {
+        QTest::addColumn<QString>("outcome"); // signals, settings, the record of channel 3
+        QTest::addColumn<Setter>("set");
 
-    image.devType = 0x05; // as a damaged file may leave it
-    QCOMPARE(image.getDevTypeStr(true), QStringLiteral("-"));
-    QCOMPARE(image.getDevTypeStr(false), QString());
-    QCOMPARE(int(image.getDevChCount()), 0);
-}
+        const auto row = [](const char *outcome, const Setter &set) {
+            QTest::newRow(outcome) << QString(outcome) << set;
+        };
+        row("ch3 02200100 00000000", [](Image &i) { i.setChOnOff(3, 0); });
+        row("ch3 02200100 010f0000", [](Image &i) { i.setChCurrent(3, 15); });
+        row("ch3 02200100 0100f000", [](Image &i) { i.setChResist(3, 15); });
+        row("ch3 02200100 01200000", [](Image &i) { i.setChMeasType(3, measVoltage, ""); });
+        row("ch3 02200100 01100000",
+            [](Image &i) { i.setChMeasType(3, measTemperatureCustom, " K "); });
+        row("ch3 02200100 01000000", [](Image &i) { i.setChDimCust(3, "°F"); });
+        row("ch3 02200100 01000f00", [](Image &i) { i.setChFeature(3, featureIndividual, 15); });
+        row("ch3 02200100 01000080", [](Image &i) { i.setChFeature(3, featureThermocouple, 0); });
+        row("ch3 02200100 01000c80", [](Image &i) { i.setChFeature(3, featureThermocouple, 12); });
+        row("ch3 02200100 01000fc0", [](Image &i) { i.setChFeature(3, featureNone, 15); });
+        row("ch3 02200100 0100001c",
+            [](Image &i) { i.setChFeatureCompesTP(3, compensResistanceThermometer, 12); });
+        row("dev 02200000 01000000", [](Image &i) { i.setDevZakorotka(0); });
+        row("dev 01200100 01000000",
+            [](Image &i) { i.setOperatingSetting(&OperatingSettings::devMeasMode, 1); });
+        row("dev 02200100 01000000", [](Image &i) { i.setDevName("of the instrument"); });
+        row(" 02200100 01000000", [](Image &i) {
+            i.setChDimCust(3, "  ");
+            i.setChCurrent(3, 16); // beyond four bits, or the list
+            i.setChResist(3, 16);
+            i.setDevZakorotka(16);
+            i.setChFeature(3, featureNone, 16);
+            i.setChFeature(3, featureIndividual, 16);
+            i.setChFeature(3, featureThermocouple, 13);
+            i.setChFeatureCompesTP(3, compensResistanceThermometer, 13);
+            i.setChOnOff(8, 0); // channels that the model has not
+            i.setChMeasType(8, measVoltage, "");
+            i.setChDimCust(8, "K");
+            i.setChUnit(8, "K");
+            i.setChCurrent(8, 1);
+            i.setChFeature(255, featureThermocouple, 1);
+            i.setChFeatureCompesTP(16, compensNone, 1);
+            i.setIndividualFeature(8, FeatureRecord::its90, "", {});
+        });
+    }
 
-void TestOptionsNox8::numberAndName()
-{
-    optionsNOX8 image;
-    QCOMPARE(image.getDevNumberStr(), QStringLiteral("--"));
-    image.setDevType(0x0950AA0F);
-    image.setDevNumber(42);
-    QCOMPARE(image.getDevNumberStr(), QStringLiteral("0042"));
-    QCOMPARE(image.getDevName(false), QStringLiteral("NOX CM rev.4"));
-    QCOMPARE(image.getDevName(true), QStringLiteral("NOX CM rev.4 № 0042"));
-    image.devName = "Баня 1";
-    QCOMPARE(image.getDevName(true), QStringLiteral("Баня 1"));
-    image.setDevType(0x22); // without a name of its own
-    QCOMPARE(image.getDevName(false), QStringLiteral("NOX CM"));
-    image.setDevNumber(54321);
-    QCOMPARE(image.getDevNumberStr(), QStringLiteral("54321"));
-}
+    void settersCompare()
+    {
+        QFETCH(Setter, set);
+        Image image;
+        image.setDevType(0x31);
+        ImageLog log(image);
+        set(image);
+        QTEST(log.take() + ' ' + encodeOperatingSettings(image).toHex() + ' ' +
+                  encodeChannel(image.channels.at(3)).toHex(),
+              "outcome");
+        set(image);
+        QCOMPARE(log.take(), QString());
+    }
 
-void TestOptionsNox8::identityAsksToBeWrittenOnceItIsKnown()
-{
-    optionsNOX8 image;
-    ImageLog log(image);
-    image.setDevType(0x11);
-    QCOMPARE(log.take(), (QStringList{"ident", "dev", "ref"}));
-    QVERIFY(image.identApplyPending);
-
-    image.identValid = true;
-    image.setDevNumber(7);
-    QCOMPARE(log.take(), (QStringList{"write ident", "ident", "dev"}));
-    QVERIFY(!image.identApplyPending);
-    image.setDevType(0x0960AA0F);
-    QCOMPARE(log.take(), (QStringList{"write ident", "ident", "dev", "ref"}));
-    image.setDevNumber(8);
-    QCOMPARE(log.take(), (QStringList{"write number", "ident", "dev"}));
-    image.setDevNumber(8);
-    QCOMPARE(log.take(), (QStringList{"ident", "dev"}));
-}
-
-void TestOptionsNox8::olderTypesHaveNoShortCircuit()
-{
-    optionsNOX8 image;
-    image.devCompensTP = 2;
-    image.setDevType(0x22);
-    QCOMPARE(int(image.devCompensTP), 2);
-    QCOMPARE(int(image.devZakorotka), 1);
-    image.setDevType(0x21);
-    QCOMPARE(int(image.devCompensTP), 1);
-    QCOMPARE(int(image.devZakorotka), 0);
-    ImageLog log(image);
-    image.setDevZakorotka(1);
-    QCOMPARE(log.take(), QStringList());
-    image.devZakorotka = 1; // as a configuration block may have it
-    image.setDevZakorotka(1);
-    QCOMPARE(log.take(), QStringList{"dev"});
-    QCOMPARE(int(image.devZakorotka), 0);
-}
-
-void TestOptionsNox8::settersCompare_data()
-{
-    using Image = optionsNOX8;
-    QTest::addColumn<Setter>("set");
-    QTest::addColumn<QStringList>("announced");
-
-    const auto row = [](const char *name, const QStringList &announced, const Setter &set) {
-        QTest::newRow(name) << set << announced;
-    };
-    const QStringList channel3{"ch3"};
-    row("off", channel3, [](Image &image) { image.setChOnOff(3, 0); });
-    row("current", channel3, [](Image &image) { image.setChCurrent(3, 7); });
-    row("current beyond four bits", {}, [](Image &image) { image.setChCurrent(3, 16); });
-    row("resistor", channel3, [](Image &image) { image.setChResist(3, 15); });
-    row("resistor beyond four bits", {}, [](Image &image) { image.setChResist(3, 255); });
-    row("voltage", channel3, [](Image &image) { image.setChMeasType(3, measVoltage, ""); });
-    row("user's unit", channel3,
-        [](Image &image) { image.setChMeasType(3, measTemperatureCustom, " K "); });
-    row("unit alone", channel3, [](Image &image) { image.setChDimCust(3, "°F"); });
-    row("empty unit", {}, [](Image &image) { image.setChDimCust(3, "  "); });
-    row("characteristic", channel3,
-        [](Image &image) { image.setChFeature(3, featureIndividual, 15); });
-    row("same index of another list", channel3,
-        [](Image &image) { image.setChFeature(3, featureThermocouple, 0); });
-    row("last standard thermocouple", channel3,
-        [](Image &image) { image.setChFeature(3, featureThermocouple, 12); });
-    row("beyond the standard thermocouples", {},
-        [](Image &image) { image.setChFeature(3, featureThermocouple, 13); });
-    row("beyond the individual ones", {},
-        [](Image &image) { image.setChFeature(3, featureIndividual, 16); });
-    row("compensation", channel3,
-        [](Image &image) { image.setChFeatureCompesTP(3, compensResistanceThermometer, 12); });
-    row("beyond the standard thermometers", {},
-        [](Image &image) { image.setChFeatureCompesTP(3, compensResistanceThermometer, 13); });
-    row("channel that the model has not", {}, [](Image &image) {
-        image.setChOnOff(8, 0);
-        image.setChMeasType(8, measVoltage, "");
-        image.setChDimCust(8, "K");
-        image.setChCurrent(8, 1);
-        image.setChFeature(255, featureThermocouple, 1);
-        image.setChFeatureCompesTP(16, compensNone, 1);
-    });
-    row("short circuit", {"dev"}, [](Image &image) { image.setDevZakorotka(0); });
-    row("number", {"ident", "dev"}, [](Image &image) {
-        image.devNumber = 0;
-        image.setDevNumber(0);
-    });
-}
-
-void TestOptionsNox8::settersCompare()
-{
-    QFETCH(Setter, set);
-    QFETCH(QStringList, announced);
-    optionsNOX8 image;
-    image.setDevType(0x31);
-    ImageLog log(image);
-    set(image);
-    QCOMPARE(log.take(), announced);
-    const bool alwaysAnnounces = announced.contains("ident");
-    set(image);
-    QCOMPARE(log.take(), alwaysAnnounces ? announced : QStringList());
-}
-
-void TestOptionsNox8::unitIsKeptUntilItIsReplaced()
-{
-    optionsNOX8 image;
-    image.setDevType(0x31);
-    image.setChMeasType(0, measTemperatureCustom, "a unit longer than ten");
-    QCOMPARE(image.getChDimCust(0), QStringLiteral("a unit lon"));
-    image.setChMeasType(0, measTemperature, "K");
-    QCOMPARE(image.getChMeasTypeName(quint8(0)), QStringLiteral("°С"));
-    image.setChMeasType(0, measTemperatureCustom, "");
-    QCOMPARE(image.getChMeasTypeName(quint8(0)), QStringLiteral("a unit lon"));
-    QCOMPARE(image.getChDimCust(8), QStringLiteral("-"));
-}
-
-void TestOptionsNox8::namesOfWhatAChannelUses()
-{
-    optionsNOX8 image;
-    image.setDevType(0x22);
-    image.features[15]->name = "own";
-    optionsNOX8::_ch &channel = image.channels[7];
-    const auto names = [&image] {
-        return QStringList{image.getChFeatureName(7), image.getChFeatureCompesTPName(7)};
-    };
-    channel.feature = channel.featureCompensTP = 15;
-    QCOMPARE(names(), (QStringList{"own", "own"}));
-    channel.feature = channel.featureCompensTP = 12;
-    channel.featureType = featureThermocouple;
-    channel.featureTypeCompensTP = compensResistanceThermometer;
-    QCOMPARE(names(), (QStringList{"ТХК(L)", "Pt1000"}));
-    channel.featureType = featureResistanceThermometer;
-    channel.featureTypeCompensTP = compensThermocouple;
-    QCOMPARE(names(), (QStringList{"Pt1000", "ТХК(L)"}));
-    channel.feature = channel.featureCompensTP = 13; // as an instrument may have it
-    QCOMPARE(names(), (QStringList{"-", "-"}));
-    channel.featureType = featureNone;
-    channel.featureTypeCompensTP = compensNone;
-    QCOMPARE(names(), (QStringList{"", "-"}));
-    QCOMPARE(image.getChFeatureName(8), QStringLiteral("-"));
-    QCOMPARE(image.getChFeatureCompesTPName(8), QStringLiteral("-"));
-
-    channel.current = 1;
-    QCOMPARE(image.getChCurrentStr(7), QStringLiteral("0.2mA"));
-    channel.current = 8;
-    QCOMPARE(image.getChCurrentStr(7), QStringLiteral("-"));
-    QCOMPARE(image.getChCurrentStr(8), QStringLiteral("-"));
-    QVERIFY(image.getFeature(7) && !image.getFeature(8));
-    QCOMPARE(image.getFeatureInfStrList().size(), 8);
-}
-
-void TestOptionsNox8::settingTexts()
-{
-    const auto texts = [](const SettingChoices &choices) {
-        QStringList list;
-        for (const SettingChoice &choice : choices)
-            list << QString::number(choice.code) + ": " + choice.text;
-        return list;
-    };
-    QCOMPARE(texts(compensationChoices(0x21, 0)), (QStringList{"0: Нет", "1: Да"}));
-    const QStringList channel7{"0: Нет", "1: Канал 7", "2: Все"};
-    QCOMPARE(texts(compensationChoices(0x22, 0)), channel7);
-    QCOMPARE(texts(compensationChoices(0x0970AA0F, 1)).at(1), QStringLiteral("1: Канал 8"));
-    QCOMPARE(texts(compensationChoices(0x41, 0)).at(1), QStringLiteral("1: Канал 15"));
-    QCOMPARE(texts(compensationChoices(0x0960AA0F, 1)).at(1), QStringLiteral("1: Канал 16"));
-    QCOMPARE(texts(roundingChoices()), (QStringList{"0: 0.1", "16: 0.01", "32: 0.001"}));
-    QCOMPARE(texts(measurementTimeChoices()).last(), QStringLiteral("8: 9"));
-    QCOMPARE(texts(reversalChoices()), (QStringList{"0: Нет", "16: Да"}));
-    QCOMPARE(texts(shortCircuitChoices()), (QStringList{"0: Да", "1: Нет"}));
-    QCOMPARE(texts(measurementModeChoices()).at(1),
-             QStringLiteral("1: :/resource/images/singleShow_ch.png"));
-    QCOMPARE(standardResistanceThermometers().join(' '),
-             QStringLiteral("10M 50M 100M 10П 50П 100П 500П 1000П Pt10 Pt50 Pt100 Pt500 Pt1000"));
-    QCOMPARE(standardThermocouples().join(' '),
-             QStringLiteral("ТНН(N) ТВР(A1) ТВР(A2) ТВР(A3) ТЖК(J) ТМК(M) ТМК(T) ТПР(B) ТПП(R) "
-                            "ТПП(S) ТХА(K) ТХК(E) ТХК(L)"));
-    QCOMPARE(optionsNOX8::getDevCurrentList(0x31).join(' '),
-             QStringLiteral("0.4mA 0.7mA 1mA 1.5mA 2mA 2.5mA 3mA 4mA"));
-}
-
-void TestOptionsNox8::applyingAsksForWrites()
-{
-    optionsNOX8 image;
-    ImageLog log(image);
-    const auto applyAll = [&image] {
-        image.triggerChChange(2);
+    void applyingAsksForWrites()
+    {
+        Image image;
+        ImageLog log(image);
+        for (const quint32 type : {0x00u, 0x11u}) { // nobody knows yet what it is; then one does
+            image.setDevType(type);
+            log.take();
+            image.triggerChChange(2);
+            image.triggerChChange(8);
+            image.triggerDevChange();
+            image.triggerRefChange();
+            image.triggerRefShiftChange();
+            QCOMPARE(log.take(), QString(type == 0 ? "" : "ch2! ident! dev! ref! shift!"));
+        }
         image.triggerDevChange();
-        image.triggerRefChange();
-        image.triggerRefShiftChange();
-    };
-    applyAll();
-    QCOMPARE(log.take(), QStringList()); // nobody knows yet what instrument it is
+        QCOMPARE(log.take(), "dev!");
+    }
 
-    image.setDevType(0x11);
-    log.take();
-    image.triggerChChange(8);
-    applyAll();
-    QCOMPARE(log.take(),
-             (QStringList{"write ch2", "write ident", "write dev", "write ref", "write shift"}));
-    image.triggerDevChange();
-    QCOMPARE(log.take(), QStringList{"write dev"});
-}
+    void identifications_data()
+    {
+        QTest::addColumn<QByteArray>("hex");
+        QTest::addColumn<QString>("outcome");
+
+        const auto row = [](const char *name, const QByteArray &hex, const char *outcome) {
+            QTest::newRow(name) << hex << QString(outcome);
+        };
+        const QByteArray tail("20c1e0edff2031000000000000000000d2040000"); // " Баня 1", 1234
+        row("standard", "01000000110004d2", "taken 11 1234 '' valid: ident! ident dev ref ident");
+        row("without number", "0300000031000000", "taken 31 0 '' valid: ident dev ref ident");
+        row("lowest code", "0000000001000100", "taken 1 256 '' valid: ident! ident dev ref ident");
+        row("no model of the table", "0100000012000001", "taken 0 1 '' valid: ident");
+        row("another family", "01000000210004d2", "refused 0 0 '' valid pending: ident");
+        row("code 0", "00000000000004d2", "refused 0 0 '' valid pending: ident");
+        row("negative code", "f9000000910004d2", "refused 0 0 '' valid pending: ident");
+        row("extended", "0faa6009" + tail,
+            "taken 960aa0f 1234 'Баня 1' valid pending: ident dev ref ident");
+        row("extended, not in the table", "0faa6109" + tail, "refused 0 0 'old' pending: ident");
+        row("standard code in 24 bytes", "41000000" + tail, "refused 0 0 'old' pending: ident");
+        row("9 bytes", "010101010101010101", "refused 0 0 'old' pending: ident");
+    }
+
+    void identifications()
+    {
+        QFETCH(QByteArray, hex);
+        Image image;
+        image.setDevType(0x22);
+        image.setDevNumber(7);
+        image.devName = "old";
+        ImageLog log(image);
+        const bool isTaken = image.setData(QByteArray::fromHex(hex), 51);
+        QTEST(QString("%1 %2 %3 '%4'%5%6: %7")
+                  .arg(isTaken ? "taken" : "refused")
+                  .arg(image.devType, 0, 16)
+                  .arg(image.devNumber)
+                  .arg(image.devName, image.identValid ? " valid" : "",
+                       image.identApplyPending ? " pending" : "", log.take()),
+              "outcome");
+    }
+
+    void inference()
+    {
+        const float nan = std::numeric_limits<float>::quiet_NaN();
+        const QVector<QPair<QVector<float>, quint32>> types = {
+            // voltage, R1, R2, R3
+            {{300, 200, 0.05F, -0.05F}, 0x01},
+            {{300, 200, 1500, 0}, 0x11},
+            {{399.9F, 209.9F, 1490.1F, 0.09F}, 0x11},
+            {{300, 210, 1500, 0}, 0}, // beyond in each of them
+            {{300, 200, 0.1F, 0}, 0},
+            {{300, 200, 1500, 0.1F}, 0},
+            {{200, 200, 0, 0}, 0},
+            {{1200, 3, 30, 300}, 0x31},
+            {{1399.9F, 2.1F, 30.9F, 309.9F}, 0x31},
+            {{1200, 4, 30, 300}, 0},
+            {{300, 3, 30, 300}, 0},    // D with the voltage of A
+            {{300, 75, 200, 1500}, 0}, // C, which others equal
+            {{nan, nan, nan, nan}, 0}};
+        for (const auto &[numbers, type] : types) {
+            ReferenceData data;
+            data.refU.value.value = numbers.at(0);
+            for (std::size_t i = 0; i < 3; ++i)
+                data.refR[i].value.value = numbers.at(int(i) + 1);
+            const QByteArray block = encodeReferenceData(data, QByteArray(8, 'x'));
+            Image image;
+            ImageLog log(image);
+            QVERIFY(image.setData(block, 3));
+            QCOMPARE(image.devType, type);
+            QVERIFY(!image.identApplyPending);
+            QCOMPARE(log.take(), QString(type == 0 ? "ref" : "ident dev ref ref"));
+            image.setDevType(0x22);
+            image.setData(block, 3);
+            QCOMPARE(image.devType, 0x22u);
+            image.devType = 0;
+            image.identValid = true; // an instrument that told its type, which is none
+            image.setData(block, 3);
+            QCOMPARE(image.devType, 0u);
+        }
+    }
+
+    void blocksOfTheRightSizeAlone()
+    {
+        for (const quint32 type : {0x00u, 0x11u, 0x41u, 0x0950AA0Fu}) {
+            Image image;
+            image.setDevType(type);
+            const int channels = image.getDevChCount();
+            const auto announced = [&](int address, int size) {
+                if (address == 2 && channels > 0 && size == (channels == 8 ? 3976 : 7944))
+                    return QString("dev ").repeated(channels) + "dev";
+                if (address == 5 && size > 0 && size % 8 == 0)
+                    return QString("log");
+                return QString(address == 3 && size == 72    ? "ref"
+                               : address == 9 && size == 148 ? "shift"
+                                                             : "");
+            };
+            for (const int address : {0, 1, 2, 3, 4, 5, 6, 8, 9, 50, 52, 255})
+                for (const int size : {0, 8, 12, 71, 72, 73, 147, 148, 149, 3975, 3976, 7944}) {
+                    const QStringList before = describe(image);
+                    ImageLog log(image);
+                    const QString expected = announced(address, size);
+                    const QByteArray block(size, '\1');
+                    QCOMPARE(image.setData(&block, quint8(address)), !expected.isEmpty());
+                    QCOMPARE(log.take(), expected);
+                    QVERIFY(!expected.isEmpty() || describe(image) == before);
+                }
+            QVERIFY(!image.setData(QByteArray(), 51));
+            QCOMPARE(image.devType, type);
+            // a measurement of the ninth channel
+            QCOMPARE(image.setData(QByteArray::fromHex("00110517091e0000020841ac00001000"), 5),
+                     channels == 16);
+        }
+    }
+
+    void nothingSpillsIntoItsNeighbour()
+    {
+        Image image;
+        image.setDevType(0x11);
+        // fields are open to whoever edits the image
+        static_cast<OperatingSettings &>(image) = {0x15, 0x27, 0x32, 0x11, 0x1F, 0xF1};
+        image.channels[0] = {1, measVoltage, "", 0x13, 0x24, 0x35, 0x46};
+        image.channels[0].featureType = featureThermocouple;
+        image.channels[0].featureTypeCompensTP = compensResistanceThermometer;
+        QCOMPARE(taken(image.getData()).left(8).toHex(), "5221110001234596");
+        QCOMPARE(image.channelBlock(8), QByteArray());
+        image.setDevType(0x0950AA0F);
+        image.devName = "Эталонная баня № 17"; // of it 16 characters fit
+        QCOMPARE(taken(image.getIdentData()).toHex(), "0faa5009ddf2e0ebeeedede0ff20e1e0edff20b9");
+    }
+};
 
 QTEST_GUILESS_MAIN(TestOptionsNox8)
 #include "tst_optionsnox8.moc"

@@ -1,7 +1,6 @@
 #include "device/filereplacement.h"
 #include "device/settingsfile.h"
 #include "imagelog.h"
-#include "imagetrial.h"
 #include "support/fulldisk.h"
 
 #include <QBuffer>
@@ -11,46 +10,20 @@
 
 #include <sys/stat.h>
 
-class TestSettingsFile : public QObject
-{
-    Q_OBJECT
-private slots:
-    void lines_data();
-    void lines();
-    void codes_data();
-    void codes();
-    void loadingAnnounces();
-    void numbersAfterABadOneStay();
-    void characteristicsAfterABadOneStay();
-    void emptyCompensationLine();
-    void indicesBeyondTheirListsAreNotKept();
-    void textsAreTakenAsTheyStand();
-    void filesThatEndEarly();
-    void extendedPartIsRefused();
-    void filesWithoutAModel_data();
-    void filesWithoutAModel();
-    void unreadableFiles();
-    void lineEndsInTexts();
-    void tablesThatDoNotFit();
-    void fullDiskLeavesTheOldFile();
-};
+using Image = optionsNOX8;
 
 namespace
 {
 
-void prepare(optionsNOX8 &image, quint32 type)
+/** The lines of a model's file, some of them changed: "line=text|line=text". */
+QStringList linesOf(quint32 type, const QString &changes = {})
 {
+    Image image;
     image.setDevType(type);
-    const QStringList noTexts = QVector<QString>(10, "").toList();
-    for (featureNOX8 *feature : qAsConst(image.features))
-        QCOMPARE(feature->setFeature(FeatureRecord::polynomial, {}, noTexts), 1);
-}
-
-QStringList linesOf(quint32 type)
-{
-    optionsNOX8 image;
-    prepare(image, type);
-    return settingsLines(image);
+    QStringList lines = settingsLines(image);
+    for (const QString &change : changes.split('|', Qt::SkipEmptyParts))
+        lines[change.section('=', 0, 0).toInt()] = change.section('=', 1);
+    return lines;
 }
 
 QByteArray contentOf(const QString &path)
@@ -59,431 +32,276 @@ QByteArray contentOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+/** The operating settings, then the record of the first channel. */
+QByteArray settingsOf(const Image &image)
+{
+    return (encodeOperatingSettings(image) + encodeChannel(image.channels.at(0))).toHex();
+}
+
 } // namespace
 
-void TestSettingsFile::lines_data()
+// Of a NOX CM the lines of channels begin at 9, names at 49, entries at 57, coefficients at 505 and
+// forms at 585; its model stands in line 634, its time in 635, T0 in 636, corrections from 637,
+// reversal in 647, compensation from 648, the short circuit in 656, units from 657.
+class TestSettingsFile : public QObject
 {
-    QTest::addColumn<quint32>("type");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("modelLine");
-    QTest::addColumn<QString>("model");
-
-    QTest::newRow("B") << 0x11u << 656 << 634 << "NOX B rev3";
-    QTest::newRow("CM") << 0x22u << 665 << 634 << "NOX CM rev3";
-    QTest::newRow("CM1") << 0x41u << 1265 << 1218 << "NOX CM1 rev3";
-    QTest::newRow("D, revision 4") << 0x0970AA0Fu << 705 << 634 << "NOX D rev3";
-    QTest::newRow("CM1, revision 4") << 0x0960AA0Fu << 1305 << 1218 << "NOX CM1 rev3";
-}
-
-void TestSettingsFile::lines()
-{
-    QFETCH(quint32, type);
-    QFETCH(int, modelLine);
-    const QStringList lines = linesOf(type);
-    QTEST(lines.size(), "count");
-    QTEST(lines.at(modelLine), "model");
-    optionsNOX8 image;
-    QVERIFY(applySettings(lines, image));
-    QCOMPARE(image.devType, type);
-}
-
-void TestSettingsFile::codes_data()
-{
-    // of a NOX CM: channel lines begin at 9, its time line is 635, its tail begins at 648
-    QTest::addColumn<int>("line");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("accepted");
-    QTest::addColumn<QByteArray>("settings"); // the header, then the record of channel 0
-
-    const auto row = [](const char *name, int line, const char *text, bool accepted,
-                        const char *settings) {
-        QTest::newRow(name) << line << QString(text) << accepted << QByteArray(settings);
-    };
-    const char *const same = "02200100"
-                             "01000000";
-    row("nothing changed", 0, "COM7", true, same);
-    row("mode", 6, "1", true, "0120010001000000");
-    row("mode that four bits cannot hold", 6, "16", false, same);
-    row("mode in words", 6, "cyclic", false, same);
-    row("rounding", 7, "1", true, "0210010001000000");
-    row("negative rounding", 7, "-1", false, same);
-    row("compensation", 8, "2", true, "0222010001000000");
-    row("compensation that four bits cannot hold", 8, "16", false, same);
-    row("off", 9, "Выкл", true, "0220010000000000");
-    row("on, with a blank", 9, "Вкл ", true, "0220010000000000");
-    row("temperature", 10, "°C", true, "0220010001100000");
-    row("voltage", 10, "mV", true, "0220010001200000");
-    row("no such unit", 10, "Ohm", true, same);
-    row("current", 11, "2 [0.2mA]", true, "0220010001010000");
-    row("last current of four bits", 11, "16", true, "02200100010f0000");
-    row("current 0", 11, "0", false, same);
-    row("current 17", 11, "17", false, same);
-    row("current below all", 11, "-2147483648", false, same);
-    row("current in words", 11, "one", false, same);
-    row("resistor", 12, "Rr 3", true, "0220010001002000");
-    row("resistor without its word", 12, "3", false, same);
-    row("resistor 17", 12, "Rr 17", false, same);
-    row("16th individual", 13, "16", true, "0220010001000f00");
-    row("first standard thermometer", 13, "21", true, "0220010001000040");
-    row("last standard thermometer", 13, "33", true, "0220010001000c40");
-    row("fifth standard thermocouple", 13, "45", true, "0220010001000480");
-    row("last standard thermocouple", 13, "53", true, "0220010001000c80");
-    row("code 0", 13, "0", false, same);
-    row("code 17", 13, "17", false, same);
-    row("code 34", 13, "34", false, same);
-    row("negative code", 13, "-3", false, same);
-    row("code beyond all", 13, "54", true, same);
-    row("measurement time", 635, "\t", true, "8220010001000000");
-    row("measurement time 10 s", 635, "\v", false, same);
-    row("measurement time beyond a byte", 635, "Ж", false, same);
-    row("no measurement time", 635, "", false, same);
-    row("reversal", 647, "1", true, "0220110001000000");
-    row("individual compensation", 648, "3", true, "0220010001000002");
-    row("standard compensation", 648, "33", true, "022001000100001c");
-    row("compensation code 17", 648, "17", false, same);
-    row("compensation code beyond all", 648, "34", true, same);
-    row("no compensation", 648, "", true, "0220010001000030");
-    row("short circuit", 656, "1", true, "0220000001000000");
-}
-
-void TestSettingsFile::codes()
-{
-    QFETCH(int, line);
-    QFETCH(QString, text);
-    QStringList lines = linesOf(0x22);
-    lines[line] = text;
-    optionsNOX8 image;
-    prepare(image, 0x22);
-    QTEST(applySettings(lines, image), "accepted");
-    QTEST((encodeOperatingSettings(image) + encodeChannel(image.channels.at(0))).toHex(),
-          "settings");
-}
-
-void TestSettingsFile::loadingAnnounces()
-{
-    optionsNOX8 saved;
-    prepare(saved, 0x0950AA0F);
-    saved.devMeasMode = 1;
-    saved.devMeasTime = 3;
-    saved.channels[2].measType = measTemperatureCustom;
-    saved.channels[2].dimCust = "K";
-    saved.channels[2].current = 4;
-    saved.channels[5].featureTypeCompensTP = compensResistanceThermometer;
-    saved.devZakorotka = 0;
-
-    optionsNOX8 image;
-    ImageLog log(image);
-    QVERIFY(applySettings(settingsLines(saved), image));
-    QStringList expected{"ident", "dev", "ref"}; // the base model
-    expected << "dev";                           // the mode
-    expected << "ch2"
-             << "ch2"; // temperature, then current
-    for (int ch = 0; ch < 8; ++ch)
-        expected << "dev"
-                 << "dev"; // before each characteristic, and by it
-    expected << "dev";     // the measurement time
-    expected << "ch5"
-             << "dev"; // compensation, short circuit
-    expected << "ref"
-             << "ch2"; // all numbers are in, the unit
-    expected << "ident"
-             << "dev"
-             << "ref"; // the model itself
-    QCOMPARE(log.take(), expected);
-    QCOMPARE(differenceOf(saved, image), QString());
-}
-
-void TestSettingsFile::numbersAfterABadOneStay()
-{
-    QStringList lines = linesOf(0x22);
-    lines[1] = lines[5] = "-";
-    lines[2] = "12,5";
-    lines[3] = "R3";
-    lines[4] = "4.5";
-    lines[6] = "1";
-    lines[14] = "Выкл";
-    lines[637] = "7"; // R1 a
-    lines[657] = "K"; // the first unit
-    optionsNOX8 image;
-    prepare(image, 0x22);
-    for (ReferenceTriple &resistor : image.refR)
-        resistor.value.value = resistor.a.value = 99.0F;
-    image.refU.value.value = 99.0F;
-    image.features[0]->name = "before";
-    QVERIFY(!applySettings(lines, image));
-    QCOMPARE(image.refR[0].value.value, 99.0F);
-    QCOMPARE(image.refR[1].value.value, 12.5F);
-    QCOMPARE(image.refR[2].value.value, 0.0F);
-    QCOMPARE(image.refR[3].value.value, 99.0F);
-    QCOMPARE(image.refU.value.value, 99.0F);
-    QCOMPARE(image.refR[0].a.value, 99.0F);
-    QCOMPARE(image.features.at(0)->name, QStringLiteral("before"));
-    QCOMPARE(int(image.devMeasMode), 1);
-    QCOMPARE(int(image.channels.at(1).onOff), 0);
-    QCOMPARE(image.getChDimCust(0), QStringLiteral("K"));
-}
-
-void TestSettingsFile::characteristicsAfterABadOneStay()
-{
-    QStringList lines = linesOf(0x22);
-    for (int ch = 0; ch < 8; ++ch)
-        lines[49 + ch] = "new";
-    lines[57 + 56 * 2] = "a word among the numbers of channel 2";
-    lines[585 + 1] = "77"; // a form that channel 1 does not know
-    lines[636] = "21.5";   // T0
-    lines[637 + 10] = "1"; // reversal
-    optionsNOX8 image;
-    prepare(image, 0x22);
-    QVERIFY(!applySettings(lines, image));
-    QCOMPARE(image.getFeatureInfStrList().join(','), QStringLiteral("new,,,,,,,"));
-    QCOMPARE(image.refT0.value, 0.0F);
-    QCOMPARE(int(image.devChRevers), 0x10);
-}
-
-void TestSettingsFile::emptyCompensationLine()
-{
-    QStringList lines = linesOf(0x22);
-    for (int ch = 0; ch < 4; ++ch)
-        lines[648 + ch].clear();
-    optionsNOX8 image;
-    prepare(image, 0x22);
-    image.channels[0].featureTypeCompensTP = compensThermocouple;
-    image.channels[0].featureCompensTP = 12;
-    image.channels[1].featureTypeCompensTP = compensThermocouple;
-    image.channels[1].featureCompensTP = 13;
-    image.channels[2].featureTypeCompensTP = compensResistanceThermometer;
-    image.channels[2].featureCompensTP = 5;
-    image.channels[3].featureTypeCompensTP = compensNone;
-    image.channels[3].featureCompensTP = 7;
-    QVERIFY(applySettings(lines, image));
-    QByteArray records;
-    for (int ch = 0; ch < 4; ++ch)
-        records += encodeChannel(image.channels.at(ch)).mid(3);
-    QCOMPARE(records.toHex(), QByteArray("2c303037"));
-}
-
-void TestSettingsFile::indicesBeyondTheirListsAreNotKept()
-{
-    optionsNOX8 image;
-    prepare(image, 0x22);
-    QStringList lines = settingsLines(image);
-    for (int ch = 0; ch < 8; ++ch) { // as an instrument may have them
-        image.channels[ch].featureType =
-            ch < 4 ? featureThermocouple : featureResistanceThermometer;
-        image.channels[ch].featureTypeCompensTP = compensResistanceThermometer;
-        image.channels[ch].feature = image.channels[ch].featureCompensTP = 13;
-    }
-    optionsNOX8 saved;
-    QVERIFY(applySettings(settingsLines(image), saved));
-    QCOMPARE(encodeChannel(saved.channels.at(0)).toHex(), QByteArray("01000030"));
-
-    lines[13] = lines[649] = "99";
-    lines[18] = lines[648] = "17";
-    QVERIFY(!applySettings(lines, image));
-    for (int ch = 0; ch < 2; ++ch) {
-        QCOMPARE(image.channels.at(ch).featureType, featureIndividual);
-        QCOMPARE(int(image.channels.at(ch).feature), 0);
-        QCOMPARE(image.channels.at(ch).featureTypeCompensTP, compensNone);
-    }
-}
-
-void TestSettingsFile::textsAreTakenAsTheyStand()
-{
-    QStringList lines = linesOf(0x0950AA0F);
-    lines[657] = " a long unit of a file ";
-    lines[668] = "junk"; // the first zero shift
-    lines[669] = "1,5";
-    // Callendar and Van Dusen stand in the coefficient lines alone
-    const QStringList thermometer{"100", "3.9083e-3", "-5.775e-7", "0", "0", "100"};
-    for (int i = 0; i < 6; ++i)
-        lines[505 + i] = thermometer.at(i);
-    lines[585] = "1";
-    optionsNOX8 image;
-    QVERIFY(applySettings(lines, image));
-    QCOMPARE(image.getChDimCust(0), QStringLiteral(" a long unit of a file "));
-    QCOMPARE(image.shiftU[0].value, 0.0F);
-    QCOMPARE(image.shiftU[1].value, 1.5F);
-    QCOMPARE(image.features.at(0)->ratioStr, thermometer);
-}
-
-void TestSettingsFile::filesThatEndEarly()
-{
-    QRandomGenerator random(5);
-    for (const quint32 type : {0x11u, 0x22u, 0x0960AA0Fu}) {
-        const QStringList whole = linesOf(type);
-        const int channels = type == 0x0960AA0F ? 16 : 8;
-        const int extendedPart = type == 0x0960AA0F ? 1265 : whole.size();
-        const int units = extendedPart - channels;
-        for (int count = 0; count < whole.size(); ++count) {
-            optionsNOX8 image;
-            fillAtRandom(image, 0x41, random);
-            const bool accepted = applySettings(whole.mid(0, count), image);
-            // a file may lack the units, and what makes an extended model of its base
-            QVERIFY2(accepted == (count == units || count == extendedPart),
-                     qPrintable(QString("%1 lines of type %2").arg(count).arg(type)));
-            QCOMPARE(image.devType == 0, count <= (channels == 8 ? 634 : 1218));
+    Q_OBJECT
+private slots:
+    void codes()
+    {
+        // line = its text = what comes of it, nothing where it is refused
+        const QString same("0220010001000000");
+        const QString codes("0=COM7=0220010001000000|"
+                            "6=1=0120010001000000|6=16=|6=cyclic=|"
+                            "7=1=0210010001000000|7=-1=|"
+                            "8=2=0222010001000000|8=16=|"
+                            "9=Выкл=0220010000000000|9=Вкл =0220010000000000|"
+                            "10=°C=0220010001100000|10=mV=0220010001200000|10=Ohm=0220010001000000|"
+                            "11=2 [0.2mA]=0220010001010000|11=16=02200100010f0000|"
+                            "11=0=|11=17=|11=-2147483648=|"
+                            "12=Rr 3=0220010001002000|12=3=|12=Rr 17=|"
+                            "13=16=0220010001000f00|13=21=0220010001000040|13=33=0220010001000c40|"
+                            "13=45=0220010001000480|13=53=0220010001000c80|13=54=0220010001000000|"
+                            "13=0=|13=17=|13=34=|13=-3=|"
+                            "635=\t=8220010001000000|635=\v=|635=Ж=|635==|"
+                            "647=1=0220110001000000|"
+                            "648=3=0220010001000002|648=33=022001000100001c|648==0220010001000030|"
+                            "648=34=0220010001000000|648=17=|"
+                            "656=1=0220000001000000");
+        for (const QString &code : codes.split('|')) {
+            const QStringList row = code.split('=');
+            Image image;
+            image.setDevType(0x22);
+            const bool isTaken = applySettings(linesOf(0x22, code.section('=', 0, 1)), image);
+            QVERIFY2(isTaken == !row.at(2).isEmpty(), qPrintable(code));
+            QCOMPARE(code + ": " + settingsOf(image), code + ": " + (isTaken ? row.at(2) : same));
         }
     }
-    // a model of 16 channels where only 8 can stand
-    QStringList lines = linesOf(0x22);
-    lines[634] = "NOX CM1 rev3";
-    optionsNOX8 image;
-    QVERIFY(!applySettings(lines, image));
-    QCOMPARE(image.devType, 0x41u);
-}
 
-void TestSettingsFile::extendedPartIsRefused()
-{
-    const QStringList whole = linesOf(0x0950AA0F);
-    for (const char *type : {"0", "rubbish", "-5", "85", "4294967296"}) {
-        QStringList lines = whole;
-        lines[666] = type;
-        lines[667] = "name";
-        optionsNOX8 image;
-        QVERIFY(!applySettings(lines, image));
-        QCOMPARE(image.devType, 0x22u);
-        QCOMPARE(image.devName, QString());
-    }
-    QStringList lines = whole;
-    lines[665] = "rev4 ";
-    optionsNOX8 image;
-    QVERIFY(applySettings(lines, image));
-    QCOMPARE(image.devType, 0x22u);
-}
-
-void TestSettingsFile::filesWithoutAModel_data()
-{
-    QTest::addColumn<QByteArray>("content");
-
-    QStringList lines = linesOf(0x11);
-    lines[634] = "NOX Z rev3";
-    QTest::newRow("unknown model") << lines.join('\n').toUtf8();
-    lines[634] = "-- rev3";
-    QTest::newRow("no model") << lines.join('\n').toUtf8();
-    lines[634] = "NOX B";
-    QTest::newRow("no revision") << lines.join('\n').toUtf8();
-    lines[634] = "rev3";
-    QTest::newRow("no name") << lines.join('\n').toUtf8();
-    lines = linesOf(0x41);
-    lines.removeAt(100);
-    QTest::newRow("one line lost") << lines.join('\n').toUtf8();
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("line ends only") << QByteArray(5000, '\n');
-    QTest::newRow("zeros") << QByteArray(100000, '\0');
-    QByteArray noise(300000, '\0');
-    QRandomGenerator random(1);
-    for (char &byte : noise)
-        byte = char(random.bounded(256));
-    QTest::newRow("noise") << noise;
-    QTest::newRow("right, but 2 MiB long")
-        << linesOf(0x11).join('\n').toUtf8() + '\n' + QByteArray(2 * 1024 * 1024, ' ');
-}
-
-void TestSettingsFile::filesWithoutAModel()
-{
-    QFETCH(QByteArray, content);
-    QBuffer device(&content);
-    QVERIFY(device.open(QIODevice::ReadOnly));
-    optionsNOX8 image;
-    prepare(image, 0x31);
-    ImageLog log(image);
-    QVERIFY(!readSettings(device, image));
-    QCOMPARE(image.devType, 0u);
-    QCOMPARE(log.take(), (QStringList{"ident", "dev", "ref"}));
-    QVERIFY(device.pos() <= 1024 * 1024 + 1);
-}
-
-void TestSettingsFile::unreadableFiles()
-{
-    QTemporaryDir directory;
-    const QString fifo = directory.filePath("fifo");
-    QCOMPARE(mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
-    optionsNOX8 image;
-    prepare(image, 0x31);
-    for (const QString &path :
-         {directory.filePath("none.ust"), directory.path(), fifo, QString(), QString("/dev/zero")})
-        QVERIFY2(!image.loadFromFile(path), qPrintable(path));
-    QCOMPARE(image.devType, 0x31u);
-    QVERIFY(!image.saveToFile(directory.filePath("none/x.ust"), "COM1"));
-    QVERIFY(!image.saveToFile(directory.path(), "COM1"));
-    QVERIFY(!image.saveToFile(fifo, "COM1"));
-    QVERIFY(!QFileInfo(fifo).isFile());
-
-    QFile sparse(directory.filePath("large.ust"));
-    QVERIFY(sparse.open(QIODevice::WriteOnly) && sparse.resize(100 * 1024 * 1024));
-    QVERIFY(!image.loadFromFile(sparse.fileName()));
-    QCOMPARE(image.devType, 0u);
-}
-
-void TestSettingsFile::lineEndsInTexts()
-{
-    optionsNOX8 image;
-    prepare(image, 0x0950AA0F);
-    image.devName = "two\nlines";
-    image.features[3]->name = "a\r\nb";
-    image.features[3]->ratioStr = QStringList{"1\n"};
-    image.channels[1].measType = measTemperatureCustom;
-    image.channels[1].dimCust = "\n";
-    image.devMeasTime = 9; // as a character it would be a line end
-    const QStringList lines = settingsLines(image);
-    QCOMPARE(lines.size(), 705);
-    QCOMPARE(lines.filter(QRegularExpression("[\r\n]")), QStringList());
-    optionsNOX8 read;
-    QVERIFY(applySettings(lines, read));
-    QCOMPARE(read.devName, QStringLiteral("two lines"));
-    QCOMPARE(int(read.devMeasTime), 8);
-}
-
-void TestSettingsFile::tablesThatDoNotFit()
-{
-    QTemporaryDir directory;
-    const QString path = directory.filePath("x.ust");
-    optionsNOX8 image;
-    prepare(image, 0x11);
-    QVERIFY(image.saveToFile(path, "COM1"));
-    const QByteArray before = contentOf(path);
-
-    FeatureRecord &table = *image.features[7];
-    table.type = FeatureRecord::temperatureOfVoltage;
-    const auto isSavedWith = [&](std::size_t i, float number) {
-        table.ratio[i].value = number;
-        const bool saved = image.saveToFile(path, "COM1");
-        table.ratio[i].value = 0.0F;
-        return saved;
-    };
-    QVERIFY(!isSavedWith(110, 10000.0F));
-    QVERIFY(!isSavedWith(110, 9999.95F));
-    QVERIFY(!isSavedWith(110, -1000.0F));
-    QVERIFY(!isSavedWith(111, std::numeric_limits<float>::infinity()));
-    QVERIFY(!optionsNOX8().saveToFile(path, "COM1")); // no model: it could never be loaded
-    QCOMPARE(contentOf(path), before);
-    QVERIFY(isSavedWith(110, 9999.9F));
-    QVERIFY(isSavedWith(110, -999.9F));
-    QVERIFY(isSavedWith(111, -12345.0F));
-}
-
-void TestSettingsFile::fullDiskLeavesTheOldFile()
-{
-    QTemporaryDir directory;
-    const QString path = directory.filePath("x.ust");
-    optionsNOX8 image;
-    prepare(image, 0x11);
-    QVERIFY(image.saveToFile(path, "COM1"));
-    const QByteArray before = contentOf(path);
-    image.setDevType(0x0960AA0F);
+    void loadingAnnounces()
     {
-        const FullDisk disk(2000); // less than a file, more or less than a buffer
-        QVERIFY(!image.saveToFile(path, "COM1"));
-        QVERIFY(!replaceFile(path, QByteArray(3000, 'x')));
-        QVERIFY(!replaceFile(path, QByteArray(100000, 'x')));
-        QVERIFY(replaceFile(directory.filePath("short"), QByteArray(1000, 'x')));
+        Image saved;
+        saved.setDevType(0x0950AA0F);
+        saved.devMeasMode = 1;
+        saved.devMeasTime = 3;
+        saved.channels[2].measType = measTemperatureCustom;
+        saved.channels[2].dimCust = "K";
+        saved.channels[2].current = 4;
+        saved.channels[5].featureTypeCompensTP = compensResistanceThermometer;
+        saved.devZakorotka = 0;
+
+        Image image;
+        ImageLog log(image);
+        QVERIFY(applySettings(settingsLines(saved), image));
+        QCOMPARE(log.take(), // the base model; the mode; temperature, then current;
+                 "ident dev ref dev ch2 ch2 " + QString("dev dev ").repeated(8) +
+                     // ... each characteristic twice; time, compensation, short circuit; all
+                     // numbers are in; the unit; the model itself
+                     "dev ch5 dev ref ch2 ident dev ref");
+        QCOMPARE(settingsLines(image), settingsLines(saved));
     }
-    QFile::remove(directory.filePath("short"));
-    QCOMPARE(contentOf(path), before);
-    QCOMPARE(QDir(directory.path()).entryList(QDir::Files).size(), 1);
-    QVERIFY(image.saveToFile(path, "COM1"));
-    QVERIFY(contentOf(path) != before);
-}
+
+    void whatFollowsABadNumberStays()
+    {
+        Image image;
+        image.setDevType(0x22);
+        for (ReferenceTriple &resistor : image.refR)
+            resistor.value.value = resistor.a.value = 99.0F;
+        image.refU.value.value = 99.0F;
+        image.features[0]->name = "before";
+        QVERIFY(!applySettings(linesOf(0x22, "1=-|2=12,5|3=R3|4=4.5|5=-|6=1|9=Выкл|637=7|657=K"),
+                               image));
+        QVector<float> numbers{image.refU.value.value, image.refR[0].a.value};
+        for (const ReferenceTriple &resistor : image.refR)
+            numbers << resistor.value.value;
+        QCOMPARE(numbers, (QVector<float>{99, 99, 99, 12.5F, 0, 99}));
+        QCOMPARE(image.features.at(0)->name + image.getChDimCust(0), "beforeK");
+        QCOMPARE(settingsOf(image), QByteArray("0120010000100000"));
+
+        // nor is any characteristic taken after a bad one; 77 is a form that none has
+        Image other;
+        QVERIFY(!applySettings(linesOf(0x22, "49=new|50=new|51=new|52=new|56=new|586=77|"
+                                             "169=a word|636=21.5|647=1"),
+                               other));
+        QCOMPARE(other.getFeatureInfStrList().join(','), "new,,,,,,,");
+        QCOMPARE(other.refT0.value, 0.0F);
+        QCOMPARE(int(other.devChRevers), 0x10);
+    }
+
+    void choicesThatAFileDoesNotKeep()
+    {
+        QStringList lines = linesOf(0x22);
+        const struct {
+            CharacteristicSource source;
+            int index;
+            QString code; ///< of the compensation; that of the characteristic is beyond all
+        } before[] = {
+            {featureThermocouple, 12, ""},         {featureThermocouple, 13, ""},
+            {featureResistanceThermometer, 5, ""}, {featureNone, 7, ""},
+            {featureThermocouple, 13, "99"},       {featureResistanceThermometer, 13, "99"},
+            {featureIndividual, 15, "99"}};
+        Image image;
+        image.setDevType(0x22);
+        for (int ch = 0; ch < 7; ++ch) {
+            const quint8 index = quint8(before[ch].index);
+            image.channels[ch].featureType = before[ch].source;
+            image.channels[ch].featureTypeCompensTP = compensationSource(before[ch].source);
+            image.channels[ch].feature = image.channels[ch].featureCompensTP = index;
+            lines[13 + 5 * ch] = "99";
+            lines[648 + ch] = before[ch].code;
+        }
+        QVERIFY(applySettings(lines, image));
+        QByteArrayList records;
+        for (int ch = 0; ch < 7; ++ch)
+            records << encodeChannel(image.channels.at(ch)).mid(2).toHex();
+        QCOMPARE(records.join(' '), QByteArray("0cac 0030 0570 07f7 0030 0030 0f0f"));
+    }
+
+    void textsAreTakenAsTheyStand()
+    {
+        // two of the zero shifts; Callendar and Van Dusen stand in the coefficient lines alone
+        Image image;
+        QVERIFY(applySettings(linesOf(0x0950AA0F, "657= a long unit of a file |668=junk|669=1,5|"
+                                                  "505=100|506=3.9083e-3|507=-5.775e-7|508=0|"
+                                                  "509=|510=100|585=1"),
+                              image));
+        QCOMPARE(image.getChDimCust(0), " a long unit of a file ");
+        QCOMPARE(QPointF(image.shiftU[0].value, image.shiftU[1].value), QPointF(0.0, 1.5));
+        QCOMPARE(image.features.at(0)->ratioStr.join(' '), "100 3.9083e-3 -5.775e-7 0  100");
+    }
+
+    void filesThatEndEarly()
+    {
+        for (const quint32 type : {0x11u, 0x22u, 0x0960AA0Fu}) {
+            const QStringList whole = linesOf(type);
+            const int channels = type == 0x0960AA0F ? 16 : 8;
+            const int extendedPart = type == 0x0960AA0F ? 1265 : whole.size();
+            for (int count = 0; count < whole.size(); ++count) {
+                Image image;
+                image.setDevType(0x41);
+                const bool accepted = applySettings(whole.mid(0, count), image);
+                // a file may lack the units, and what makes an extended model of its base
+                QVERIFY2(accepted == (count == extendedPart - channels || count == extendedPart),
+                         qPrintable(QString("%1 lines of type %2").arg(count).arg(type)));
+                QCOMPARE(image.devType == 0, count <= (channels == 8 ? 634 : 1218));
+            }
+        }
+        Image image; // a model of 16 channels where only 8 can stand
+        QVERIFY(!applySettings(linesOf(0x22, "634=NOX CM1 rev3"), image));
+        QCOMPARE(image.devType, 0x41u);
+    }
+
+    void extendedPartIsRefused()
+    {
+        for (const char *type : {"rev4|666=0", "rev4|666=rubbish", "rev4|666=-5", "rev4|666=85",
+                                 "rev4|666=4294967296", "rev4 "}) {
+            Image image;
+            const bool isBase = QString(type) == "rev4 "; // and no extended part follows
+            QCOMPARE(applySettings(linesOf(0x0950AA0F, QString("667=name|665=") + type), image),
+                     isBase);
+            QCOMPARE(image.devType, 0x22u);
+            QCOMPARE(image.devName, QString());
+        }
+    }
+
+    void filesWithoutAModel()
+    {
+        QRandomGenerator random(1);
+        QVector<quint32> noise(75000);
+        random.fillRange(noise.data(), noise.size());
+        QStringList lines = linesOf(0x41);
+        lines.removeAt(100);
+        QByteArrayList contents = {QByteArray(),
+                                   QByteArray(5000, '\n'),
+                                   QByteArray(100000, '\0'),
+                                   {reinterpret_cast<const char *>(noise.data()), 300000},
+                                   lines.join('\n').toUtf8(),
+                                   linesOf(0x11).join('\n').toUtf8() + QByteArray(1 << 21, ' ')};
+        for (const char *model : {"634=NOX Z rev3", "634=-- rev3", "634=NOX B", "634=rev3"})
+            contents << linesOf(0x11, model).join('\n').toUtf8();
+        for (QByteArray &content : contents) {
+            QBuffer device(&content);
+            QVERIFY(device.open(QIODevice::ReadOnly));
+            Image image;
+            image.setDevType(0x31);
+            ImageLog log(image);
+            QVERIFY2(!readSettings(device, image), content.left(20));
+            QCOMPARE(image.devType, 0u);
+            QCOMPARE(log.take(), "ident dev ref");
+            QVERIFY(device.pos() <= 1024 * 1024 + 1);
+        }
+    }
+
+    void unreadableFiles()
+    {
+        QTemporaryDir directory;
+        const QString fifo = directory.filePath("fifo");
+        QCOMPARE(mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+        Image image;
+        image.setDevType(0x31);
+        for (const QString &path : {directory.filePath("none.ust"), directory.path(), fifo,
+                                    QString(), QString("/dev/zero")})
+            QVERIFY2(!image.loadFromFile(path), qPrintable(path));
+        QCOMPARE(image.devType, 0x31u);
+        for (const QString &path : {directory.filePath("none/x.ust"), directory.path(), fifo})
+            QVERIFY2(!image.saveToFile(path, "COM1"), qPrintable(path));
+        QVERIFY(!QFileInfo(fifo).isFile());
+    }
+
+    void lineEndsInTexts()
+    {
+        Image image;
+        image.setDevType(0x0950AA0F);
+        image.devName = "two\nlines";
+        image.features[3]->name = "a\r\nb";
+        image.features[3]->ratioStr = QStringList{"1\n"};
+        image.channels[1].measType = measTemperatureCustom;
+        image.channels[1].dimCust = "\n";
+        image.devMeasTime = 9; // as a character it would be a line end
+        const QStringList lines = settingsLines(image);
+        QCOMPARE(lines.size(), 705);
+        QCOMPARE(lines.filter(QRegularExpression("[\r\n]")), QStringList());
+        Image read;
+        QVERIFY(applySettings(lines, read));
+        QCOMPARE(read.devName + ' ' + read.features.at(3)->name, "two lines a  b");
+        QCOMPARE(int(read.devMeasTime), 8);
+    }
+
+    void whatCannotBeSavedLeavesTheOldFile()
+    {
+        QTemporaryDir directory;
+        const QString path = directory.filePath("x.ust");
+        Image image;
+        image.setDevType(0x11);
+        QVERIFY(image.saveToFile(path, "COM1"));
+        const QByteArray before = contentOf(path);
+
+        FeatureRecord &table = *image.features[7];
+        table.type = FeatureRecord::temperatureOfVoltage;
+        const auto isSavedWith = [&](std::size_t i, float number) {
+            table.ratio[i].value = number;
+            const bool saved = image.saveToFile(path, "COM1");
+            table.ratio[i].value = 0.0F;
+            return saved;
+        };
+        for (const float number : {10000.0F, 9999.95F, -1000.0F})
+            QVERIFY(!isSavedWith(110, number));
+        QVERIFY(!isSavedWith(111, std::numeric_limits<float>::infinity()));
+        QVERIFY(!Image().saveToFile(path, "COM1")); // no model: it could never be loaded
+        {
+            const FullDisk disk(2000); // less than a file, more or less than a buffer
+            QVERIFY(!image.saveToFile(path, "COM1"));
+            QVERIFY(!replaceFile(path, QByteArray(3000, 'x')));
+            QVERIFY(!replaceFile(path, QByteArray(100000, 'x')));
+            QVERIFY(replaceFile(directory.filePath("short"), QByteArray(1000, 'x')));
+        }
+        QCOMPARE(contentOf(path), before);
+        QCOMPARE(QDir(directory.path()).entryList(QDir::Files), (QStringList{"short", "x.ust"}));
+        QVERIFY(isSavedWith(110, 9999.9F) && isSavedWith(110, -999.9F));
+        QVERIFY(isSavedWith(111, -12345.0F));
+        QVERIFY(contentOf(path) != before);
+    }
+};
 
 QTEST_GUILESS_MAIN(TestSettingsFile)
 #include "tst_settingsfile.moc"

@@ -50,20 +50,33 @@ History burstyHistory(int count)
     return history;
 }
 
-/** A clock that is set back by 6000 s after 9000 s. */
+/** A clock that is set back by 2000 s after 3000 s. */
 History setBackHistory()
 {
     History history;
     QRandomGenerator random(5);
-    for (int i = 0; i < 18000; ++i)
-        history.append(i < 9000 ? i : i - 6000.25, random.bounded(10.0));
+    for (int i = 0; i < 6000; ++i)
+        history.append(i < 3000 ? i : i - 2000.25, random.bounded(10.0));
     return history;
+}
+
+QStringList texts(const std::vector<ColumnRun> &runs)
+{
+    QStringList texts;
+    for (const ColumnRun &run : runs)
+        texts += QString("%1: %2 to %3, %4 to %5, %6")
+                     .arg(run.column)
+                     .arg(run.first)
+                     .arg(run.last)
+                     .arg(run.values.min, 0, 'g', 17)
+                     .arg(run.values.max, 0, 'g', 17)
+                     .arg(run.lastValue, 0, 'g', 17);
+    return texts;
 }
 
 /** Column by column over every single point. */
 template<typename Values>
-std::vector<ColumnRun> runsPointByPoint(const History &history, const Values &values,
-                                        const PixelColumns &columns)
+QStringList plainTexts(const History &history, const Values &values, const PixelColumns &columns)
 {
     std::vector<ColumnRun> runs;
     for (int i = 0; i < history.size(); ++i) {
@@ -74,21 +87,7 @@ std::vector<ColumnRun> runsPointByPoint(const History &history, const Values &va
         runs.back().lastValue = values[i];
         runs.back().values.include(values[i]);
     }
-    return runs;
-}
-
-/** What differs between the runs, "" when they are equal. */
-QString difference(const std::vector<ColumnRun> &runs, const std::vector<ColumnRun> &expected)
-{
-    for (std::size_t i = 0; i < std::min(runs.size(), expected.size()); ++i) {
-        if (runs[i].column != expected[i].column || runs[i].first != expected[i].first ||
-            runs[i].last != expected[i].last || !(runs[i].values == expected[i].values) ||
-            runs[i].lastValue != expected[i].lastValue)
-            return QStringLiteral("run %1 differs").arg(i);
-    }
-    return runs.size() == expected.size()
-               ? QString()
-               : QStringLiteral("%1 runs instead of %2").arg(runs.size()).arg(expected.size());
+    return texts(runs);
 }
 
 constexpr int canvasWidth = 200;
@@ -125,6 +124,14 @@ void draw(const QwtPlotCurve &curve, const QRectF &view, QPaintDevice *device)
     const QRectF canvas(0, 0, canvasWidth, canvasHeight);
     painter.setClipRect(canvas);
     curve.drawSeries(&painter, x, y, canvas, 0, static_cast<int>(curve.dataSize()) - 1);
+}
+
+void show(const History &history, bool ofAverages, EnvelopeCurve &curve)
+{
+    if (ofAverages)
+        curve.setSeries(history.times, history.averages);
+    else
+        curve.setSeries(history.times, history.values);
 }
 
 /** What it looks like, `scale` device pixels to a pixel. */
@@ -182,350 +189,168 @@ QString inkMissing(const QImage &from, const QImage &in, int edge)
 
 } // namespace
 
-Q_DECLARE_METATYPE(History)
-Q_DECLARE_METATYPE(PixelColumns)
-
 class TestEnvelope : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void findsTheColumnOfATime_data();
-    void findsTheColumnOfATime();
-    void runsEqualThoseOfSinglePoints_data();
-    void runsEqualThoseOfSinglePoints();
-    void runsGrowWithTheSeries_data();
-    void runsGrowWithTheSeries();
-    void otherColumnsAreDividedAnew();
-    void stepsStayFewInALongHistory_data();
-    void stepsStayFewInALongHistory();
-    void curveLooksAtNewPointsOnly();
-    void inkIsThatOfEveryPoint_data();
-    void inkIsThatOfEveryPoint();
-    void denseColumnsFillTheirSpan();
-    void sparsePointsAreJoinedByLines();
-    void sparseAndDensePointsAreJoined();
-    void survivesExtremeNumbers();
-};
-
-void TestEnvelope::findsTheColumnOfATime_data()
-{
-    QTest::addColumn<double>("time");
-    QTest::addColumn<int>("column");
-    QTest::newRow("left edge") << 100.0 << 0;
-    QTest::newRow("within a column") << 100.9 << 0;
-    QTest::newRow("last column") << 119.9 << 9;
-    QTest::newRow("right edge is beyond") << 120.0 << 10;
-    QTest::newRow("just left of the canvas") << 99.999 << -1;
-    QTest::newRow("far to the left") << -1e300 << -1;
-    QTest::newRow("far to the right") << 1e300 << 10;
-}
-
-void TestEnvelope::findsTheColumnOfATime()
-{
-    QFETCH(double, time);
-    QTEST(PixelColumns({100, 2, 10}).columnOf(time), "column");
-}
-
-void TestEnvelope::runsEqualThoseOfSinglePoints_data()
-{
-    QTest::addColumn<History>("history");
-    QTest::addColumn<PixelColumns>("columns");
-    const History noisy = noisyHistory(30000, 0.5);
-    QTest::newRow("all of it") << noisy << PixelColumns{0, 15000.0 / 300, 300};
-    QTest::newRow("edges between binary fractions") << noisy << PixelColumns{0.1, 0.7, 300};
-    QTest::newRow("window in the middle") << noisy << PixelColumns{4000, 1.7, 300};
-    QTest::newRow("fewer points than columns") << noisy << PixelColumns{4000, 0.01, 300};
-    QTest::newRow("beyond the newest point") << noisy << PixelColumns{20000, 1, 300};
-    QTest::newRow("before the first point") << noisy << PixelColumns{-20000, 1, 300};
-    QTest::newRow("no points") << History() << PixelColumns{0, 1, 300};
-    QTest::newRow("one point") << noisyHistory(1, 1) << PixelColumns{0, 1, 300};
-    const History bursty = burstyHistory(30000);
-    QTest::newRow("bursts and gaps, all")
-        << bursty << PixelColumns{0, bursty.times.last() / 99, 100};
-    QTest::newRow("bursts and gaps, middle") << bursty << PixelColumns{bursty.times[15000], 3, 300};
-    const History setBack = setBackHistory();
-    QTest::newRow("clock set back, all") << setBack << PixelColumns{0, 40, 300};
-    QTest::newRow("clock set back, at the step") << setBack << PixelColumns{8900, 0.5, 300};
-
-    History standing;
-    for (int i = 0; i < 5000; ++i)
-        standing.append(12, i);
-    QTest::newRow("clock standing still") << standing << PixelColumns{0, 1, 300};
-}
-
-void TestEnvelope::runsEqualThoseOfSinglePoints()
-{
-    QFETCH(const History, history);
-    QFETCH(const PixelColumns, columns);
-    ColumnRuns ofValues;
-    ofValues.divide(columns, history.times, history.values);
-    QCOMPARE(difference(ofValues.runs(), runsPointByPoint(history, history.values, columns)),
-             QString());
-    ColumnRuns ofAverages;
-    ofAverages.divide(columns, history.times, history.averages);
-    QCOMPARE(difference(ofAverages.runs(), runsPointByPoint(history, history.averages, columns)),
-             QString());
-}
-
-void TestEnvelope::runsGrowWithTheSeries_data()
-{
-    QTest::addColumn<History>("history");
-    QTest::addColumn<PixelColumns>("columns");
-    QTest::newRow("dense") << noisyHistory(300, 1) << PixelColumns{0, 30, 10};
-    QTest::newRow("sparse") << noisyHistory(300, 1) << PixelColumns{50, 0.9, 200};
-    QTest::newRow("bursts and gaps") << burstyHistory(300) << PixelColumns{20, 5, 100};
-    History setBack;
-    for (int i = 0; i < 300; ++i)
-        setBack.append(i < 150 ? i : i - 100.5, i % 7);
-    QTest::newRow("clock set back") << setBack << PixelColumns{20, 7, 20};
-}
-
-void TestEnvelope::runsGrowWithTheSeries()
-{
-    QFETCH(const History, history);
-    QFETCH(const PixelColumns, columns);
-    const auto expected = runsPointByPoint(history, history.values, columns);
-    const auto expectedAverages = runsPointByPoint(history, history.averages, columns);
-    for (int split = 0; split <= history.size(); ++split) {
-        History growing;
-        const auto times = std::make_shared<TimeRuns>();
-        ColumnRuns ofValues(times);
-        ColumnRuns ofAverages(times); // of a curve that is not on show all the time
-        for (int i = 0; i <= history.size(); ++i) {
-            if (i == split || i == history.size())
-                ofValues.divide(columns, growing.times, growing.values);
-            if (i == split / 2 || i == history.size())
-                ofAverages.divide(columns, growing.times, growing.averages);
-            if (i < history.size())
-                growing.append(history.times[i], history.values[i]);
+    void findsTheColumnOfATime()
+    {
+        const QVector<QPair<double, int>> columns = {
+            {100, 0}, {100.9, 0}, {119.9, 9}, {120, 10}, {99.999, -1}, {-1e300, -1}, {1e300, 10}};
+        for (const auto &[time, column] : columns)
+            QCOMPARE(PixelColumns({100, 2, 10}).columnOf(time), column);
+    }
+    void runsEqualThoseOfSinglePoints()
+    {
+        History standing; // a clock that stands still
+        for (int i = 0; i < 5000; ++i)
+            standing.append(12, i);
+        QRandomGenerator random(3);
+        for (const History &history : {History(), noisyHistory(1, 1), noisyHistory(30000, 0.5),
+                                       burstyHistory(30000), setBackHistory(), standing}) {
+            const double length = history.size() < 2 ? 1 : history.times.last();
+            for (int round = 0; round < 20;
+                 ++round) { // windows of all widths, some beyond the points
+                const double seconds = length / 200 * std::exp(3 - random.bounded(10.0));
+                const PixelColumns columns{length * (random.bounded(1.5) - 0.2), seconds, 300};
+                ColumnRuns ofValues;
+                ofValues.divide(columns, history.times, history.values);
+                QCOMPARE(texts(ofValues.runs()), plainTexts(history, history.values, columns));
+                ColumnRuns ofAverages;
+                ofAverages.divide(columns, history.times, history.averages);
+                QCOMPARE(texts(ofAverages.runs()), plainTexts(history, history.averages, columns));
+            }
         }
-        const QByteArray where = "split at " + QByteArray::number(split);
-        QVERIFY2(difference(ofValues.runs(), expected).isEmpty(), where);
-        QVERIFY2(difference(ofAverages.runs(), expectedAverages).isEmpty(), where);
     }
-}
-
-void TestEnvelope::otherColumnsAreDividedAnew()
-{
-    const History history = noisyHistory(5000, 1);
-    ColumnRuns runs;
-    for (const PixelColumns &columns :
-         {PixelColumns{0, 50, 100}, PixelColumns{1, 50, 100}, PixelColumns{1, 40, 100},
-          PixelColumns{1, 40, 30}, PixelColumns{0, 50, 100}}) {
-        runs.divide(columns, history.times, history.values);
-        QCOMPARE(difference(runs.runs(), runsPointByPoint(history, history.values, columns)),
-                 QString());
+    void picturesDoNotDependOnFormerOnes()
+    {
+        // One pair of curves draws them all, the series growing from one to the next.
+        const auto times = std::make_shared<TimeRuns>();
+        EnvelopeCurve ofValues(Qt::black, 1, times);
+        EnvelopeCurve ofAverages(Qt::black, 1, times);
+        for (const History &whole :
+             {noisyHistory(5000, 1), burstyHistory(5000), setBackHistory()}) {
+            History history;
+            for (const QRectF &view : {QRectF(0, -30, 6000, 80), QRectF(1, -30, 6000, 80),
+                                       QRectF(1, -30, 4000, 80), QRectF(1, 0, 4000, 20)})
+                for (int round = 0; round < 12; ++round) {
+                    for (int i = 0; i < 3 * round * round && history.size() < whole.size(); ++i)
+                        history.append(whole.times[history.size()], whole.values[history.size()]);
+                    for (const bool averages : {round % 3 == 0, round % 5 == 0}) {
+                        EnvelopeCurve fresh(Qt::black, 1);
+                        show(history, averages, fresh);
+                        show(history, averages, averages ? ofAverages : ofValues);
+                        QCOMPARE(painted(averages ? ofAverages : ofValues, view),
+                                 painted(fresh, view));
+                    }
+                }
+        }
     }
-}
-
-void TestEnvelope::stepsStayFewInALongHistory_data()
-{
-    QTest::addColumn<bool>("setBack");
-    QTest::newRow("times ascend") << false;
-    QTest::newRow("a clock set back") << true;
-}
-
-void TestEnvelope::stepsStayFewInALongHistory()
-{
-    QFETCH(bool, setBack);
-    constexpr int count = 1000000;
-    History history;
-    for (int i = 0; i < count; ++i)
-        history.append(setBack && i > count / 2 ? i - 0.5 : i, i % 100);
-    if (setBack)
-        history.append(count - 10.0, 1);
-    const PixelColumns columns{0, 1.2e4, 100};
-    ColumnRuns runs;
-    runs.divide(columns, history.times, history.averages);
-    // a column ends in the middle of blocks of every level, on both of its sides
-    QVERIFY2(runs.blocksRead() < 100 * 400, qPrintable(QString::number(runs.blocksRead())));
-
-    for (int round = 0; round < 20; ++round) { // seals blocks on the way
-        for (int i = 0; i < 10; ++i)
-            history.append(count + 10 * round + i, i);
-        runs.divide(columns, history.times, history.averages);
-        QVERIFY2(runs.blocksRead() <= 30, qPrintable(QString::number(runs.blocksRead())));
+    void inkIsThatOfEveryPoint()
+    {
+        History wave;
+        for (int i = 0; i < 3000; ++i)
+            wave.append(i, 50 + 40 * std::sin(i / 80.0));
+        History line;
+        for (int i = 0; i < 700; ++i)
+            line.append(i, i / 7.0);
+        History steps;
+        for (int i = 0; i < 60; ++i)
+            steps.append(i * 13.7, i / 5 % 2 ? 80.3 : 20.7);
+        History level; // two of three points lie beyond the canvas
+        for (const double time : {-50.0, 50.0, 250.0})
+            level.append(time, 5);
+        History cluster; // of which three share a column
+        for (const double time : {50.5, 150.2, 150.4, 150.6, 190.5})
+            cluster.append(time, cluster.size() == 0 ? 2 : 8);
+        const History noisy = noisyHistory(5000, 2);
+        const History bursty = burstyHistory(5000);
+        const History setBack = setBackHistory();
+        const double burstyEnd = bursty.times.last();
+        const struct {
+            const char *name;
+            const History &history;
+            QRectF view;
+        } pictures[] = {
+            {"noise", noisy, {0, -5, 10000, 60}},
+            {"noise, a window of it", noisy, {3000.3, -5, 700, 60}},
+            {"noise, sparse", noisy, {3000.3, -5, 30, 60}},
+            {"noise, flat", noisy, {0, -500, 10000, 1000}},
+            {"noise, cut at top and bottom", noisy, {3000, 4, 300, 2}},
+            {"wave, dense", wave, {0, 0, 3000, 100}},
+            {"wave, a few points per column", wave, {0, 0, 500, 100}},
+            {"straight line, dense", line, {0, 0, 700, 100}},
+            {"straight line, flat", line, {0, -900, 700, 2000}},
+            {"three points", level, {0, 0, 200, 10}},
+            {"sparse and dense", cluster, {0, 0, 200, 10}},
+            {"steps", steps, {0, 0, 800, 100}},
+            {"bursts and gaps", bursty, {0, -35, burstyEnd, 40}},
+            {"bursts and gaps, a window", bursty, {bursty.times[2000], -2, 2000, 4}},
+            {"clock set back", setBack, {0, -1, 4000, 12}},
+            {"clock set back, at the step", setBack, {2950, -1, 100, 12}},
+        };
+        for (const auto &picture : pictures)
+            for (const bool ofAverages : {false, true})
+                for (const int width : {1, 2})
+                    for (const int scale : {1, 2})
+                        inkIsThatOfEveryPoint(picture.name, picture.history, picture.view,
+                                              ofAverages, width, scale);
     }
-    QCOMPARE(difference(runs.runs(), runsPointByPoint(history, history.averages, columns)),
-             QString());
-}
-
-void TestEnvelope::curveLooksAtNewPointsOnly()
-{
-    History history = noisyHistory(100000, 1);
-    EnvelopeCurve curve(Qt::black, 1);
-    const auto blocksReadFor = [&curve](double right) {
-        painted(curve, QRectF(0, 0, right, 50));
-        return curve.blocksRead();
-    };
-    curve.setSeries(history.times, history.values);
-    QVERIFY(blocksReadFor(120000) > 1000);
-    QCOMPARE(blocksReadFor(120000), 0);
-    history.append(100000, 1);
-    curve.setSeries(history.times, history.values);
-    const int ofOnePoint = blocksReadFor(120000);
-    QVERIFY(ofOnePoint > 0 && ofOnePoint < 10);
-    QVERIFY2(blocksReadFor(130000) > 1000, "another view is divided anew");
-    curve.setSeries(history.times, history.averages);
-    QVERIFY2(blocksReadFor(130000) > 1000, "another series is divided anew");
-
-    // An equally long series, though, must not pass for the one that was there.
-    const History other = noisyHistory(history.size(), 0.5);
-    curve.setSeries(other.times, other.values);
-    const QImage image = painted(curve, QRectF(0, 0, 130000, 50));
-    EnvelopeCurve fresh(Qt::black, 1);
-    fresh.setSeries(other.times, other.values);
-    QCOMPARE(image, painted(fresh, QRectF(0, 0, 130000, 50)));
-}
-
-void TestEnvelope::inkIsThatOfEveryPoint_data()
-{
-    QTest::addColumn<History>("history");
-    QTest::addColumn<QRectF>("view");
-    QTest::addColumn<bool>("ofAverages");
-    QTest::addColumn<int>("width");
-    QTest::addColumn<int>("scale");
-
-    History wave;
-    for (int i = 0; i < 3000; ++i)
-        wave.append(i, 50 + 40 * std::sin(i / 80.0));
-    History line;
-    for (int i = 0; i < 700; ++i)
-        line.append(i, i / 7.0);
-    History steps;
-    for (int i = 0; i < 60; ++i)
-        steps.append(i * 13.7, i / 5 % 2 ? 80.3 : 20.7);
-    const History noisy = noisyHistory(5000, 2);
-    const History bursty = burstyHistory(5000);
-    const History setBack = setBackHistory();
-    const double burstyEnd = bursty.times.last();
-    const struct {
-        const char *name;
-        const History &history;
-        QRectF view;
-    } pictures[] = {
-        {"noise", noisy, {0, -5, 10000, 60}},
-        {"noise, a window of it", noisy, {3000.3, -5, 700, 60}},
-        {"noise, sparse", noisy, {3000.3, -5, 30, 60}},
-        {"noise, flat", noisy, {0, -500, 10000, 1000}},
-        {"noise, cut at top and bottom", noisy, {3000, 4, 300, 2}},
-        {"wave, dense", wave, {0, 0, 3000, 100}},
-        {"wave, a few points per column", wave, {0, 0, 500, 100}},
-        {"straight line, dense", line, {0, 0, 700, 100}},
-        {"straight line, flat", line, {0, -900, 700, 2000}},
-        {"steps", steps, {0, 0, 800, 100}},
-        {"bursts and gaps", bursty, {0, -35, burstyEnd, 40}},
-        {"bursts and gaps, a window", bursty, {bursty.times[2000], -2, 2000, 4}},
-        {"clock set back", setBack, {0, -1, 12000, 12}},
-        {"clock set back, at the step", setBack, {8950, -1, 100, 12}},
-    };
-    for (const auto &picture : pictures)
-        for (const bool ofAverages : {false, true})
-            for (const int width : {1, 2})
-                for (const int scale : {1, 2})
-                    QTest::addRow("%s, %s, pen %d, %dx", picture.name,
-                                  ofAverages ? "averages" : "values", width, scale)
-                        << picture.history << picture.view << ofAverages << width << scale;
-}
-
-void TestEnvelope::inkIsThatOfEveryPoint()
-{
-    QFETCH(const History, history);
-    QFETCH(const QRectF, view);
-    QFETCH(bool, ofAverages);
-    QFETCH(int, width);
-    QFETCH(int, scale);
-    EnvelopeCurve curve(Qt::black, width);
-    if (ofAverages)
-        curve.setSeries(history.times, history.averages);
-    else
+    void denseColumnsAreFilledInOneGo()
+    {
+        EnvelopeCurve curve(Qt::black, 1);
+        show(noisyHistory(2000, 0.1), false, curve);
+        BarLists bars;
+        draw(curve, QRectF(0, 0, 200, 10), &bars);
+        QVERIFY2(bars.lengths == QVector<int>{200}, "each bar by itself costs many times as much");
+        QVERIFY2(!bars.hints, "smoothed bars cost many times as much");
+    }
+    void survivesExtremeNumbers()
+    {
+        const double infinity = std::numeric_limits<double>::infinity();
+        History history;
+        for (const double value : {1.7e308, -1299.0, 5.0, infinity, infinity, 5.0, 1e300, 5.0})
+            history.append(25 * history.size(), value);
+        EnvelopeCurve curve(Qt::black, 1);
         curve.setSeries(history.times, history.values);
-    const QImage image = painted(curve, view, scale);
-    // The plain curve rounds to pixels, not to device pixels, and begins a new line, with caps,
-    // every few points: on a fine screen only without that does it show where the points are.
-    for (const bool isRounding : {false, true}) {
-        if (isRounding && scale > 1)
-            continue;
-        QwtPainter::setRoundingAlignment(isRounding);
-        QwtPainter::setPolylineSplitting(isRounding);
-        const QImage plain =
-            ofAverages ? paintedPlainly(history, history.averages, curve.pen(), view, scale)
-                       : paintedPlainly(history, history.values, curve.pen(), view, scale);
-        const int edge = width * scale;
-        QCOMPARE(inkMissing(plain, image, edge), QString());
-        QCOMPARE(inkMissing(image, plain, edge), QString());
+        const QImage image = painted(curve, QRectF(0, 4.999999, 200, 0.000002));
+        bool marked = false;
+        for (int y = 0; y < 100; ++y)
+            marked = marked || isBlack(image, 50, y);
+        QVERIFY2(marked, "the line from far below to 5.0 is missing");
+        painted(curve, QRectF(0, -1e300, 1e-9, 2e300)); // points all but one beyond the canvas
+        painted(curve, QRectF(0, 4, 1e300, 2));         // all points in one column
+        painted(curve, QRectF(1e17, 4, 1, 2));          // columns narrower than a time can tell
+        curve.setSeries(history.times, history.averages);
+        painted(curve, QRectF(0, 4, 200, 2));
     }
-    QwtPainter::setRoundingAlignment(true);
-    QwtPainter::setPolylineSplitting(true);
-}
 
-void TestEnvelope::denseColumnsFillTheirSpan()
-{
-    // Values fall back and forth between 2 and 8 ten times per pixel.
-    History history;
-    for (int i = 0; i < 2000; ++i)
-        history.append(i / 10.0, i % 2 ? 8 : 2);
-    EnvelopeCurve curve(Qt::black, 1);
-    curve.setSeries(history.times, history.values);
-    const QImage image = painted(curve, QRectF(0, 0, 200, 10));
-    for (int x = 0; x < 199; ++x) {
-        QVERIFY2(isBlack(image, x, 21) && isBlack(image, x, 50) && isBlack(image, x, 79),
-                 qPrintable(QString("column %1 has a hole").arg(x)));
-        QVERIFY(!isBlack(image, x, 17) && !isBlack(image, x, 83));
+private:
+    void inkIsThatOfEveryPoint(const QString &name, const History &history, const QRectF &view,
+                               bool ofAverages, int width, int scale)
+    {
+        EnvelopeCurve curve(Qt::black, width);
+        show(history, ofAverages, curve);
+        const QImage image = painted(curve, view, scale);
+        // The plain curve rounds to pixels, not to device pixels, and begins a new line, with caps,
+        // every few points: on a fine screen only without that does it show where the points are.
+        for (const bool isRounding : {false, true}) {
+            if (isRounding && scale > 1)
+                continue;
+            QwtPainter::setRoundingAlignment(isRounding);
+            QwtPainter::setPolylineSplitting(isRounding);
+            const QImage plain =
+                ofAverages ? paintedPlainly(history, history.averages, curve.pen(), view, scale)
+                           : paintedPlainly(history, history.values, curve.pen(), view, scale);
+            const int edge = width * scale;
+            QCOMPARE(name + inkMissing(plain, image, edge), name);
+            QCOMPARE(name + inkMissing(image, plain, edge), name);
+        }
+        QwtPainter::setRoundingAlignment(true);
+        QwtPainter::setPolylineSplitting(true);
     }
-    BarLists bars;
-    draw(curve, QRectF(0, 0, 200, 10), &bars);
-    QVERIFY2(bars.lengths == QVector<int>{200}, "each bar by itself costs many times as much");
-    QVERIFY2(!bars.hints, "smoothed bars cost many times as much");
-}
-
-void TestEnvelope::sparsePointsAreJoinedByLines()
-{
-    History history;
-    for (const double time : {-50.0, 50.0, 250.0})
-        history.append(time, 5);
-    EnvelopeCurve curve(Qt::black, 2);
-    curve.setSeries(history.times, history.values);
-    const QImage image = painted(curve, QRectF(0, 0, 200, 10));
-    for (int x = 0; x < 200; ++x) {
-        QVERIFY2(isBlack(image, x, 49) && isBlack(image, x, 50),
-                 qPrintable(QString("column %1 has a hole").arg(x)));
-    }
-}
-
-void TestEnvelope::sparseAndDensePointsAreJoined()
-{
-    History history;
-    for (const double time : {50.5, 150.2, 150.4, 150.6, 190.5})
-        history.append(time, history.size() == 0 ? 2 : 8);
-    EnvelopeCurve curve(Qt::black, 2);
-    curve.setSeries(history.times, history.values);
-    const QImage image = painted(curve, QRectF(0, 0, 200, 10));
-    QVERIFY2(isBlack(image, 100, 50), "no line leads up to the dense column");
-    QVERIFY2(!isBlack(image, 150, 50), "the dense column reaches down to the point before");
-    QVERIFY2(isBlack(image, 170, 20), "no line leads away from the dense column");
-}
-
-void TestEnvelope::survivesExtremeNumbers()
-{
-    const double infinity = std::numeric_limits<double>::infinity();
-    History history;
-    for (const double value : {1.7e308, -1299.0, 5.0, infinity, infinity, 5.0, 1e300, 5.0})
-        history.append(25 * history.size(), value);
-    EnvelopeCurve curve(Qt::black, 1);
-    curve.setSeries(history.times, history.values);
-    const QImage image = painted(curve, QRectF(0, 4.999999, 200, 0.000002));
-    bool marked = false;
-    for (int y = 0; y < 100; ++y)
-        marked = marked || isBlack(image, 50, y);
-    QVERIFY2(marked, "the line from far below to 5.0 is missing");
-    painted(curve, QRectF(0, -1e300, 1e-9, 2e300)); // points all but one beyond the canvas
-    painted(curve, QRectF(0, 4, 1e300, 2));         // all points in one column
-    painted(curve, QRectF(1e17, 4, 1, 2));          // columns narrower than a time can tell
-    curve.setSeries(history.times, history.averages);
-    painted(curve, QRectF(0, 4, 200, 2));
-}
+};
 
 QTEST_MAIN(TestEnvelope)
 #include "tst_envelope.moc"

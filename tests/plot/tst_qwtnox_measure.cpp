@@ -1,507 +1,338 @@
 #include "plot/qwtnoxqwtplotpicker.h"
-#include "plotmouse.h"
+#include "plotbench.h"
 
 #include <QClipboard>
-#include <qwt_scale_widget.h>
+#include <QFormLayout>
 #include <qwt_text.h>
 
 // Measuring between two points, reading single ones, and copying what was read.
 
-Q_DECLARE_METATYPE(std::function<void(PlotOnScreen &)>)
-Q_DECLARE_METATYPE(std::function<void(QwtNOX &)>)
+namespace
+{
+
+const QStringList intervalLabels = {"measurementX1",   "measurementY1",        "measurementX2",
+                                    "measurementY2",   "measurementDeltaX",    "measurementDeltaY",
+                                    "measurementMean", "measurementDeviation", "measurementCount"};
+
+/** A ramp on show from 0 to 100 s, in steps of 0.1 °С. */
+struct MeasureBench : PlotBench {
+    MeasureBench() { withRamp(); }
+
+    /** Measures from clicks at these times, above the frames of the clicks before. */
+    void measure(const QVector<double> &times)
+    {
+        for (int i = 0; i < times.size(); ++i)
+            mouse.click(mouse.pixel(times.at(i), 20.6 + 0.01 * i));
+    }
+    /** Where a frame stands when a point is seen there. */
+    QPoint beside(const QPoint &at, const char *name) const
+    {
+        const QSize size = frame(name)->size();
+        const QPoint onPlot = at + QPoint(plot.axisWidget(QwtPlot::yLeft)->width(), 0);
+        const bool isRight = onPlot.x() <= plot.canvas()->width() / 2;
+        const bool isBelow = onPlot.y() <= plot.canvas()->height() / 2;
+        return {isRight ? onPlot.x() + 10 : onPlot.x() - size.width() - 10,
+                isBelow ? onPlot.y() + 10 : onPlot.y() - size.height() - 10};
+    }
+    QPoint onCanvas(const QWidget *widget, const QPoint &at) const
+    {
+        return plot.canvas()->mapFrom(&plot, widget->mapTo(&plot, at));
+    }
+};
+
+using Change = std::function<void(MeasureBench &)>;
+
+} // namespace
 
 class TestQwtNOXMeasure : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-    void clickBeginsAMeasurement_data();
-    void clickBeginsAMeasurement();
-    void pointsAreOrdered_data();
-    void pointsAreOrdered();
-    void writesTimes_data();
-    void writesTimes();
-    void textsFollowTheLabelsOfTheAxis();
-    void writesStatistics_data();
-    void writesStatistics();
-    void writesStatisticsOfTheDifference();
-    void copiesWhatIsShown_data();
-    void copiesWhatIsShown();
-    void clicksOnFramesMeanNothingElse();
-    void framesStandBesideTheirPoints_data();
-    void framesStandBesideTheirPoints();
-    void framesFollowTheAxes_data();
-    void framesFollowTheAxes();
-    void rightClickClearsThenLeaves();
-    void modesEndTheMeasurement_data();
-    void modesEndTheMeasurement();
-    void crossHairReadsTimeAndValue_data();
-    void crossHairReadsTimeAndValue();
-    void lostInstrumentLeavesNothingBehind_data();
-    void lostInstrumentLeavesNothingBehind();
-    void instrumentLostAtTheFirstPoint();
-
-private:
-    void measure(double x1, double x2)
+    void clickBeginsAMeasurement()
     {
-        m_screen->plot.setMeasPoint({x1, 20});
-        m_screen->plot.setMeasPoint({x2, 20.6});
+        for (const TmcMode mode : {ModeAuto, ModeFollow, ModeZoom, ModeLimits, ModeMeasure}) {
+            MeasureBench bench;
+            bench.plot.setMeasPoint({10, 20});
+            bench.plot.setMeasPoint({20, 20}); // a former one ends, but where it is measured
+            bench.plot.setChMode(mode);
+            const QPoint at = bench.mouse.pixel(80, 20.3);
+            const QPointF point = bench.mouse.point(at);
+            bench.mouse.click(at);
+            const bool begins = mode != ModeLimits && mode != ModeMeasure;
+            QCOMPARE(bench.plot.getChMode(), mode == ModeLimits ? ModeLimits : ModeMeasure);
+            QCOMPARE(bench.crosses().size(), begins ? 1 : 2);
+            QCOMPARE(bench.frames(), begins ? "point " : "point interval");
+            if (!begins)
+                continue;
+            QCOMPARE(bench.crosses().first(), point);
+            QCOMPARE(bench.texts({"pointX", "pointY"}),
+                     QStringList(
+                         {QString::number(point.x(), 'f', 1), QString::number(point.y(), 'f', 2)}));
+        }
     }
-    bool isSeen(const char *frame) const { return m_screen->frame(frame)->isVisible(); }
-    /** The frame stands right below the place, or on the other side of it. */
-    bool standsBeside(const char *name, const QPoint &onCanvas, bool isRight, bool isBelow) const
+    void pointsAreOrdered()
     {
-        const QRect frame = m_screen->frame(name)->geometry();
-        const int x = onCanvas.x() + m_screen->plot.axisWidget(QwtPlot::yLeft)->width();
-        const int y = onCanvas.y();
-        return frame.x() == (isRight ? x + 10 : x - frame.width() - 10) &&
-               frame.y() == (isBelow ? y + 10 : y - frame.height() - 10);
+        const struct {
+            QVector<double> clicks;
+            const char *texts; // X1, Y1, X2, Y2, differences
+            const char *frames;
+        } data[] = {
+            {{30, 50}, "30 20.60 50 20.61 20 0.01", "point interval"},
+            {{30, 10}, "10 20.61 30 20.60 20 -0.01", "point interval"},
+            {{30, 50, 40}, "30 20.60 40 20.62 10 0.02", "point interval"},
+            {{30, 50, 20}, "20 20.62 30 20.60 10 -0.02", "point interval"},
+            {{30, 10, 20}, "10 20.61 20 20.62 10 0.01", "interval"}}; // the first one has gone
+        for (const auto &[clicks, expected, frames] : data) {
+            MeasureBench bench;
+            bench.measure(clicks);
+            QStringList texts = bench.texts(intervalLabels.mid(0, 6));
+            for (const int x : {0, 2, 4})
+                texts[x] = QString::number(qRound(texts[x].toDouble())); // as near as a pixel is
+            QCOMPARE(texts.join(' '), expected);
+            QCOMPARE(bench.frames(), frames);
+            QCOMPARE(qRound(bench.crosses().at(1).x()), texts.at(2).toInt());
+        }
     }
-
-    std::unique_ptr<PlotOnScreen> m_screen;
+    void framesNameTheirValues()
+    {
+        MeasureBench bench;
+        QString rows;
+        for (const char *name : {"pointFrame", "measurementFrame"}) {
+            const auto *form = bench.frame(name)->findChild<QFormLayout *>();
+            for (int row = 0; row < form->rowCount(); ++row) {
+                auto *caption = form->itemAt(row, QFormLayout::LabelRole);
+                auto *value = form->itemAt(row, QFormLayout::FieldRole);
+                rows += caption ? static_cast<QLabel *>(caption->widget())->text() +
+                                      value->widget()->objectName() + ' '
+                                : QString("- ");
+            }
+        }
+        QCOMPARE(rows, "X:pointX Y:pointY X1:measurementX1 Y1:measurementY1 X2:measurementX2 "
+                       "Y2:measurementY2 - ΔX:measurementDeltaX ΔY:measurementDeltaY - "
+                       "<b>Среднее:</b>measurementMean <b>СКО:</b>measurementDeviation "
+                       "<b>Точек:</b>measurementCount ");
+    }
+    void textsFollowTheLabelsOfTheAxis()
+    {
+        MeasureBench bench;
+        bench.plot.setMeasPoint({60, 20});
+        bench.plot.setMeasPoint({3660, 20});
+        QCOMPARE(bench.plot.getChMode(), ModeMeasure);
+        bench.plot.changeModeX(ModeXRelative);
+        const QStringList times = {"pointX", "measurementX1", "measurementX2", "measurementDeltaX"};
+        QCOMPARE(bench.texts(times).join('|'), "00:01:00|00:01:00|01:01:00|01:00:00");
+        bench.plot.changeModeX(ModeXAbsolute);
+        QCOMPARE(bench.texts(times).join('|'),
+                 "23:01:00|01.03.26 23:01:00|02.03.26 00:01:00|01:00:00");
+        bench.now = bench.now.addDays(1); // yesterday into today
+        bench.plot.setMeasPoint({3720, 20});
+        QCOMPARE(bench.texts(times.mid(1)).join('|'),
+                 "01.03.26 23:01:00|02.03.26 00:02:00|01:01:00");
+        bench.plot.changeMode(ModeFollow);
+        bench.plot.changeModeX(ModeXSeconds);
+        QCOMPARE(bench.frames(), "");
+    }
+    void writesStatistics()
+    {
+        const struct {
+            double x1, x2;
+            const char *texts; // mean, deviation, count
+        } intervals[] = {{0.5, 2.5, "3.000 1.4142 2"},
+                         {0.5, 10, "4.667 3.0551 3"}, // without the newest point
+                         {0.5, 1.5, "2.000 -- 1"},
+                         {1.2, 1.8, "-- -- 0"}};
+        for (const bool isDifference : {false, true}) {
+            PlotBench bench;
+            if (isDifference)
+                bench.plot.setChDiff(1, 0);
+            for (int second = 0; second < 5; ++second) { // 1, 2, 4, 8, 16
+                bench.add(500, second, 1);
+                bench.add((isDifference ? 500 : 0) + (1 << second), second);
+            }
+            for (const auto &[x1, x2, texts] : intervals) {
+                bench.plot.setChMode(ModeAuto);
+                bench.plot.setChMode(ModeMeasure);
+                bench.plot.calcPrecision(13); // steps of 0.01
+                bench.plot.setMeasPoint({x1, 20});
+                bench.plot.setMeasPoint({x2, 20});
+                QCOMPARE(bench.texts(intervalLabels.mid(6)).join(' '), texts);
+            }
+        }
+    }
+    void copiesWhatIsShown()
+    {
+        MeasureBench bench;
+        bench.measure({80, 10});
+        bench.plot.addMeasPointFirst({30, 20.3}, {500, 400}); // clear of the other frame
+        QTest::qWait(0);                                      // lays the frames out
+        const QVector<QPointF> crosses = bench.crosses();
+        for (const QString &name : QStringList({"pointX", "pointY"}) + intervalLabels) {
+            const QLabel *label = bench.plot.findChild<QLabel *>(name);
+            QVERIFY(!label->text().isEmpty());
+            QCOMPARE(label->cursor().shape(), Qt::PointingHandCursor);
+            const QPoint at = bench.onCanvas(label, label->rect().center());
+            bench.mouse.click(at, name == "pointY" ? Qt::RightButton : Qt::LeftButton);
+            QCOMPARE(QGuiApplication::clipboard()->text(), label->text());
+            QCOMPARE(label->styleSheet(), "color: blue");
+            QCOMPARE(bench.crosses(), crosses);
+        }
+        for (const char *caption : {"pointFrame", "measurementFrame"}) // no caption is a value
+            for (const QLabel *label : bench.frame(caption)->findChildren<QLabel *>())
+                QCOMPARE(label->styleSheet().isEmpty(), label->objectName().isEmpty());
+        bench.plot.addMeasPointFirst({40, 20.4}, {500, 400});
+        bench.plot.setMeasPoint({50, 20});
+        for (const QLabel *label : bench.plot.findChildren<QLabel *>())
+            QCOMPARE(label->styleSheet(), "");
+    }
+    void clicksOnFramesMeanNothingElse()
+    {
+        MeasureBench bench;
+        bench.measure({30, 10});
+        QTest::qWait(0);
+        const QVector<QPointF> crosses = bench.crosses();
+        const QWidget *frame = bench.frame("measurementFrame");
+        for (const TmcMode mode : {ModeMeasure, ModeZoom, ModeScroll}) {
+            bench.plot.setChMode(mode);
+            bench.log.take();
+            for (const QPoint &at : {QPoint(3, 3), QPoint(frame->width() / 2, frame->height() / 2)})
+                bench.mouse.click(bench.onCanvas(frame, at));
+            QCOMPARE(bench.log.take(), "");
+            QCOMPARE(bench.plot.getChMode(), mode);
+            QCOMPARE(bench.crosses(), crosses);
+        }
+        const QImage image = bench.plot.grab().toImage(); // neither do curves show through
+        for (int x = frame->x() + 4; x < frame->geometry().right() - 4; ++x)
+            QVERIFY(!isInked(image.pixel(x, frame->y() + 4), Qt::red) &&
+                    qGray(image.pixel(x, frame->y() + 4)) > 200);
+    }
+    void framesStandBesideTheirPoints()
+    {
+        for (const QPointF &point :
+             {QPointF(5, 20.6), QPointF(95, 20.6), QPointF(5, 19.85), QPointF(95, 19.85)}) {
+            MeasureBench bench;
+            const QPoint at = bench.mouse.pixel(point.x(), point.y());
+            bench.mouse.click(at);
+            QCOMPARE(bench.frame("pointFrame")->pos(), bench.beside(at, "pointFrame"));
+            bench.mouse.click(at + QPoint(1, 1));
+            bench.plot.calcPrecision(1); // seven decimals
+            bench.plot.setMeasPoint(point);
+            const QWidget *frame = bench.frame("measurementFrame");
+            QCOMPARE(frame->size(), frame->sizeHint());
+            QCOMPARE(frame->pos(), bench.beside(at, "measurementFrame"));
+        }
+    }
+    void framesFollowTheAxes()
+    {
+        const Change changes[] = {
+            [](MeasureBench &bench) { bench.mouse.wheel(bench.mouse.pixel(45, 20.35), true); },
+            [](MeasureBench &bench) {
+                bench.mouse.drag({300, 50}, {250, 250}, Qt::RightButton);
+            },
+            [](MeasureBench &bench) { bench.plot.resize(600, 380); },
+            [](MeasureBench &bench) {
+                bench.plot.setChMode(ModeLimits);
+                bench.add(2e6, 200); // which has longer labels
+            }};
+        for (const Change &change : changes) {
+            MeasureBench bench;
+            bench.measure({40, 48});
+            const QVector<QPointF> crosses = bench.crosses();
+            change(bench);
+            const auto isBeside = [&](const char *frame, const QPointF &point) {
+                const QPoint at = bench.mouse.pixel(point.x(), point.y());
+                return bench.frame(frame)->pos() == bench.beside(at, frame);
+            };
+            QTRY_VERIFY(isBeside("pointFrame", crosses[0]));
+            QTRY_VERIFY(isBeside("measurementFrame", crosses[1]));
+            QCOMPARE(bench.frames(), "point interval");
+            bench.plot.addDev(7, 1); // what is measured stays, its frames do not
+            QCOMPARE(bench.frames(), "");
+            QCOMPARE(bench.crosses(), crosses);
+        }
+    }
+    void rightClickClearsThenLeaves()
+    {
+        MeasureBench bench;
+        for (const auto &times : {QVector<double>{30}, QVector<double>{30, 50}}) {
+            bench.measure(times);
+            bench.mouse.click(bench.mouse.middle(), Qt::RightButton);
+            QCOMPARE(bench.plot.getChMode(), ModeMeasure);
+            QCOMPARE(bench.crosses(false), QVector<QPointF>(2)); // both are back at the origin
+            QCOMPARE(bench.frames(), "");
+            bench.mouse.click(bench.mouse.middle(), Qt::RightButton);
+            QCOMPARE(bench.plot.getChMode(), ModeFollow);
+        }
+    }
+    void modesEndTheMeasurement()
+    {
+        for (const TmcMode mode : {ModeAuto, ModeFollow, ModeZoom, ModeScroll}) {
+            MeasureBench bench;
+            bench.measure({30, 50});
+            bench.mouse.pull(bench.mouse.pixel(60, 20.3), bench.mouse.pixel(70, 20.3)); // a third
+            bench.plot.changeMode(mode);
+            bench.mouse.release(bench.mouse.pixel(70, 20.3));
+            const bool ends = mode == ModeAuto || mode == ModeFollow;
+            QCOMPARE(bench.crosses().size(), ends ? 0 : 2);
+            QCOMPARE(bench.frames(), ends ? "" : "point interval");
+            QCOMPARE(bench.plot.getChMode(), mode);
+        }
+    }
+    void crossHairReadsTimeAndValue()
+    {
+        MeasureBench bench;
+        auto *crossHair = bench.picker<QwtNoxQwtPlotPicker>("crossHair");
+        const auto text = [&](TmcModeX mode, double time) {
+            bench.plot.setChModeX(mode);
+            return crossHair->trackerTextF({time, 20.134}).text();
+        };
+        QCOMPARE(text(ModeXSeconds, 61.26) + '|' + text(ModeXRelative, 61.9) + '|' +
+                     text(ModeXRelative, 90000) + '|' + text(ModeXAbsolute, 3600),
+                 "61.3, 20.13|00:01:01, 20.13|02 01:00:00, 20.13|02.03.26 00:00:00, 20.13");
+        const QImage before = bench.picture();
+        for (const QPoint &at : {bench.mouse.pixel(17, 20.2), bench.mouse.pixel(57, 20.4)}) {
+            bench.mouse.moveTo(at); // in at first
+            QCOMPARE(crossHair->property("pos").toPointF(), bench.mouse.point(at));
+            const QRect text = crossHair->trackerRect(crossHair->trackerFont());
+            QVERIFY(text.isValid() && bench.picture().copy(text) != before.copy(text));
+        }
+    }
+    void lostInstrumentLeavesNothingBehind()
+    {
+        const Change losses[] = {
+            [](MeasureBench &bench) { bench.plot.removeDev(0); },
+            [](MeasureBench &bench) { bench.plot.setChCount(0, 0); },
+            [](MeasureBench &bench) { // one without channels takes its place
+                bench.plot.addDev(7, 0);
+                bench.plot.setDevMain(7);
+            },
+            [](MeasureBench &bench) { // it goes at the first point of a measurement
+                bench.plot.setChMode(ModeAuto);
+                QObject::connect(&bench.plot, &QwtNOX::onChModeChange, &bench.plot,
+                                 [&bench] { bench.plot.removeDev(0); });
+                bench.mouse.click(bench.mouse.middle());
+            }};
+        for (const Change &lose : losses)
+            for (const TmcMode mode : {ModeMeasure, ModeZoom, ModeScroll, ModeLimits}) {
+                MeasureBench bench;
+                bench.measure({30, 50});
+                bench.plot.setChMode(mode);
+                bench.mouse.pull({100, 100}, {300, 200});
+                lose(bench);
+                bench.mouse.drag({310, 210}, {310, 210});
+                bench.mouse.click({300, 300});
+                bench.mouse.wheel({300, 300}, true);
+                bench.mouse.drag({300, 300}, {400, 300}, Qt::RightButton);
+                QCOMPARE(bench.frames() + QString::number(bench.crosses().size()), "0");
+                bench.plot.setChCount(1, bench.plot.getDevMain()); // the first channel comes
+                if (bench.plot.getDevMain() < 0)
+                    continue;
+                bench.mouse.click({300, 300});
+                QCOMPARE(bench.plot.getChMode(), ModeMeasure);
+                QCOMPARE(bench.crosses().size(), 1);
+            }
+    }
 };
-
-void TestQwtNOXMeasure::init()
-{
-    m_screen = std::make_unique<PlotOnScreen>();
-    QVERIFY(m_screen->mouse.isReady());
-    m_screen->addRamp(65); // 0 to 100 s, in steps of 0.1 °С
-}
-
-void TestQwtNOXMeasure::cleanup()
-{
-    m_screen.reset();
-}
-
-void TestQwtNOXMeasure::clickBeginsAMeasurement_data()
-{
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<bool>("begins");
-    QTest::newRow("automatic") << int(ModeAuto) << true;
-    QTest::newRow("following") << int(ModeFollow) << true;
-    QTest::newRow("zoom: a click is no rectangle") << int(ModeZoom) << true;
-    QTest::newRow("limits") << int(ModeLimits) << false;
-}
-
-void TestQwtNOXMeasure::clickBeginsAMeasurement()
-{
-    QFETCH(int, mode);
-    QFETCH(bool, begins);
-    m_screen->plot.changeMode(mode);
-    const QPoint at = m_screen->mouse.pixel(30, 20.3);
-    const QPointF point = m_screen->mouse.point(at);
-    m_screen->mouse.click(at);
-    QCOMPARE(int(m_screen->plot.getChMode()), begins ? int(ModeMeasure) : mode);
-    QCOMPARE(m_screen->crosses().size(), begins ? 1 : 0);
-    QCOMPARE(isSeen("pointFrame"), begins);
-    QVERIFY(!isSeen("measurementFrame"));
-    if (!begins)
-        return;
-    QCOMPARE(m_screen->crosses().first(), point);
-    QCOMPARE(m_screen->text("pointX"), QString::number(point.x(), 'f', 1));
-    QCOMPARE(m_screen->text("pointY"), QString::number(point.y(), 'f', 2));
-}
-
-void TestQwtNOXMeasure::pointsAreOrdered_data()
-{
-    QTest::addColumn<QVector<double>>("clicks");
-    QTest::addColumn<QVector<double>>("crosses");
-    QTest::addColumn<bool>("firstPointIsShown");
-    using Times = QVector<double>;
-    QTest::newRow("second to the right") << Times{30, 50} << Times{30, 50} << true;
-    QTest::newRow("second to the left") << Times{30, 10} << Times{10, 30} << true;
-    QTest::newRow("third on the right takes the second's place")
-        << Times{30, 50, 40} << Times{30, 40} << true;
-    QTest::newRow("third on the left makes the first the second")
-        << Times{30, 50, 20} << Times{20, 30} << true;
-    QTest::newRow("third takes the place of the point that was first")
-        << Times{30, 10, 20} << Times{10, 20} << false;
-}
-
-void TestQwtNOXMeasure::pointsAreOrdered()
-{
-    QFETCH(QVector<double>, clicks);
-    QFETCH(QVector<double>, crosses);
-    const auto value = [&](double time) { // above the frames, which stand below the point before
-        return 20.6 + 0.01 * clicks.indexOf(time);
-    };
-    for (const double time : clicks)
-        m_screen->mouse.click(m_screen->mouse.pixel(time, value(time)));
-    const QVector<QPointF> seen = m_screen->crosses();
-    QCOMPARE(seen.size(), 2);
-    for (int i = 0; i < 2; ++i) { // as near as a pixel is
-        QVERIFY(std::abs(seen[i].x() - crosses[i]) < 0.1);
-        QVERIFY(std::abs(seen[i].y() - value(crosses[i])) < 0.002);
-    }
-    QVERIFY(isSeen("measurementFrame"));
-    QTEST(isSeen("pointFrame"), "firstPointIsShown");
-    QCOMPARE(m_screen->text("measurementX1"), QString::number(seen[0].x(), 'f', 1));
-    QCOMPARE(m_screen->text("measurementX2"), QString::number(seen[1].x(), 'f', 1));
-    QCOMPARE(m_screen->text("measurementDeltaX"),
-             QString::number(seen[1].x() - seen[0].x(), 'f', 1));
-    QCOMPARE(m_screen->text("measurementY1"), QString::number(seen[0].y(), 'f', 2));
-    QCOMPARE(m_screen->text("measurementY2"), QString::number(seen[1].y(), 'f', 2));
-    QCOMPARE(m_screen->text("measurementDeltaY"),
-             QString::number(seen[1].y() - seen[0].y(), 'f', 2));
-}
-
-void TestQwtNOXMeasure::writesTimes_data()
-{
-    QTest::addColumn<int>("modeX");
-    QTest::addColumn<double>("step");
-    QTest::addColumn<int>("daysSinceStart");
-    QTest::addColumn<double>("x1");
-    QTest::addColumn<double>("x2");
-    QTest::addColumn<QStringList>("texts");
-    using Texts = QStringList;
-    QTest::newRow("seconds") << int(ModeXSeconds) << 1.0 << 0 << 12.34 << 47.06
-                             << Texts{"12.3", "47.1", "34.7"};
-    QTest::newRow("duration in seconds") << int(ModeXRelative) << 30.0 << 0 << 60.9 << 3725.0
-                                         << Texts{"00:01:00", "01:02:05", "01:01:04"};
-    QTest::newRow("duration of more than a day: all with their day")
-        << int(ModeXRelative) << 3600.0 << 0 << 3600.0 << 90000.0
-        << Texts{"01 01:00", "02 01:00", "02 00:00"};
-    QTest::newRow("moments of today")
-        << int(ModeXAbsolute) << 60.0 << 0 << 60.0 << 180.0 << Texts{"23:01", "23:03", "00:02"};
-    QTest::newRow("moments around midnight: both with their date")
-        << int(ModeXAbsolute) << 60.0 << 0 << 60.0 << 3660.0
-        << Texts{"01.03.26 23:01", "02.03.26 00:01", "01:00"};
-    QTest::newRow("moments of yesterday") << int(ModeXAbsolute) << 60.0 << 1 << 60.0 << 180.0
-                                          << Texts{"01.03.26 23:01", "01.03.26 23:03", "00:02"};
-}
-
-void TestQwtNOXMeasure::writesTimes()
-{
-    QFETCH(int, modeX);
-    QFETCH(double, step);
-    QFETCH(int, daysSinceStart);
-    QFETCH(double, x1);
-    QFETCH(double, x2);
-    m_screen->now = m_screen->now.addDays(daysSinceStart);
-    m_screen->plot.changeModeX(modeX);
-    m_screen->plot.setChMode(ModeMeasure);
-    m_screen->plot.setAxisScale(QwtPlot::xBottom, 0, 10 * step, step);
-    m_screen->plot.updateAxes();
-    measure(x1, x2);
-    QTEST(QStringList({m_screen->text("measurementX1"), m_screen->text("measurementX2"),
-                       m_screen->text("measurementDeltaX")}),
-          "texts");
-}
-
-void TestQwtNOXMeasure::textsFollowTheLabelsOfTheAxis()
-{
-    measure(30, 50);
-    m_screen->plot.changeModeX(ModeXRelative);
-    QCOMPARE(m_screen->text("pointX"), QString("00:00:30"));
-    QCOMPARE(m_screen->text("measurementX2"), QString("00:00:50"));
-    QCOMPARE(m_screen->text("measurementDeltaX"), QString("00:00:20"));
-    m_screen->plot.changeMode(ModeFollow);
-    m_screen->plot.changeModeX(ModeXSeconds);
-    QVERIFY(!isSeen("pointFrame") && !isSeen("measurementFrame"));
-}
-
-void TestQwtNOXMeasure::writesStatistics_data()
-{
-    QTest::addColumn<int>("points");
-    QTest::addColumn<double>("x1");
-    QTest::addColumn<double>("x2");
-    QTest::addColumn<QStringList>("texts"); // count, mean, deviation
-    using Texts = QStringList;
-    QTest::newRow("two of five") << 5 << 0.5 << 2.5 << Texts{"2", "3.000", "1.4142"};
-    QTest::newRow("the newest does not") << 5 << 0.5 << 10.0 << Texts{"3", "4.667", "3.0551"};
-    QTest::newRow("a single one has no deviation") << 5 << 0.5 << 1.5 << Texts{"1", "2.000", "--"};
-    QTest::newRow("none between") << 5 << 1.2 << 1.8 << Texts{"0", "--", "--"};
-    QTest::newRow("a series of one point") << 1 << -1.0 << 9.0 << Texts{"0", "--", "--"};
-    QTest::newRow("no points") << 0 << 0.0 << 9.0 << Texts{"0", "--", "--"};
-}
-
-void TestQwtNOXMeasure::writesStatistics()
-{
-    QFETCH(int, points);
-    QFETCH(double, x1);
-    QFETCH(double, x2);
-    m_screen->plot.clear();
-    for (int second = 0; second < points; ++second)
-        m_screen->add(1 << second, second); // 1, 2, 4, 8, 16
-    m_screen->plot.setChMode(ModeMeasure);
-    m_screen->plot.calcPrecision(13); // steps of 0.01
-    measure(x1, x2);
-    QTEST(QStringList({m_screen->text("measurementCount"), m_screen->text("measurementMean"),
-                       m_screen->text("measurementDeviation")}),
-          "texts");
-}
-
-void TestQwtNOXMeasure::writesStatisticsOfTheDifference()
-{
-    m_screen->plot.clear();
-    for (int second = 0; second <= 3; ++second) {
-        m_screen->add(5, second + 0.1, 1, 1);
-        m_screen->add(7 + 2 * second, second + 0.5);
-    }
-    m_screen->plot.setChDiff(1, 1, 0, 0); // 2, 4, 6 and 8, against the channel as it is now
-    m_screen->plot.setChMode(ModeMeasure);
-    m_screen->plot.calcPrecision(13);
-    measure(0, 10);
-    QCOMPARE(m_screen->text("measurementCount"), QString("3"));
-    QCOMPARE(m_screen->text("measurementMean"), QString("4.000"));
-    QCOMPARE(m_screen->text("measurementDeviation"), QString("2.0000"));
-}
-
-void TestQwtNOXMeasure::copiesWhatIsShown_data()
-{
-    QTest::addColumn<QString>("name");
-    for (const char *name : {"pointX", "pointY", "measurementX1", "measurementY1", "measurementX2",
-                             "measurementY2", "measurementDeltaX", "measurementDeltaY",
-                             "measurementMean", "measurementDeviation", "measurementCount"})
-        QTest::newRow(name) << name;
-}
-
-void TestQwtNOXMeasure::copiesWhatIsShown()
-{
-    QFETCH(QString, name);
-    const bool ofPoint = name.startsWith("point");
-    measure(80, 10);
-    m_screen->plot.addMeasPointFirst({30, 20.3}, {500, 400}); // clear of the other frame
-    auto *label = m_screen->plot.findChild<QLabel *>(name);
-    QVERIFY(!label->text().isEmpty());
-    QCOMPARE(label->cursor().shape(), Qt::PointingHandCursor);
-    QGuiApplication::clipboard()->setText("before");
-    QTest::qWait(0); // lays the frames out
-    m_screen->mouse.clickOn(label);
-    QCOMPARE(QGuiApplication::clipboard()->text(), label->text());
-    for (const QLabel *other : m_screen->plot.findChildren<QLabel *>())
-        QCOMPARE(other->styleSheet(), QString(other == label ? "color: blue" : ""));
-    QCOMPARE(m_screen->crosses().size(), 2);
-
-    if (ofPoint)
-        m_screen->plot.addMeasPointFirst({40, 20.4}, {500, 400});
-    else
-        m_screen->plot.setMeasPoint({50, 20});
-    QCOMPARE(label->styleSheet(), QString());
-}
-
-void TestQwtNOXMeasure::clicksOnFramesMeanNothingElse()
-{
-    measure(30, 10);
-    QTest::qWait(0);
-    const QVector<QPointF> crosses = m_screen->crosses();
-    const QWidget *frame = m_screen->frame("measurementFrame");
-    const QPoint corner =
-        m_screen->plot.canvas()->mapFrom(&m_screen->plot, frame->pos() + QPoint(3, 3));
-    for (const TmcMode mode : {ModeMeasure, ModeZoom}) {
-        m_screen->plot.setChMode(mode);
-        m_screen->mouse.click(corner);
-        m_screen->mouse.clickOn(m_screen->label("measurementMean"));
-        QCOMPARE(m_screen->plot.getChMode(), mode);
-        QCOMPARE(m_screen->crosses(), crosses);
-    }
-    QPoint beside = m_screen->label("measurementCount")->mapTo(&m_screen->plot, QPoint(-4, 4));
-    beside = m_screen->plot.canvas()->mapFrom(&m_screen->plot, beside);
-    m_screen->plot.setChMode(ModeMeasure);
-    m_screen->mouse.click(beside);
-    m_screen->mouse.click(beside + QPoint(6, 0), Qt::RightButton); // copies: it is a value
-    QCOMPARE(QGuiApplication::clipboard()->text(), m_screen->text("measurementCount"));
-    QCOMPARE(m_screen->crosses(), crosses);
-}
-
-void TestQwtNOXMeasure::framesStandBesideTheirPoints_data()
-{
-    QTest::addColumn<QPointF>("point");
-    QTest::addColumn<bool>("isRight");
-    QTest::addColumn<bool>("isBelow");
-    QTest::newRow("top left") << QPointF(5, 20.6) << true << true;
-    QTest::newRow("top right") << QPointF(95, 20.6) << false << true;
-    QTest::newRow("bottom left") << QPointF(5, 19.8) << true << false;
-    QTest::newRow("bottom right") << QPointF(95, 19.8) << false << false;
-}
-
-void TestQwtNOXMeasure::framesStandBesideTheirPoints()
-{
-    QFETCH(QPointF, point);
-    QFETCH(bool, isRight);
-    QFETCH(bool, isBelow);
-    const QPoint at = m_screen->mouse.pixel(point.x(), point.y());
-    m_screen->mouse.click(at);
-    QVERIFY(standsBeside("pointFrame", at, isRight, isBelow));
-    m_screen->mouse.click(at + QPoint(1, 1));
-    QVERIFY(standsBeside("measurementFrame", at + QPoint(1, 1), isRight, isBelow));
-    const QPoint topCentre(m_screen->mouse.middle().x(), 5); // clear of the frames
-    m_screen->mouse.click(topCentre);
-    QVERIFY(standsBeside("measurementFrame", topCentre, false, true));
-
-    m_screen->plot.calcPrecision(1); // seven decimals
-    m_screen->plot.setMeasPoint(point);
-    const QWidget *frame = m_screen->frame("measurementFrame");
-    QCOMPARE(frame->size(), frame->sizeHint());
-    QVERIFY(standsBeside("measurementFrame", at, isRight, isBelow));
-}
-
-void TestQwtNOXMeasure::framesFollowTheAxes_data()
-{
-    using Change = std::function<void(PlotOnScreen &)>;
-    QTest::addColumn<Change>("change");
-    QTest::newRow("zoom") << Change(
-        [](PlotOnScreen &screen) { screen.mouse.wheel(screen.mouse.pixel(45, 20.35), true); });
-    QTest::newRow("scale choice after panning") << Change([](PlotOnScreen &screen) {
-        screen.plot.setChMode(ModeScroll);
-        screen.plot.changeScaleX(6);
-        screen.plot.changeScaleY(20);
-    });
-    QTest::newRow("panning across the middle") << Change([](PlotOnScreen &screen) {
-        const QPoint middle = screen.mouse.middle();
-        screen.mouse.drag(middle - QPoint(0, 150), middle + QPoint(-50, 50), Qt::RightButton);
-    });
-    QTest::newRow("points that arrive in the limits mode") << Change([](PlotOnScreen &screen) {
-        screen.plot.setChMode(ModeLimits);
-        for (int second = 66; second < 200; second += 10)
-            screen.add(21, second);
-    });
-    QTest::newRow("resize") << Change([](PlotOnScreen &screen) { screen.plot.resize(600, 380); });
-    QTest::newRow("longer labels") << Change([](PlotOnScreen &screen) {
-        screen.plot.setAxisScale(QwtPlot::yLeft, -1e6, 2e6, 2e5);
-        screen.plot.replot();
-    });
-}
-
-void TestQwtNOXMeasure::framesFollowTheAxes()
-{
-    QFETCH(std::function<void(PlotOnScreen &)>, change);
-    PlotMouse &mouse = m_screen->mouse;
-    mouse.click(mouse.pixel(40, 20.3));
-    mouse.click(mouse.pixel(48, 20.4));
-    const QVector<QPointF> crosses = m_screen->crosses();
-    change(*m_screen);
-    const auto followed = [&](const char *frame, const QPointF &point) {
-        const QPoint at = mouse.pixel(point.x(), point.y());
-        const QWidget *canvas = m_screen->plot.canvas();
-        const int axis = m_screen->plot.axisWidget(QwtPlot::yLeft)->width();
-        return standsBeside(frame, at, at.x() + axis <= canvas->width() / 2,
-                            at.y() <= canvas->height() / 2);
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(followed("pointFrame", crosses[0]), 1000);
-    QTRY_VERIFY_WITH_TIMEOUT(followed("measurementFrame", crosses[1]), 1000);
-    QVERIFY(isSeen("pointFrame") && isSeen("measurementFrame"));
-}
-
-void TestQwtNOXMeasure::rightClickClearsThenLeaves()
-{
-    PlotMouse &mouse = m_screen->mouse;
-    for (const int points : {1, 2}) {
-        for (int i = 0; i < points; ++i)
-            mouse.click(mouse.pixel(30 + 20 * i, 20.3));
-        mouse.click(mouse.middle(), Qt::RightButton);
-        QCOMPARE(m_screen->plot.getChMode(), ModeMeasure);
-        QCOMPARE(m_screen->crosses().size(), 0);
-        QCOMPARE(static_cast<QwtPlotMarker *>(m_screen->anyCross())->value(), QPointF());
-        QVERIFY(!isSeen("pointFrame") && !isSeen("measurementFrame"));
-        mouse.click(mouse.middle(), Qt::RightButton);
-        QCOMPARE(m_screen->plot.getChMode(), ModeFollow);
-    }
-}
-
-void TestQwtNOXMeasure::modesEndTheMeasurement_data()
-{
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<bool>("ends");
-    QTest::newRow("automatic") << int(ModeAuto) << true;
-    QTest::newRow("following") << int(ModeFollow) << true;
-    QTest::newRow("zoom") << int(ModeZoom) << false;
-    QTest::newRow("panning") << int(ModeScroll) << false;
-}
-
-void TestQwtNOXMeasure::modesEndTheMeasurement()
-{
-    QFETCH(int, mode);
-    QFETCH(bool, ends);
-    PlotMouse &mouse = m_screen->mouse;
-    mouse.click(mouse.pixel(30, 20.3));
-    mouse.click(mouse.pixel(50, 20.3));
-    mouse.pull(mouse.pixel(60, 20.3), mouse.pixel(70, 20.3)); // a third one is under way
-    m_screen->plot.changeMode(mode);
-    mouse.release(mouse.pixel(70, 20.3));
-    QCOMPARE(m_screen->crosses().size(), ends ? 0 : 2);
-    QCOMPARE(isSeen("measurementFrame"), !ends);
-    QCOMPARE(isSeen("pointFrame"), !ends);
-    QCOMPARE(int(m_screen->plot.getChMode()), mode);
-}
-
-void TestQwtNOXMeasure::crossHairReadsTimeAndValue_data()
-{
-    QTest::addColumn<int>("modeX");
-    QTest::addColumn<double>("time");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("seconds") << int(ModeXSeconds) << 61.26 << "61.3, 20.13";
-    QTest::newRow("duration") << int(ModeXRelative) << 61.9 << "00:01:01, 20.13";
-    QTest::newRow("duration of more than a day")
-        << int(ModeXRelative) << 90000.0 << "02 01:00:00, 20.13";
-    QTest::newRow("moment of today") << int(ModeXAbsolute) << 61.9 << "23:01:01, 20.13";
-    QTest::newRow("moment of tomorrow")
-        << int(ModeXAbsolute) << 3600.0 << "02.03.26 00:00:00, 20.13";
-}
-
-void TestQwtNOXMeasure::crossHairReadsTimeAndValue()
-{
-    QFETCH(int, modeX);
-    QFETCH(double, time);
-    m_screen->plot.changeModeX(modeX);
-    auto *crossHair = static_cast<QwtNoxQwtPlotPicker *>(m_screen->picker("crossHair"));
-    QTEST(crossHair->trackerTextF({time, 20.134}).text(), "text");
-    const QPoint at = m_screen->mouse.pixel(17, 20.2);
-    m_screen->mouse.moveTo(at);
-    QCOMPARE(crossHair->property("pos").toPointF(), m_screen->mouse.point(at));
-    QCOMPARE(crossHair->trackerPosition(), at);
-}
-
-void TestQwtNOXMeasure::lostInstrumentLeavesNothingBehind_data()
-{
-    using Change = std::function<void(QwtNOX &)>;
-    QTest::addColumn<Change>("lose");
-    QTest::newRow("it is removed") << Change([](QwtNOX &plot) { plot.removeDev(0); });
-    QTest::newRow("it loses its channels") << Change([](QwtNOX &plot) { plot.setChCount(0, 0); });
-    QTest::newRow("one without channels takes its place") << Change([](QwtNOX &plot) {
-        plot.addDev(7, 0);
-        plot.setDevMain(7);
-    });
-}
-
-void TestQwtNOXMeasure::lostInstrumentLeavesNothingBehind()
-{
-    QFETCH(std::function<void(QwtNOX &)>, lose);
-    for (const TmcMode mode : {ModeMeasure, ModeZoom, ModeScroll, ModeLimits}) {
-        init(); // another plot
-        PlotOnScreen &screen = *m_screen;
-        measure(30, 50);
-        screen.plot.setChMode(mode);
-        screen.mouse.pull({100, 100}, {300, 200});
-        lose(screen.plot);
-        screen.mouse.moveTo({310, 210});
-        screen.mouse.release({310, 210});
-        screen.mouse.click({300, 300});
-        screen.mouse.wheel({300, 300}, true);
-        screen.mouse.drag({300, 300}, {400, 300}, Qt::RightButton);
-        QCOMPARE(screen.crosses().size(), 0);
-        QVERIFY(!isSeen("pointFrame") && !isSeen("measurementFrame"));
-        QCOMPARE(screen.plot.getChModeX(), ModeXSeconds);
-
-        screen.plot.setChCount(1, screen.plot.getDevMain()); // the first channel comes
-        if (screen.plot.getDevMain() < 0)
-            continue;
-        screen.mouse.click({300, 300});
-        QCOMPARE(screen.plot.getChMode(), ModeMeasure);
-        QCOMPARE(screen.crosses().size(), 1);
-    }
-}
-
-void TestQwtNOXMeasure::instrumentLostAtTheFirstPoint()
-{
-    connect(&m_screen->plot, &QwtNOX::onChModeChange, &m_screen->plot,
-            [this] { m_screen->plot.removeDev(0); });
-    m_screen->mouse.click(m_screen->mouse.middle());
-    QVERIFY(!isSeen("pointFrame"));
-    QVERIFY(m_screen->crosses().isEmpty());
-}
 
 QTEST_MAIN(TestQwtNOXMeasure)
 #include "tst_qwtnox_measure.moc"

@@ -1,30 +1,85 @@
 #include "numbers.h"
 #include "plot/envelopecurve.h"
-#include "signallog.h"
+#include "plotbench.h"
 
-#include <QtTest>
-#include <qwt_plot_marker.h>
-#include <qwt_scale_draw.h>
+#include <QRandomGenerator>
 
-#include <cmath>
-#include <limits>
+// The road of a point into the series, differences, alarms, and what is read of the series.
 
 namespace
 {
 
-/** Adds one point per second with the values, beginning at `firstSecond`. */
-void addPoints(QwtNOX &plot, int qwtIndex, uchar ch, const QVector<double> &values,
-               double firstSecond = 0)
+/** "channel of instrument" that a channel is compared with, or "none". */
+QString reference(const PlotBench &bench, int qwtIndex, int ch)
 {
-    for (int i = 0; i < values.size(); ++i)
-        plot.addPoint(values[i], firstSecond + i, "°С", qwtIndex, ch);
+    uchar diffCh = 77;
+    int diffQwtIndex = 77;
+    bench.plot.getChDiff(&diffCh, &diffQwtIndex, qwtIndex, uchar(ch));
+    const bool isNone = diffCh == 255 && diffQwtIndex == -1;
+    return isNone ? QString("none") : QString("%1 of %2").arg(diffCh).arg(diffQwtIndex);
 }
 
-void refer(QwtNOX &plot, int qwtIndex, int ch, int diffQwtIndex, uchar diffCh)
+/** Compares a channel with another one from its next points on. */
+void refer(QwtNOX &plot, int qwtIndex, int ch, int diffQwtIndex, int diffCh)
 {
     plot.devices()[qwtIndex].ch[ch].diffQwtIndex = diffQwtIndex;
-    plot.devices()[qwtIndex].ch[ch].diffCh = diffCh;
+    plot.devices()[qwtIndex].ch[ch].diffCh = uchar(diffCh);
 }
+
+/** Shows limits of 10 and 30. */
+void limit(QwtNOX &plot, int qwtIndex, TmcTrackingMode mode)
+{
+    PlotDevice &device = plot.devices()[qwtIndex];
+    device.modeTrack = mode;
+    device.upperMarker->setYValue(30);
+    device.lowerMarker->setYValue(10);
+    device.upperMarker->setVisible(true);
+    device.lowerMarker->setVisible(true);
+}
+
+/** All that a channel holds of its points. */
+QStringList contents(const PlotChannel &channel)
+{
+    QStringList texts(channel.dim + QString::number(channel.error));
+    for (const Numbers &numbers :
+         {numbersOf(channel.time), numbersOf(channel.meas), numbersOf(channel.aver),
+          numbersOf(channel.diffTime), numbersOf(channel.diffMeas), numbersOf(channel.diffAver),
+          Numbers{channel.averSum, channel.diffAverSum, double(channel.measCurve->dataSize())}})
+        for (const double number : numbers)
+            texts += QString::number(number, 'g', 17);
+    return texts;
+}
+
+/** The newest point of both curves of channel 0, as "time value average". */
+QString shown(const PlotBench &bench)
+{
+    const PlotChannel channel = bench.plot.devices().first().ch.first();
+    const int last = int(channel.measCurve->dataSize()) - 1;
+    if (last < 0 || int(channel.averCurve->dataSize()) - 1 != last)
+        return "nothing";
+    const QPointF value = channel.measCurve->sample(last);
+    return QString("%1 %2 %3")
+        .arg(value.x())
+        .arg(value.y())
+        .arg(channel.averCurve->sample(last).y());
+}
+
+Numbers differences(const PlotBench &bench)
+{
+    return numbersOf(bench.plot.devices().first().ch.first().diffMeas);
+}
+
+/** Channel 0 of the first instrument at 1, 2 and 3 s; channel 1 of the other half a second ago. */
+struct DifferenceBench : PlotBench {
+    DifferenceBench()
+    {
+        for (int second = 1; second <= 3; ++second) {
+            add(10 * second, second - 0.5, 1, 1);
+            add(100 * second, second);
+        }
+        plot.setChDiff(1, 1, 0, 0);
+    }
+};
 
 } // namespace
 
@@ -33,576 +88,336 @@ class TestQwtNOXPoints : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-    void acceptsOrRejects_data();
-    void acceptsOrRejects();
-    void rejectedPointShowsUntilTheNextOne();
-    void refusesUnknownPlaces_data();
-    void refusesUnknownPlaces();
-    void growsOnDemand();
-    void stampsPointsByTheClock();
-    void storesWithUnitAndAverage();
-    void averageRecoversFromHugeValues();
-    void curvesShowTheRecord();
-    void framesLookAtNewPointsOnly();
-    void hugeValuesCanBePainted();
-    void formsDifferences();
-    void differenceNeedsAFreshReference();
-    void differenceNeedsASoundReference();
-    void manyPointsAtOnceAreAsOneByOne();
-    void manyPointsAreToldOfOnce_data();
-    void manyPointsAreToldOfOnce();
-    void checksLimits_data();
-    void checksLimits();
-    void hiddenLimitsAreNotChecked();
-    void growingAndShrinkingAnnounces();
-    void shrinkingReplacesTheMainChannel();
-    void shrinkingEndsDifferences();
-    void clearingKeepsTheSettings();
-    void preparingMovesTheTimeOrigin();
-    void removingADeviceLeavesNothingBehind();
-    void secondDeviceSharesTheTimeOrigin();
-    void listenerMayAddPointsToWhoLeaves();
-    void listenerMayClear();
-    void otherChannelsAskForAFrameToo();
-    void listenerMayRemoveTheDevice();
-    void listenerMayRemoveWhoLosesItsReference();
+    void acceptsOrRejects()
+    {
+        const struct {
+            double value, time;
+            bool isAccepted;
+        } points[] = {{-1299.9, 1, true},    {-1300, 1, false},     {20.1, 0, true},
+                      {20.1, -0.001, false}, {qInf(), 1, false},    {qQNaN(), 1, false},
+                      {20.1, qInf(), false}, {20.1, qQNaN(), false}};
+        for (const auto &[value, time, isAccepted] : points) {
+            PlotBench bench;
+            bench.add(20, 0, 1);
+            bench.log.take();
+            QCOMPARE(bench.add(value, time, 1), isAccepted);
+            QCOMPARE(bench.log.take(), isAccepted ? "onAddPoint 0 1" : "onErrorAddPoint 0 1");
+            QCOMPARE(bench.plot.getChMeasCount(0, 1), isAccepted ? 2 : 1);
+            QCOMPARE(bench.plot.getChMeasStr(0, 1) == "--", !isAccepted);
+            QCOMPARE(bench.plot.getChAverStr(0, 1) == "--", !isAccepted);
+            bench.add(21, 2, 1); // the rejected one is forgotten
+            QCOMPARE(bench.plot.getChMeasStr(0, 1), "21.00");
+        }
+    }
+    void refusesUnknownPlaces()
+    {
+        PlotBench bench;
+        bench.plot.addDev(2, 0);
+        bench.log.take();
+        for (const auto &[qwtIndex, ch] : QVector<QPair<int, int>>{
+                 {7, 0}, {0, 2}, {0, 255}, {2, 255}, {2, 254}}) // 254 would be a 255th channel
+            QVERIFY(!bench.add(20, 1, ch, qwtIndex));
+        QVERIFY(!bench.plot.addPoint(20, "°С", 9, 0));
+        QCOMPARE(bench.log.take(), "");
+        QCOMPARE(int(bench.plot.getChCount(0)) + bench.plot.getChCount(2), 2);
+    }
+    void growsAndShrinks()
+    {
+        PlotBench bench;
+        QwtNOX &plot = bench.plot;
+        plot.addDev(2, 0);
+        plot.setChCount(2, 2);
+        bench.log.take();
+        QVERIFY(bench.add(20, 1, 5, 2));
+        QCOMPARE(bench.log.take(),
+                 "onAddCh 2 5, onAddCh 2 4, onAddCh 2 3, onAddCh 2 2, onChange 2, "
+                 "onAddPoint 2 5");
+        plot.setChMain(5, 2);
+        bench.log.take();
+        plot.setChCount(255, 2);
+        plot.setChCount(3, 9);
+        QCOMPARE(bench.log.take(), "");
+        const int curves = plot.itemList(QwtPlotItem::Rtti_PlotCurve).size();
+        plot.setChCount(1, 2);
+        QCOMPARE(plot.itemList(QwtPlotItem::Rtti_PlotCurve).size(), curves - 10);
+        QCOMPARE(bench.log.take(),
+                 "onChange 2, onChModeChange 2 0 0, onChMainChange 2 0, onChange 2, onChange 2");
+        plot.setChCount(0, 2);
+        QCOMPARE(plot.getChMain(2), -1);
+    }
+    void shrinkingEndsDifferences()
+    {
+        PlotBench bench;
+        bench.plot.addDev(2, 4);
+        refer(bench.plot, 2, 0, 0, 1);
+        refer(bench.plot, 2, 1, 0, 0);
+        bench.log.take();
+        bench.plot.setChCount(1, 0);
+        QCOMPARE(bench.log.take(), "onChange 2, onChModeChange 2 0 1, onChange 0");
+        QCOMPARE(reference(bench, 2, 0) + ", " + reference(bench, 2, 1), "none, 0 of 0");
+        refer(bench.plot, 2, 2, 0, 1); // one more than there are
+        QCOMPARE(reference(bench, 2, 2), "none");
+    }
+    void storesTimeValueUnitAndAverage()
+    {
+        PlotBench bench;
+        QwtNOX &plot = bench.plot;
+        bench.now = bench.now.addMSecs(1234);
+        QVERIFY(plot.addPoint(10, "°С", -1, 0)); // stamped by the clock
+        QCOMPARE(shown(bench), "1.234 10 10");
+        plot.addPoint(20, 2, "Ом", 0, 0);
+        const PlotChannel copy = plot.devices()[0].ch[0];
+        plot.addPoint(60, 3, "Ом", 0, 0);
+        QCOMPARE(shown(bench), "3 60 30");
+        QCOMPARE(numbersOf(copy.meas), Numbers({10, 20})); // goes its own way
+        QCOMPARE(copy.dims.at(0) + copy.dims.at(1) + plot.getChDim(0, 0), "°СОмОм");
+        bench.now = bench.now.addMSecs(-2000);
+        QVERIFY(!plot.addPoint(20, "°С", -1, 0)); // before the start
+    }
+    void clearsAndBeginsAnew()
+    {
+        DifferenceBench bench;
+        QwtNOX &plot = bench.plot;
+        plot.setChColor(Qt::magenta, 0, 0);
+        const QDateTime yesterday = bench.now.addDays(-1);
+        for (const bool prepares : {false, true}) {
+            bench.log.take();
+            prepares ? plot.prepareMeas(0, yesterday) : plot.clear(0);
+            QCOMPARE(bench.log.take(), prepares ? "onChange 0" : "");
+            QCOMPARE(shown(bench), "nothing");
+            QCOMPARE(plot.getChMeasCount(0, 0, false), 0);
+            QCOMPARE(plot.getChMeasStr(0, 0) + plot.getChAverStr(0, 0), "--");
+            QCOMPARE(reference(bench, 0, 0), "1 of 1");
+            QCOMPARE(plot.getChColor(0, 0), QColor(Qt::magenta));
+            bench.add(5, 10 * (prepares + 1), 1, 1);
+            bench.add(9, 10 * (prepares + 1));
+            QCOMPARE(shown(bench), prepares ? "20 4 4" : "10 4 4");
+        }
+        QCOMPARE(plot.getStartDateTime(0), yesterday);
+        plot.addPoint(20, "°С", 0, 1);
+        QCOMPARE(plot.getChTime(0, 1), 86400.0);
+        bench.log.take();
+        plot.prepareMeas(5, yesterday);
+        QCOMPARE(bench.log.take(), "");
+        QVERIFY(!plot.getStartDateTime(5).isValid());
+        plot.addDev(5, 2); // shares the origin of the first
+        plot.addDev(5, 7);
+        plot.addDev(-1, 7);
+        QCOMPARE(plot.getStartDateTime(5), yesterday);
+        QCOMPARE(plot.devices().keys(), QList<int>({0, 1, 5}));
+        QCOMPARE(int(plot.getChCount(5)), 2);
+    }
+    void manyPointsAtOnceAreAsOneByOne()
+    {
+        PlotBench single;
+        PlotBench atOnce;
+        for (QwtNOX *plot : {&single.plot, &atOnce.plot}) {
+            plot->addDev(2, 3);
+            plot->setDevMain(2);
+            plot->addPoint(20, 0, "°С", 1, 0);
+            refer(*plot, 2, 1, 2, 0); // against a channel of its own
+            refer(*plot, 2, 2, 1, 0); // whose reference soon has nothing new
+            limit(*plot, 2, TrackUpper);
+        }
+        const QVector<QString> units = {"Ω", "°С", "мВ", "K"};
+        QRandomGenerator random(1);
+        QVector<PlotPoint> points;
+        for (int i = 0; i < 3000; ++i) {
+            const int kind = random.bounded(50);
+            const double value = kind == 0 ? -2000 : kind == 1 ? qQNaN() : random.bounded(100.0);
+            points.append({int(random.bounded(5)), i / 10.0, value}); // two of them do not exist
+        }
+        int accepted = 0;
+        for (const PlotPoint &point : qAsConst(points))
+            if (point.channel < units.size())
+                accepted += single.plot.addPoint(point.value, point.seconds,
+                                                 units.at(point.channel), 2, uchar(point.channel));
+        for (int first = 0; first < points.size(); first += 700)
+            accepted -= atOnce.plot.addPoints(2, points.mid(first, 700), units);
+        QCOMPARE(accepted, 0);
+        QCOMPARE(int(atOnce.plot.getChCount(2)), 3);
+        for (int ch = 0; ch < 3; ++ch)
+            QCOMPARE(contents(atOnce.plot.devices()[2].ch[ch]),
+                     contents(single.plot.devices()[2].ch[ch]));
+    }
+    void manyPointsAreToldOfOnce()
+    {
+        const QVector<QPair<Numbers, QString>> batches = {
+            {{20, 21, 22}, "onAddPoint 0 0"},
+            {{20, 40}, "onAddPoint 0 0, onPointTrackOff 0 0"},
+            {{40, 20}, "onAddPoint 0 0, onPointTrackOff 0 0, onAddPoint 0 0"}, // back below it
+            {{20, -2000}, "onAddPoint 0 0, onErrorAddPoint 0 0"},
+            {{-2000, 20}, "onErrorAddPoint 0 0, onAddPoint 0 0"},
+            {{-2000, -2000}, "onErrorAddPoint 0 0"}};
+        PlotBench bench;
+        limit(bench.plot, 0, TrackUpper);
+        for (const auto &[values, told] : batches) {
+            QVector<PlotPoint> points;
+            for (const double value : values)
+                points.append({0, double(points.size()), value});
+            bench.plot.addPoints(0, points, {"°С"});
+            QCOMPARE(bench.log.take(), told);
+        }
+        bench.plot.addPoints(0, {{1, 9, 20}, {0, 9, 20}}, {"°С", "°С"}); // in their order
+        QCOMPARE(bench.log.take(), "onAddPoint 0 1, onAddPoint 0 0");
+    }
+    void alarmsBeyondLimits()
+    {
+        const QVector<QPair<TmcTrackingMode, QString>> modes = {
+            {TrackOff, ""}, {TrackRange, "9.9 30.1 "}, {TrackUpper, "30.1 "}, {TrackLower, "9.9 "}};
+        for (const auto &[mode, expected] : modes) {
+            PlotBench bench;
+            QString alarms;
+            for (const bool isPlaced : {true, false}) { // none of limits that are not placed
+                limit(bench.plot, 0, mode);
+                bench.plot.devices()[0].upperMarker->setVisible(isPlaced);
+                bench.plot.devices()[0].lowerMarker->setVisible(isPlaced);
+                for (const double value : {9.9, 10.0, 30.0, 30.1}) {
+                    bench.add(value, 1, 1);
+                    const QString told = bench.log.take();
+                    if (told == "onAddPoint 0 1, onPointTrackOff 0 1")
+                        alarms += QString::number(value) + ' ';
+                    else
+                        QCOMPARE(told, "onAddPoint 0 1");
+                }
+            }
+            QCOMPARE(alarms, expected);
+        }
+    }
+    void differenceIsFormed()
+    {
+        DifferenceBench bench;
+        QCOMPARE(bench.log.take().section(", ", -2), "onChange 0, onChModeChange 0 0 1");
+        QCOMPARE(reference(bench, 0, 0), "1 of 1");
+        QCOMPARE(differences(bench), Numbers({90, 180, 270}));
+        QCOMPARE(shown(bench), "3 270 180");
+        QCOMPARE(bench.plot.getChMeasStr(0, 0) + ' ' + bench.plot.getChMeasStr(0, 0, -1, -1, false),
+                 "270.00 300.00");
+        QCOMPARE(bench.plot.getChAverStr(0, 0, -1, -1, false), "180.00"); // whatever is asked for
+        QCOMPARE(bench.plot.getChMeas(0, 0, 0) + bench.plot.getChTime(0, 0, 0), 91.0);
 
-private:
-    const QDateTime m_start{{2026, 3, 1}, {12, 0}};
-    QDateTime m_now;
-    std::unique_ptr<QwtNOX> m_plot;
-    std::unique_ptr<SignalLog> m_log;
+        bench.log.take();
+        QVERIFY(!bench.add(400, 4)); // the reference has nothing fresh
+        QCOMPARE(bench.log.take(), "onErrorAddPoint 0 0");
+        bench.add(30, 3, 1, 1); // no newer than the latest difference
+        QVERIFY(!bench.add(400, 4.5));
+        bench.add(30, 4.55, 1, 1);
+        bench.add(-2000, 4.6, 1, 1); // the newest was rejected
+        QVERIFY(!bench.add(400, 4.7));
+        QCOMPARE(differences(bench), Numbers({90, 180, 270}));
+        QCOMPARE(bench.plot.getChMeasCount(0, 0, false), 6);
+        bench.add(40, 4.8, 1, 1);
+        QVERIFY(bench.add(500, 5));
+        QCOMPARE(shown(bench), "5 460 250");
+        QCOMPARE(bench.plot.getChDXStr(0, 0) + ' ' + bench.plot.getChDYStr(0, 0), "2.0 190.00");
+
+        bench.plot.setChDiff(255, -1, 0, 0); // back to the values, and once more
+        QCOMPARE(shown(bench), "5 500 328.571");
+        QCOMPARE(bench.plot.getChMeasCount(0, 0), 7);
+        bench.plot.setChDiff(1, 1); // the main channel of the main instrument
+        QCOMPARE(differences(bench), Numbers({90, 180, 270, 370, 370, 460}));
+        for (int second = 6; second <= 12; ++second) { // goes on with the same window
+            bench.add(0, second - 0.5, 1, 1);
+            bench.add(second, second);
+        }
+        QCOMPARE(shown(bench), "12 12 126.3"); // of 370, 370, 460, 6 ... 12
+        bench.plot.setChDiff(1, 0, 0, 0);      // which has no points
+        QCOMPARE(shown(bench), "nothing");
+        QVERIFY(bench.add(30, 13));
+        QCOMPARE(bench.plot.getChMeasStr(0, 0), "--");
+    }
+    void differenceRequests()
+    {
+        const struct {
+            int diffCh, diffQwtIndex, qwtIndex, ch;
+            const char *result;
+        } requests[] = {
+            {0, 1, 0, 0, "0 of 1, СЛЕЖЕНИЕ"},   {1, 0, 0, 0, "1 of 0, СЛЕЖЕНИЕ"},
+            {255, -1, 0, 0, "none, СЛЕЖЕНИЕ"},  {1, 9, 0, 0, "1 of 1, СЛЕЖЕНИЕ"}, // it is gone
+            {1, -1, 0, 0, "1 of 1, СЛЕЖЕНИЕ"},  {2, 1, 0, 0, "1 of 1, СЛЕЖЕНИЕ"},
+            {255, 1, 0, 0, "1 of 1, СЛЕЖЕНИЕ"}, {1, 1, 9, 0, "1 of 1, УВЕЛИЧЕНИЕ"},
+            {1, 1, 0, 2, "1 of 1, УВЕЛИЧЕНИЕ"}, {0, 0, 1, 1, "1 of 1, УВЕЛИЧЕНИЕ"}};
+        for (const auto &[diffCh, diffQwtIndex, qwtIndex, ch, result] : requests) {
+            DifferenceBench bench;
+            bench.plot.setChMode(ModeZoom);
+            const QString views = bench.views();
+            bench.plot.setChDiff(uchar(diffCh), diffQwtIndex, qwtIndex, uchar(ch));
+            QCOMPARE(reference(bench, 0, 0) + ", " + bench.plot.getChModeLabel(), result);
+            QVERIFY(bench.plot.getChMode() == ModeFollow || bench.views() == views);
+            QCOMPARE(reference(bench, 9, 0) + reference(bench, 0, 7), "nonenone");
+        }
+    }
+    void whoLeavesIsForgotten()
+    {
+        DifferenceBench bench;
+        QwtNOX &plot = bench.plot;
+        const auto count = [&plot](QwtPlotItem::RttiValues kind) {
+            return plot.itemList(kind).size();
+        };
+        const int markers = count(QwtPlotItem::Rtti_PlotMarker);
+        plot.removeDev(1);
+        QCOMPARE(count(QwtPlotItem::Rtti_PlotCurve), 4);
+        QCOMPARE(count(QwtPlotItem::Rtti_PlotMarker), markers - 2);
+        QCOMPARE(reference(bench, 0, 0) + ' ' + shown(bench), "none 3 300 200");
+        plot.addDev(1, 3); // another one in its place is no reference
+        QCOMPARE(reference(bench, 0, 0), "none");
+        plot.changeModeX(ModeXAbsolute);
+        plot.removeDev(0);
+        QCOMPARE(plot.getDevMain(), -1);
+        QCOMPARE(bench.labelX(70), "70");
+        plot.replot();
+    }
+    void listenersMayChangeTheRecords()
+    {
+        PlotBench bench;
+        QwtNOX &plot = bench.plot;
+        const auto afterwards = [&plot](auto signal, auto change, auto act) {
+            QObject listener;
+            connect(&plot, signal, &listener, change);
+            act();
+            return plot.devices().keys();
+        };
+        limit(plot, 0, TrackLower);
+        const auto addPoint = [&] { QVERIFY(bench.add(20, 1)); };
+        afterwards(
+            &QwtNOX::onAddPoint, [&] { plot.clear(0); }, addPoint);
+        QCOMPARE(bench.log.take(), "onAddPoint 0 0");
+        const QList<int> other = {1};
+        QCOMPARE(afterwards(
+                     &QwtNOX::onAddPoint, [&] { plot.removeDev(0); }, addPoint),
+                 other);
+
+        plot.addDev(2, 0);
+        const auto removeAtTheSecond = [&](int qwtIndex, uchar ch) {
+            if (ch == 1)
+                plot.removeDev(qwtIndex);
+        };
+        const QVector<PlotPoint> points = {{0, 1, 20}, {1, 1, 20}, {0, 2, 20}};
+        const auto addPoints = [&] { QCOMPARE(plot.addPoints(2, points, {"°С", "°С"}), 1); };
+        QCOMPARE(afterwards(&QwtNOX::onAddCh, removeAtTheSecond, addPoints), other);
+
+        const int curves = plot.itemList(QwtPlotItem::Rtti_PlotCurve).size();
+        plot.addDev(2, 0);
+        const auto addToWhoLeaves = [&](int qwtIndex) {
+            if (qwtIndex == 2 && plot.getChCount(2) == 0)
+                plot.addPoint(20, 2, "°С", 2, 0);
+        };
+        afterwards(&QwtNOX::onChange, addToWhoLeaves, [&] { plot.removeDev(2); });
+        QCOMPARE(plot.itemList(QwtPlotItem::Rtti_PlotCurve).size(), curves);
+
+        for (const int qwtIndex : {3, 4, 5}) {
+            plot.addDev(qwtIndex, 2);
+            for (const int ch : {0, 1})
+                refer(plot, qwtIndex, ch, 1, 1);
+        }
+        const auto removeWhoLosesItsReference = [&](int qwtIndex) {
+            plot.removeDev(qwtIndex);
+            plot.removeDev(4);
+        };
+        const auto shrink = [&] { plot.setChCount(1, 1); };
+        QCOMPARE(afterwards(&QwtNOX::onChModeChange, removeWhoLosesItsReference, shrink), other);
+    }
 };
-
-void TestQwtNOXPoints::init()
-{
-    m_now = m_start;
-    m_plot = std::make_unique<QwtNOX>();
-    m_plot->setClock([this] { return m_now; });
-    m_plot->addDev(0, 2);
-    m_plot->setDevMain(0);
-    m_log = std::make_unique<SignalLog>(*m_plot);
-}
-
-void TestQwtNOXPoints::cleanup()
-{
-    m_plot.reset();
-}
-
-void TestQwtNOXPoints::acceptsOrRejects_data()
-{
-    QTest::addColumn<double>("value");
-    QTest::addColumn<double>("time");
-    QTest::addColumn<bool>("accepted");
-    const double infinity = std::numeric_limits<double>::infinity();
-    const double noNumber = std::numeric_limits<double>::quiet_NaN();
-    QTest::newRow("ordinary") << 20.1 << 1.0 << true;
-    QTest::newRow("value just above the lowest") << -1299.9 << 1.0 << true;
-    QTest::newRow("lowest value") << -1300.0 << 1.0 << false;
-    QTest::newRow("time zero") << 20.1 << 0.0 << true;
-    QTest::newRow("negative time") << 20.1 << -0.001 << false;
-    QTest::newRow("infinite value") << infinity << 1.0 << false;
-    QTest::newRow("value that is no number") << noNumber << 1.0 << false;
-    QTest::newRow("infinite time") << 20.1 << infinity << false;
-    QTest::newRow("time that is no number") << 20.1 << noNumber << false;
-}
-
-void TestQwtNOXPoints::acceptsOrRejects()
-{
-    QFETCH(double, value);
-    QFETCH(double, time);
-    QFETCH(bool, accepted);
-    QCOMPARE(m_plot->addPoint(value, time, "°С", 0, 1), accepted);
-    QCOMPARE(m_log->take(), QStringList(accepted ? "onAddPoint 0 1" : "onErrorAddPoint 0 1"));
-    QCOMPARE(m_plot->getChMeasCount(0, 1), accepted ? 1 : 0);
-}
-
-void TestQwtNOXPoints::rejectedPointShowsUntilTheNextOne()
-{
-    addPoints(*m_plot, 0, 1, {20, -1300});
-    QCOMPARE(m_plot->getChMeasStr(0, 1), QString("--"));
-    QCOMPARE(m_plot->getChMeas(0, 1), 20.0);
-    addPoints(*m_plot, 0, 1, {21}, 2);
-    QVERIFY(m_plot->getChMeasStr(0, 1).startsWith("21.00"));
-}
-
-void TestQwtNOXPoints::refusesUnknownPlaces_data()
-{
-    QTest::addColumn<int>("qwtIndex");
-    QTest::addColumn<int>("ch");
-    QTest::newRow("unknown instrument") << 7 << 0;
-    QTest::newRow("channel that the model lacks") << 0 << 2;
-    QTest::newRow("255 names no channel of a point") << 0 << 255;
-    QTest::newRow("255 on an instrument of unknown model") << 1 << 255;
-    QTest::newRow("254 would be a 255th channel") << 1 << 254;
-}
-
-void TestQwtNOXPoints::refusesUnknownPlaces()
-{
-    QFETCH(int, qwtIndex);
-    QFETCH(int, ch);
-    m_plot->addDev(1, 0);
-    m_log->take();
-    QVERIFY(!m_plot->addPoint(20, 1, "°С", qwtIndex, static_cast<uchar>(ch)));
-    QCOMPARE(m_log->take(), QStringList());
-    QCOMPARE(int(m_plot->getChCount(0)), 2);
-    QCOMPARE(int(m_plot->getChCount(1)), 0);
-}
-
-void TestQwtNOXPoints::growsOnDemand()
-{
-    m_plot->addDev(1, 0);
-    m_plot->setChCount(2, 1);
-    m_log->take();
-    QVERIFY(m_plot->addPoint(20, 1, "°С", 1, 5));
-    QCOMPARE(m_log->take(), QStringList({"onAddCh 1 5", "onAddCh 1 4", "onAddCh 1 3", "onAddCh 1 2",
-                                         "onChange 1", "onAddPoint 1 5"}));
-    QCOMPARE(m_plot->getChColor(1, 5), QColor(Qt::darkCyan));
-    QCOMPARE(m_plot->getChColor(1, 4), QColor("#c6c600"));
-}
-
-void TestQwtNOXPoints::stampsPointsByTheClock()
-{
-    m_now = m_start.addMSecs(1234);
-    QVERIFY(m_plot->addPoint(20, "°С", -1, 0));
-    QCOMPARE(m_plot->getChTime(0, 0), 1.234);
-    m_now = m_start.addMSecs(-1);
-    QVERIFY(!m_plot->addPoint(20, "°С", -1, 0));
-    QVERIFY(!m_plot->addPoint(20, "°С", 9, 0));
-}
-
-void TestQwtNOXPoints::storesWithUnitAndAverage()
-{
-    m_plot->addPoint(10, 1, "°С", 0, 0);
-    m_plot->addPoint(20, 2, "Ом", 0, 0);
-    const QwtNOX::_ch &channel = m_plot->devices()[0].ch[0];
-    QCOMPARE(numbersOf(channel.meas), QVector<double>({10, 20}));
-    QCOMPARE(numbersOf(channel.time), QVector<double>({1, 2}));
-    QCOMPARE(numbersOf(channel.aver), QVector<double>({10, 15}));
-    QCOMPARE(channel.dims.at(0), QString("°С"));
-    QCOMPARE(m_plot->getChDim(0, 0), QString("Ом"));
-}
-
-void TestQwtNOXPoints::averageRecoversFromHugeValues()
-{
-    addPoints(*m_plot, 0, 0, {1.7e308, 1.7e308});
-    addPoints(*m_plot, 0, 0, QVector<double>(10, 20.0), 2);
-    QCOMPARE(m_plot->devices()[0].ch[0].aver.last(), 20.0);
-}
-
-void TestQwtNOXPoints::curvesShowTheRecord()
-{
-    addPoints(*m_plot, 0, 0, {10, 20});
-    const QwtNOX::_ch copy = m_plot->devices()[0].ch[0];
-    addPoints(*m_plot, 0, 0, {60}, 2);
-    QCOMPARE(copy.meas.size(), 2);
-    QCOMPARE(copy.measCurve->sample(2), QPointF(2, 60));
-    QCOMPARE(copy.averCurve->sample(2), QPointF(2, 30));
-    QCOMPARE(copy.measCurve->plot(), m_plot.get());
-}
-
-void TestQwtNOXPoints::framesLookAtNewPointsOnly()
-{
-    m_plot->resize(800, 600);
-    for (int i = 0; i < 70000; ++i)
-        m_plot->addPoint(20 + i % 7, i, "°С", 0, 0);
-    const EnvelopeCurve *values = m_plot->devices()[0].ch[0].measCurve;
-    const EnvelopeCurve *averages = m_plot->devices()[0].ch[0].averCurve;
-    const auto paint = [this] {
-        m_plot->replot();
-        m_plot->grab();
-    };
-    paint();
-    QVERIFY(values->blocksRead() > 1000 && averages->blocksRead() > 1000);
-
-    addPoints(*m_plot, 0, 0, QVector<double>(10, 21.0), 70000);
-    paint();
-    for (const EnvelopeCurve *curve : {values, averages})
-        QVERIFY2(curve->blocksRead() >= 10 && curve->blocksRead() <= 30,
-                 qPrintable(QString::number(curve->blocksRead())));
-    paint();
-    QCOMPARE(values->blocksRead(), 0);
-
-    m_plot->clear(0);
-    addPoints(*m_plot, 0, 0, QVector<double>(100, 22.0));
-    paint();
-    QVERIFY2(values->blocksRead() >= 100, "points of an emptied series are all new");
-}
-
-void TestQwtNOXPoints::hugeValuesCanBePainted()
-{
-    m_plot->resize(800, 600);
-    for (const TmcMode mode : {ModeAuto, ModeFollow}) {
-        m_plot->setChMode(mode);
-        addPoints(*m_plot, 0, 0, {20, 1e300, -1299.5, 1.7e308, 1.7e308, 20, 1e300, 21});
-        m_plot->replot();
-        m_plot->grab();
-        addPoints(*m_plot, 0, 0, {20, 21}, 1e300); // and a huge time
-        m_plot->replot();
-        m_plot->grab();
-        QCOMPARE(m_plot->getChMeas(0, 0), 21.0);
-        QVERIFY(m_plot->axisInterval(QwtPlot::yLeft).isValid());
-        m_plot->clear(0);
-    }
-}
-
-void TestQwtNOXPoints::formsDifferences()
-{
-    refer(*m_plot, 0, 0, 0, 1);
-    m_plot->addPoint(30, 0.5, "°С", 0,
-                     0); // the reference has no point yet: no difference, no error
-    for (int second = 1; second <= 11; ++second) {
-        m_plot->addPoint(10, second, "°С", 0, 1);
-        m_plot->addPoint(30 + second, second + 0.5, "°С", 0, 0);
-    }
-    const QwtNOX::_ch &channel = m_plot->devices()[0].ch[0];
-    QCOMPARE(channel.meas.size(), 12);
-    QCOMPARE(channel.diffMeas.size(), 11);
-    QCOMPARE(channel.diffTime[0], 1.5);
-    QCOMPARE(channel.diffMeas[10], 31.0);
-    QCOMPARE(channel.diffAver[9], 25.5);  // 21 to 30
-    QCOMPARE(channel.diffAver[10], 26.5); // 22 to 31
-    QCOMPARE(channel.measCurve->sample(10), QPointF(11.5, 31));
-    QVERIFY(!m_log->take().contains("onErrorAddPoint 0 0"));
-}
-
-void TestQwtNOXPoints::differenceNeedsAFreshReference()
-{
-    refer(*m_plot, 0, 0, 0, 1);
-    m_plot->addPoint(10, 1, "°С", 0, 1);
-    QVERIFY(m_plot->addPoint(30, 1.5, "°С", 0, 0));
-    m_log->take();
-    QVERIFY(!m_plot->addPoint(31, 2.5, "°С", 0, 0));
-    QCOMPARE(m_log->take(), QStringList("onErrorAddPoint 0 0"));
-    QCOMPARE(m_plot->getChMeasCount(0, 0, false), 2);
-    QCOMPARE(m_plot->getChMeasCount(0, 0, true), 1);
-
-    m_plot->addPoint(10, 1.5, "°С", 0, 1); // no newer than the latest difference
-    QVERIFY(!m_plot->addPoint(32, 3.5, "°С", 0, 0));
-    m_plot->addPoint(10, 1.6, "°С", 0, 1);
-    QVERIFY(m_plot->addPoint(33, 4.5, "°С", 0, 0));
-}
-
-void TestQwtNOXPoints::differenceNeedsASoundReference()
-{
-    refer(*m_plot, 0, 0, 0, 1);
-    addPoints(*m_plot, 0, 1, {10, -1300}, 1);
-    m_log->take();
-    QVERIFY(!m_plot->addPoint(30, 2.5, "°С", 0, 0));
-    QCOMPARE(m_log->take(), QStringList("onErrorAddPoint 0 0"));
-
-    refer(*m_plot, 0, 0, 0, 9); // a channel that does not exist gives no difference and no error
-    QVERIFY(m_plot->addPoint(30, 3, "°С", 0, 0));
-    QCOMPARE(m_plot->getChMeasCount(0, 0, true), 0);
-}
-
-void TestQwtNOXPoints::manyPointsAtOnceAreAsOneByOne()
-{
-    const auto addInstrument = [](QwtNOX &plot) {
-        plot.addDev(1, 0);
-        plot.addDev(2, 3);
-        plot.setDevMain(2);
-        plot.addPoint(20, 0, "°С", 1, 0);
-        refer(plot, 2, 1, 2, 0); // against a channel of its own
-        refer(plot, 2, 2, 1, 0); // whose reference soon has nothing new
-        PlotDevice &device = plot.devices()[2];
-        device.modeTrack = TrackUpper;
-        device.upperMarker->setYValue(90);
-        device.upperMarker->setVisible(true);
-    };
-    QwtNOX single;
-    addInstrument(single);
-    addInstrument(*m_plot);
-    const QVector<QString> units = {"Ω", "°С", "мВ", "K"};
-    QRandomGenerator random(1);
-    QVector<PlotPoint> points;
-    for (int i = 0; i < 3000; ++i) {
-        const int kind = random.bounded(50);
-        const double value = kind == 0 ? -2000 : kind == 1 ? qQNaN() : random.bounded(100.0);
-        points.append({random.bounded(5), i / 10.0, value}); // the fourth and fifth do not exist
-    }
-    int accepted = 0;
-    for (const PlotPoint &point : points)
-        if (point.channel < units.size())
-            accepted += single.addPoint(point.value, point.seconds, units.at(point.channel), 2,
-                                        uchar(point.channel));
-    int acceptedAtOnce = 0;
-    for (int first = 0; first < points.size(); first += 700)
-        acceptedAtOnce += m_plot->addPoints(2, points.mid(first, 700), units);
-    QCOMPARE(acceptedAtOnce, accepted);
-
-    QCOMPARE(int(m_plot->getChCount(2)), 3);
-    for (uchar ch = 0; ch < 3; ++ch) {
-        const PlotChannel &one = single.devices()[2].ch[ch];
-        const PlotChannel &other = m_plot->devices()[2].ch[ch];
-        QCOMPARE(numbersOf(other.time), numbersOf(one.time));
-        QCOMPARE(numbersOf(other.meas), numbersOf(one.meas));
-        QCOMPARE(numbersOf(other.aver), numbersOf(one.aver));
-        QCOMPARE(numbersOf(other.diffTime), numbersOf(one.diffTime));
-        QCOMPARE(numbersOf(other.diffMeas), numbersOf(one.diffMeas));
-        QCOMPARE(numbersOf(other.diffAver), numbersOf(one.diffAver));
-        QCOMPARE(other.averSum, one.averSum);
-        QCOMPARE(other.error, one.error);
-        QCOMPARE(m_plot->getChDim(2, ch), single.getChDim(2, ch));
-        QCOMPARE(int(other.measCurve->dataSize()), int(one.measCurve->dataSize()));
-    }
-}
-
-void TestQwtNOXPoints::manyPointsAreToldOfOnce_data()
-{
-    QTest::addColumn<QVector<double>>("values");
-    QTest::addColumn<QStringList>("told");
-    const QString added = "onAddPoint 0 0";
-    const QString alarm = "onPointTrackOff 0 0";
-    const QString error = "onErrorAddPoint 0 0";
-    using Values = QVector<double>;
-    QTest::newRow("regular") << Values{20, 21, 22} << QStringList{added};
-    QTest::newRow("the last beyond the limit") << Values{20, 40} << QStringList{added, alarm};
-    QTest::newRow("back below it") << Values{40, 20} << QStringList{added, alarm, added};
-    QTest::newRow("the last rejected") << Values{20, -2000} << QStringList{added, error};
-    QTest::newRow("one rejected") << Values{-2000, 20} << QStringList{error, added};
-    QTest::newRow("all rejected") << Values{-2000, -2000} << QStringList{error};
-}
-
-void TestQwtNOXPoints::manyPointsAreToldOfOnce()
-{
-    QFETCH(QVector<double>, values);
-    QFETCH(QStringList, told);
-    PlotDevice &device = m_plot->devices()[0];
-    device.modeTrack = TrackUpper;
-    device.upperMarker->setYValue(30);
-    device.upperMarker->setVisible(true);
-    QVector<PlotPoint> points;
-    for (int i = 0; i < values.size(); ++i)
-        points.append({0, double(i), values.at(i)});
-    m_log->take();
-    m_plot->addPoints(0, points, {"°С"});
-    QCOMPARE(m_log->take(), told);
-}
-
-void TestQwtNOXPoints::checksLimits_data()
-{
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<double>("value");
-    QTest::addColumn<bool>("alarm");
-    QTest::newRow("off") << int(TrackOff) << 99.0 << false;
-    QTest::newRow("range, above") << int(TrackRange) << 30.1 << true;
-    QTest::newRow("range, below") << int(TrackRange) << 9.9 << true;
-    QTest::newRow("range, on the upper limit") << int(TrackRange) << 30.0 << false;
-    QTest::newRow("range, on the lower limit") << int(TrackRange) << 10.0 << false;
-    QTest::newRow("upper only, above") << int(TrackUpper) << 30.1 << true;
-    QTest::newRow("upper only, below the lower") << int(TrackUpper) << 9.9 << false;
-    QTest::newRow("lower only, below") << int(TrackLower) << 9.9 << true;
-    QTest::newRow("lower only, above the upper") << int(TrackLower) << 30.1 << false;
-}
-
-void TestQwtNOXPoints::checksLimits()
-{
-    QFETCH(int, mode);
-    QFETCH(double, value);
-    QFETCH(bool, alarm);
-    QwtNOX::_dev &device = m_plot->devices()[0];
-    device.modeTrack = static_cast<TmcTrackingMode>(mode);
-    device.upperMarker->setYValue(30);
-    device.lowerMarker->setYValue(10);
-    device.upperMarker->setVisible(true);
-    device.lowerMarker->setVisible(true);
-    QVERIFY(m_plot->addPoint(value, 1, "°С", 0, 1));
-    QStringList expected("onAddPoint 0 1");
-    if (alarm)
-        expected += "onPointTrackOff 0 1";
-    QCOMPARE(m_log->take(), expected);
-}
-
-void TestQwtNOXPoints::hiddenLimitsAreNotChecked()
-{
-    m_plot->devices()[0].modeTrack = TrackRange;
-    m_plot->devices()[0].upperMarker->setYValue(30);
-    m_plot->addPoint(99, 1, "°С", 0, 1);
-    QCOMPARE(m_log->take(), QStringList("onAddPoint 0 1"));
-}
-
-void TestQwtNOXPoints::growingAndShrinkingAnnounces()
-{
-    m_plot->setChCount(4, 0);
-    QCOMPARE(m_log->take(), QStringList({"onAddCh 0 3", "onAddCh 0 2", "onChange 0"}));
-    const int items = m_plot->itemList(QwtPlotItem::Rtti_PlotCurve).size();
-    QCOMPARE(items, 8);
-
-    m_plot->setChCount(255, 0);
-    QCOMPARE(m_log->take(), QStringList());
-    m_plot->setChCount(1, 0);
-    QCOMPARE(m_log->take(), QStringList("onChange 0"));
-    QCOMPARE(m_plot->itemList(QwtPlotItem::Rtti_PlotCurve).size(), 2);
-    m_plot->setChCount(3, 9);
-    QCOMPARE(m_log->take(), QStringList());
-}
-
-void TestQwtNOXPoints::shrinkingReplacesTheMainChannel()
-{
-    m_plot->setChCount(3, 0);
-    m_plot->setChMain(2, 0);
-    m_log->take();
-    m_plot->setChCount(1, 0);
-    QCOMPARE(m_plot->getChMain(0), 0);
-    QVERIFY(m_log->take().contains("onChMainChange 0 0"));
-    m_plot->setChCount(0, 0);
-    QCOMPARE(m_plot->getChMain(0), -1);
-}
-
-void TestQwtNOXPoints::shrinkingEndsDifferences()
-{
-    m_plot->addDev(1, 4);
-    refer(*m_plot, 1, 0, 0, 1);
-    refer(*m_plot, 1, 1, 0, 0);
-    m_log->take();
-    m_plot->setChCount(1, 0);
-    QCOMPARE(m_log->take(), QStringList({"onChange 1", "onChModeChange 1 0 1", "onChange 0"}));
-
-    uchar diffCh = 0;
-    int diffQwtIndex = 0;
-    m_plot->getChDiff(&diffCh, &diffQwtIndex, 1, 0);
-    QCOMPARE(int(diffCh), 255);
-    QCOMPARE(diffQwtIndex, -1);
-    m_plot->getChDiff(&diffCh, &diffQwtIndex, 1, 1);
-    QCOMPARE(int(diffCh), 0);
-    QCOMPARE(diffQwtIndex, 0);
-    refer(*m_plot, 1, 2, 0, 1); // one more than there are
-    m_plot->getChDiff(&diffCh, &diffQwtIndex, 1, 2);
-    QCOMPARE(int(diffCh), 255);
-}
-
-void TestQwtNOXPoints::clearingKeepsTheSettings()
-{
-    refer(*m_plot, 0, 0, 0, 1);
-    m_plot->setChColor(Qt::magenta, 0, 0);
-    addPoints(*m_plot, 0, 1, QVector<double>(12, 5.0));
-    addPoints(*m_plot, 0, 0, {7}, 20);
-    m_plot->clear(0);
-    const QwtNOX::_ch &channel = m_plot->devices()[0].ch[0];
-    QVERIFY(channel.meas.isEmpty() && channel.diffMeas.isEmpty() && channel.dims.isEmpty());
-    QCOMPARE(int(channel.measCurve->dataSize()), 0);
-    QVERIFY(channel.hasDifference());
-    QCOMPARE(m_plot->getChColor(0, 0), QColor(Qt::magenta));
-    addPoints(*m_plot, 0, 1, {8});
-    QCOMPARE(m_plot->devices()[0].ch[1].aver.last(), 8.0);
-}
-
-void TestQwtNOXPoints::preparingMovesTheTimeOrigin()
-{
-    addPoints(*m_plot, 0, 0, {1, 2, 3});
-    m_plot->setChModeX(ModeXAbsolute);
-    const QwtScaleDraw *labels = m_plot->axisScaleDraw(QwtPlot::xBottom);
-    const int widthWithoutDate = labels->maxLabelWidth(QFont());
-    m_log->take();
-    m_plot->prepareMeas(0, m_start.addDays(-1));
-    QCOMPARE(m_log->take(), QStringList("onChange 0"));
-    QCOMPARE(m_plot->getChMeasCount(0, 0), 0);
-    QCOMPARE(m_plot->getStartDateTime(0), m_start.addDays(-1));
-    labels = m_plot->axisScaleDraw(QwtPlot::xBottom);
-    QVERIFY(labels->maxLabelWidth(QFont()) > widthWithoutDate);
-    m_plot->addPoint(20, "°С", 0, 0);
-    QCOMPARE(m_plot->getChTime(0, 0), 86400.0);
-    m_plot->prepareMeas(5, m_start);
-    QCOMPARE(m_log->take(), QStringList("onAddPoint 0 0"));
-    QVERIFY(!m_plot->getStartDateTime(5).isValid());
-}
-
-void TestQwtNOXPoints::removingADeviceLeavesNothingBehind()
-{
-    const int markers = m_plot->itemList(QwtPlotItem::Rtti_PlotMarker).size();
-    m_plot->addDev(1, 2);
-    refer(*m_plot, 1, 0, 0, 1);
-    m_plot->addPoint(20, 1, "°С", 0, 1);
-    m_plot->addPoint(30, 2, "°С", 1, 0);
-    m_plot->removeDev(0);
-    QVERIFY(!m_plot->devices().contains(0));
-    QCOMPARE(m_plot->getDevMain(), -1);
-    QVERIFY(!m_plot->devices()[1].ch[0].hasDifference());
-    QCOMPARE(m_plot->itemList(QwtPlotItem::Rtti_PlotCurve).size(), 4);
-    QCOMPARE(m_plot->itemList(QwtPlotItem::Rtti_PlotMarker).size(), markers);
-    m_plot->addPoint(31, 3, "°С", 1, 0);
-    QCOMPARE(m_plot->devices()[1].ch[0].measCurve->sample(1), QPointF(3, 31));
-    m_plot->replot();
-}
-
-void TestQwtNOXPoints::secondDeviceSharesTheTimeOrigin()
-{
-    m_now = m_start.addSecs(100);
-    m_plot->addDev(1, 2);
-    QCOMPARE(m_plot->getStartDateTime(1), m_start);
-    m_plot->addDev(1, 7);
-    m_plot->addDev(-1, 7);
-    QCOMPARE(m_plot->devices().keys(), QList<int>({0, 1}));
-    QCOMPARE(int(m_plot->getChCount(1)), 2);
-}
-
-void TestQwtNOXPoints::listenerMayAddPointsToWhoLeaves()
-{
-    m_plot->addDev(1, 0);
-    m_plot->addPoint(20, 1, "°С", 1, 0);
-    const int curves = m_plot->itemList(QwtPlotItem::Rtti_PlotCurve).size();
-    connect(m_plot.get(), &QwtNOX::onChange, m_plot.get(), [this](int qwtIndex) {
-        if (qwtIndex == 1 && m_plot->getChCount(1) == 0)
-            m_plot->addPoint(20, 2, "°С", 1, 0);
-    });
-    m_plot->removeDev(1);
-    QCOMPARE(m_plot->itemList(QwtPlotItem::Rtti_PlotCurve).size(), curves - 2);
-}
-
-void TestQwtNOXPoints::listenerMayClear()
-{
-    QwtNOX::_dev &device = m_plot->devices()[0];
-    device.modeTrack = TrackLower;
-    device.lowerMarker->setYValue(10);
-    device.lowerMarker->setVisible(true);
-    connect(m_plot.get(), &QwtNOX::onAddPoint, m_plot.get(), [this] { m_plot->clear(0); });
-    m_log->take();
-    QVERIFY(m_plot->addPoint(20, 1, "°С", 0, 0));
-    QCOMPARE(m_log->take(), QStringList("onAddPoint 0 0"));
-}
-
-void TestQwtNOXPoints::otherChannelsAskForAFrameToo()
-{
-    m_plot->frameClock().flush();
-    QVERIFY(!m_plot->frameClock().isDue());
-    m_plot->addPoint(20, 1, "°С", 0, 1);
-    QVERIFY(m_plot->frameClock().isDue());
-}
-
-void TestQwtNOXPoints::listenerMayRemoveTheDevice()
-{
-    connect(m_plot.get(), &QwtNOX::onAddPoint, m_plot.get(), [this] { m_plot->removeDev(0); });
-    QVERIFY(m_plot->addPoint(20, 1, "°С", 0, 0));
-    QVERIFY(m_plot->devices().isEmpty());
-
-    m_plot->addDev(1, 0);
-    connect(m_plot.get(), &QwtNOX::onAddCh, m_plot.get(), [this](int qwtIndex, uchar ch) {
-        if (ch == 1)
-            m_plot->removeDev(qwtIndex);
-    });
-    const QVector<PlotPoint> points = {{0, 1, 20}, {1, 1, 20}, {0, 2, 20}};
-    QCOMPARE(m_plot->addPoints(1, points, {"°С", "°С"}), 1);
-    QVERIFY(m_plot->devices().isEmpty());
-}
-
-void TestQwtNOXPoints::listenerMayRemoveWhoLosesItsReference()
-{
-    for (const int qwtIndex : {1, 2, 3}) {
-        m_plot->addDev(qwtIndex, 2);
-        for (const uchar ch : {0, 1})
-            refer(*m_plot, qwtIndex, ch, 0, 1);
-    }
-    connect(m_plot.get(), &QwtNOX::onChModeChange, m_plot.get(), [this](int qwtIndex) {
-        m_plot->removeDev(qwtIndex);
-        m_plot->removeDev(2);
-    });
-    m_plot->setChCount(1, 0);
-    QCOMPARE(m_plot->devices().keys(), QList<int>({0}));
-    QCOMPARE(int(m_plot->getChCount(0)), 1);
-}
 
 QTEST_MAIN(TestQwtNOXPoints)
 #include "tst_qwtnox_points.moc"

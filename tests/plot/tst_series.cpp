@@ -1,48 +1,31 @@
+#include "numbers.h"
+#include "plot/envelopecurve.h"
+#include "plot/intervalstatistics.h"
 #include "plot/movingaverage.h"
-#include "plot/series.h"
-#include "plot/seriesdata.h"
-#include "plot/unitruns.h"
+#include "plot/plotrecords.h"
+#include "plotbench.h"
 
 #include <QRandomGenerator>
-#include <QtTest>
 
 #include <algorithm>
 #include <cmath>
 #include <functional>
 
+// The numbers of a channel, what is computed from them, and how they are read.
+
 namespace
 {
 
-using Values = std::vector<double>;
-
-Series seriesOf(const Values &values)
-{
-    Series series;
-    for (const double value : values)
-        series.append(value);
-    return series;
-}
-
-Values generate(int count, const std::function<double(int, QRandomGenerator &)> &next)
+Numbers generate(int count, const std::function<double(int, QRandomGenerator &)> &next)
 {
     QRandomGenerator random(20260101);
-    Values values;
+    Numbers numbers;
     for (int i = 0; i < count; ++i)
-        values.push_back(next(i, random));
-    return values;
+        numbers.append(next(i, random));
+    return numbers;
 }
 
-/** The mean of the last ten values up to `index`, as precise as can be. */
-double plainAverage(const Values &values, int index)
-{
-    long double sum = 0;
-    const int first = std::max(0, index - 9);
-    for (int i = first; i <= index; ++i)
-        sum += values[i];
-    return static_cast<double>(sum / (index - first + 1));
-}
-
-MovingAverages averagesOf(const Values &values)
+MovingAverages averagesOf(const Numbers &values)
 {
     Series series;
     MovingAverages averages;
@@ -53,7 +36,17 @@ MovingAverages averagesOf(const Values &values)
     return averages;
 }
 
-ValueRange plainRange(const Values &values, int first, int end)
+/** The mean of the last ten values up to `index`, as precise as can be. */
+double plainAverage(const Numbers &values, int index)
+{
+    long double sum = 0;
+    const int first = std::max(0, index - 9);
+    for (int i = first; i <= index; ++i)
+        sum += values[i];
+    return static_cast<double>(sum / (index - first + 1));
+}
+
+ValueRange plainRange(const Numbers &values, int first, int end)
 {
     ValueRange range;
     for (int i = first; i < end; ++i)
@@ -61,251 +54,278 @@ ValueRange plainRange(const Values &values, int first, int end)
     return range;
 }
 
-} // namespace
+/** The rule word by word: all points but the newest are looked at, one after the other. */
+IntervalStatistics plainStatistics(const Numbers &times, const Numbers &values, double from,
+                                   double to)
+{
+    Numbers taken;
+    for (int i = 0; i < times.size() - 1 && times[i] <= to; ++i)
+        if (!taken.isEmpty() || times[i] >= from)
+            taken.append(values[i]);
+    IntervalStatistics statistics;
+    statistics.count = taken.size();
+    double squares = 0;
+    for (const double value : qAsConst(taken))
+        statistics.mean += value / taken.size();
+    for (const double value : qAsConst(taken))
+        squares += std::pow(value - statistics.mean, 2);
+    if (taken.size() > 1)
+        statistics.deviation = std::sqrt(squares / (taken.size() - 1));
+    return statistics;
+}
 
-Q_DECLARE_METATYPE(Values)
+} // namespace
 
 class TestSeries : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void answersLikeAPlainList_data();
-    void answersLikeAPlainList();
-    void copiesGoTheirOwnWay();
-    void appendsMoveNoValue();
-    void describesItselfToACurve();
-    void keepsUnitsOfEveryPoint();
-    void followsAnotherSeries();
-    void knowsWhetherItContinues();
-    void averagesTheLastTen();
-    void averagesAnswerLikeAPlainList_data();
-    void averagesAnswerLikeAPlainList();
-    void averagesOfCopiesGoTheirOwnWay();
-    void averageForgetsAHugeValue();
+    void answersLikeAPlainList_data()
+    {
+        QTest::addColumn<Numbers>("values");
+        // 64 values seal a block, 1024 one of the next level, 16384 one above that.
+        for (const int count : {0, 1, 63, 64, 65, 1023, 1024, 1025, 20000})
+            QTest::addRow("random, %d values", count)
+                << generate(count, [](int, auto &random) { return random.bounded(1000.0); });
+        QTest::newRow("falling") << generate(5000, [](int i, auto &) { return -i * 0.5; });
+        QTest::newRow("rare outliers") << generate(20000, [](int i, auto &random) {
+            return i % 4097 == 11 ? random.bounded(1e9) - 5e8 : random.bounded(1.0);
+        });
+        QTest::newRow("huge values, which averages forget")
+            << generate(200, [](int i, auto &) { return i % 50 == 20 ? 1.7e308 : 20.1; });
+        QTest::newRow("a clock set back")
+            << generate(20000, [](int i, auto &) { return i < 9000 ? i * 1.0 : i - 6000.5; });
+    }
+    void answersLikeAPlainList()
+    {
+        QFETCH(const Numbers, values);
+        const Series series = seriesOf(values);
+        const MovingAverages averages = averagesOf(values);
+        const int size = values.size();
+        QCOMPARE(numbersOf(series), values);
+        const Numbers means = numbersOf(averages);
+        QCOMPARE(means.size(), size);
+        const Numbers magnitudes = generate(size, [&](int i, auto &) { return qAbs(values[i]); });
+        for (int i = 0; i < size; ++i)
+            QVERIFY(qAbs(means[i] - plainAverage(values, i)) <=
+                    10 * 0x1p-53 * plainAverage(magnitudes, i));
+
+        QCOMPARE(series.range(-5, size + 5), plainRange(values, 0, size));
+        QCOMPARE(averages.range(-5, size + 5), plainRange(means, 0, size));
+        QRandomGenerator random(7);
+        for (int round = 0; round < 300 && size > 0; ++round) {
+            const auto [first, end] =
+                std::minmax({int(random.bounded(size + 1)), int(random.bounded(size + 1))});
+            QCOMPARE(series.range(first, end), plainRange(values, first, end));
+            QCOMPARE(averages.range(first, end), plainRange(means, first, end));
+
+            // bounds that are values themselves, and bounds between them
+            const double bound = values[random.bounded(size)] + random.bounded(2) * 0.25;
+            const auto reaches = [bound](double value) { return value >= bound; };
+            const auto notBelow = std::find_if(values.begin(), values.end(), reaches);
+            QCOMPARE(series.firstNotBelow(bound), int(notBelow - values.begin()));
+            const auto below = std::find_if_not(values.rbegin(), values.rend(), reaches);
+            QCOMPARE(series.lastBelow(bound), int(values.rend() - below) - 1);
+        }
+    }
+    void copiesGoTheirOwnWay()
+    {
+        // Both branches fill the block of 64 that is open when they part, with other values.
+        Series series = seriesOf(Numbers(100, 1.0));
+        MovingAverages averages = averagesOf({});
+        averages.follow(series);
+        Series branch = series;
+        MovingAverages averagesOfBranch = averages;
+        for (int i = 0; i < 100000; ++i) {
+            series.append(2.0);
+            averages.follow(series);
+            if (i >= 100)
+                continue;
+            branch.append(-3.0);
+            averagesOfBranch.follow(branch);
+        }
+        QCOMPARE(series.range(0, 1000000), (ValueRange{1.0, 2.0}));
+        QCOMPARE(averages.range(0, 1000000), (ValueRange{1.0, 2.0}));
+        QCOMPARE(branch.size(), 200);
+        QCOMPARE(branch.range(0, 1000000), (ValueRange{-3.0, 1.0}));
+        QCOMPARE(averagesOfBranch.range(0, 1000000), (ValueRange{-3.0, 1.0}));
+        QCOMPARE(averagesOfBranch[100], 0.6);
+
+        series.clear();
+        averages.follow(series);
+        QVERIFY(series.isEmpty() && averages.isEmpty() && averages.range(0, 9).isEmpty());
+        const Series moved = std::move(branch);
+        QVERIFY(branch.isEmpty()); // NOLINT(bugprone-use-after-move): an emptied one is promised
+        QCOMPARE(moved.last(), -3.0);
+    }
+    void knowsWhetherItContinues()
+    {
+        Series series = seriesOf({1.0, 2.0});
+        const Series earlier = series;
+        series.append(3.0);
+        QVERIFY(series.continues(earlier) && series.continues(series));
+        QVERIFY(!earlier.continues(series));
+
+        Series branch = earlier;
+        branch.append(3.0); // no longer the values of `series`
+        QVERIFY(!branch.continues(earlier) && !branch.continues(series));
+        series.clear();
+        QVERIFY(!series.continues(earlier) && series.continues(Series()));
+
+        QVERIFY(branch.isAscending() && Series().isAscending());
+        branch.append(3.0);
+        const Series ordered = branch;
+        branch.append(2.9);
+        branch.append(4.0);
+        QVERIFY(ordered.isAscending() && !branch.isAscending());
+    }
+    void showsItselfToACurve()
+    {
+        Series times = seriesOf({1.0, 2.5});
+        Series values = seriesOf({20.0, -3.0});
+        SeriesData data;
+        QVERIFY(!data.boundingRect().isValid());
+        data.show(times, values);
+        times.append(2.0);
+        values.append(8.0);
+        QVERIFY2(data.show(times, values), "it has grown");
+        QCOMPARE(data.size(), std::size_t(3));
+        QCOMPARE(data.sample(2), QPointF(2.0, 8.0));
+        QCOMPARE(data.boundingRect(), QRectF(1.0, -3.0, 1.5, 23.0));
+        QVERIFY2(!data.show(seriesOf({1.0, 2.5, 2.0}), values), "equal times are not the same");
+        QVERIFY(!data.show(times, seriesOf({20.0, -3.0, 8.0})));
+        QVERIFY(!data.show(times, averagesOf({20.0, -3.0, 7.0})));
+        QCOMPARE(data.sample(2), QPointF(2.0, 8.0));
+        QCOMPARE(data.boundingRect(), QRectF(1.0, 8.0, 1.5, 12.0));
+    }
+    void keepsUnitsOfEveryPoint()
+    {
+        UnitRuns runs;
+        for (const char *units : {"°С|°С|Ом|°С|°С||мВ|мВ", "Ом|Ом|°С"}) {
+            runs.clear();
+            for (const QString &unit : QString(units).split('|'))
+                runs.append(unit);
+            QStringList read;
+            for (int i = 0; i < runs.size(); ++i)
+                read.append(runs.at(i));
+            QCOMPARE(read.join('|'), units);
+        }
+    }
+    void statisticsEqualAPlainScan()
+    {
+        for (const int size : {0, 1, 2, 3, 3000}) {
+            double time = 0; // the clock steps back now and then
+            const Numbers times = generate(size, [&time](int, auto &random) {
+                return time = qMax(0.0, time + random.bounded(12.0) - 2);
+            });
+            const Numbers values = generate(size, [](int i, auto &) { return i * 37 % 101; });
+            QRandomGenerator random(5);
+            const auto place = [&] { // at a point or between two
+                const double between = random.bounded(13000.0) - 5;
+                return size == 0 || random.bounded(2) ? between : times[random.bounded(size)];
+            };
+            for (int i = 0; i < 200; ++i) {
+                const auto [from, to] = std::minmax({place(), place()});
+                const IntervalStatistics found =
+                    intervalStatistics(seriesOf(times), seriesOf(values), from, to);
+                const IntervalStatistics expected = plainStatistics(times, values, from, to);
+                QCOMPARE(found.count, expected.count);
+                QVERIFY(qAbs(found.mean - expected.mean) < 1e-9);
+                QVERIFY(qAbs(found.deviation - expected.deviation) < 1e-9);
+            }
+        }
+    }
+    void pairsByTime()
+    {
+        const struct {
+            Numbers times, referenceTimes;
+            const char *pairs; // "point-reference point", counted from 0
+        } data[] = {{{1, 2, 3}, {0.5, 1.5, 2.5}, "0-0 1-1 2-2"},
+                    {{1, 2, 3}, {1.2, 2.2}, "1-0 2-1"}, // the reference begins later
+                    {{1, 2, 3}, {1, 2, 3}, "0-0 1-1 2-2"},
+                    {{2, 3}, {1, 2}, "0-0 1-1"},            // at the predecessor's time
+                    {{5, 6, 7}, {1, 2, 3, 5.5}, "0-0 1-3"}, // before it: skipped
+                    {{1, 2, 3}, {0.2, 1.1, 1.2, 1.3, 2.5}, "0-0 1-1 2-4"},
+                    {{1, 2, 3, 4}, {0.5, 3.5}, "0-0 3-1"}, // none between: the point has none
+                    {{1, 2, 3}, {0.5}, "0-0"},
+                    {{1, 2}, {5, 6}, ""},
+                    {{1, 1, 1}, {1, 1}, "0-0 1-1"}, // time stands still
+                    {{1, 2}, {}, ""},
+                    {{}, {1, 2}, ""}};
+        for (const auto &[times, referenceTimes, expected] : data) {
+            QStringList pairs;
+            pairDifferences(seriesOf(times), seriesOf(referenceTimes),
+                            [&pairs](int point, int reference) {
+                                pairs += QString("%1-%2").arg(point).arg(reference);
+                            });
+            QCOMPARE(pairs.join(' '), expected);
+        }
+    }
+    void writesValues()
+    {
+        const struct {
+            signed char asked;
+            uchar ofChannel, ofMainChannel;
+            const char *texts;                       // value, average, change
+        } data[] = {{0, 4, 4, "21.50 20.75 1.5000"}, // two decimals at least
+                    {5, 3, 3, "21.50000 20.75000 1.500"},
+                    {-1, 3, 6, "21.500 20.750 1.500"},
+                    {-1, 0, 6, "21.500000 20.750000 1.500000"}, // those of the main channel
+                    {-1, 0, 0, "21.50 20.75 1.50"},
+                    {-1, 1, 6, "21.50 20.75 1.5"}};
+        PlotBench bench;
+        QwtNOX &plot = bench.plot;
+        const auto texts = [&](signed char asked) {
+            return plot.getChMeasStr(0, 1, asked) + ' ' + plot.getChAverStr(0, 1, asked) + ' ' +
+                   plot.getChDYStr(0, 1);
+        };
+        QCOMPARE(texts(-1), "-- -- ");
+        bench.add(20, 1, 1);
+        QCOMPARE(plot.getChDXStr(0, 1) + plot.getChDYStr(0, 1), "");
+        bench.add(21.5, 2.26, 1);
+        QCOMPARE(plot.getChDXStr(0, 1), "1.3");
+        for (const auto &[asked, ofChannel, ofMainChannel, expected] : data) {
+            plot.devices()[0].ch[1].precision = ofChannel;
+            plot.devices()[0].ch[0].precision = ofMainChannel;
+            QCOMPARE(texts(asked), expected);
+        }
+    }
+    void readsByIndex()
+    {
+        PlotBench bench;
+        QwtNOX &plot = bench.plot;
+        for (const double time : {12.499, 12.5, 1e6})
+            bench.add(10 + time, time);
+        QStringList read;
+        for (const int index : {0, 1, 2, -1, 3, -7})
+            read +=
+                QString("%1 %2 %3 %4")
+                    .arg(plot.getChMeas(-1, 255, index), 0, 'g', 9)
+                    .arg(plot.getChTime(-1, 255, index), 0, 'g', 9)
+                    .arg(plot.getChMeasStr(-1, 255, 2, index), plot.getChTimeStr(-1, 255, index));
+        plot.devices()[0].mainCh = 9; // where the main channel does not exist it is the first
+        QCOMPARE(plot.getChMeas(), 1000010.0);
+        const QString newest = "1000010 1000000 1000010.00 1e+06";
+        QCOMPARE(read, QStringList({"22.499 12.499 22.50 12", "22.5 12.5 22.50 13", newest, newest,
+                                    newest, newest}));
+    }
+    void keepsSilentAboutTheUnknown()
+    {
+        PlotBench bench;
+        const QwtNOX &plot = bench.plot;
+        bench.plot.addDev(2, 0);
+        for (const int qwtIndex : {2, 9}) { // without channels, and not on the plot
+            const QString texts = plot.getChMeasStr(qwtIndex, 0) + plot.getChAverStr(qwtIndex, 0) +
+                                  plot.getChTimeStr(qwtIndex, 0) + plot.getChDXStr(qwtIndex) +
+                                  plot.getChDYStr(qwtIndex, 0) + plot.getChDim(qwtIndex);
+            QCOMPARE(texts, "---");
+            QCOMPARE(plot.getChMeas(qwtIndex) + plot.getChTime(qwtIndex, 0), 0.0);
+            QCOMPARE(plot.getChMeasCount(qwtIndex, 0) + plot.getPrecision(qwtIndex, 0), 0);
+        }
+        QCOMPARE(plot.getChDim(0, 0), "");
+    }
 };
 
-void TestSeries::answersLikeAPlainList_data()
-{
-    QTest::addColumn<Values>("values");
-    // 64 values seal a block, 1024 one of the next level, 16384 one above that.
-    for (const int count : {0, 1, 63, 64, 65, 1023, 1024, 1025, 20000}) {
-        QTest::addRow("random, %d values", count) << generate(
-            count, [](int, QRandomGenerator &random) { return random.bounded(1000.0); });
-    }
-    QTest::newRow("rising") << generate(5000, [](int i, QRandomGenerator &) { return i * 0.5; });
-    QTest::newRow("falling") << generate(5000, [](int i, QRandomGenerator &) { return -i * 0.5; });
-    QTest::newRow("constant") << generate(5000, [](int, QRandomGenerator &) { return 7.0; });
-    QTest::newRow("rare outliers") << generate(20000, [](int i, QRandomGenerator &random) {
-        return i % 4097 == 11 ? random.bounded(1e9) - 5e8 : random.bounded(1.0);
-    });
-    QTest::newRow("a clock set back") << generate(
-        20000, [](int i, QRandomGenerator &) { return i < 9000 ? i * 1.0 : i - 6000.5; });
-}
-
-void TestSeries::answersLikeAPlainList()
-{
-    QFETCH(const Values, values);
-    const Series series = seriesOf(values);
-    const int size = static_cast<int>(values.size());
-    QCOMPARE(series.size(), size);
-    QCOMPARE(series.range(-5, size + 5), plainRange(values, 0, size));
-
-    QRandomGenerator random(7);
-    for (int round = 0; round < 300 && size > 0; ++round) {
-        const int one = random.bounded(size + 1);
-        const int other = random.bounded(size + 1);
-        const int first = std::min(one, other);
-        const int end = std::max(one, other);
-        QCOMPARE(series.range(first, end), plainRange(values, first, end));
-
-        // bounds that are values themselves, and bounds between them
-        const double bound = values[random.bounded(size)] + random.bounded(2) * 0.25;
-        const auto reaches = [bound](double value) { return value >= bound; };
-        const auto notBelow = std::find_if(values.begin(), values.end(), reaches);
-        QCOMPARE(series.firstNotBelow(bound), static_cast<int>(notBelow - values.begin()));
-        const auto below = std::find_if_not(values.rbegin(), values.rend(), reaches);
-        QCOMPARE(series.lastBelow(bound), static_cast<int>(values.rend() - below) - 1);
-    }
-}
-
-void TestSeries::copiesGoTheirOwnWay()
-{
-    Series original = seriesOf(Values(100, 1.0));
-    Series copy = original;
-    original.append(2.0);
-    QCOMPARE(copy.size(), 100);
-    QCOMPARE(copy.range(0, 101), (ValueRange{1.0, 1.0}));
-
-    copy.append(3.0);
-    QCOMPARE(copy.last(), 3.0);
-    QCOMPARE(original.last(), 2.0);
-    QCOMPARE(copy.range(0, 101), (ValueRange{1.0, 3.0}));
-
-    original.clear();
-    QVERIFY(original.isEmpty());
-    QCOMPARE(copy.size(), 101);
-
-    const Series moved = std::move(copy);
-    QVERIFY(copy.isEmpty()); // NOLINT(bugprone-use-after-move): an emptied series is promised
-    QCOMPARE(moved.size(), 101);
-}
-
-void TestSeries::appendsMoveNoValue()
-{
-    // A copy taken early reads on while the original grows far beyond it.
-    Series series = seriesOf({4.0, 5.0});
-    const Series early = series;
-    for (int i = 0; i < 100000; ++i)
-        series.append(i);
-    QCOMPARE(early.size(), 2);
-    QCOMPARE(early[1], 5.0);
-    QCOMPARE(early.range(0, 2), (ValueRange{4.0, 5.0}));
-}
-
-void TestSeries::describesItselfToACurve()
-{
-    SeriesData data;
-    QVERIFY(!data.boundingRect().isValid());
-    data.show(seriesOf({1.0, 2.5, 2.0}), seriesOf({20.0, -3.0, 8.0}));
-    QCOMPARE(data.size(), std::size_t(3));
-    QCOMPARE(data.sample(2), QPointF(2.0, 8.0));
-    QCOMPARE(data.boundingRect(), QRectF(1.0, -3.0, 1.5, 23.0));
-    data.show(seriesOf({1.0, 2.5, 2.0}), averagesOf({20.0, -3.0, 7.0}));
-    QCOMPARE(data.sample(2), QPointF(2.0, 8.0));
-    QCOMPARE(data.boundingRect(), QRectF(1.0, 8.0, 1.5, 12.0));
-}
-
-void TestSeries::followsAnotherSeries()
-{
-    Series times = seriesOf({1.0, 2.0});
-    Series values = seriesOf({5.0, 6.0});
-    SeriesData data;
-    data.show(times, values);
-    times.append(3.0);
-    values.append(7.0);
-    QVERIFY(data.show(times, values));
-    QVERIFY2(!data.show(seriesOf({1.0, 2.0, 3.0}), values), "equal times are not the same times");
-    QVERIFY(!data.show(times, seriesOf({5.0, 6.0, 7.0})));
-    QVERIFY(!data.show(times, averagesOf({5.0, 6.0, 7.0})));
-    QCOMPARE(data.sample(1), QPointF(2.0, 5.5));
-}
-
-void TestSeries::knowsWhetherItContinues()
-{
-    Series series = seriesOf({1.0, 2.0});
-    const Series earlier = series;
-    series.append(3.0);
-    QVERIFY(series.continues(earlier) && series.continues(series));
-    QVERIFY(!earlier.continues(series));
-
-    Series branch = earlier;
-    branch.append(3.0); // no longer the values of `series`
-    QVERIFY(!branch.continues(earlier) && !branch.continues(series));
-    series.clear();
-    QVERIFY(!series.continues(earlier) && series.continues(Series()));
-
-    QVERIFY(branch.isAscending() && Series().isAscending());
-    branch.append(3.0);
-    const Series ordered = branch;
-    branch.append(2.9);
-    branch.append(4.0);
-    QVERIFY(ordered.isAscending() && !branch.isAscending());
-}
-
-void TestSeries::keepsUnitsOfEveryPoint()
-{
-    const QStringList units = {"°С", "°С", "Ом", "°С", "°С", "", "мВ", "мВ"};
-    UnitRuns runs;
-    for (const QString &unit : units)
-        runs.append(unit);
-    QStringList read;
-    for (int i = 0; i < runs.size(); ++i)
-        read.append(runs.at(i));
-    QCOMPARE(read, units);
-    runs.clear();
-    QVERIFY(runs.isEmpty());
-    runs.append("Ом");
-    QCOMPARE(runs.at(0), QString("Ом"));
-}
-
-void TestSeries::averagesTheLastTen()
-{
-    Values squares;
-    for (int i = 1; i <= 25; ++i)
-        squares.push_back(i * i);
-    const MovingAverages averages = averagesOf(squares);
-    QCOMPARE(averages[0], 1.0);
-    QCOMPARE(averages[8], 285.0 / 9);                // 1² to 9²
-    QCOMPARE(averages[9], 385.0 / 10);               // 1² to 10²
-    QCOMPARE(averages[10], (506.0 - 1) / 10);        // 2² to 11²
-    QCOMPARE(averages.last(), (5525.0 - 1240) / 10); // 16² to 25²
-    QCOMPARE(averages.sum(24), 5525.0 - 1240);
-}
-
-void TestSeries::averagesAnswerLikeAPlainList_data()
-{
-    answersLikeAPlainList_data();
-}
-
-void TestSeries::averagesAnswerLikeAPlainList()
-{
-    QFETCH(const Values, values);
-    const MovingAverages averages = averagesOf(values);
-    const int size = static_cast<int>(values.size());
-    Values read;
-    Values magnitudes;
-    for (int i = 0; i < size; ++i) {
-        read.push_back(averages[i]);
-        magnitudes.push_back(std::abs(values[i]));
-        const double error = std::abs(averages[i] - plainAverage(values, i));
-        QVERIFY(error <= 10 * 0x1p-53 * plainAverage(magnitudes, i));
-    }
-    QCOMPARE(averages.range(-5, size + 5), plainRange(read, 0, size));
-    QRandomGenerator random(7);
-    for (int round = 0; round < 300 && size > 0; ++round) {
-        const int one = random.bounded(size + 1);
-        const int other = random.bounded(size + 1);
-        const int first = std::min(one, other);
-        const int end = std::max(one, other);
-        QCOMPARE(averages.range(first, end), plainRange(read, first, end));
-    }
-}
-
-void TestSeries::averagesOfCopiesGoTheirOwnWay()
-{
-    // Both branches fill the block of 64 that is open when they part, with other values.
-    Series values = seriesOf(Values(100, 1.0));
-    MovingAverages averages;
-    averages.follow(values);
-    Series branchValues = values;
-    MovingAverages branch = averages;
-    for (int i = 0; i < 100; ++i) {
-        values.append(2.0);
-        averages.follow(values);
-        branchValues.append(-3.0);
-        branch.follow(branchValues);
-    }
-    QCOMPARE(averages.range(0, 200), (ValueRange{1.0, 2.0}));
-    QCOMPARE(branch.range(0, 200), (ValueRange{-3.0, 1.0}));
-    QCOMPARE(branch[100], 0.6);
-
-    branchValues.clear();
-    branch.follow(branchValues);
-    QVERIFY(branch.isEmpty() && branch.range(0, 200).isEmpty());
-}
-
-void TestSeries::averageForgetsAHugeValue()
-{
-    for (const double huge : {1e15, 1e17, 1e30, 1.7e308}) {
-        Values values(10, 20.1);
-        values.push_back(huge);
-        const MovingAverages swamped = averagesOf(values);
-        QVERIFY(swamped.last() >= huge / 10);
-        values.insert(values.end(), 10, 20.1);
-        QVERIFY(averagesOf(values).last() == averagesOf(Values(10, 20.1)).last());
-    }
-}
-
-QTEST_APPLESS_MAIN(TestSeries)
+QTEST_MAIN(TestSeries)
 #include "tst_series.moc"

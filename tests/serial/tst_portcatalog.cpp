@@ -4,8 +4,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <fcntl.h>
 #include <memory>
+#include <pty.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -17,17 +17,17 @@ class Terminal
 {
 public:
     Terminal()
-        : master(::posix_openpt(O_RDWR | O_NOCTTY))
     {
-        ::grantpt(master);
-        ::unlockpt(master);
+        ::openpty(&master, &slave, nullptr, nullptr, nullptr);
         device = QString::fromLocal8Bit(::ptsname(master));
+        ::close(slave);
     }
     ~Terminal() { ::close(master); }
     Terminal(const Terminal &) = delete;
     Terminal &operator=(const Terminal &) = delete;
 
-    int master;
+    int master = -1;
+    int slave = -1;
     QString device;
 };
 
@@ -46,71 +46,61 @@ class TestPortCatalog : public QObject
 {
     Q_OBJECT
 private slots:
-    void listsLinksToTerminals();
-    void tellsWhichPortIsBusy();
-    void findsByName();
-    void canBeReplaced();
+    void listsLinksToTerminals()
+    {
+        const QTemporaryDir directory;
+        const VirtualPortCatalog catalog(directory.path());
+        QCOMPARE(namesOf(catalog), QStringList());
+
+        auto terminal = std::make_unique<Terminal>();
+        QFile::link(terminal->device, directory.filePath("bath 2"));
+        QFile::link("/dev/pts/nowhere", directory.filePath("gone"));
+        QFile::link(directory.path(), directory.filePath("folder"));
+        QFile plain(directory.filePath("plain file"));
+        QVERIFY(plain.open(QIODevice::WriteOnly));
+        QCOMPARE(namesOf(catalog), QStringList{"bath 2"});
+        QCOMPARE(catalog.find("bath 2").device, terminal->device);
+        for (const char *name :
+             {"gone", "plain file", "folder", "folder/bath 2", ".", "Bath 2", ""})
+            QVERIFY2(catalog.find(name).name.isEmpty(), name);
+
+        terminal.reset();
+        QCOMPARE(namesOf(catalog), QStringList());
+        QCOMPARE(namesOf(VirtualPortCatalog(directory.filePath("missing"))), QStringList());
+    }
+
+    void tellsWhichPortIsBusy()
+    {
+        const QTemporaryDir directory;
+        const Terminal terminal;
+        QFile::link(terminal.device, directory.filePath("bath"));
+        const VirtualPortCatalog catalog(directory.path());
+        QSerialPort port(terminal.device);
+        for (const bool busy : {false, true, false}) {
+            QCOMPARE(busy && port.open(QIODevice::ReadWrite), busy);
+            QCOMPARE(catalog.find("bath").busy, busy);
+            QCOMPARE(catalog.ports().first().busy, busy);
+            port.close();
+        }
+    }
+
+    void virtualPortsStandBesideThoseOfTheMachine()
+    {
+        const QTemporaryDir directory;
+        const Terminal terminal;
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(directory.path()));
+        QVERIFY(QDir().mkpath(VirtualPortCatalog::defaultDirectory()));
+        QFile::link(terminal.device, directory.filePath("nox8/ports/everywhere"));
+        QFile::link(terminal.device, directory.filePath("only here"));
+
+        PortCatalog::setCurrent(std::make_unique<VirtualPortCatalog>(directory.path()));
+        QCOMPARE(namesOf(PortCatalog::current()), QStringList{"only here"});
+        PortCatalog::setCurrent(nullptr);
+        QCOMPARE(namesOf(PortCatalog::current()).count("everywhere"), 1);
+        QCOMPARE(PortCatalog::current().find("everywhere").device, terminal.device);
+        QVERIFY(PortCatalog::current().find("only here").name.isEmpty());
+    }
 };
-
-void TestPortCatalog::listsLinksToTerminals()
-{
-    const QTemporaryDir directory;
-    const VirtualPortCatalog catalog(directory.path());
-    QCOMPARE(namesOf(catalog), QStringList());
-
-    auto terminal = std::make_unique<Terminal>();
-    QFile::link(terminal->device, directory.filePath("bath 2"));
-    QFile::link("/dev/pts/nowhere", directory.filePath("gone"));
-    QFile plain(directory.filePath("plain file"));
-    QVERIFY(plain.open(QIODevice::WriteOnly));
-    QCOMPARE(namesOf(catalog), QStringList{"bath 2"});
-    QCOMPARE(catalog.find("bath 2").device, terminal->device);
-    QFile::link(directory.path(), directory.filePath("folder"));
-    QCOMPARE(namesOf(catalog), QStringList{"bath 2"});
-    for (const char *name : {"gone", "plain file", "folder", "folder/bath 2", "."})
-        QVERIFY2(catalog.find(name).name.isEmpty(), name);
-
-    terminal.reset();
-    QCOMPARE(namesOf(catalog), QStringList());
-    QCOMPARE(namesOf(VirtualPortCatalog(directory.filePath("missing"))), QStringList());
-}
-
-void TestPortCatalog::tellsWhichPortIsBusy()
-{
-    const QTemporaryDir directory;
-    const Terminal terminal;
-    QFile::link(terminal.device, directory.filePath("bath"));
-    const VirtualPortCatalog catalog(directory.path());
-    QVERIFY(!catalog.find("bath").busy);
-
-    QSerialPort port(terminal.device);
-    QVERIFY(port.open(QIODevice::ReadWrite));
-    QVERIFY(catalog.find("bath").busy);
-    port.close();
-    QVERIFY(!catalog.find("bath").busy);
-}
-
-void TestPortCatalog::findsByName()
-{
-    const QTemporaryDir directory;
-    const Terminal terminal;
-    QFile::link(terminal.device, directory.filePath("bath"));
-    const VirtualPortCatalog catalog(directory.path());
-    QCOMPARE(catalog.find("bath").name, QStringLiteral("bath"));
-    QCOMPARE(catalog.find("Bath").name, QString());
-    QCOMPARE(catalog.find(QString()).name, QString());
-}
-
-void TestPortCatalog::canBeReplaced()
-{
-    const QTemporaryDir directory;
-    const Terminal terminal;
-    QFile::link(terminal.device, directory.filePath("only here"));
-    PortCatalog::setCurrent(std::make_unique<VirtualPortCatalog>(directory.path()));
-    QCOMPARE(namesOf(PortCatalog::current()), QStringList{"only here"});
-    PortCatalog::setCurrent(nullptr);
-    QVERIFY(!namesOf(PortCatalog::current()).contains("only here"));
-}
 
 QTEST_GUILESS_MAIN(TestPortCatalog)
 #include "tst_portcatalog.moc"

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 """Golden settings files and memory blocks of the nine models, from arithmetic of their own.
 
-    golden.py           writes tests/device/golden/<code>.ust and <code>.blocks
+    golden.py           writes tests/device/golden/<code>.ust, <code>.blocks and <code>.fields, the
+                        fields that the blocks hold as describe() of imagefields.h has them
     golden.py --check   compares what it would write with what is there
 
-The recipe, which tests/device/goldenimage.cpp has a second time. k is the row of a model in MODELS
-(from 0), n its number of channels, c a channel (from 0). All numbers are computed in double
-precision and stored in single.
+The recipe. k is the row of a model in MODELS (from 0), n its number of channels, c a channel
+(from 0). All numbers are computed in double precision and stored in single.
 
     settings            as in MODELS; the measurement time is k
     serial number       1000 + 257 k
@@ -103,6 +103,11 @@ def general(number):
     return f"{rounded.scaleb(-exponent).normalize():f}e{exponent:+03d}"
 
 
+def digits(number):
+    """What 'g' with 9 significant digits writes of a number in single precision."""
+    return f"{single(number):.9g}"
+
+
 def cp1251(text, size):
     return text.encode("cp1251").ljust(size, b"\0")
 
@@ -130,6 +135,21 @@ class Feature:
         slots = self.entries[:4] + (["0"] if self.type == 2 else []) + self.entries[4:]
         texts = b"".join(bytes((len(text),)) + cp1251(text, 19) for text in slots)
         return (head + floats(self.numbers) + texts).ljust(492, b"\0")
+
+    def fields(self):
+        if self.type == 3:
+            numbers = [number for pair in self.pairs for number in pair]
+            different = sorted(set(self.pairs))
+            entries = [text for first, second in different
+                       for text in (fixed(first, 1), fixed(second, 4))]
+        else:
+            numbers = self.numbers + [0] * 102
+            entries = self.entries
+        while entries and not entries[-1]:
+            entries = entries[:-1]
+        return [f"own type {self.type} '{self.name}'",
+                "own numbers: " + " ".join(digits(number) for number in numbers),
+                "own entries: '" + "' '".join(entries) + "'"]
 
     def form_code(self):
         return (0, 1, 3, 2)[self.type]
@@ -166,6 +186,12 @@ class Channel:
         return bytes((self.on, (self.measures & 0xF0) | self.current,
                       self.resistor << 4 | self.index,
                       self.source | self.compensation | self.compensation_index))
+
+    def fields(self):
+        return [f"on {self.on}", f"measures 0x{self.measures:x} in '{self.unit}'",
+                f"current {self.current}, resistor {self.resistor}",
+                f"characteristic 0x{self.source:x} {self.index}",
+                f"compensation 0x{self.compensation:x} {self.compensation_index}"]
 
     def lines(self):
         code = {0x00: self.index + 1, 0x40: self.index + 21, 0x80: self.index + 41, 0xC0: 1}
@@ -247,6 +273,26 @@ class Image:
             blocks.update(shifts=shifts, serialNumber=serial_number)
         return blocks
 
+    def fields(self):
+        def triple(name, i):
+            a, b = self.coefficients[2 * i:2 * i + 2]
+            return f"{name}: {digits(self.values[i])}, a {digits(a)}, b {digits(b)}"
+
+        shifts = [digits(shift if self.extended else 0) for shift in self.shifts]
+        fields = [f"type {self.code}, number {self.number}, name '{self.name}'",
+                  f"time {self.time}, rounding {self.rounding}, mode {self.mode}, "
+                  f"compensation {self.compensation}, reversal {self.reversal}, "
+                  f"short circuit {self.short_circuit}",
+                  "T0: " + digits(self.t0), triple("Uref", 4),
+                  "shifts of the ranges: " + " ".join(shifts[:17]),
+                  "shifts of the channels: " + " ".join(shifts[17:33]),
+                  "shifts of the resistors: " + " ".join(shifts[33:])]
+        fields += [triple(f"R{i + 1}", i) for i in range(4)]
+        for c in range(self.n):
+            fields += [f"channel {c} {field}"
+                       for field in self.channels[c].fields() + self.features[c].fields()]
+        return fields
+
     def lines(self):
         lines = ["COM1"] + [fixed(value, 5) for value in self.values]
         lines += [str(self.mode), str(self.rounding // 16), str(self.compensation)]
@@ -322,7 +368,8 @@ def main():
         check_image(image)
         blocks = "".join(f"{name} {block.hex()}\n" for name, block in image.blocks().items())
         contents = {".ust": "".join(line + "\r\n" for line in image.lines()).encode("cp1251"),
-                    ".blocks": blocks.encode("ascii")}
+                    ".blocks": blocks.encode("ascii"),
+                    ".fields": "".join(field + "\n" for field in image.fields()).encode()}
         for suffix, content in contents.items():
             file = GOLDEN / (f"{image.code:0{8 if image.extended else 2}X}" + suffix)
             if not is_check:

@@ -2,12 +2,16 @@
 
 #include "serial/portcatalog.h"
 
+#include <QDeadlineTimer>
+#include <QThread>
+
 #include <algorithm>
 
 namespace
 {
 
 constexpr int steadyChannels = 8;
+constexpr int patienceMs = 5000;
 constexpr double steadyRate = 40.0; // tokens per second
 
 ThermometrySignal steadySignal()
@@ -43,7 +47,24 @@ SimulatedInstrumentOptions InstrumentBench::steadyInstrument() const
 
 bool InstrumentBench::add(const QString &portName, const SimulatedInstrumentOptions &options)
 {
-    return !host.add(options, portName).isEmpty();
+    const bool added = !host.add(options, portName).isEmpty();
+    awaitFree(portName);
+    return added;
+}
+
+void InstrumentBench::plugIn(const QString &portName)
+{
+    host.plugIn(portName);
+    awaitFree(portName);
+}
+
+/** Numbers of terminals are used again: a link, of another process too, which has lost this one may
+ *  not have closed it yet. */
+void InstrumentBench::awaitFree(const QString &portName)
+{
+    const QDeadlineTimer patience(patienceMs);
+    while (PortCatalog::current().find(portName).busy && !patience.hasExpired())
+        QThread::msleep(5);
 }
 
 int InstrumentBench::addressings(const QString &portName, quint8 address)

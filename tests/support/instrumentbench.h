@@ -1,6 +1,6 @@
 #pragma once
 
-#include "serial/linktiming.h"
+#include "serial/linkschedule.h"
 #include "simulator/instrumenthost.h"
 
 #include <QHash>
@@ -32,6 +32,9 @@ public:
     bool add(const QString &portName, const SimulatedInstrumentOptions &options);
     bool add(const QString &portName) { return add(portName, steadyInstrument()); }
 
+    /** Puts the plug of an instrument in again. */
+    void plugIn(const QString &portName);
+
     /** Address bytes that the instrument has received for a block. */
     int addressings(const QString &portName, quint8 address);
     /** The steps of one kind in the instrument's log. */
@@ -40,6 +43,8 @@ public:
     InstrumentHost host;
 
 private:
+    void awaitFree(const QString &portName);
+
     QTemporaryDir directory;
 };
 

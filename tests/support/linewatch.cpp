@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fcntl.h>
 #include <poll.h>
-#include <stdlib.h>
-#include <termios.h>
+#include <pty.h>
 #include <unistd.h>
 
 namespace
@@ -15,20 +13,14 @@ constexpr int pauseMs = 10;
 
 /** The two ends of a raw pseudo-terminal. */
 struct Line {
-    int master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    int master = -1;
     int slave = -1;
 
     Line()
     {
-        ::grantpt(master);
-        ::unlockpt(master);
-        char path[64] = {};
-        ::ptsname_r(master, path, sizeof path);
-        slave = ::open(path, O_RDWR | O_NOCTTY | O_CLOEXEC);
-        termios settings{};
-        ::tcgetattr(slave, &settings);
-        ::cfmakeraw(&settings);
-        ::tcsetattr(slave, TCSANOW, &settings);
+        termios raw{};
+        ::cfmakeraw(&raw);
+        ::openpty(&master, &slave, nullptr, &raw, nullptr);
     }
     ~Line()
     {

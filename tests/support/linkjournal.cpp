@@ -7,71 +7,66 @@
 LinkJournal::LinkJournal(NOXSerialPort &port, int devIndex)
     : devIndex(devIndex)
 {
-    connect(&port, &NOXSerialPort::readyDevMeas, this, [this](int index, double meas, quint8 ch) {
+    using Port = NOXSerialPort;
+    connect(&port, &Port::readyDevMeas, this, [this](int index, double meas, quint8 ch) {
         if (index == this->devIndex)
             measurements.append({ch, meas});
     });
-    connect(&port, QOverload<int, int, int, quint8>::of(&NOXSerialPort::setProgress), this,
+    connect(&port, QOverload<int, int, int, quint8>::of(&Port::setProgress), this,
             [this](int index, int progress, int total, quint8 address) {
-                if (index == this->devIndex)
-                    lines << QString("progress %1/%2 @%3").arg(progress).arg(total).arg(address);
+                note(index, QString("progress %1/%2 @%3").arg(progress).arg(total).arg(address));
             });
-    connect(&port, &NOXSerialPort::onMeasTimeOut, this, [this](int index, bool reopened) {
-        if (index == this->devIndex)
-            lines << QString("watchdog %1").arg(reopened ? "reopened" : "failed");
+    connect(&port, &Port::onMeasTimeOut, this, [this](int index, bool reopened) {
+        note(index, QString("watchdog %1").arg(reopened ? "reopened" : "failed"));
     });
-    recordResults(port);
-    recordErrors(port);
-}
-
-void LinkJournal::recordResults(NOXSerialPort &port)
-{
-    connect(&port, QOverload<int, QByteArray, quint8>::of(&NOXSerialPort::readyDevReply), this,
-            [this](int index, const QByteArray &reply, quint8 address) {
-                if (index != this->devIndex)
-                    return;
-                replies << reply;
-                lines << QString("reply @%1 %2 bytes").arg(address).arg(reply.size());
-            });
-    connect(&port, &NOXSerialPort::resultDevQuery, this, [this](int index, bool ok) {
-        if (index == this->devIndex)
-            lines << (ok ? "queries done" : "queries failed");
-    });
-    connect(&port, &NOXSerialPort::allDevQueryComplite, this,
-            [this] { lines << "all queries done"; });
-    connect(&port, &NOXSerialPort::doneSendDevData, this,
-            [this](int index, const noxSerialPortDataItem &item) {
-                if (index == this->devIndex)
-                    lines << QString("written @%1").arg(item.address);
-            });
-    connect(&port, &NOXSerialPort::doneSend, this, [this](int index) {
-        if (index == this->devIndex)
-            lines << "writes done";
-    });
-    connect(&port, &NOXSerialPort::allDevDataSend, this, [this] { lines << "all writes done"; });
-}
-
-void LinkJournal::recordErrors(NOXSerialPort &port)
-{
-    connect(&port, &NOXSerialPort::onDevQueryError, this,
-            [this](int index, quint16 code, const noxSerialPortQueryItem &item) {
-                if (index == this->devIndex)
-                    lines << QString("query error %1 @%2").arg(code).arg(item.address);
-            });
-    connect(&port, &NOXSerialPort::onDevDataError, this,
-            [this](int index, quint16 code, const noxSerialPortDataItem &item) {
-                if (index == this->devIndex)
-                    lines << QString("write error %1 @%2").arg(code).arg(item.address);
-            });
-    connect(&port, &NOXSerialPort::resultDevData, this, [this](int index, bool ok) {
-        if (index == this->devIndex)
-            lines << (ok ? "writes done, more wait" : "write failed, more wait");
-    });
-    connect(&port, QOverload<int, quint16, QString>::of(&NOXSerialPort::onDevError), this,
+    recordReads(port);
+    recordWrites(port);
+    connect(&port, QOverload<int, quint16, QString>::of(&Port::onDevError), this,
             [this](int index, quint16 code, const QString &text) {
-                if (index == this->devIndex)
-                    lines << QString("error %1 %2").arg(code).arg(text);
+                note(index, QString("error %1 %2").arg(code).arg(text));
             });
+}
+
+void LinkJournal::note(int index, const QString &line)
+{
+    if (index == devIndex)
+        lines << line;
+}
+
+void LinkJournal::recordReads(NOXSerialPort &port)
+{
+    using Port = NOXSerialPort;
+    connect(&port, QOverload<int, QByteArray, quint8>::of(&Port::readyDevReply), this,
+            [this](int index, const QByteArray &reply, quint8 address) {
+                if (index == this->devIndex)
+                    replies << reply;
+                note(index, QString("reply @%1 %2 bytes").arg(address).arg(reply.size()));
+            });
+    connect(&port, &Port::resultDevQuery, this,
+            [this](int index, bool ok) { note(index, ok ? "queries done" : "queries failed"); });
+    connect(&port, &Port::allDevQueryComplite, this, [this] { lines << "all queries done"; });
+    connect(&port, &Port::onDevQueryError, this,
+            [this](int index, quint16 code, const noxSerialPortQueryItem &item) {
+                note(index, QString("query error %1 @%2").arg(code).arg(item.address));
+            });
+}
+
+void LinkJournal::recordWrites(NOXSerialPort &port)
+{
+    using Port = NOXSerialPort;
+    connect(&port, &Port::doneSendDevData, this,
+            [this](int index, const noxSerialPortDataItem &item) {
+                note(index, QString("written @%1").arg(item.address));
+            });
+    connect(&port, &Port::doneSend, this, [this](int index) { note(index, "writes done"); });
+    connect(&port, &Port::allDevDataSend, this, [this] { lines << "all writes done"; });
+    connect(&port, &Port::onDevDataError, this,
+            [this](int index, quint16 code, const noxSerialPortDataItem &item) {
+                note(index, QString("write error %1 @%2").arg(code).arg(item.address));
+            });
+    connect(&port, &Port::resultDevData, this, [this](int index, bool ok) {
+        note(index, ok ? "writes done, more wait" : "write failed, more wait");
+    });
 }
 
 QStringList LinkJournal::linesOf(const QString &beginning) const

@@ -30,8 +30,9 @@ public:
     QVector<ChannelValue> measurements;
 
 private:
-    void recordResults(NOXSerialPort &port);
-    void recordErrors(NOXSerialPort &port);
+    void recordReads(NOXSerialPort &port);
+    void recordWrites(NOXSerialPort &port);
+    void note(int index, const QString &line);
 
     int devIndex;
 };

@@ -29,28 +29,6 @@ WorkerBench::WorkerBench(const QString &portName, const LinkTiming &timing)
     worker.start();
 }
 
-void WorkerBench::query(const noxSerialPortQueryItem &item, int index)
-{
-    QMetaObject::invokeMethod(&worker, [this, item, index] { worker.sendQuery(index, item); });
-}
-
-void WorkerBench::write(const noxSerialPortDataItem &item, int index)
-{
-    QMetaObject::invokeMethod(&worker, [this, item, index] { worker.sendData(index, item); });
-}
-
-void WorkerBench::hold(bool held, int index)
-{
-    QMetaObject::invokeMethod(&worker,
-                              [this, held, index] { worker.blockStatusEvent(index, held); });
-}
-
-void WorkerBench::setWatchdogSeconds(quint8 seconds)
-{
-    QMetaObject::invokeMethod(&worker,
-                              [this, seconds] { worker.setMeasTimeout(devIndex, seconds); });
-}
-
 qint64 WorkerBench::stopMs()
 {
     QElapsedTimer clock;

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "plot/plotmeasurement.h"
+#include "plot/plotpickers.h"
+
+#include <QObject>
+
+class PlotAxes;
+class PlotRecords;
+class QMouseEvent;
+class QwtNOX;
+class QwtNoxQwtPlotPicker;
+struct ZoomedView;
+
+/**
+ * What the user does with the mouse on the plot: measuring, zooming, panning, placing limits and
+ * reading values off. It acts on the main channel of the main instrument, as that channel's mode
+ * says; a gesture that means another mode asks the plot for it. Points are in seconds and values.
+ */
+class PlotInteraction : public QObject
+{
+    Q_OBJECT
+public:
+    PlotInteraction(QwtNOX *plot, PlotRecords &records, PlotAxes &axes);
+
+    /** Lets the mouse do what the mode of the main channel says. */
+    void applyMode(TmcMode mode);
+    /** Takes the measurement away; where no channel says what the mouse does a click measures. */
+    void reset();
+    /** Takes away what is written beside points that may mean nothing any more. */
+    void hideFrames() { m_measurement.hideFrames(); }
+    /** Ends the placing of limits without one. */
+    void stopPlacingLimits() { m_pickers.limits()->setEnabled(false); }
+
+    /** Places a point of the measurement, the first or a second one. */
+    void addPoint(const QPointF &point);
+    /** Tells of the first point, beside `place` on the canvas in pixels. */
+    void showFirstPoint(const QPointF &point, const QPoint &place);
+    /** Writes what is shown anew, in place: times may be written otherwise now. */
+    void rewriteMeasurement();
+    /** Puts what is written back beside its points after the axes have changed. */
+    void followAxes() { m_measurement.followAxes(); }
+    /** Time and value of a point as the cross-hair tells them. */
+    QString pointText(const QPointF &point) const;
+
+    /** Shows a rectangle by the scales that fit it. */
+    void zoomTo(const QRectF &rectangle);
+    /** Brings the point last under the mouse to `point`, while the right button is held. */
+    void panTo(const QPointF &point);
+    /** Middle of a view in which a chosen scale takes effect: in the zoom mode, of the last zoom.
+     */
+    QPointF middleOfView() const;
+
+    // Plain events of the plot, for what no picker selects
+
+    void mousePressed(const QMouseEvent *event);
+    void mouseMoved(const QMouseEvent *event);
+    void mouseReleased(const QMouseEvent *event);
+
+signals:
+    /** Another view was chosen, which is no setting of the channel. */
+    void viewChosen();
+
+private:
+    void connectPickers();
+    void startMeasurement(const QPointF &point);
+    void resetMeasurement();
+    void zoomByWheel(bool coarser);
+    void show(const ZoomedView &view);
+    void placeLimit(const QPointF &point);
+    void clickLeft(const QPointF &point);
+    void clickRight();
+    TmcMode mode() const;
+    QPointF cursor() const;
+    QPointF pointUnder(const QPoint &position) const;
+    TimeFormat timeFormat() const;
+
+    QwtNOX *m_plot;
+    PlotRecords &m_records;
+    PlotAxes &m_axes;
+    PlotMeasurement m_measurement;
+    QwtNoxQwtPlotPicker *m_crossHair; ///< owned by the canvas
+    PlotPickers m_pickers;            ///< made last: they see each event before the cross-hair
+    QPoint m_pressed;                 ///< where a button went down, in pixels of the plot
+    bool m_isRightHeld = false;       ///< the right button is down, and no other
+};

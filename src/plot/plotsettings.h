@@ -1,0 +1,73 @@
+#pragma once
+
+#include "plot/plotmodes.h"
+
+#include <QColor>
+#include <QObject>
+
+class FrameClock;
+class PlotAxes;
+class PlotInteraction;
+class PlotRecords;
+struct ChannelNumber;
+struct PlotDevice;
+
+/**
+ * How the instruments are looked at: which one and which of its channels in the first place, what
+ * is visible in which colour, by which scales and modes. A setting is compared and stored in the
+ * records, applied to axes and mouse, and announced. Numbers are those of QwtNOX, which passes its
+ * calls and these signals on.
+ */
+class PlotSettings : public QObject
+{
+    Q_OBJECT
+public:
+    PlotSettings(PlotRecords &records, PlotAxes &axes, PlotInteraction &interaction,
+                 FrameClock &frameClock);
+
+    void setMainDevice(int qwtIndex);
+    void setMainChannel(uchar ch, int qwtIndex);
+
+    void setDeviceShown(bool show, int qwtIndex);
+    void setChannelShown(bool show, int qwtIndex, uchar ch);
+    void setValuesShown(bool show, int qwtIndex);
+    void setAveragesShown(bool show, int qwtIndex);
+    void setColor(const QColor &color, int qwtIndex, uchar ch);
+
+    void setTrackingMode(TmcTrackingMode mode, int qwtIndex);
+    void setMode(TmcMode mode, int qwtIndex, uchar ch);
+    void setModeX(TmcModeX mode, int qwtIndex, uchar ch);
+    void setScaleX(uchar scale, int qwtIndex, uchar ch);
+    void setScaleY(uchar scale, int qwtIndex, uchar ch);
+    /** Sets the decimals that suit a step of scalesY(). */
+    void setPrecisionFor(uchar scaleY, int qwtIndex, uchar ch);
+
+    /** Lets the axes follow the main channel, and asks for a frame. */
+    void rescale();
+
+signals:
+    // As the signals of QwtNOX, in the order in which that one promises them
+
+    void changed(int qwtIndex);
+    void mainDeviceChanged(int qwtIndex);
+    void mainChannelChanged(int qwtIndex, uchar ch);
+    void channelShownChanged(int qwtIndex, uchar ch, bool show);
+    void valuesShownChanged(int qwtIndex, bool show);
+    void averagesShownChanged(int qwtIndex, bool show);
+    void colorChanged(int qwtIndex, uchar ch, QColor color);
+    void trackingModeChanged(int qwtIndex, uchar ch, TmcTrackingMode mode);
+    void modeChanged(int qwtIndex, uchar ch, TmcMode mode);
+    void modeXChanged(int qwtIndex, uchar ch, TmcModeX mode);
+    void scaleXChanged(int qwtIndex, uchar ch, uchar scale);
+    void scaleYChanged(int qwtIndex, uchar ch, uchar scale);
+
+private:
+    void setCurvesShown(bool PlotDevice::*kind, void (PlotSettings::*kindChanged)(int, bool),
+                        bool show, int qwtIndex);
+    bool chooseScale(int axis, uchar scale, const ChannelNumber &number);
+
+    PlotRecords &m_records;
+    PlotAxes &m_axes;
+    PlotInteraction &m_interaction;
+    FrameClock &m_frameClock;
+};

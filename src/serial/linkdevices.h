@@ -1,0 +1,77 @@
+#pragma once
+
+#include "serial/exchangequeue.h"
+
+#include <QByteArray>
+#include <QList>
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+
+class QEventLoop;
+class QObject;
+class noxSerialPortThread;
+
+/** A reply held back while the events of its instrument are blocked. */
+struct HeldReply {
+    quint8 address = 0;
+    std::unique_ptr<QByteArray> buf;
+};
+
+/** All that the multiplexer keeps of one connected instrument. */
+struct LinkDevice {
+    LinkDevice();
+    ~LinkDevice();
+    LinkDevice(LinkDevice &&other) noexcept;
+
+    std::unique_ptr<noxSerialPortThread> worker;
+    ExchangeQueue<noxSerialPortQueryItem> queries;
+    ExchangeQueue<noxSerialPortDataItem> writes;
+    std::deque<HeldReply> heldReplies;
+    int blocked = 0;                   ///< how often its events were blocked
+    QEventLoop *removalWait = nullptr; ///< the local loop in which its removal is waited for
+
+    /** Its worker has a read or a write, whether that is still wanted or not. */
+    bool isExchanging() const { return queries.isHandedOver() || writes.isHandedOver(); }
+};
+
+/**
+ * The connected instruments by `devIndex`, and what is asked of one or of all of them.
+ *
+ * A record's address holds until it is removed, which may happen while a signal is being received.
+ */
+class LinkDevices
+{
+public:
+    /** A new record under the smallest free index from 0, or -1 when `most` stand already. */
+    int add(int most);
+    /** Removes a record and hands it over; `devIndex` must be known. */
+    LinkDevice take(int devIndex);
+    void clear() { m_devices.clear(); }
+
+    /** The record of an index; null when there is none. */
+    LinkDevice *find(int devIndex);
+    const LinkDevice *find(int devIndex) const;
+    /** The index of a worker; -1 when it is none, or no longer one. */
+    int indexOf(const QObject *worker) const;
+    /** All indices, in ascending order. */
+    QList<int> indices() const;
+
+    /** Reads, or writes, are queued; false for an unknown device. */
+    bool hasQueries(int devIndex) const;
+    bool hasWrites(int devIndex) const;
+    /** No device has a queued read or a held reply. */
+    bool haveReadAll() const;
+    /** No device has a queued write. */
+    bool haveSentAll() const;
+    /** The queued reads and writes of all devices. */
+    int pendingExchanges() const;
+
+    /** The oldest held reply of a device, taken out; nothing when there is none. */
+    std::optional<HeldReply> takeHeldReply(int devIndex);
+
+private:
+    std::map<int, LinkDevice> m_devices;
+};

@@ -1,0 +1,295 @@
+#include "dialogs/confchmenu.h"
+#include "dialogs/confmenu.h"
+#include "dialogs/devconfui.h"
+#include "serial/noxserialport.h"
+#include "windowfixture.h"
+
+/** Instruments come, go, become current, exchange and fail; the window finds space for them. */
+class TestInstruments : public WindowTest
+{
+    Q_OBJECT
+    /** Rows of both tables, the current instrument here and on the plot, and what is shown of it.
+     */
+    QString shown() const
+    {
+        return words({instruments()->rowCount() - 1, channels()->rowCount() - 1,
+                      window->currentIndex(), plot().getDevMain(), title(), panels(),
+                      find<QPushButton>("dXBtn")->text()});
+    }
+
+    QCheckBox *showBox(int row) const
+    {
+        return instruments()->cellWidget(row, InstrumentColumn::Show)->findChild<QCheckBox *>();
+    }
+
+private slots:
+    void connectsByHand()
+    {
+        const SerialPortEntry busy{"ttyS0", "/dev/ttyS0", true};
+        const SerialPortEntry bath{"bath&2", "/nowhere", false};
+        ListedPorts::use({{"ttyS1", "/dev/ttyS1", false}, busy, bath});
+        QCOMPARE(entriesOf(menuOf("addDevBtn")), "без подключния, |, ttyS1, bath&&2");
+        ListedPorts::use({busy, bath});
+        QCOMPARE(entriesOf(menuOf("addDevBtn")), "без подключния, |, bath&&2");
+        QCOMPARE(shown(), "0 0 -1 -1 - --|--| X: -");
+        pick(menuOf("addDevBtn"), "без подключния");
+        QCOMPARE(shown(), "1 0 0 0 -- № -- --||- X: Авто");
+        QCOMPARE(QString(instrument(1)).remove("[gray current]"), "|--|--|--|-|-|<");
+        QCOMPARE(showBox(1)->property("noxIndex").toInt(), 0);
+        pick(menuOf("addDevBtn"), "bath&&2");
+        QCOMPARE(record(1).portName, "bath&2");
+        emit registry().onAddNox(-1, false); // which was refused
+        QCOMPARE(instruments()->rowCount(), 3);
+    }
+
+    void headersNameTheColumns()
+    {
+        const auto header = [](const QTableWidget *table) { // title and width, 0 for a flexible one
+            QStringList columns;
+            for (int column = 0; column < table->columnCount(); ++column) {
+                const auto *cell = qobject_cast<QLabel *>(table->cellWidget(0, column));
+                const auto mode = table->horizontalHeader()->sectionResizeMode(column);
+                columns << words({cell->text() + cell->toolTip().section('\n', 0, 0),
+                                  mode == QHeaderView::Stretch ? 0 : table->columnWidth(column),
+                                  cell->pixmap(Qt::ReturnByValue).width()});
+            }
+            return columns.join('|');
+        };
+        QCOMPARE(header(instruments()),
+                 "Графики прибора: флажок показывает и скрывает их 50 20|Имя/тип 0 0|Номер 75 0|"
+                 "Результат 0 0|Разм. 50 0|Канал 55 0|Меню прибора 50 20");
+        QCOMPARE(header(channels()),
+                 "Графики каналов: левая кнопка мыши — показать или скрыть, 50 20|Результат 0 0|"
+                 "Разм. 50 0|ΔX 75 0|ΔY 75 0|ΔКанал 55 0|Меню канала 50 20");
+    }
+
+    void openSettingsFollowTheImage()
+    {
+        add(0x31, 1);
+        const auto choice = [](const QWidget *from, const char *name) {
+            return from->findChild<QComboBox *>(name)->currentIndex();
+        };
+        optionsNOX8 &image = *record(0).opt;
+        devConfUI *const settings = window->deviceSettings();
+        settings->show(0);
+        const QImage before = settings->grab().toImage();
+        click(instruments(), 1, InstrumentColumn::Menu);
+        for (const int shortCircuit : {0, 1}) {
+            image.setDevZakorotka(quint8(shortCircuit));
+            QCOMPARE(choice(settings, "devZakorotkaCB"), shortCircuit);
+            QCOMPARE(choice(window->instrumentCard(), "devZakorotkaCB"), shortCircuit);
+        }
+        window->instrumentCard()->close();
+        click(channels(), 1, ChannelColumn::Menu);
+        QCOMPARE(choice(window->channelCard(), "currentCB"), 0);
+        image.setChCurrent(0, 1);
+        QCOMPARE(choice(window->channelCard(), "currentCB"), 1);
+        QVERIFY(settings->grab().toImage() != before);
+    }
+
+    void sharesOneTimeOriginAndFillsGaps()
+    {
+        for (const int index : {0, 1, 2}) {
+            add();
+            now = now.addSecs(10);
+            measure(index, 21, 0);
+            QCOMPARE(plot().getChTime(index, 0), 10.0 * (index + 1));
+        }
+        registry().rmByIndex(1);
+        QCOMPARE(plot().devices().keys(), (QList<int>{0, 2}));
+        QCOMPARE(registry().getQWTIndex(add(0x11, 4)), 1);
+        QCOMPARE(column(instruments(), InstrumentColumn::Number), "-- -- 0004");
+    }
+
+    void growsWithTheModel()
+    {
+        add(0x41, 7);
+        const QString numbers = "1 2 3 4 5 6 7 8";
+        QCOMPARE(column(channels(), ChannelColumn::Number), numbers + " 9 10 11 12 13 14 15 16");
+        QCOMPARE(channel(15), "16|--|Ω|||-|");
+        measure(0, 20, 12);
+        QVERIFY(instrument(1).contains("|20.00|°С|13|"));
+        record(0).opt->setDevType(0x11);
+        QCOMPARE(column(channels(), ChannelColumn::Number), numbers);
+        QVERIFY(instrument(1).contains("|--[gray current]|Ω[gray current]|1[gray current]|"));
+        record(0).opt->setChMeasType(2, measTemperature, {});
+        QCOMPARE(channel(2), "3|--|°С|||-|");
+    }
+
+    void becomesCurrentByAClick()
+    {
+        add(0x11, 1);
+        add(0x41, 2);
+        click(instruments(), 2, InstrumentColumn::Menu);
+        QCOMPARE(window->currentIndex(), 0);
+        confMenu *const card = window->instrumentCard();
+        QVERIFY(card->x() > 100); // at the cell, as far as the screen allows
+        QCOMPARE(card->findChild<QLabel *>("titleLabel")->text(), "NOX CM1 № 0002");
+        QTest::mouseClick(card->findChild<QToolButton *>("setupBtn"), Qt::LeftButton);
+        QVERIFY(!card->isVisible() && window->deviceSettings()->isVisible());
+        QVERIFY(window->deviceSettings()->windowTitle().endsWith("NOX CM1 № 0002"));
+        window->deviceSettings()->reject();
+
+        click(instruments(), 2, InstrumentColumn::Number);
+        QCOMPARE(shown(), "2 16 1 1 NOX CM1 № 0002 --|--| X: Авто");
+        QVERIFY(instruments()->item(2, InstrumentColumn::Name)->isSelected());
+        QVERIFY(instrument(1).startsWith("[gray]|NOX B[gray]|") &&
+                instrument(1).endsWith("|[gray]"));
+        QVERIFY(instrument(2).startsWith("[gray current]|") && instrument(2).contains("|<["));
+        QVERIFY(!showBox(1)->isChecked() && showBox(2)->isChecked());
+        click(instruments(), 0, InstrumentColumn::Name); // the header
+        QCOMPARE(window->currentIndex(), 1);
+    }
+
+    void choosesTheNextCurrentInstrument()
+    {
+        const struct {
+            int current;
+            int removed;
+            const char *next;
+        } cases[] = {{1, 2, "2 8 1 1 NOX B № 0002 --|--| X: Авто"},
+                     {0, 0, "2 8 2 2 NOX B № 0003 --|--| X: Авто"},
+                     {2, 2, "2 8 1 1 NOX B № 0002 --|--| X: Авто"},
+                     {0, 1, "2 8 0 0 NOX B № 0001 --|--| X: Авто"}};
+        for (const auto &one : cases) {
+            addSome(3);
+            choose(one.current + 1);
+            registry().rmByIndex(one.removed);
+            // what still comes in for the removed one finds nobody
+            measure(one.removed, 21, 0);
+            emit registry().onDevChange(one.removed);
+            emit registry().onRmNox(one.removed, one.removed);
+            QCOMPARE(shown(), one.next);
+            const auto indices = registry().indices();
+            for (const int index : indices)
+                registry().rmByIndex(index);
+            QCOMPARE(shown(), "0 0 -1 -1 - --|--| X: -");
+        }
+    }
+
+    void boxesStayWithTheirInstruments()
+    {
+        addSome(3);
+        registry().rmByIndex(1);
+        const auto clicked = [this](int row) {
+            if (row > 0)
+                QTest::mouseClick(showBox(row), Qt::LeftButton);
+            const auto &devices = plot().devices();
+            return words({devices[0].devShow, showBox(1)->isChecked(), devices[2].devShow,
+                          showBox(2)->isChecked()});
+        };
+        QCOMPARE(clicked(0), "true true false false");
+        QCOMPARE(clicked(2), "true true true true");
+        QCOMPARE(clicked(1), "false false true true");
+    }
+
+    void tellsOfAFaultOnce()
+    {
+        add(0x11, 1234);
+        for (const int index : {0, 7})
+            emit registry().onDevError(index, 200, "Обрыв связи [код 252]");
+        QCOMPARE(dialogs.told.size(), 1);
+        const Message &message = dialogs.told.first();
+        QCOMPARE(message.title + '|' + message.text,
+                 "Неисправность прибора|ОШИБКА №200\nНеисправность прибора NOX B № 1234\n"
+                 "Обрыв связи [код 252]");
+        QCOMPARE(message.icon, QMessageBox::Warning);
+        QCOMPARE(message.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    }
+
+    void progressStandsInTheRow()
+    {
+        addSome(2);
+        const auto bar = [this](int row) { // value, end and width
+            const auto *widget = qobject_cast<QProgressBar *>(instruments()->cellWidget(row, 6));
+            return widget ? words({widget->value(), widget->maximum(), widget->width()}) : "-";
+        };
+        const auto report = [&](int devIndex, int value, int most) {
+            record(1).devIndex = 9;
+            emit window->serialPort()->setProgress(devIndex, value, most, 2);
+            return bar(1) + ", " + bar(2);
+        };
+        QCOMPARE(report(9, 30, 100), "-, 30 100 50");
+        QCOMPARE(report(9, -1, 0), "-, -1 0 50");
+        QCOMPARE(report(9, 0, 70), "-, 0 70 50");
+        QCOMPARE(report(8, 50, 100), "-, 0 70 50");
+        QCOMPARE(report(9, 0, 0), "-, -");
+        report(9, 30, 100);
+        emit registry().onDevError(1, 200, {});
+        QCOMPARE(bar(2), "-");
+        report(9, 30, 100);
+        registry().disConnByIndex(1);
+        QCOMPARE(bar(2), "-");
+        report(9, 30, 100);
+        registry().rmByIndex(0); // the row moves up: the bar must not speak for another
+        QCOMPARE(bar(1), "-");
+    }
+
+    void marksTheRowUnderTheMouse()
+    {
+        addSome(3);
+        const auto enter = [](QTableWidget *table, int row, int place) {
+            const QRect cell = table->visualRect(table->model()->index(row, place));
+            QTest::mouseMove(table->window()->windowHandle(),
+                             table->viewport()->mapTo(table->window(), cell.center()));
+            QCoreApplication::processEvents();
+            const bool hand = table->viewport()->cursor().shape() == Qt::PointingHandCursor;
+            return column(table, 6).section(' ', 0, 2) + (hand ? " hand" : "");
+        };
+        QTableWidget *table = instruments();
+        QCOMPARE(enter(table, 2, InstrumentColumn::Menu), "< ☰  hand");
+        QCOMPARE(enter(table, 3, InstrumentColumn::Show), "<  ☰"); // a box lies above the cell
+        QCOMPARE(enter(table, 1, InstrumentColumn::Menu), "<   hand");
+        QCOMPARE(enter(table, 2, InstrumentColumn::Unit), "< ☰ ");
+        QCOMPARE(enter(channels(), 2, ChannelColumn::Reference), "< ☰  hand");
+        QCOMPARE(column(table, InstrumentColumn::Menu), "<  ");
+        QCOMPARE(enter(channels(), 3, ChannelColumn::Menu), "<  ☰ hand");
+        QCOMPARE(enter(channels(), 3, ChannelColumn::DeltaY), "<  ☰");
+    }
+
+    void widensThePlot()
+    {
+        const auto *left = find("widget");
+        const auto *button = find<QToolButton>("wideViewBtn");
+        QTRY_VERIFY(left->isVisible());
+        const int narrow = plot().width();
+        press("wideViewBtn");
+        QVERIFY(!left->isVisible() && button->arrowType() == Qt::RightArrow);
+        QTRY_VERIFY(plot().width() > narrow + 400);
+        press("wideViewBtn");
+        QVERIFY(left->isVisible() && button->arrowType() == Qt::LeftArrow);
+        QTRY_COMPARE(plot().width(), narrow);
+        const QSize least = window->minimumSizeHint(); // it fits a small screen
+        QCOMPARE(least.boundedTo({940, 490}), least);
+    }
+
+    void givesHeightToTheTableThatNeedsIt()
+    {
+        const QTableWidget *table = instruments();
+        const auto isSeen = [table](int row) {
+            const QRect cell = table->visualRect(table->model()->index(row, 1));
+            return table->viewport()->rect().contains(cell);
+        };
+        addSome(8);
+        QTRY_VERIFY(isSeen(1) && isSeen(8));
+        for (int row = 9; row <= 30; ++row) {
+            addSome(1);
+            QCoreApplication::processEvents();
+            QVERIFY(isSeen(row));
+        }
+        table->verticalScrollBar()->setValue(table->rowHeight(0)); // a box lies below the title
+        const QWidget *title = table->cellWidget(0, InstrumentColumn::Show);
+        QCOMPARE(table->viewport()->childAt(title->geometry().center()), title);
+        QCOMPARE(channels()->verticalScrollBar()->maximum(), 0);
+        // with more of both than there is height for, each has half; what one leaves, the other has
+        add(0x41, 31);
+        choose(31);
+        QTRY_VERIFY(qAbs(table->height() - channels()->height()) <= 1);
+        add(); // of an unknown model, without channels
+        choose(32);
+        QTRY_COMPARE(channels()->height(), channels()->minimumHeight());
+    }
+};
+
+QTEST_MAIN(TestInstruments)
+#include "tst_instruments.moc"

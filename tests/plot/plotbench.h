@@ -1,0 +1,171 @@
+#pragma once
+
+#include "plotmouse.h"
+#include "signallog.h"
+
+#include <QImage>
+#include <QLabel>
+#include <qwt_plot_marker.h>
+#include <qwt_plot_textlabel.h>
+#include <qwt_scale_draw.h>
+#include <qwt_scale_widget.h>
+
+#include <cmath>
+
+/** True where something was drawn in the colour on white, be it smoothed. */
+inline bool isInked(QRgb pixel, const QColor &color)
+{
+    const auto isBetween = [](int seen, int drawn) {
+        return 255 - seen >= 0.4 * (255 - drawn) && seen >= drawn - 60;
+    };
+    return isBetween(qRed(pixel), color.red()) && isBetween(qGreen(pixel), color.green()) &&
+           isBetween(qBlue(pixel), color.blue());
+}
+
+/** Share of the pixels in a row or column that satisfy `isInk`, the best of it and both beside. */
+template<typename IsInk>
+double inkAlong(const QPoint &from, const QPoint &to, IsInk isInk)
+{
+    const bool isRow = from.y() == to.y();
+    const int length = isRow ? to.x() - from.x() : to.y() - from.y();
+    double best = 0;
+    for (const int beside : {-1, 0, 1}) {
+        int inked = 0;
+        for (int i = 0; i < length; ++i)
+            inked += isInk(from + (isRow ? QPoint(i, beside) : QPoint(beside, i))) ? 1 : 0;
+        best = std::max(best, double(inked) / length);
+    }
+    return best;
+}
+inline bool isDotted(double inkShare)
+{
+    return inkShare > 0.2 && inkShare < 0.9;
+}
+
+/**
+ * A plot of two instruments with two channels each, the first one on show, a mouse on it, a clock
+ * that stands still, and a log of what is announced.
+ */
+class PlotBench
+{
+public:
+    PlotBench()
+    {
+        plot.setClock([this] { return now; });
+        plot.addDev(0, 2);
+        plot.addDev(1, 2);
+        plot.setDevMain(0);
+        plot.setChMode(ModeAuto);
+        log.take();
+        QVERIFY(mouse.isReady());
+    }
+
+    /** Points of channel 0 at 0, 1 ... `last` seconds, rising from 20 by 0.01. */
+    PlotBench &withRamp(int last = 65)
+    {
+        for (int second = 0; second <= last; ++second)
+            add(20 + second * 0.01, second);
+        log.take();
+        return *this;
+    }
+    bool add(double value, double time, int ch = 0, int qwtIndex = 0)
+    {
+        return plot.addPoint(value, time, "°С", qwtIndex, uchar(ch));
+    }
+
+    // What the axes show, as "0 to 100 by 10".
+    QString x() const { return view(QwtPlot::xBottom); }
+    QString y() const { return view(QwtPlot::yLeft); }
+    QString views() const { return x() + ", " + y(); }
+    /** The middle of what is shown. */
+    QPointF middle() const
+    {
+        const auto of = [](const QwtInterval &shown) {
+            return (shown.minValue() + shown.maxValue()) / 2;
+        };
+        return {of(plot.axisInterval(QwtPlot::xBottom)), of(plot.axisInterval(QwtPlot::yLeft))};
+    }
+    double stepX() const { return plot.axisStepSize(QwtPlot::xBottom); }
+    double stepY() const { return plot.axisStepSize(QwtPlot::yLeft); }
+    QString labelX(double value) const
+    {
+        return plot.axisScaleDraw(QwtPlot::xBottom)->label(value).text();
+    }
+    QString labelY(double value) const
+    {
+        return plot.axisScaleDraw(QwtPlot::yLeft)->label(value).text();
+    }
+
+    /** The crosses of the measurement, the first one first; those that are seen, or the others. */
+    QVector<QPointF> crosses(bool areSeen = true) const
+    {
+        QVector<QPointF> points;
+        for (const QwtPlotItem *item : plot.itemList(QwtPlotItem::Rtti_PlotMarker)) {
+            const auto *marker = static_cast<const QwtPlotMarker *>(item);
+            if (marker->lineStyle() == QwtPlotMarker::Cross && marker->isVisible() == areSeen)
+                points.append(marker->value());
+        }
+        return points;
+    }
+    /** Upper and lower limit of an instrument; "-" for one that is not seen. */
+    QString limits(int qwtIndex = 0) const
+    {
+        const QwtNOX::_dev device = plot.devices().value(qwtIndex);
+        const auto text = [](const QwtPlotMarker *limit) {
+            return limit->isVisible() ? QString::number(limit->yValue(), 'f', 2) : QString("-");
+        };
+        return text(device.upperMarker) + ' ' + text(device.lowerMarker);
+    }
+
+    const QwtPlotTextLabel *caption() const
+    {
+        const auto items = plot.itemList(QwtPlotItem::Rtti_PlotTextLabel);
+        return static_cast<const QwtPlotTextLabel *>(items.value(0));
+    }
+    QString captionText() const { return caption()->text().text(); }
+    QWidget *frame(const char *name) const { return plot.findChild<QWidget *>(name); }
+    /** The frames of the measurement that are seen. */
+    QString frames() const
+    {
+        return QString(frame("pointFrame")->isVisible() ? "point " : "") +
+               (frame("measurementFrame")->isVisible() ? "interval" : "");
+    }
+    /** What labels say. */
+    QStringList texts(const QStringList &names) const
+    {
+        QStringList texts;
+        for (const QString &name : names)
+            texts += plot.findChild<QLabel *>(name)->text();
+        return texts;
+    }
+    template<typename Picker>
+    Picker *picker(const char *name) const
+    {
+        return plot.findChild<Picker *>(name);
+    }
+
+    /** What is seen on the canvas. */
+    QImage picture()
+    {
+        plot.updateLayout();
+        plot.replot();
+        return plot.canvas()->grab().toImage();
+    }
+
+    QDateTime now{{2026, 3, 1}, {23, 0}};
+    QwtNOX plot;
+    PlotMouse mouse{plot};
+    SignalLog log{plot};
+
+private:
+    QString view(int axis) const
+    {
+        const double step = plot.axisStepSize(axis);
+        const auto text = [step](double value) {
+            return QString::number(std::round(value / step * 1000) * step / 1000 + 0.0, 'g', 9);
+        };
+        const QwtInterval shown = plot.axisInterval(axis);
+        return QString("%1 to %2 by %3")
+            .arg(text(shown.minValue()), text(shown.maxValue()), QString::number(step));
+    }
+};
