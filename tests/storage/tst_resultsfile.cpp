@@ -306,7 +306,7 @@ private slots:
         // fewer units than columns, one that is none; more units than columns
         QCOMPARE(read(first + "№;dT;1;2;3;\n ;[c];none;[];\n1;0;5;6;7;\n"),
                  begin + "; 1 0 6 | 1 rows, 0 and 0 skipped");
-        QCOMPARE(read(first + "№;dT;1;\n ;[c];[K];[V];[W];\n1;0;5;6;7;\n"),
+        QCOMPARE(read(first + "№;dT;1;\n ;[c];[K];[V];T [W] x;\n1;0;5;6;7;\n"),
                  begin + "; 0 0 5K; 1 0 6V; 2 0 7W | 1 rows, 0 and 0 skipped");
         // blanks, also within a unit
         QCOMPARE(read(first + "№ dT 1 2 \n  [c] [мм рт. ст.] [K] \n1 0 5 6 \n"),
