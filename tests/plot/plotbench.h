@@ -22,17 +22,18 @@ inline bool isInked(QRgb pixel, const QColor &color)
            isBetween(qBlue(pixel), color.blue());
 }
 
-/** Share of the pixels in a row or column that satisfy `isInk`, the best of it and both beside. */
+/** Share of the pixels on a level or upright line for which `isInk` holds, of three lines the most.
+ */
 template<typename IsInk>
 double inkAlong(const QPoint &from, const QPoint &to, IsInk isInk)
 {
-    const bool isRow = from.y() == to.y();
-    const int length = isRow ? to.x() - from.x() : to.y() - from.y();
+    const bool isLevel = from.y() == to.y();
+    const int length = isLevel ? to.x() - from.x() : to.y() - from.y();
     double best = 0;
     for (const int beside : {-1, 0, 1}) {
         int inked = 0;
         for (int i = 0; i < length; ++i)
-            inked += isInk(from + (isRow ? QPoint(i, beside) : QPoint(beside, i))) ? 1 : 0;
+            inked += isInk(from + (isLevel ? QPoint(i, beside) : QPoint(beside, i))) ? 1 : 0;
         best = std::max(best, double(inked) / length);
     }
     return best;

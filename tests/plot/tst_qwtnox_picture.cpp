@@ -235,12 +235,12 @@ private slots:
             const auto isNew = [&](const QPoint &at) {
                 return now.pixel(at) != before.pixel(at) && isInked(now.pixel(at), color);
             };
-            const auto row = [&](int y) { return isDotted(inkAlong({220, y}, {400, y}, isNew)); };
-            const auto column = [&](int x) {
+            const auto level = [&](int y) { return isDotted(inkAlong({220, y}, {400, y}, isNew)); };
+            const auto upright = [&](int x) {
                 return isDotted(inkAlong({x, 120}, {x, 290}, isNew));
             };
-            const QString seen = QString(row(107) && column(203) ? "all " : "") +
-                                 (row(311) ? "bottom " : "") + (column(413) ? "right " : "");
+            const QString seen = QString(level(107) && upright(203) ? "all " : "") +
+                                 (level(311) ? "bottom " : "") + (upright(413) ? "right " : "");
             QCOMPARE((seen.startsWith("all bottom right") ? "all " : seen) + "edges", expected);
         }
     }
