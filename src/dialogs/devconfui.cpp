@@ -69,10 +69,7 @@ void devConfUI::buildParts()
     m_characteristics = new CharacteristicList(m_ui->featTable, m_registry->database());
     connect(m_ui->shiftTab, &ShiftTab::taken, this, &devConfUI::findSnapShot);
 
-    const SnapshotBox::Widgets snapshots = {m_ui->dbStatusLabel, m_ui->saveDBBtn,    m_ui->addDBBtn,
-                                            m_ui->rmDBBtn,       m_ui->dbSearchEdit, m_ui->dbFindCB,
-                                            m_ui->infoText};
-    m_snapshots = std::make_unique<SnapshotBox>(snapshots, m_registry);
+    m_snapshots = std::make_unique<SnapshotBox>(*m_ui, m_registry);
     connect(m_snapshots.get(), &SnapshotBox::instrumentRemoved, this, &devConfUI::onDevChange);
     m_files = std::make_unique<SettingsFiles>(this, m_registry);
 }

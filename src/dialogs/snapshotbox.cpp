@@ -4,14 +4,10 @@
 #include "device/featurenox8.h"
 #include "device/instrumentblocks.h"
 #include "storage/storeditems.h"
+#include "ui_devconfui.h"
 #include "widgets/userdialogs.h"
 
-#include <QAbstractButton>
-#include <QComboBox>
 #include <QCoreApplication>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QPointer>
 #include <QTimer>
 
@@ -48,11 +44,11 @@ SnapshotMatch matchSnapshot(const std::optional<noxSql::noxSqlItem> &named,
     return match;
 }
 
-SnapshotBox::SnapshotBox(const Widgets &widgets, noxList *registry)
-    : m_widgets(widgets)
+SnapshotBox::SnapshotBox(Ui::devConfUI &form, noxList *registry)
+    : m_form(form)
     , m_registry(registry)
 {
-    connect(m_widgets.info, &QPlainTextEdit::textChanged, this, &SnapshotBox::noteDescription);
+    connect(m_form.infoText, &QPlainTextEdit::textChanged, this, &SnapshotBox::noteDescription);
 }
 
 void SnapshotBox::setIndex(int index)
@@ -60,9 +56,9 @@ void SnapshotBox::setIndex(int index)
     m_index = index;
     m_match = {};
     m_offersResults = false;
-    m_widgets.info->document()->setModified(false);
-    const QSignalBlocker blocker(m_widgets.search);
-    m_widgets.search->clear();
+    m_form.infoText->document()->setModified(false);
+    const QSignalBlocker blocker(m_form.dbSearchEdit);
+    m_form.dbSearchEdit->clear();
 }
 
 // Which snapshot the configuration has
@@ -84,13 +80,13 @@ void SnapshotBox::match()
 void SnapshotBox::paint(const SnapshotMatch &match)
 {
     if (!m_offersResults) {
-        const QSignalBlocker blocker(m_widgets.found);
-        m_widgets.found->clear();
+        const QSignalBlocker blocker(m_form.dbFindCB);
+        m_form.dbFindCB->clear();
         offer(match.name, match.id);
     }
-    m_widgets.status->setVisible(match.isChanged);
-    m_widgets.save->setEnabled(match.canBeSaved);
-    m_widgets.remove->setEnabled(match.canBeRemoved);
+    m_form.dbStatusLabel->setVisible(match.isChanged);
+    m_form.saveDBBtn->setEnabled(match.canBeSaved);
+    m_form.rmDBBtn->setEnabled(match.canBeRemoved);
     paintInfo(match);
     m_match = match;
     noteDescription();
@@ -98,7 +94,7 @@ void SnapshotBox::paint(const SnapshotMatch &match)
 
 void SnapshotBox::paintInfo(const SnapshotMatch &match)
 {
-    QPlainTextEdit *const info = m_widgets.info;
+    QPlainTextEdit *const info = m_form.infoText;
     info->setEnabled(match.isFound);
     info->setPlaceholderText(match.hint);
     const bool isBeingWritten = info->document()->isModified() && match.id == m_match.id;
@@ -111,15 +107,15 @@ void SnapshotBox::paintInfo(const SnapshotMatch &match)
 /** A description alone can be saved as well. */
 void SnapshotBox::noteDescription()
 {
-    const bool isDescribed = m_match.canBeRemoved && m_widgets.info->document()->isModified() &&
-                             m_widgets.info->toPlainText() != m_match.info;
-    m_widgets.save->setEnabled(m_match.canBeSaved || isDescribed);
+    const bool isDescribed = m_match.canBeRemoved && m_form.infoText->document()->isModified() &&
+                             m_form.infoText->toPlainText() != m_match.info;
+    m_form.saveDBBtn->setEnabled(m_match.canBeSaved || isDescribed);
 }
 
 void SnapshotBox::offer(const QString &text, const QVariant &data)
 {
-    m_widgets.found->addItem(text, data);
-    m_widgets.found->setItemData(m_widgets.found->count() - 1, text, Qt::ToolTipRole);
+    m_form.dbFindCB->addItem(text, data);
+    m_form.dbFindCB->setItemData(m_form.dbFindCB->count() - 1, text, Qt::ToolTipRole);
 }
 
 // Search
@@ -131,13 +127,13 @@ void SnapshotBox::search(const QString &text)
     m_offersResults = !text.isEmpty();
     if (!m_offersResults)
         return match();
-    const QSignalBlocker blocker(m_widgets.found);
-    m_widgets.found->clear();
+    const QSignalBlocker blocker(m_form.dbFindCB);
+    m_form.dbFindCB->clear();
     if (text.size() < shortestSearch)
         return offer(tr("Введите не менее 3-х символов"), {});
     offer(tr("Идёт поиск..."), 0);
     const auto found = searchSnapshots(text);
-    m_widgets.found->clear();
+    m_form.dbFindCB->clear();
     offer(tr("Найдено: ") + QString::number(found.size()), 0);
     for (const noxSql::noxSqlItem &snapshot : found)
         offer(snapshot.name, snapshot.id);
@@ -145,7 +141,7 @@ void SnapshotBox::search(const QString &text)
 
 void SnapshotBox::choose()
 {
-    const int id = m_widgets.found->currentData().toInt();
+    const int id = m_form.dbFindCB->currentData().toInt();
     if (!record() || id < 1 || id == m_justChosen)
         return;
     m_justChosen = id;
@@ -169,7 +165,7 @@ void SnapshotBox::apply(int snapshotId)
         return;
     const int formerId = std::exchange(nox->snapShotId, snapshotId);
     m_offersResults = false;
-    m_widgets.info->document()->setModified(false);
+    m_form.infoText->document()->setModified(false);
     if (!image->setData(content->configuration, configurationAddress)) {
         nox->snapShotId = formerId;
         match();
@@ -184,7 +180,7 @@ void SnapshotBox::apply(int snapshotId)
 
 void SnapshotBox::tellUnsuited(bool isModelKnown)
 {
-    QWidget *const dialog = m_widgets.found->window();
+    QWidget *const dialog = m_form.dbFindCB->window();
     const QString text = isModelKnown
                              ? tr("Эта настройка не подходит прибору: у него другое число каналов.")
                              : tr("Настройку нельзя применить: тип прибора не известен.");
@@ -220,9 +216,9 @@ void SnapshotBox::save()
 
 void SnapshotBox::store(int snapshotId)
 {
-    const QString info = m_widgets.info->toPlainText();
+    const QString info = m_form.infoText->toPlainText();
     if (storeSnapshot(*m_registry->database(), *record(), info, snapshotId))
-        m_widgets.info->document()->setModified(false);
+        m_form.infoText->document()->setModified(false);
     m_offersResults = false;
     match();
 }
@@ -230,7 +226,7 @@ void SnapshotBox::store(int snapshotId)
 /** Asks whether something is to be removed; the widgets may be gone by the time of the answer. */
 bool SnapshotBox::isRemovalWanted() const
 {
-    QWidget *const dialog = m_widgets.found->window();
+    QWidget *const dialog = m_form.dbFindCB->window();
     const Message question = removalQuestion(dialog->windowTitle());
     return UserDialogs::current().ask(dialog, question) == QMessageBox::Yes;
 }

@@ -7,11 +7,10 @@
 
 #include <optional>
 
-class QAbstractButton;
-class QComboBox;
-class QLabel;
-class QLineEdit;
-class QPlainTextEdit;
+namespace Ui
+{
+class devConfUI;
+}
 
 /** What the box of stored configurations shows of the present one. */
 struct SnapshotMatch {
@@ -46,18 +45,8 @@ class SnapshotBox : public QObject
 {
     Q_OBJECT
 public:
-    struct Widgets {
-        QLabel *status; ///< seen while the configuration differs from its snapshot
-        QAbstractButton *save;
-        QAbstractButton *add;
-        QAbstractButton *remove;
-        QLineEdit *search;
-        QComboBox *found;
-        QPlainTextEdit *info;
-    };
-
-    /** The widgets and the registry are not owned. */
-    SnapshotBox(const Widgets &widgets, noxList *registry);
+    /** The form outlives the box; the registry is not owned. */
+    SnapshotBox(Ui::devConfUI &form, noxList *registry);
 
     /** The instrument by its registry index; -1 for none. */
     void setIndex(int index);
@@ -93,7 +82,7 @@ private:
     void noteDescription();
     noxList::_nox *record() const { return m_registry->getNoxByIndex(m_index); }
 
-    Widgets m_widgets;
+    Ui::devConfUI &m_form;
     noxList *m_registry;
     int m_index = -1;
     SnapshotMatch m_match;        ///< as it is shown

@@ -1,420 +1,370 @@
-#include "calibration/featconfui.h"
-#include "device/featurenox8.h"
 #include "device/vocabulary.h"
-#include "dialogs/devconfui.h"
-#include "registry/noxlist.h"
-#include "serial/noxserialport.h"
-#include "storage/noxsql.h"
-#include "support/menukeys.h"
-#include "widgets/rowdelegate.h"
-#include "widgets/userdialogs.h"
-
-#include <QtTest>
-#include <QtWidgets>
-
-#include <memory>
+#include "dialogsfixture.h"
 
 /** The settings of an instrument, worked by keys and clicks; its image is what comes out. */
-class TestDeviceSettings : public QObject
+class TestDeviceSettings : public DialogsTest
 {
     Q_OBJECT
 private slots:
-    void init();
-    void cleanup();
+    void init() { prepare(); }
+    void cleanup() { tidyUp(); }
 
-    void openingChangesNothing_data();
-    void openingChangesNothing();
-    void fieldsAreStored();
-    void whatIsOnlyPassedIsNoEntry();
-    void columnsAreChosen_data();
-    void columnsAreChosen();
-    void ownUnitIsWritten();
-    void applyAsksForWrites();
-    void changesAreMarkedUntilWritten();
-    void serviceUnlocks();
-    void typedTextOutlivesRefresh();
-    void fileIsShownWhole();
-    void progress();
-    void removedWhileOpen_data();
-    void removedWhileOpen();
+    /** Everything, as an instrument may hold it. */
+    void openingChangesNothing()
+    {
+        QStringList shown;
+        for (const quint32 type : {0U, noxB, noxCm1Rev4}) {
+            add(type);
+            image->devCompensTP = 2;
+            image->channels[1] = {0, measTemperature,     "",         1, 1, 0,
+                                  0, featureThermocouple, compensNone};
+            image->channels[6] = {3,  measTemperatureCustom, "bar",      15, 15, 12,
+                                  15, featureThermocouple,   compensNone};
+            image->features[3]->setFeature(FeatureRecord::its90, "Эталон",
+                                           {"24.8", "1", "2", "3", "4", "5", "6", "7", "3.375"});
+            nox->dbIndex = type == 0 ? 0 : nox->dbIndex;
+            settings->show(nox->index); // which matches a snapshot
+            const QByteArray before = data() + references();
+            heard();
+            settings->show(nox->index);
+            for (int tab = 0; tab < 4; ++tab)
+                find<QTabWidget>("tabWidget")->setCurrentIndex(tab);
+            QCOMPARE(heard(), QString());
+            QVERIFY(data() + references() == before);
+            shown << settings->windowTitle() << seenForm(settings.get());
+        }
+        QCOMPARE(shown.replaceInStrings(QRegExp(" от .*\\["), ""),
+                 linesOf(QFINDTESTDATA("data/settings.txt")));
+    }
+
+    void entriesAreTaken()
+    {
+        open(noxCm1);
+        QCOMPARE(chosen("devMeasRoundCB", 1), QString("02100100 01000000 device"));
+        QCOMPARE(chosen("devMeasTimeCB", 8), QString("82100100 01000000 device"));
+        QCOMPARE(chosen("devMeasModeCB", 1), QString("81100100 01000000 device"));
+        QCOMPARE(chosen("devCompensTPCB", 2), QString("81120100 01000000 device"));
+        QCOMPARE(chosen("devChReversCB", 1), QString("81121100 01000000 device"));
+        QCOMPARE(chosen("devZakorotkaCB", 0), QString("81121000 01000000 device"));
+
+        open(noxCm1Rev4);
+        for (const char *passed : {"devPortEdit", "devNumEdit", "devNameEdit"})
+            press(passed, {Qt::Key_Tab});
+        enter("devNameEdit", "NOX CM1 rev.4 № 0123"); // as it is shown for one without a name
+        QCOMPARE(see("devNameEdit") + heard(), QString("NOX CM1 rev.4 № 0123"));
+        QVERIFY(image->devName.isEmpty() && !image->identApplyPending);
+        enter("devNameEdit", " A name of more than sixteen");
+        QCOMPARE(see("devNameEdit") + '|' + heard(),
+                 QString("A name of more t {changed}|identity, device"));
+        find<QTabWidget>("tabWidget")->setCurrentIndex(2);
+        find<QGroupBox>("refGBox")->setChecked(true);
+        enter("t0Edit", "20,5");
+        QCOMPARE(see("t0Edit") + '|' + heard(), QString("20.50|references"));
+        QVERIFY(settings->setRef());
+        open(0);
+        nox->dbIndex = 0;
+        settings->onDevChange(nox->index);
+        choose("devTypeCB", 1);
+        QCOMPARE(image->devType, 1U);
+    }
+
+    void columnsAreChosen_data()
+    {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("entry");
+        QTest::addColumn<QString>("before"); // what was ticked
+        const QStringList currents = optionsNOX8::getDevCurrentList(noxCm);
+        const QStringList resistors = optionsNOX8::getDevResistList(noxCm);
+        const QStringList couples = standardThermocouples();
+        const QStringList sensors = standardResistanceThermometers();
+        QTest::newRow("off") << 0 << "Выкл."
+                             << "Вкл.";
+        QTest::newRow("unit") << 1 << "мВ"
+                              << "Ω";
+        QTest::newRow("current") << 2 << currents.at(3) << currents.at(0);
+        QTest::newRow("resistor") << 3 << resistors.at(2) << resistors.at(0);
+        QTest::newRow("own") << 4 << "Печь && ко" << couples.at(0);
+        QTest::newRow("standard") << 4 << "НСХ ТП/" + couples.at(2) << couples.at(0);
+        QTest::newRow("compensation") << 5 << "НСХ ТС/" + sensors.at(2) << sensors.at(5);
+    }
+
+    /** For one channel by its cell, for all by the header of the column. */
+    void columnsAreChosen()
+    {
+        QFETCH(int, column);
+        QFETCH(QString, entry);
+        open(noxCm);
+        image->features[6]->name = "Печь & ко";
+        image->devCompensTP = 2;
+        for (quint8 ch = 0; ch < 8; ++ch) {
+            image->setChFeature(ch, featureThermocouple, 0);
+            image->setChFeatureCompesTP(ch, compensResistanceThermometer, 5);
+        }
+        const QString before = channels()->item(0, column)->text();
+        const QString after =
+            column == 0 ? "-" : QString(entry).remove(QRegExp("^НСХ ../")).replace("&&", "&");
+        pressCell(4, column);
+        QTEST(ticked(), "before");
+        pickEntry(entry);
+        for (int row = 0; row < 8; ++row)
+            QCOMPARE(channels()->item(row, column)->text(), row == 4 ? after : before);
+        pressCell(-1, column);
+        QCOMPARE(ticked(), QString());
+        pickEntry(entry);
+        for (int row = 0; row < 8; ++row)
+            QCOMPARE(channels()->item(row, column)->text(), after);
+    }
+
+    /** Beside the cell, or below the header for all channels; not from a cell out of use. */
+    void keysOpenTheMenus()
+    {
+        open(noxCm);
+        const int right =
+            channels()->viewport()->mapToGlobal({channels()->columnViewportPosition(2), 0}).x();
+        for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter, Qt::Key_Menu}) {
+            channels()->setCurrentCell(3, 1);
+            QTest::keyClick(channels(), key);
+            QCOMPARE(ticked(), QString("Ω"));
+            QCOMPARE(QApplication::activePopupWidget()->x(), right);
+            QApplication::activePopupWidget()->close();
+            QTest::keyClick(channels(), key, Qt::ControlModifier);
+            QCOMPARE(ticked(), QString());
+            QCOMPARE(QApplication::activePopupWidget()->x(), right);
+            QApplication::activePopupWidget()->close();
+        }
+        emit channels()->cellPressed(3, 5);
+        QCOMPARE(ticked(), QString("no menu"));
+        for (int column = 0; column < 6; ++column) {
+            emit channels()->cellEntered(0, column);
+            const bool opensAList = column > 3;
+            QCOMPARE(channels()->cursor().shape() == Qt::PointingHandCursor, opensAList);
+        }
+    }
+
+    void ownUnitIsWritten()
+    {
+        open(noxCm);
+        QStringList units;
+        for (const QString text : {"", "бар\x1b", "бар на метр\r"}) {
+            channels()->setCurrentCell(2, 1);
+            QTest::keyClick(channels(), Qt::Key_Space);
+            QWidget *const menu = QApplication::activePopupWidget();
+            QTest::keyClick(menu, Qt::Key_Up); // the last entry is the line
+            auto *const line = menu->findChild<QLineEdit *>();
+            QTRY_VERIFY(line->hasFocus());
+            typeText(line, text.left(11));
+            QTest::keyClick(line, text.endsWith('\r') ? Qt::Key_Return : Qt::Key_Escape);
+            menu->close();
+            units << channels()->item(2, 1)->text();
+        }
+        QCOMPARE(units, QStringList({"Ω", "Ω", "бар на мет"}));
+        pressCell(1, 1); // by the mouse: the press alone chooses
+        QTest::mouseClick(QApplication::activePopupWidget()->findChild<QLineEdit *>(),
+                          Qt::LeftButton);
+        QCOMPARE(image->getCh(1).measType, measTemperatureCustom);
+        QCOMPARE(ticked(), QString(":"));
+    }
+
+    void buttonsReachTheInstrument_data()
+    {
+        QTest::addColumn<quint32>("type");
+        QTest::addColumn<QString>("expected"); // of two clicks
+        QTest::newRow("pushButton_5") << noxDRev4 << "write identity, write device; write device";
+        QTest::newRow("pushButton_5 ") << 0U << "; ";
+        QTest::newRow("devGetConfBtn") << noxB << "read 51 8 shown; ";
+        QTest::newRow("pushButton_2") << noxB << "read 3 72 shown; ";
+        QTest::newRow("pushButton_7") << noxDRev4 << "read 9 148 shown; ";
+        QTest::newRow("pushButton_7 ") << noxB << "; ";
+        QTest::newRow("pushButton") << noxB
+                                    << "references, write references; references, "
+                                       "write references";
+        QTest::newRow("pushButton_8") << noxDRev4 << "write shifts; write shifts";
+        QTest::newRow("chUPB") << noxDRev4 << "shifts; shifts";
+        QTest::newRow("rmDevBtn") << noxB << "database; ";
+        QTest::newRow("pushButton_6") << noxB << "; ";
+    }
+
+    void buttonsReachTheInstrument()
+    {
+        QFETCH(quint32, type);
+        const QString button = QString(QTest::currentDataTag()).trimmed();
+        open(type, port->addDev("P1"));
+        image->identApplyPending = true;
+        nox->qwtIndex = 3;
+        plot->addDev(3, 8);
+        for (const char *group : {"refGBox", "refShiftGBox"})
+            find<QGroupBox>(group)->setChecked(true);
+        answers->answer = button == "rmDevBtn" ? QMessageBox::Yes : QMessageBox::Ok;
+        QStringList clicks;
+        for (int time = 0; time < 2; ++time) {
+            find<QPushButton>(button)->click();
+            clicks << heard();
+        }
+        QTEST(clicks.join("; "), "expected");
+        QCOMPARE(settings->isVisible(), button != "pushButton_6");
+        QCOMPARE(nox->dbIndex < 1 || !find("rmDevBtn")->isEnabled(), button == "rmDevBtn" || !type);
+        settings->reject();
+        settings->show(nox->index);
+        QVERIFY(!find<QGroupBox>("refGBox")->isChecked());
+        QVERIFY(!find<QGroupBox>("refShiftGBox")->isChecked());
+    }
+
+    void changesAreMarkedUntilWritten()
+    {
+        open(noxCm);
+        const auto marks = [&] {
+            const QString lists = "devMeasRoundCB devMeasTimeCB devMeasModeCB devCompensTPCB "
+                                  "devChReversCB devZakorotkaCB chTable featTable";
+            QString marks;
+            for (const QString &text : seen(settings.get(), lists))
+                marks += text.contains("changed") || text.contains('*') ? 'x' : '.';
+            return marks;
+        };
+        QCOMPARE(marks(), QString("........"));
+        image->setChCurrent(3, 2);
+        image->features[2]->name = "Эталон";
+        choose("devMeasRoundCB", 0);
+        choose("devChReversCB", 1);
+        QCOMPARE(marks(), QString("x...x.xx"));
+        nox->held.noteWritten(0, data());
+        emit registry->onHeldChange(nox->index);
+        QCOMPARE(marks(), QString("........"));
+    }
+
+    void serviceUnlocks()
+    {
+        open(noxCm);
+        image->identValid = true;
+        settings->onDevChange(nox->index);
+        const auto unlocked = [&] {
+            return QStringList{see("tabWidget").right(13), see("devNumEdit"),
+                               find("devTypeCB")->isEnabled() ? "type" : "",
+                               find("uShiftGBox")->isHidden() ? "" : "ranges",
+                               find("chUPB")->isHidden() ? "" : "zero"}
+                .join('|');
+        };
+        QCOMPARE(unlocked().section('|', 1), QString("0123 {read only}|||"));
+        QTest::keyClick(settings.get(), Qt::Key_Escape);
+        QTest::keyPress(settings.get(), Qt::Key_PageUp);
+        click("pushButton_6");
+        QTest::keyRelease(settings.get(), Qt::Key_PageUp);
+        QCOMPARE(unlocked(), QString("Смещение <0> |0123|type|ranges|zero"));
+        enter("devNumEdit", "65537");
+        QCOMPARE(int(image->devNumber), 1);
+        click("pushButton_6");
+        QVERIFY(!settings->isVisible());
+        settings->show(nox->index);
+        QCOMPARE(unlocked().section('|', 1), QString("0001 {read only}|||"));
+    }
+
+    /** A file tells of name and shifts without a word; entries of its own the dialog keeps, until
+     *  something else is shown in their place. */
+    void typedTextOutlivesRefresh()
+    {
+        open(noxCm1Rev4);
+        image->devName = "Печь";
+        image->shiftCh[0].value = 0.5F;
+        answers->file = directory->filePath("a.ust");
+        QVERIFY(image->saveToFile(answers->file, "COM1"));
+        image->devName = "Баня";
+        image->shiftCh[0].value = 0.25F;
+        settings->show(nox->index);
+        auto *const name = find<QLineEdit>("devNameEdit");
+        settings->activateWindow();
+        name->setFocus();
+        QTRY_VERIFY(name->hasFocus());
+        typeText(name, "!");
+        emit image->onDevChange();
+        typeText(name, "?");
+        QCOMPARE(name->text(), QString("Баня!?"));
+
+        auto *const shift = find<QTableWidget>("ch8ShiftTable")->item(0, 0);
+        auto *const reference = find<QTableWidget>("refTable")->item(0, 0);
+        shift->setText("0.7");
+        reference->setText("75.1");
+        choose("devMeasRoundCB", 0);
+        emit registry->onHeldChange(nox->index);
+        QCOMPARE(shift->text() + ' ' + reference->text(), QString("0.7 75.1"));
+        click("pushButton_3");
+        QCOMPARE(shift->text() + ' ' + reference->text() + ' ' + name->text(),
+                 QString("0.500000 0.0000 Печь"));
+    }
+
+    void showsTheTransfer()
+    {
+        open(noxCm, port->addDev("P1"));
+        const auto *const bar = find<QProgressBar>("pgBar");
+        QStringList shown;
+        const auto tell = [&](int devIndex, int progress, int most) {
+            emit port->setProgress(devIndex, progress, most, 2);
+            shown << (bar->isHidden() ? "hidden"
+                                      : QString("%1/%2").arg(bar->value()).arg(bar->maximum()));
+        };
+        tell(4, 10, 20);
+        tell(0, 10, 20);
+        tell(0, -1, 20);
+        tell(0, 0, 20);
+        tell(0, 0, 0);
+        tell(0, 3, 20);
+        QCOMPARE(shown.join(' '), QString("hidden 10/20 -1/20 0/20 hidden 3/20"));
+        QCOMPARE(see("devPortEdit connectionLabel"), QString("P1 {read only} | "));
+        registry->disConnByIndex(nox->index);
+        QCOMPARE(see("pgBar connectionLabel").remove(QRegExp("^[^{]*")),
+                 QString("{hidden} | Прибор не подключён"));
+        settings->reject();
+        tell(0, 3, 20);
+        QVERIFY(bar->isHidden());
+    }
+
+    void removedWhileOpen()
+    {
+        for (const QByteArray meanwhile : {"nothing", "menu", "editor"}) {
+            open(noxCm);
+            const int index = nox->index;
+            registry->rmByIndex(registry->newNox(-1, true)->index); // another one
+            QVERIFY(settings->isVisible());
+            if (meanwhile == "editor") {
+                QTimer::singleShot(0, this, [&] {
+                    QWidget *const editor = QApplication::activeModalWidget();
+                    registry->rmByIndex(index);
+                    editor->close();
+                });
+                QTest::keyClick(find<QTableWidget>("featTable"), Qt::Key_Return);
+            } else {
+                if (meanwhile == "menu")
+                    pressCell(1, 4);
+                registry->rmByIndex(index);
+            }
+            QVERIFY(!settings->isVisible() && !QApplication::activePopupWidget());
+            QCOMPARE(answers->told.takeLast().text, QString("Прибор удалён:\nNOX CM № 0123"));
+            settings->onDevChange(index); // nobody is shown any more
+        }
+    }
 
 private:
-    template<typename Widget>
-    Widget *find(const char *name) const
+    QTableWidget *channels() const { return find<QTableWidget>("chTable"); }
+    void pressCell(int row, int column) const
     {
-        return m_dialog->findChild<Widget *>(QString::fromLatin1(name));
+        const QHeaderView *const header = channels()->horizontalHeader();
+        const QPoint place(header->sectionViewportPosition(column) + 20, 5);
+        if (row < 0)
+            QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, place);
+        else
+            QTest::mouseClick(channels()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                              place + QPoint(0, channels()->rowViewportPosition(row)));
     }
-    void open(quint32 type);
-    void choose(const char *list, const QString &text) const;
-    void pressCell(int row, int column) const;
-
-    std::unique_ptr<QTemporaryDir> m_directory;
-    std::unique_ptr<noxSql> m_database;
-    std::unique_ptr<NOXSerialPort> m_port;
-    std::unique_ptr<noxList> m_registry;
-    std::unique_ptr<devConfUI> m_dialog;
-    noxList::_nox *m_nox = nullptr;
-    optionsNOX8 *m_image = nullptr;
-    QVector<Message> m_told;
+    /** What is ticked in the menu that is up, and in those inside it. */
+    static QString ticked()
+    {
+        QStringList texts;
+        const QWidget *const menu = QApplication::activePopupWidget();
+        const auto entries = menu ? menu->findChildren<QAction *>() : QList<QAction *>();
+        for (const QAction *entry : entries)
+            if (entry->isChecked())
+                texts << entry->text();
+        return menu ? texts.join(' ') : "no menu";
+    }
 };
-
-void TestDeviceSettings::init()
-{
-    m_directory = std::make_unique<QTemporaryDir>();
-    QVERIFY(provideDatabase(m_directory->filePath("nox8.db")));
-    m_database = std::make_unique<noxSql>(m_directory->filePath("nox8.db"));
-    m_port = std::make_unique<NOXSerialPort>();
-    m_registry = std::make_unique<noxList>(m_port.get(), m_database.get());
-    m_dialog = std::make_unique<devConfUI>(nullptr, m_registry.get(), nullptr);
-    connect(m_registry.get(), &noxList::onDevChange, m_dialog.get(), &devConfUI::onDevChange);
-    connect(m_registry.get(), &noxList::onChChange, m_dialog.get(), &devConfUI::onChChange);
-    m_told.clear();
-    UserDialogs::current().tell = [this](QWidget *, const Message &message) { m_told << message; };
-}
-
-void TestDeviceSettings::cleanup()
-{
-    UserDialogs::current() = UserDialogs::onScreen();
-    m_dialog.reset();
-    m_registry.reset();
-    m_port.reset();
-    m_database.reset();
-}
-
-void TestDeviceSettings::open(quint32 type)
-{
-    m_nox = m_registry->newNox(-1, true);
-    m_image = m_nox->opt.get();
-    m_image->setDevType(type);
-    m_image->setDevNumber(123);
-    m_image->setData(taken(m_image->getData()), 2); // as when it has been read
-    m_image->identApplyPending = false;
-    m_nox->held.noteRead(2, taken(m_image->getData()));
-    m_dialog->show(m_nox->index);
-}
-
-void TestDeviceSettings::choose(const char *list, const QString &text) const
-{
-    auto *const box = find<QComboBox>(list);
-    QVERIFY2(box->isEnabled() && box->findText(text) >= 0, list);
-    box->setCurrentIndex(box->findText(text));
-}
-
-void TestDeviceSettings::pressCell(int row, int column) const
-{
-    const auto *const table = find<QTableWidget>("chTable");
-    if (row >= 0) {
-        const QRect cell = table->visualItemRect(table->item(row, column));
-        QTest::mouseClick(table->viewport(), Qt::LeftButton, Qt::NoModifier, cell.center());
-        return;
-    }
-    const QHeaderView *const header = table->horizontalHeader();
-    const QPoint place(header->sectionViewportPosition(column) + 20, header->height() / 2);
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, place);
-}
-
-void TestDeviceSettings::openingChangesNothing_data()
-{
-    QTest::addColumn<quint32>("type");
-    QTest::addColumn<QString>("compensation");
-    QTest::addColumn<bool>("hasShortCircuit");
-    QTest::addColumn<bool>("isExtended");
-
-    QTest::newRow("NOX B") << 17U << "Канал 7" << false << false;
-    QTest::newRow("NOX CM") << 34U << "Канал 8" << true << false;
-    QTest::newRow("NOX CM1 rev.4") << 157329935U << "Канал 16" << true << true;
-}
-
-void TestDeviceSettings::openingChangesNothing()
-{
-    QFETCH(quint32, type);
-    open(type);
-    m_dialog->reject();
-    const QByteArray data = taken(m_image->getData());
-    const QByteArray references = taken(m_image->getRefAllData());
-    QSignalSpy changes(m_image, &optionsNOX8::onDevChange);
-    QSignalSpy channelChanges(m_image, &optionsNOX8::onChChange);
-    QSignalSpy referenceChanges(m_image, &optionsNOX8::onRefChange);
-    m_dialog->show(m_nox->index);
-    for (int tab = 0; tab < 4; ++tab)
-        find<QTabWidget>("tabWidget")->setCurrentIndex(tab);
-    QCOMPARE(changes.count() + channelChanges.count() + referenceChanges.count(), 0);
-    QCOMPARE(taken(m_image->getData()), data);
-    QCOMPARE(taken(m_image->getRefAllData()), references);
-
-    const auto *const compensation = find<QComboBox>("devCompensTPCB");
-    QTEST(compensation->itemText(1), "compensation");
-    QTEST(find<QComboBox>("devZakorotkaCB")->isEnabled(), "hasShortCircuit");
-    QTEST(
-        bool(compensation->model()->flags(compensation->model()->index(2, 0)) & Qt::ItemIsEnabled),
-        "hasShortCircuit");
-    QTEST(find<QTabWidget>("tabWidget")->isTabVisible(3), "isExtended");
-    QTEST(find<QLineEdit>("devNameEdit")->isEnabled(), "isExtended");
-    QCOMPARE(find<QTableWidget>("chTable")->rowCount(), int(m_image->getDevChCount()));
-    QVERIFY(m_dialog->windowTitle().startsWith("Настройки прибора NOX"));
-    QVERIFY(m_dialog->windowTitle().endsWith(" № 0123"));
-}
-
-void TestDeviceSettings::fieldsAreStored()
-{
-    open(157329935);
-    choose("devMeasRoundCB", "0.1");
-    choose("devMeasTimeCB", "7");
-    find<QComboBox>("devMeasModeCB")->setCurrentIndex(1);
-    choose("devCompensTPCB", "Все");
-    choose("devChReversCB", "Да");
-    choose("devZakorotkaCB", "Да");
-    QCOMPARE(int(m_image->devMeasRound), 0);
-    QCOMPARE(int(m_image->devMeasTime), 6);
-    QCOMPARE(int(m_image->devMeasMode), 1);
-    QCOMPARE(int(m_image->devCompensTP), 2);
-    QCOMPARE(int(m_image->devChRevers), 16);
-    QCOMPARE(int(m_image->devZakorotka), 0);
-    QCOMPARE(find<QComboBox>("devCompensTPCB")->itemText(1), QString("Канал 15"));
-
-    auto *const name = find<QLineEdit>("devNameEdit");
-    name->selectAll();
-    QTest::keyClicks(name, "A name of more than sixteen");
-    QTest::keyClick(name, Qt::Key_Return);
-    QCOMPARE(m_image->devName, QString("A name of more t"));
-    QCOMPARE(name->text(), m_image->devName);
-    QVERIFY(m_image->identApplyPending);
-}
-
-/** The default name is longer than what an instrument keeps, and passes like any other text. */
-void TestDeviceSettings::whatIsOnlyPassedIsNoEntry()
-{
-    open(157329935);
-    QSignalSpy identities(m_image, &optionsNOX8::onIdentChange);
-    for (const char *field : {"devPortEdit", "devNumEdit", "devNameEdit"}) {
-        find<QLineEdit>(field)->setFocus();
-        QTest::keyClick(find<QLineEdit>(field), Qt::Key_Tab);
-    }
-    QCOMPARE(find<QLineEdit>("devNameEdit")->text(), QString("NOX CM1 rev.4 № 0123"));
-    QCOMPARE(identities.count(), 0);
-    QVERIFY(m_image->devName.isEmpty() && !m_image->identApplyPending);
-}
-
-void TestDeviceSettings::columnsAreChosen_data()
-{
-    QTest::addColumn<int>("column");
-    QTest::addColumn<QString>("entry");
-    QTest::addColumn<QString>("shown");
-
-    QTest::newRow("off") << 0 << "Выкл."
-                         << "-";
-    QTest::newRow("unit") << 1 << "мВ"
-                          << "мВ";
-    QTest::newRow("current") << 2 << optionsNOX8::getDevCurrentList(34).at(3)
-                             << optionsNOX8::getDevCurrentList(34).at(3);
-    QTest::newRow("resistor") << 3 << optionsNOX8::getDevResistList(34).at(2)
-                              << optionsNOX8::getDevResistList(34).at(2);
-    QTest::newRow("own") << 4 << "Печь && ко"
-                         << "Печь & ко";
-    const QString thermocouple = standardThermocouples().at(2);
-    QTest::newRow("standard") << 4 << "НСХ ТП/" + thermocouple << thermocouple;
-    const QString resistance = standardResistanceThermometers().at(2);
-    QTest::newRow("compensation") << 5 << "НСХ ТС/" + resistance << resistance;
-}
-
-/** For one channel by its cell, for all by the header of the column. */
-void TestDeviceSettings::columnsAreChosen()
-{
-    QFETCH(int, column);
-    QFETCH(QString, entry);
-    QFETCH(QString, shown);
-    open(34);
-    m_image->features[6]->name = "Печь & ко";
-    m_image->devCompensTP = 2;
-    for (quint8 ch = 0; ch < 8; ++ch) {
-        m_image->setChFeature(ch, featureThermocouple, 0);
-        m_image->setChFeatureCompesTP(ch, compensResistanceThermometer, 5);
-    }
-    const auto *const table = find<QTableWidget>("chTable");
-    const QString before = table->item(0, column)->text();
-
-    pressCell(4, column);
-    pickEntry(entry);
-    for (int row = 0; row < 8; ++row)
-        QCOMPARE(table->item(row, column)->text(), row == 4 ? shown : before);
-    pressCell(-1, column);
-    const auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-    QVERIFY(menu);
-    for (const QAction *one : menu->actions())
-        QVERIFY(!one->isChecked());
-    pickEntry(entry);
-    for (int row = 0; row < 8; ++row)
-        QCOMPARE(table->item(row, column)->text(), shown);
-    QCOMPARE(table->item(0, 1)->foreground().color(),
-             QColor(column == 0 ? Qt::lightGray : Qt::black));
-}
-
-void TestDeviceSettings::ownUnitIsWritten()
-{
-    open(34);
-    auto *const table = find<QTableWidget>("chTable");
-    table->setFocus();
-    table->setCurrentCell(2, 1);
-    QTest::keyClick(table, Qt::Key_Space);
-    auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-    QVERIFY(menu);
-    QTest::keyClick(menu, Qt::Key_Up); // the last entry is the line
-    auto *const line = menu->findChild<QLineEdit *>();
-    QTRY_VERIFY(line->hasFocus());
-    QTest::keyClicks(line, "bar");
-    QTest::keyClick(line, Qt::Key_Return);
-    QCOMPARE(table->item(2, 1)->text(), QString("bar"));
-    QCOMPARE(m_image->getCh(2).measType, measTemperatureCustom);
-    QCOMPARE(table->item(1, 1)->text(), QString("Ω"));
-}
-
-void TestDeviceSettings::applyAsksForWrites()
-{
-    open(157329935);
-    m_image->identApplyPending = true;
-    QSignalSpy identities(m_image, &optionsNOX8::onIdentApply);
-    QSignalSpy devices(m_image, &optionsNOX8::onDevApply);
-    for (int press = 0; press < 2; ++press)
-        QTest::mouseClick(find<QPushButton>("pushButton_5"), Qt::LeftButton);
-    QCOMPARE(identities.count(), 1);
-    QCOMPARE(devices.count(), 2);
-
-    open(0);
-    QSignalSpy unknown(m_image, &optionsNOX8::onDevApply);
-    QTest::mouseClick(find<QPushButton>("pushButton_5"), Qt::LeftButton);
-    QCOMPARE(unknown.count(), 0);
-}
-
-void TestDeviceSettings::changesAreMarkedUntilWritten()
-{
-    open(34);
-    const auto *const table = find<QTableWidget>("chTable");
-    const auto isMarked = [&] { return table->item(3, 2)->data(changedRole).toBool(); };
-    const auto *const rounding = find<QComboBox>("devMeasRoundCB");
-    QVERIFY(!isMarked() && rounding->accessibleDescription().isEmpty());
-    m_image->setChCurrent(3, 2);
-    choose("devMeasRoundCB", "0.1");
-    QVERIFY(isMarked() && !rounding->accessibleDescription().isEmpty());
-    m_nox->held.noteWritten(0, taken(m_image->getData()));
-    emit m_registry->onHeldChange(m_nox->index);
-    QVERIFY(!isMarked() && rounding->accessibleDescription().isEmpty());
-}
-
-void TestDeviceSettings::serviceUnlocks()
-{
-    open(34);
-    m_nox->opt->identValid = true;
-    m_dialog->onDevChange(m_nox->index);
-    auto *const close = find<QPushButton>("pushButton_6");
-    auto *const number = find<QLineEdit>("devNumEdit");
-    QVERIFY(!find<QComboBox>("devTypeCB")->isEnabled() && number->isReadOnly());
-    QTest::keyClick(m_dialog.get(), Qt::Key_Escape);
-    QVERIFY(m_dialog->isVisible());
-
-    QTest::keyPress(m_dialog.get(), Qt::Key_PageUp);
-    QTest::mouseClick(close, Qt::LeftButton);
-    QTest::keyRelease(m_dialog.get(), Qt::Key_PageUp);
-    QVERIFY(m_dialog->isVisible());
-    QVERIFY(find<QComboBox>("devTypeCB")->isEnabled() && !number->isReadOnly());
-    QVERIFY(find<QTabWidget>("tabWidget")->isTabVisible(3));
-    number->selectAll();
-    QTest::keyClicks(number, "65537");
-    QTest::keyClick(number, Qt::Key_Return);
-    QCOMPARE(int(m_image->devNumber), 1);
-    QTest::mouseClick(close, Qt::LeftButton);
-    QVERIFY(!m_dialog->isVisible());
-}
-
-void TestDeviceSettings::typedTextOutlivesRefresh()
-{
-    open(157329935);
-    auto *const name = find<QLineEdit>("devNameEdit");
-    m_dialog->activateWindow();
-    name->setFocus();
-    QTRY_VERIFY(name->hasFocus());
-    name->selectAll();
-    QTest::keyClicks(name, "Etalo");
-    emit m_image->onDevChange();
-    QTest::keyClicks(name, "n");
-    QCOMPARE(name->text(), QString("Etalon"));
-}
-
-/** A file tells of name and shifts without a word; entries of its own the dialog keeps, until
- *  something else is shown in their place. */
-void TestDeviceSettings::fileIsShownWhole()
-{
-    open(157329935);
-    m_image->devName = "Печь";
-    m_image->shiftCh[0].value = 0.5F;
-    const QString file = m_directory->filePath("a.ust");
-    QVERIFY(m_image->saveToFile(file, "COM1"));
-    UserDialogs::current().chooseFile = [&](QWidget *, const FileQuestion &) { return file; };
-    m_image->devName = "Баня";
-    m_image->shiftCh[0].value = 0.25F;
-    m_dialog->show(m_nox->index);
-
-    auto *const shift = find<QTableWidget>("ch8ShiftTable")->item(0, 0);
-    auto *const reference = find<QTableWidget>("refTable")->item(0, 0);
-    shift->setText("0.7");
-    reference->setText("75.1");
-    choose("devMeasRoundCB", "0.1");
-    emit m_registry->onHeldChange(m_nox->index);
-    QCOMPARE(shift->text() + ' ' + reference->text(), QString("0.7 75.1"));
-
-    QTest::mouseClick(find<QPushButton>("pushButton_3"), Qt::LeftButton);
-    QCOMPARE(shift->text() + ' ' + reference->text(), QString("0.500000 0.0000"));
-    QCOMPARE(find<QLineEdit>("devNameEdit")->text(), QString("Печь"));
-}
-
-void TestDeviceSettings::progress()
-{
-    open(34);
-    m_nox->devIndex = 5;
-    const auto *const bar = find<QProgressBar>("pgBar");
-    QVERIFY(bar->isHidden());
-    emit m_port->setProgress(4, 10, 20, 2);
-    QVERIFY(bar->isHidden());
-    emit m_port->setProgress(5, 10, 20, 2);
-    QVERIFY(bar->isVisible());
-    QCOMPARE(bar->value(), 10);
-    emit m_port->setProgress(5, -1, 20, 2);
-    QCOMPARE(bar->value(), -1);
-    emit m_port->setProgress(5, 0, 0, 2);
-    QVERIFY(bar->isHidden());
-    emit m_port->setProgress(5, 3, 20, 2);
-    m_registry->disConnByIndex(m_nox->index);
-    QVERIFY(bar->isHidden());
-}
-
-void TestDeviceSettings::removedWhileOpen_data()
-{
-    QTest::addColumn<QString>("meanwhile");
-    for (const char *what : {"nothing", "menu", "editor"})
-        QTest::newRow(what) << QString(what);
-}
-
-void TestDeviceSettings::removedWhileOpen()
-{
-    QFETCH(QString, meanwhile);
-    open(34);
-    const auto remove = [this] { m_registry->rmByIndex(m_nox->index); };
-    if (meanwhile == "editor") {
-        QTimer::singleShot(0, m_dialog.get(), [&] {
-            QWidget *const editor = QApplication::activeModalWidget();
-            remove();
-            editor->close();
-        });
-        QTest::keyClick(find<QTableWidget>("featTable"), Qt::Key_Return);
-    } else {
-        if (meanwhile == "menu")
-            pressCell(1, 4);
-        remove();
-    }
-    QVERIFY(!m_dialog->isVisible());
-    QVERIFY(!QApplication::activePopupWidget());
-    QVERIFY(m_told.last().text.contains("NOX CM № 0123"));
-    m_dialog->onDevChange(m_nox ? 0 : 1); // nobody is shown any more
-}
 
 QTEST_MAIN(TestDeviceSettings)
 #include "tst_devicesettings.moc"

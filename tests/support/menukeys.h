@@ -24,3 +24,10 @@ inline void pickEntry(const QString &path)
         menu = (*entry)->menu();
     }
 }
+
+/** Types a text of any alphabet. */
+inline void typeText(QWidget *field, const QString &text)
+{
+    for (const QChar character : text)
+        QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, character, Qt::NoModifier);
+}

@@ -1,0 +1,240 @@
+#include "dialogsfixture.h"
+
+/** Stored configurations and settings files of an instrument, worked by clicks and keys. */
+class TestStoredSettings : public DialogsTest
+{
+    Q_OBJECT
+private slots:
+    void init()
+    {
+        prepare();
+        open(noxCm1Rev4);
+    }
+    void cleanup() { tidyUp(); }
+
+    void followsTheConfiguration()
+    {
+        QCOMPARE(box(), QString("....[Новая настройка]<Настройка НЕ найдена в БД> {off}"));
+        nox->snapShotId = store(nox, "с завода");
+        settings->findSnapShot();
+        QVERIFY(box().endsWith(" (Заводская)]с завода<Настройка найдена в БД>"));
+        change();
+        typeText(find("infoText"), "x"); // a factory one is never changed
+        QCOMPARE(box().left(4), QString("!..i"));
+        click("addDBBtn");
+        const int snapshot = nox->snapShotId;
+        QVERIFY(snapshot > 1);
+        QVERIFY(box().startsWith("..ri[NOX CM1 rev.4 № 0123 № 0123 от "));
+        QVERIFY(box().endsWith("]xс завода<Настройка найдена в БД>"));
+        change();
+        QCOMPARE(box().left(4), QString("!sri"));
+        click("saveDBBtn");
+        QCOMPARE(box().left(4), QString("..ri"));
+        QCOMPARE(nox->snapShotId, snapshot);
+        QCOMPARE(database->getSnapShotCount(nox->dbIndex), 2);
+
+        typeText(find("infoText"), "y"); // a description alone can be saved as well
+        emit image->onDevChange();       // a refresh leaves what is being written
+        QCOMPARE(box().left(4), QString(".sri"));
+        click("saveDBBtn");
+        QCOMPARE(box().left(4) + database->getSnapShotInfo(snapshot), QString("..rixyс завода"));
+        typeText(find("infoText"), "z");
+        nox->snapShotId = 1; // of another snapshot nothing was being written
+        emit registry->onChange();
+        QVERIFY(box().startsWith("!..i[") && box().endsWith("]с завода<Настройка найдена в БД>"));
+    }
+
+    void searches()
+    {
+        store(nox, "заводская");
+        image->setChOnOff(0, 0);
+        nox->snapShotId = store(nox, "Печь №2");
+        const auto *const list = find<QComboBox>("dbFindCB");
+        const auto found = [&](const QString &text) {
+            search(text);
+            emit image->onDevChange(); // a refresh leaves what was found
+            return QString("%1 %2").arg(list->count()).arg(list->currentText());
+        };
+        QCOMPARE(found("Пе"), QString("1 Введите не менее 3-х символов"));
+        QCOMPARE(found("Печ"), QString("2 Найдено: 1"));
+        QCOMPARE(list->itemData(1).toInt(), nox->snapShotId);
+        QCOMPARE(list->itemData(1, Qt::ToolTipRole).toString(), list->itemText(1));
+        QCOMPARE(found("ПЕЧЬ"), QString("2 Найдено: 1"));
+        QCOMPARE(found("nox cm1"), QString("3 Найдено: 2"));
+        QCOMPARE(found("0123"), QString("3 Найдено: 2"));
+        QCOMPARE(found("холодильник"), QString("1 Найдено: 0"));
+        search({});
+        QCOMPARE(list->count(), 1);
+        QCOMPARE(list->currentData().toInt(), nox->snapShotId);
+        search("Печ");
+        settings->show(nox->index);
+        QCOMPARE(see("dbSearchEdit") + QString::number(list->count()), QString("1"));
+    }
+
+    void chosenSnapshotIsAppliedWhole()
+    {
+        store(nox, "заводская");
+        image->setChCurrent(9, 3);
+        image->refR[2].a.value = 0.25F;
+        image->shiftCh[15].value = 1.5F;
+        const QByteArray wanted = data() + references();
+        const int snapshot = store(nox, "Печь");
+        image->setChCurrent(9, 0);
+        image->refR[2].a.value = 0.0F;
+        image->shiftCh[15].value = 0.0F;
+        search("печь");
+        typeText(find("infoText"), "x");
+        heard();
+        press("dbFindCB", {Qt::Key_Down});
+        QVERIFY(data() + references() == wanted);
+        QCOMPARE(heard().count("shifts"), 1); // once, though a list tells of each choice twice
+        QCOMPARE(nox->snapShotId, snapshot);
+        QVERIFY(box().startsWith("..ri[NOX ") && box().endsWith("]Печь<Настройка найдена в БД>"));
+        image->setChCurrent(9, 1);
+        QCoreApplication::processEvents();              // the choice before is over
+        emit find<QComboBox>("dbFindCB")->activated(0); // the only entry of the list again
+        QVERIFY(data() + references() == wanted);
+
+        QStringList told;
+        store(add(noxDRev4), "восемь каналов");
+        for (const quint32 unsuited : {noxCm1Rev4, 0U}) {
+            open(unsuited);
+            const int snapshotBefore = nox->snapShotId;
+            const QByteArray before = references();
+            search("восемь");
+            press("dbFindCB", {Qt::Key_Down});
+            QCOMPARE(nox->snapShotId, snapshotBefore);
+            QVERIFY(unsuited == 0 || references() == before);
+            told << answers->told.value(told.size()).text;
+            QCoreApplication::processEvents();
+        }
+        QCOMPARE(told, QStringList({"Эта настройка не подходит прибору: у него другое число "
+                                    "каналов.",
+                                    "Настройку нельзя применить: тип прибора не известен."}));
+    }
+
+    void removingAsks()
+    {
+        click("rmDBBtn");
+        QVERIFY(answers->asked.isEmpty());
+        storeTwo();
+        for (const char *button : {"rmDBBtn", "rmDevBtn"}) {
+            find<QPushButton>(button)->click();
+            QCOMPARE(seen(answers->asked.takeLast()),
+                     QString("2 [Настройки прибора NOX CM1 rev.4 № 0123] Вы уверены? 14000/10000"));
+        }
+        QCOMPARE(database->getSnapShotCount(nox->dbIndex), 2);
+        answers->answer = QMessageBox::Yes;
+        click("rmDBBtn");
+        QCOMPARE(database->getSnapShotCount(nox->dbIndex), 1);
+        QCOMPARE(nox->snapShotId, 0);
+        QVERIFY(box().startsWith("....[Новая настройка]"));
+    }
+
+    /** The instrument, or the dialog too; nothing is lost but what was to be removed. */
+    void goneWhileAsked()
+    {
+        for (const bool isDialogGone : {false, true})
+            for (const QByteArray button :
+                 {"rmDBBtn", "rmDevBtn", "pushButton_3", "pushButton_4"}) {
+                cleanup();
+                init();
+                storeTwo();
+                const int instrument = nox->dbIndex;
+                answers->answer = QMessageBox::Yes;
+                answers->file = directory->filePath("x.ust");
+                answers->meanwhile = [this, isDialogGone] {
+                    if (isDialogGone)
+                        settings.reset();
+                    else
+                        registry->rmByIndex(nox->index);
+                };
+                // a button must not be destroyed while it is clicked by an event of its own
+                QMetaObject::invokeMethod(settings.get(), "on_" + button + "_clicked");
+                QVERIFY(!QFile::exists(directory->filePath("x.ust")));
+                QCOMPARE(answers->told.size(), isDialogGone ? 0 : 1);
+                const bool isRemoved = button == "rmDBBtn" && !isDialogGone;
+                QCOMPARE(database->getSnapShotCount(instrument), isRemoved ? 1 : 2);
+            }
+    }
+
+    void closedDatabase()
+    {
+        tidyUp();
+        prepare("none/nox8.db");
+        add(noxCm)->snapShotId = 3;
+        settings->show(nox->index);
+        QVERIFY(box().startsWith("....[Новая настройка]"));
+        search("печь");
+        click("addDBBtn");
+        QCOMPARE(nox->snapShotId, 0);
+    }
+
+    void settingsFiles()
+    {
+        QVERIFY(QDir(directory->path()).mkdir("deep"));
+        answers->file = directory->filePath("deep/печь.ust");
+        image->setChResist(4, 2);
+        const QByteArray saved = data();
+        click("pushButton_4");
+        image->setChResist(4, 0);
+        click("pushButton_3");
+        QCOMPARE(data(), saved);
+        QCOMPARE(answers->files.first().directory, QDir::homePath());
+        QVERIFY(answers->files.first().asksToReplace);
+        QCOMPARE(answers->files.last().mode, QFileDialog::AcceptOpen);
+        QCOMPARE(answers->files.last().name, QString("печь.ust"));
+        image->setChResist(4, 1);
+        answers->file.clear();
+        click("pushButton_3"); // given up
+        QCOMPARE(image->getCh(4).resist, quint8(1));
+
+        const auto proposed = [this](quint32 type, const QString &name) {
+            answers->files.clear();
+            open(type);
+            image->devName = name;
+            click("pushButton_4");
+            click("pushButton_3");
+            return answers->files.at(0).name + '|' + answers->files.at(1).name;
+        };
+        QCOMPARE(proposed(noxCm, {}), QString("NOX CM № 0123.ust|NOX CM № 0123.ust"));
+        QCOMPARE(proposed(noxDRev4, "Эталон"), QString("Эталон_N0123.ust|Эталон.ust"));
+        QCOMPARE(proposed(noxDRev4, "a/b:c"), QString("a_b_c_N0123.ust|a_b_c.ust"));
+        QCOMPARE(answers->files.last().directory, directory->filePath("deep"));
+        QVERIFY(answers->told.isEmpty());
+
+        answers->file = directory->filePath("none/x.ust");
+        const QByteArray before = data();
+        click("pushButton_4");
+        click("pushButton_3");
+        QCOMPARE(data(), before);
+        QCOMPARE(answers->told.value(0).title, QString("Ошибка записи настроек в файл"));
+        QCOMPARE(answers->told.value(1).title, QString("Ошибка чтения файла настроек"));
+    }
+
+private:
+    /** What differs, can be saved, removed, described; the stored one, and its description. */
+    QString box() const
+    {
+        QString signs = find("dbStatusLabel")->isHidden() ? "." : "!";
+        for (const char *control : {"saveDBBtn", "rmDBBtn", "infoText"})
+            signs += find(control)->isEnabled() ? control[0] : '.';
+        return signs + see("dbFindCB") + see("infoText");
+    }
+    void search(const QString &text) const
+    {
+        find<QLineEdit>("dbSearchEdit")->clear();
+        typeText(find("dbSearchEdit"), text);
+    }
+    void change() { choose("devMeasRoundCB", (image->devMeasRound / 16 + 1) % 3); }
+    void storeTwo()
+    {
+        store(nox, "заводская");
+        image->setChOnOff(0, 0);
+        nox->snapShotId = store(nox, "лишняя");
+        settings->findSnapShot();
+    }
+};
+
+QTEST_MAIN(TestStoredSettings)
+#include "tst_storedsettings.moc"
