@@ -71,11 +71,11 @@ private slots:
             QVERIFY2((heard() + ' ').startsWith(expected), qPrintable(button));
             QCOMPARE(card->isVisible(), button == "readBtn");
             QCOMPARE(registry->indices().isEmpty(), button == "removeBtn");
-            if (!registry->indices().isEmpty()) {
+            if (button != "removeBtn") {
                 QCOMPARE(nox->processed, button != "startBtn");
                 QCOMPARE(nox->devIndex, button == "connectBtn" ? -1 : 0);
+                registry->rmByIndex(nox->index);
             }
-            registry->rmByIndex(nox->index);
             QVERIFY(!card->isVisible());
         }
     }

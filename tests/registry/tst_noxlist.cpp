@@ -346,6 +346,7 @@ private slots:
 
         list().sendNoxData(list().newNox(-1, true)->index, Image::txConfiguration);
         found.detachByIndex(0);
+        delete same;
         cleanup(); // the write would begin while the link is ending
     }
 

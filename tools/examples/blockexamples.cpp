@@ -10,7 +10,7 @@
 namespace
 {
 
-using Builder = QByteArray *(optionsNOX8::*)() const;
+using Builder = QByteArray *(InstrumentRecord::*)() const;
 
 QByteArray take(QByteArray *block)
 {
