@@ -4,8 +4,6 @@
 #include "plot/plotitems.h"
 #include "plot/qwtlabelclick.h"
 #include "plot/qwtnox.h"
-#include "plot/qwtnoxplotpickerwheele.h"
-#include "plot/qwtnoxqwtplotpicker.h"
 
 #include <QMouseEvent>
 #include <qwt_scale_widget.h>
@@ -77,7 +75,7 @@ void PlotInteraction::startMeasurement(const QPointF &point)
         return;
     m_plot->setChMode(ModeMeasure);
     if (mode() != ModeMeasure)
-        return; // whoever heard of it has taken the instrument away or chosen another mode
+        return; // a receiver has removed the instrument or chosen another mode
     m_measurement.start(point);
     m_plot->addMeasPointFirst(point, m_measurement.placeOf(point));
     m_plot->frameClock().request();
@@ -156,7 +154,7 @@ void PlotInteraction::zoomByWheel(bool coarser)
         channel->scaleY = static_cast<uchar>(next.y); // both at once: no Y chosen by data between
         m_plot->setChScaleX(static_cast<uchar>(next.x));
         m_plot->setChScaleY(static_cast<uchar>(next.y));
-        // Unless whoever heard of it chose otherwise: following waits for the next point.
+        // Unless a receiver chose otherwise: following waits for the next point.
         if (m_axes.stepsInEffect() == next && mode() == ModeFollow)
             show(view);
     } else {

@@ -1,12 +1,14 @@
 #include "plot/plotmeasurement.h"
 
-#include "plot/intervalstatistics.h"
 #include "plot/plotrecords.h"
 
 #include <QPen>
 #include <qwt_plot.h>
 #include <qwt_plot_marker.h>
 #include <qwt_scale_widget.h>
+
+#include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -38,12 +40,40 @@ bool standsAt(const QwtPlotMarker *cross, const QPointF &point)
     return cross->isVisible() && cross->value() == point;
 }
 
-QString noStatistics()
+double meanOf(const Series &values, int first, int end)
 {
-    return QStringLiteral("--");
+    double sum = 0;
+    for (int i = first; i < end; ++i)
+        sum += values[i];
+    return sum / (end - first);
+}
+
+double deviationOf(const Series &values, int first, int end, double mean)
+{
+    double squares = 0;
+    for (int i = first; i < end; ++i)
+        squares += (mean - values[i]) * (mean - values[i]);
+    return std::sqrt(squares / (end - first - 1));
 }
 
 } // namespace
+
+IntervalStatistics intervalStatistics(const Series &times, const Series &values, double from,
+                                      double to)
+{
+    const int scanned = times.size() - 1;
+    const int first = times.firstNotBelow(from);
+    const int later = times.firstNotBelow(std::nextafter(to, HUGE_VAL));
+    const int end = std::min(scanned, later);
+    IntervalStatistics statistics;
+    if (first >= end)
+        return statistics;
+    statistics.count = end - first;
+    statistics.mean = meanOf(values, first, end);
+    if (statistics.count > 1)
+        statistics.deviation = deviationOf(values, first, end, statistics.mean);
+    return statistics;
+}
 
 QString readingText(const PlotChannel &channel, double value)
 {
@@ -65,10 +95,10 @@ MeasurementTexts measurementTexts(const PlotChannel &channel, const QPointF &fir
     texts.y2 = readingText(channel, second.y());
     texts.deltaY = readingText(channel, second.y() - first.y());
     texts.count = QString::number(statistics.count);
-    texts.mean = statistics.count > 0 ? readingText(channel, statistics.mean) : noStatistics();
+    texts.mean = statistics.count > 0 ? readingText(channel, statistics.mean) : noValueText();
     texts.deviation = statistics.count > 1
                           ? QString::number(statistics.deviation, 'f', channel.precision + 2)
-                          : noStatistics();
+                          : noValueText();
     return texts;
 }
 

@@ -1,8 +1,11 @@
 #include "plot/plotpickers.h"
 
+#include "plot/qwtnox.h"
+
 #include <QPen>
 #include <QVariant>
 #include <qwt_picker_machine.h>
+#include <qwt_text.h>
 
 #include <cstdlib>
 
@@ -64,6 +67,23 @@ bool PlotZoomer::accept(QPolygon &selection) const
 {
     const bool isRectangle = selection.size() >= 2 && !isClick(selection.first(), selection.last());
     return isRectangle && QwtPlotZoomer::accept(selection);
+}
+
+QwtNoxQwtPlotPicker::QwtNoxQwtPlotPicker(QwtNOX *plot)
+    : QwtPlotPicker(QwtPlot::xBottom, QwtPlot::yLeft, NoRubberBand, AlwaysOn, plot->canvas())
+    , m_plot(plot)
+{
+    setStateMachine(new QwtPickerTrackerMachine);
+    const auto remember = [this](const QPointF &point) { setProperty("pos", point); };
+    connect(this, &QwtPlotPicker::appended, this, remember); // the mouse enters
+    connect(this, &QwtPlotPicker::moved, this, remember);
+}
+
+QwtText QwtNoxQwtPlotPicker::trackerTextF(const QPointF &point) const
+{
+    QwtText text(m_plot->pointText(point));
+    text.setBackgroundBrush(QColor(255, 255, 255, 200)); // legible above curves
+    return text;
 }
 
 PlotPickers::PlotPickers(QWidget *canvas, const QPen &limitPen)

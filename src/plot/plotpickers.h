@@ -3,10 +3,14 @@
 #include "plot/plotmodes.h"
 
 #include <QPoint>
+#include <QWheelEvent>
 #include <qwt_plot_picker.h>
 #include <qwt_plot_zoomer.h>
 
-// What selects points and rectangles on the canvas, and what is a click there.
+class QwtNOX;
+
+// What listens to the mouse on the canvas: it selects points and rectangles, reads the cross-hair
+// and the wheel; and what is a click there.
 
 /** A mouse that stays this near, in pixels, between press and release was clicked, not dragged. */
 constexpr int clickPixels = 10;
@@ -46,6 +50,45 @@ public:
 protected:
     QSizeF minZoomSize() const override;
     bool accept(QPolygon &selection) const override;
+};
+
+/**
+ * Reads the cross-hair: tells time and value under the mouse and remembers where on the plot the
+ * mouse was last, as the property "pos" (QPointF, coordinates of the axes).
+ */
+class QwtNoxQwtPlotPicker : public QwtPlotPicker
+{
+    Q_OBJECT
+public:
+    /** `plot`, on whose canvas this works, tells how times and values are written. */
+    explicit QwtNoxQwtPlotPicker(QwtNOX *plot);
+
+    QwtText trackerTextF(const QPointF &point) const override;
+
+private:
+    const QwtNOX *m_plot;
+};
+
+/** Listens to the wheel of the mouse over the canvas. */
+class QwtNoxPlotPickerWheele : public QwtPlotPicker
+{
+    Q_OBJECT
+public:
+    explicit QwtNoxPlotPickerWheele(QWidget *canvas)
+        : QwtPlotPicker(canvas)
+    {
+    }
+
+signals:
+    /** The wheel was turned by a notch: towards the user (true) or away from the user. */
+    void zoomed(bool zoomIN);
+
+protected:
+    void widgetWheelEvent(QWheelEvent *event) override
+    {
+        QwtPlotPicker::widgetWheelEvent(event);
+        emit zoomed(event->angleDelta().y() < 0);
+    }
 };
 
 /**

@@ -10,16 +10,13 @@
 namespace
 {
 
-constexpr double lowestValue = -1300; // what an instrument sends for a broken sensor
+// what an instrument sends for a sensor that is broken; nothing real is as low
+constexpr double brokenSensorValue = -1300;
 
 bool isAcceptable(double value, double seconds)
 {
-    return std::isfinite(value) && value > lowestValue && std::isfinite(seconds) && seconds >= 0;
-}
-
-QString noValue()
-{
-    return QStringLiteral("--");
+    return std::isfinite(value) && value > brokenSensorValue && std::isfinite(seconds) &&
+           seconds >= 0;
 }
 
 /** The value at `index`, or the newest when there is none there; `series` is not empty. */
@@ -226,7 +223,7 @@ bool PlotDevice::placeLimit(const QPointF &point)
 
 bool PlotDevice::isBeyondLimit(const PlotChannel &channel) const
 {
-    // whoever heard of the point may have cleared the series
+    // a receiver of the point may have cleared the series
     if (modeTrack == TrackOff || channel.values().isEmpty())
         return false;
     const auto isChecked = [this](const QwtPlotMarker *limit, TmcTrackingMode alone) {
@@ -394,7 +391,7 @@ QString PlotRecords::valueText(int qwtIndex, uchar ch, int decimals, int index, 
 {
     const PlotChannel &read = channel(qwtIndex, ch);
     if (read.error || read.values(diff).isEmpty())
-        return noValue();
+        return noValueText();
     return QString::number(read.valueAt(index, diff), 'f', decimalsFor(read, decimals, qwtIndex));
 }
 
@@ -402,7 +399,7 @@ QString PlotRecords::averageText(int qwtIndex, uchar ch, int decimals, int index
 {
     const PlotChannel &read = channel(qwtIndex, ch);
     if (read.error)
-        return noValue();
+        return noValueText();
     if (read.averages().isEmpty())
         return {};
     return QString::number(valueOf(read.averages(), index), 'f',

@@ -37,6 +37,11 @@ QString tenthsText(double seconds)
 
 } // namespace
 
+QString noValueText()
+{
+    return QStringLiteral("--");
+}
+
 QString numberText(double number, int decimals)
 {
     const QString text = QString::number(number, 'f', decimals);

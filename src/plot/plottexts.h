@@ -9,6 +9,8 @@
 // dropped, except from plain seconds. A clock shows seconds when the axis step is below 60 s, and
 // milliseconds when it is below 1 s.
 
+/** What stands in place of a value that is not there. */
+QString noValueText();
 /** A number with so many decimals; what is rounded to zero is written without a sign. */
 QString numberText(double number, int decimals);
 

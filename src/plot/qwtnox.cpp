@@ -96,7 +96,7 @@ void QwtNOX::removeDev(int qwtIndex)
         }
     }
     setChCount(0, qwtIndex);
-    while (getChCount(qwtIndex) > 0) // whoever heard of it added a point
+    while (getChCount(qwtIndex) > 0) // a receiver has added a point
         removeLastChannel(qwtIndex);
     removeLimitLines(devices()[qwtIndex]);
     devices().remove(qwtIndex);

@@ -1,4 +1,4 @@
-#include "plot/qwtnoxqwtplotpicker.h"
+#include "plot/plotpickers.h"
 #include "plotbench.h"
 
 #include <QClipboard>

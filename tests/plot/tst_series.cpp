@@ -1,7 +1,7 @@
 #include "numbers.h"
 #include "plot/envelopecurve.h"
-#include "plot/intervalstatistics.h"
 #include "plot/movingaverage.h"
+#include "plot/plotmeasurement.h"
 #include "plot/plotrecords.h"
 #include "plotbench.h"
 
