@@ -26,6 +26,26 @@ NamedValues deviceValues(const QByteArray &refdata, quint32 type, quint32 number
             {":device_name_search", name.toLower()}};
 }
 
+/** How properties of a kind are written; a value is there at most once. */
+struct PropertyStatements {
+    const char *remove;
+    const char *update;
+    const char *insert;
+};
+
+/** Writes a value under a key, or removes it when it is not valid; false when that is refused. */
+bool writeProperty(const PropertyStatements &statements, const NamedValues &key,
+                   const char *valueName, const QVariant &value)
+{
+    if (!value.isValid())
+        return execute(statements.remove, key).has_value();
+    const NamedValues keyAndValue = key + NamedValues{{valueName, value}};
+    const auto update = execute(statements.update, keyAndValue);
+    if (!update || update->numRowsAffected() > 0)
+        return update.has_value();
+    return execute(statements.insert, keyAndValue).has_value();
+}
+
 } // namespace
 
 bool provideDatabase(const QString &path)
@@ -196,22 +216,13 @@ QVector<noxSql::noxSqlItem> noxSql::findFeature(const QString &text)
 
 bool noxSql::setAppProperty(const QString &key, const QVariant &value)
 {
-    if (key.isEmpty())
-        return false;
-    if (!value.isValid())
-        return execute("DELETE FROM app_property WHERE app_property_key=:app_property_key",
-                       {{":app_property_key", key}})
-            .has_value();
-
-    const auto update = execute(" UPDATE app_property SET app_property_val=:app_property_val"
-                                " WHERE app_property_key=:app_property_key",
-                                {{":app_property_val", value}, {":app_property_key", key}});
-    if (!update || update->numRowsAffected() == 1)
-        return update.has_value();
-    return execute("INSERT INTO app_property (app_property_key, app_property_val)"
-                   "VALUES(:app_property_key, :app_property_val)",
-                   {{":app_property_key", key}, {":app_property_val", value}})
-        .has_value();
+    return !key.isEmpty() &&
+           writeProperty({"DELETE FROM app_property WHERE app_property_key=:app_property_key",
+                          " UPDATE app_property SET app_property_val=:app_property_val"
+                          " WHERE app_property_key=:app_property_key",
+                          "INSERT INTO app_property (app_property_key, app_property_val)"
+                          "VALUES(:app_property_key, :app_property_val)"},
+                         {{":app_property_key", key}}, ":app_property_val", value);
 }
 
 QVariant noxSql::getAppProperty(const QString &key)
@@ -228,23 +239,15 @@ void noxSql::setDevProperty(int deviceId, const QString &key, const QVariant &va
 {
     if (deviceId < 0 || key.isEmpty())
         return;
-    if (!value.isValid()) {
-        execute("DELETE FROM device_property WHERE device_id=:device_id"
-                " AND device_property_key=:device_property_key",
-                {{":device_id", deviceId}, {":device_property_key", key}});
-        return;
-    }
-    const auto update = execute(
-        " UPDATE device_property  SET device_property_val=:device_property_val "
-        " WHERE device_id=:device_id AND device_property_key=:device_property_key",
-        {{":device_property_val", value}, {":device_id", deviceId}, {":device_property_key", key}});
-    if (update && update->numRowsAffected() == 0)
-        execute("INSERT INTO device_property"
-                " (device_id, device_property_key, device_property_val)"
-                "VALUES(:device_id, :device_property_key, :device_property_val)",
-                {{":device_id", deviceId},
-                 {":device_property_key", key},
-                 {":device_property_val", value}});
+    writeProperty({"DELETE FROM device_property WHERE device_id=:device_id"
+                   " AND device_property_key=:device_property_key",
+                   " UPDATE device_property  SET device_property_val=:device_property_val "
+                   " WHERE device_id=:device_id AND device_property_key=:device_property_key",
+                   "INSERT INTO device_property"
+                   " (device_id, device_property_key, device_property_val)"
+                   "VALUES(:device_id, :device_property_key, :device_property_val)"},
+                  {{":device_id", deviceId}, {":device_property_key", key}}, ":device_property_val",
+                  value);
 }
 
 bool noxSql::setDevProperties(const QMap<QPair<int, QString>, QVariant> &properties)
