@@ -57,8 +57,8 @@ ChannelTable::ChannelTable(HeadedTable *table, const noxList *registry, const Qw
 void ChannelTable::refresh(int index)
 {
     const noxList::_nox *nox = m_registry->getNoxByIndex(index);
-    const bool isLinked = nox && nox->devIndex >= 0;
-    const bool lostLink = std::exchange(m_isLinked, isLinked) && !isLinked;
+    const bool isConnected = nox && nox->isConnected();
+    const bool lostLink = std::exchange(m_wasConnected, isConnected) && !isConnected;
     // what marks a value goes with the link, as it does in the table of the instruments
     const bool isOther = std::exchange(m_index, index) != index;
     if (isOther || lostLink)

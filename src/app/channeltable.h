@@ -58,7 +58,7 @@ private:
     RowHover m_hover;
     int m_index = -1;                              ///< registry index of the instrument shown
     int m_qwtIndex = -1;                           ///< its plot index
-    bool m_isLinked = false;                       ///< it was connected when last looked at
+    bool m_wasConnected = false;                   ///< when last looked at
     int m_rows = 0;                                ///< channels shown
     int m_main = -1;                               ///< the main channel as it is marked
     int m_fresh = -1;                              ///< the channel of the latest point

@@ -64,9 +64,9 @@ void InstrumentTable::refresh(int currentIndex)
         Row &shown = m_rows[row - 1];
         const noxList::_nox &nox = *m_registry->getNoxByIndex(shown.index);
         shown.touched = false;
-        if (nox.devIndex < 0 || shown.mark == ValueMark::Accepted)
+        if (!nox.isConnected() || shown.mark == ValueMark::Accepted)
             shown.mark = ValueMark::None;
-        if (nox.devIndex < 0)
+        if (!nox.isConnected())
             m_table->removeCellWidget(row, InstrumentColumn::Menu); // its transfer is over
         bindShowBox(row, nox);
         paintRow(m_table, row, instrumentRow(stateOf(nox)));
@@ -234,10 +234,10 @@ InstrumentState InstrumentTable::stateOf(const noxList::_nox &nox) const
     InstrumentState state;
     state.name = nox.opt->getDevName(false);
     state.number = nox.opt->getDevNumberStr();
-    state.value = QStringLiteral("--");
+    state.value = missingValue();
     state.unit = QStringLiteral("-"); // as the channels and the panel have it without a channel
-    state.attached = nox.devIndex >= 0;
-    state.exchanging = state.attached && m_registry->serialPort()->hasExchanges(nox.devIndex);
+    state.connected = nox.isConnected();
+    state.exchanging = state.connected && m_registry->serialPort()->hasExchanges(nox.devIndex);
     state.current = nox.index == m_current;
     state.hovered = indexAt(m_hover.row()) == nox.index;
     state.mark = latest.mark;

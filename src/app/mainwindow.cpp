@@ -9,7 +9,6 @@
 #include "app/resultstools.h"
 #include "dialogs/confchmenu.h"
 #include "dialogs/confmenu.h"
-#include "dialogs/settingscontent.h"
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
@@ -39,7 +38,7 @@ void MainWindow::updUI()
 void MainWindow::showTitle()
 {
     const noxList::_nox *nox = m_registry->getNoxByIndex(m_current);
-    m_ui->lcdGroupBox->setTitle(nox ? instrumentTitle(*nox->opt) : QStringLiteral("-"));
+    m_ui->lcdGroupBox->setTitle(nox ? nox->opt->getDevTitle() : QStringLiteral("-"));
 }
 
 /** The panels show the main channel of the current instrument. */
@@ -47,10 +46,10 @@ void MainWindow::showNumbers()
 {
     m_panels->showCurveKinds(m_plot->getMeasShow(), m_plot->getAverShow());
     const noxList::_nox *nox = m_registry->getNoxByIndex(m_current);
-    m_panels->showAge(nox && nox->devIndex < 0);
+    m_panels->showConnection(!nox || nox->isConnected());
     const int qwtIndex = currentPlotIndex();
     if (qwtIndex < 0) {
-        m_panels->showNumbers(QStringLiteral("--"), QStringLiteral("--"), QString());
+        m_panels->showNumbers(missingValue(), missingValue(), QString());
         return;
     }
     m_panels->showNumbers(m_plot->getChMeasStr(qwtIndex), m_plot->getChAverStr(qwtIndex),
@@ -144,7 +143,7 @@ void MainWindow::showFault(int index, quint8 code, const QString &reason)
     message.icon = QMessageBox::Warning;
     message.title = tr("Неисправность прибора");
     message.text = tr("ОШИБКА №%1\nНеисправность прибора %2\n%3")
-                       .arg(QString::number(code), instrumentTitle(*nox->opt), reason);
+                       .arg(QString::number(code), nox->opt->getDevTitle(), reason);
     UserDialogs::current().tell(this, message);
 }
 

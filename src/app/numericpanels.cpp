@@ -26,7 +26,7 @@ FittedLabel *addNumber(QFrame *frame, const QString &name, int points, bool bold
     label->setFont(font);
     label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     label->setCursor(Qt::PointingHandCursor);
-    label->showText(QStringLiteral("--"));
+    label->showText(missingValue());
     frame->layout()->addWidget(label);
     return label;
 }
@@ -118,14 +118,14 @@ void NumericPanels::showCurveKinds(bool values, bool averages)
     setStyle(m_average, numberStyle(averages));
 }
 
-void NumericPanels::showAge(bool old)
+void NumericPanels::showConnection(bool connected)
 {
-    constexpr char property[] = "old";
+    constexpr char property[] = "connected";
     for (QFrame *frame : qAsConst(m_frames)) {
-        if (frame->property(property).toBool() == old)
+        if (frame->property(property) == QVariant(connected))
             continue;
-        frame->setProperty(property, old);
-        frame->setToolTip(old ? tr("Нет связи с прибором: значения старые") : QString());
+        frame->setProperty(property, connected);
+        frame->setToolTip(connected ? QString() : tr("Нет связи с прибором: значения старые"));
         frame->style()->unpolish(frame); // the style sheet looks at the property
         frame->style()->polish(frame);
     }

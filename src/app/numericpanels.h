@@ -23,8 +23,8 @@ public:
     void showNumbers(const QString &value, const QString &average, const QString &unit);
     /** Colours a number by whether its kind of curve is on the plot. */
     void showCurveKinds(bool values, bool averages);
-    /** Shows by the ground of the panels whether the numbers are old: nothing renews them. */
-    void showAge(bool old);
+    /** Shows by the ground of the panels that nothing renews the numbers of a lost instrument. */
+    void showConnection(bool connected);
 
 signals:
     // A click on the number, or Space or Return on its panel.

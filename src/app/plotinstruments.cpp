@@ -1,6 +1,5 @@
 #include "app/plotinstruments.h"
 
-#include "dialogs/settingscontent.h"
 #include "plot/qwtnox.h"
 #include "registry/noxlist.h"
 
@@ -71,7 +70,7 @@ void ClearMenu::refill()
     const auto indices = m_registry->indices();
     for (const int index : indices) {
         const noxList::_nox *nox = m_registry->getNoxByIndex(index);
-        addInstrument(instrumentTitle(*nox->opt), nox->qwtIndex);
+        addInstrument(nox->opt->getDevTitle(), nox->qwtIndex);
     }
 }
 
@@ -114,7 +113,7 @@ void DifferenceMenu::addInstrument(int qwtIndex)
     if (!image)
         return;
     m_offered.insert(qwtIndex, image);
-    QMenu *menu = addMenu(instrumentTitle(*image));
+    QMenu *menu = addMenu(image->getDevTitle());
     const int channels = m_plot->getChCount(qwtIndex);
     for (int ch = 0; ch < channels; ++ch)
         if (qwtIndex != indexOf(this) || ch != channelOf(this))

@@ -1,6 +1,5 @@
 #include "app/resultstools.h"
 
-#include "dialogs/settingscontent.h"
 #include "plot/qwtnox.h"
 #include "storage/noxsql.h"
 #include "storage/recmeas.h"
@@ -66,7 +65,7 @@ void ResultsTools::showFaults()
     const auto indices = m_registry->indices();
     for (const int index : indices)
         if (const auto fault = m_recorder.fault(index))
-            tip << instrumentTitle(*m_registry->getNoxByIndex(index)->opt) + QStringLiteral(": ") +
+            tip << m_registry->getNoxByIndex(index)->opt->getDevTitle() + QStringLiteral(": ") +
                        recordingFaultText(*fault);
     QToolButton *const button = m_display.recordButton;
     button->setToolTip(tip.join('\n'));

@@ -6,11 +6,6 @@
 namespace
 {
 
-QString missingValue()
-{
-    return QStringLiteral("--");
-}
-
 QString nothing()
 {
     return QStringLiteral("-");
@@ -51,12 +46,15 @@ QString sourceText(const InstrumentState &state)
     return state.mark == ValueMark::Alarm ? number + QStringLiteral(" (!)") : number;
 }
 
+constexpr Qt::GlobalColor alarmColor = Qt::red;
+constexpr Qt::GlobalColor rejectedColor = Qt::yellow;
+
 void markInstrumentValue(CellContent &cell, ValueMark mark)
 {
     if (mark == ValueMark::None)
         return;
-    cell.textColor = mark == ValueMark::Alarm ? Qt::red : Qt::black;
-    cell.background = mark == ValueMark::Rejected ? QColor(Qt::yellow) : QColor();
+    cell.textColor = mark == ValueMark::Alarm ? alarmColor : Qt::black;
+    cell.background = mark == ValueMark::Rejected ? QColor(rejectedColor) : QColor();
 }
 
 /** Silence has a reason: the instrument measures again when the last block has been exchanged. */
@@ -70,9 +68,10 @@ void showExchange(RowContent &row)
 
 void markChannelCell(CellContent &cell, const ChannelState &state)
 {
-    cell.textColor = state.mark == ValueMark::Alarm ? QColor(Qt::red) : textColor(!state.inactive);
+    cell.textColor =
+        state.mark == ValueMark::Alarm ? QColor(alarmColor) : textColor(!state.inactive);
     if (state.mark == ValueMark::Rejected)
-        cell.background = Qt::yellow;
+        cell.background = rejectedColor;
     else if (state.fresh)
         cell.background = freshColor();
 }
@@ -90,6 +89,11 @@ void describeReference(CellContent &cell, const ChannelState &state)
 }
 
 } // namespace
+
+QString missingValue()
+{
+    return QStringLiteral("--");
+}
 
 QString asToolTip(const QString &text)
 {
@@ -111,7 +115,7 @@ RowContent instrumentRow(const InstrumentState &state)
     using namespace InstrumentColumn;
     RowContent row;
     for (CellContent &cell : row) {
-        cell.textColor = textColor(state.attached);
+        cell.textColor = textColor(state.connected);
         cell.background = state.current ? currentColor() : QColor();
     }
     row[Show].toolTip = RowTexts::tr("Показать или скрыть графики прибора (Пробел)");

@@ -55,7 +55,7 @@ struct InstrumentState : LatestValue {
     QString name;
     QString number;
     int channel = -1; ///< where the value came from, from 0; -1: there is no channel
-    bool attached = false;
+    bool connected = false;
     bool current = false;
     bool hovered = false;    ///< the mouse is over the row
     bool exchanging = false; ///< blocks are still to be read or written; it does not measure
@@ -76,6 +76,8 @@ struct ChannelState : LatestValue {
     bool hovered = false; ///< the mouse is over the row
 };
 
+/** What stands in place of a value that is not there. */
+QString missingValue();
 /** A text of the user's own as a tool tip: what looks like markup in it is none. */
 QString asToolTip(const QString &text);
 

@@ -107,12 +107,16 @@ QString InstrumentRecord::getDevNumberStr() const
     return QString::number(devNumber).rightJustified(shortestNumber, QLatin1Char('0'));
 }
 
+QString InstrumentRecord::getDevTitle() const
+{
+    return getDevTypeStr(true) + QStringLiteral(" № ") + getDevNumberStr();
+}
+
 QString InstrumentRecord::getDevName(bool withNumber) const
 {
     if (model().extended && !devName.isEmpty())
         return devName;
-    const QString type = getDevTypeStr(true);
-    return withNumber ? type + QStringLiteral(" № ") + getDevNumberStr() : type;
+    return withNumber ? getDevTitle() : getDevTypeStr(true);
 }
 
 // What a channel is set to

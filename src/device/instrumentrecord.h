@@ -72,6 +72,8 @@ public:
     QString getDevTypeStr(bool withRev) const;
     /** Serial number of at least four digits, "--" for 0. */
     QString getDevNumberStr() const;
+    /** How an instrument is called in titles and menus: its model, " № " and its serial number. */
+    QString getDevTitle() const;
     /** The instrument's own name, else the model's (with " № " and the number if asked for). */
     QString getDevName(bool withNumber) const;
 

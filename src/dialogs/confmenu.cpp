@@ -82,13 +82,13 @@ void confMenu::onDevChange(int index)
     if (index != m_index || !nox)
         return;
     const optionsNOX8 &shown = *nox->opt;
-    m_card->showTitle(m_ui->titleLabel, instrumentTitle(shown));
+    m_card->showTitle(m_ui->titleLabel, shown.getDevTitle());
     m_ui->devPortEdit->setText(m_registry->serialPort()->getPortName(nox->devIndex));
     m_ui->devNumEdit->setText(shown.getDevNumberStr());
     m_ui->devTypeEdit->setText(shown.getDevTypeStr(true));
     m_operating->refresh(configurationChanges(nox->held, shown));
     m_ui->startBtn->setChecked(nox->processed);
-    showConnection(nox->devIndex >= 0, shown.devType != 0);
+    showConnection(nox->isConnected(), shown.devType != 0);
 }
 
 void confMenu::showConnection(bool isConnected, bool isKnown)
@@ -123,7 +123,7 @@ void confMenu::on_connectBtn_clicked()
     noxList::_nox *const nox = m_registry->getNoxByIndex(index);
     if (!nox)
         return;
-    if (nox->devIndex >= 0)
+    if (nox->isConnected())
         m_registry->disConnByIndex(index);
     else if (nox->opt->isIdentified())
         m_registry->searchFor(index);

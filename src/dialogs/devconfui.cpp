@@ -205,7 +205,7 @@ void devConfUI::onDevChange(int index)
     const noxList::_nox *const nox = shown();
     const FieldStates states = fieldStates(*nox->opt, nox->dbIndex);
     const ConfigurationChanges changes = configurationChanges(nox->held, *nox->opt);
-    m_title = instrumentTitle(*nox->opt);
+    m_title = nox->opt->getDevTitle();
     setWindowTitle(tr("Настройки прибора ") + m_title);
 
     m_fields->refresh(m_registry->serialPort()->getPortName(nox->devIndex), states,
@@ -263,7 +263,7 @@ void devConfUI::findSnapShot()
 void devConfUI::showConnection()
 {
     if (const noxList::_nox *const nox = shown())
-        m_fields->showConnection(nox->devIndex >= 0,
+        m_fields->showConnection(nox->isConnected(),
                                  m_registry->serialPort()->getPortName(nox->devIndex));
 }
 

@@ -161,7 +161,7 @@ void InstrumentFields::storeName()
     const QString entered = m_widgets.name->text().trimmed();
     m_widgets.name->setModified(false);
     const QString name = entered.left(longestName);
-    if (entered == instrumentTitle(*m_image) || name == m_image->devName)
+    if (entered == m_image->getDevTitle() || name == m_image->devName)
         m_widgets.name->setText(m_image->getDevName(true));
     else
         m_image->setDevName(name);

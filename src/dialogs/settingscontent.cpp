@@ -42,11 +42,6 @@ std::array<bool, channelSettings> channelChanges(const ChannelSettings &held,
 
 } // namespace
 
-QString instrumentTitle(const optionsNOX8 &options)
-{
-    return options.getDevTypeStr(true) + QStringLiteral(" № ") + options.getDevNumberStr();
-}
-
 FieldStates fieldStates(const optionsNOX8 &image, int databaseId)
 {
     FieldStates states;

@@ -10,9 +10,6 @@ class optionsNOX8;
 
 // What the settings dialog and the cards show of an instrument, as plain values.
 
-/** How an instrument is called in titles and menus: its model, " № " and its serial number. */
-QString instrumentTitle(const optionsNOX8 &options);
-
 /** What of an instrument can be seen and changed in its settings. */
 struct FieldStates {
     bool isKnown = false;    ///< its model is known: it has references, and can be read

@@ -346,7 +346,7 @@ QList<int> findNox::waiting() const
     QList<int> indices;
     const auto all = m_found->indices();
     for (const int index : all)
-        if (m_found->getNoxByIndex(index)->devIndex >= 0)
+        if (m_found->getNoxByIndex(index)->isConnected())
             indices << index;
     return indices;
 }

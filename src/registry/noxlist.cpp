@@ -11,6 +11,8 @@ namespace
 {
 
 constexpr int mostRecords = 255;
+// one place is kept for an instrument that the search hands over
+constexpr int mostOwnRecords = mostRecords - 1;
 constexpr quint8 connectionLostCode = 200;
 
 /** The user's unit where the channel has one and is on, else that of the stream. */
@@ -47,7 +49,7 @@ noxList::~noxList()
 
 noxList::_nox *noxList::newNox(int devIndex, bool wire)
 {
-    if (m_records.size() >= mostRecords - 1) {
+    if (m_records.size() >= mostOwnRecords) {
         emit onAddNox(-1, false);
         return nullptr;
     }
@@ -56,7 +58,7 @@ noxList::_nox *noxList::newNox(int devIndex, bool wire)
     nox->devIndex = devIndex;
     nox->opt = std::make_unique<optionsNOX8>();
     nox->portName = m_serialPort->getPortName(devIndex);
-    nox->processed = devIndex >= 0;
+    nox->processed = nox->isConnected();
     nox->txTimer = std::make_unique<QTimer>();
     nox->txTimer->setSingleShot(true);
     nox->txTimer->setInterval(m_writeDelayMs);
@@ -323,7 +325,7 @@ void noxList::writePending(int index)
     if (getNoxByIndex(index)->txCodes.isEmpty())
         return;
     emit onChange();
-    if (_nox *nox = getNoxByIndex(index)) // whoever heard of the change may have removed it
+    if (_nox *nox = getNoxByIndex(index)) // a receiver of the change may have removed it
         m_exchange->writeWaiting(nox);
 }
 
@@ -332,7 +334,7 @@ void noxList::writeNow()
     const auto all = indices();
     for (const int index : all) {
         _nox *const nox = getNoxByIndex(index);
-        if (!nox || nox->devIndex < 0)
+        if (!nox || !nox->isConnected())
             continue;
         nox->txTimer->stop();
         writePending(index);
@@ -348,7 +350,7 @@ void noxList::applyIdentity(const _nox *nox)
 
 void noxList::keepUnit(int index, quint8 ch)
 {
-    if (const _nox *nox = getNoxByIndex(index)) // whoever heard of the change may have removed it
+    if (const _nox *nox = getNoxByIndex(index)) // a receiver of the change may have removed it
         m_store->keepUnit(*nox, ch);
 }
 
@@ -380,7 +382,7 @@ void noxList::applyDevQuery(int devIndex, QByteArray *buf, quint8 address)
     found->held.noteRead(address, *buf); // who hears of the change compares with it
     const int sizeBefore = found->opt->getDevDataSize();
     const bool isAccepted = found->opt->setData(*buf, address);
-    _nox *nox = getNoxByIndex(index); // whoever heard of the change may have removed it
+    _nox *nox = getNoxByIndex(index); // a receiver of the change may have removed it
     if (!nox)
         return;
     // it is another model than was believed: what has been asked for has the wrong size

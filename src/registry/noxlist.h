@@ -56,6 +56,8 @@ public:
         QVector<optionsNOX8::tx_code> txCodes; ///< blocks waiting to be written, first come first
         std::unique_ptr<QTimer> txTimer;       ///< collects them for 5 s
         HeldBlocks held;                       ///< what was last read from it or written to it
+
+        bool isConnected() const { return devIndex >= 0; }
     };
 
     noxList(NOXSerialPort *serialPort, noxSql *database);

@@ -58,11 +58,12 @@ void noxSerialPortThread::run()
     if (reConnect()) {
         m_running = true;
 
-        m_measTimer = std::make_unique<QTimer>();
-        m_measTimer->setSingleShot(true);
-        m_measTimer->setInterval(m_measTimeout * 1000);
-        connect(m_measTimer.get(), &QTimer::timeout, this, &noxSerialPortThread::onTimerReconnect);
-        m_measTimer->start();
+        m_watchdogTimer = std::make_unique<QTimer>();
+        m_watchdogTimer->setSingleShot(true);
+        m_watchdogTimer->setInterval(m_measTimeout * 1000);
+        connect(m_watchdogTimer.get(), &QTimer::timeout, this,
+                &noxSerialPortThread::onTimerReconnect);
+        m_watchdogTimer->start();
 
         m_lostPortTimer = std::make_unique<QTimer>();
         m_lostPortTimer->setInterval(lostPortPeriodMs);
@@ -72,7 +73,7 @@ void noxSerialPortThread::run()
         exec();
     }
     m_running = false;
-    m_measTimer.reset();
+    m_watchdogTimer.reset();
     m_lostPortTimer.reset();
     m_dialogue.reset();
     m_port.reset();
@@ -98,7 +99,7 @@ void noxSerialPortThread::accept(Current<Item> &current, const Item &item, Start
 {
     if (!m_running || current.item.address != noBlockAddress)
         return;
-    m_measTimer->stop();
+    m_watchdogTimer->stop();
     current.item = item;
     current.attempts = 0;
     scheduleStart(m_timing.queueDelay, start);
@@ -116,12 +117,12 @@ void noxSerialPortThread::setMeasTimeout(int devIndex, quint8 sec)
     assertWorkerThread();
     if (devIndex != m_devIndex)
         return;
-    const bool wasRunning = m_measTimer->isActive();
-    m_measTimer->stop();
+    const bool wasRunning = m_watchdogTimer->isActive();
+    m_watchdogTimer->stop();
     m_measTimeout = sec;
-    m_measTimer->setInterval(sec * 1000);
+    m_watchdogTimer->setInterval(sec * 1000);
     if (wasRunning)
-        m_measTimer->start();
+        m_watchdogTimer->start();
 }
 
 void noxSerialPortThread::setDelayTime(int devIndex, quint16 init, quint16 queue, quint16 attempt)
@@ -164,11 +165,11 @@ void noxSerialPortThread::readyRead()
     // the waits of an exchange announce its bytes here too; they are not the stream's
     if (m_exchanging || m_port->signalsBlocked() || m_port->bytesAvailable() == 0)
         return;
-    m_measTimer->stop();
+    m_watchdogTimer->stop();
     const bool tokensCame =
         m_parser.feed(m_port->readAll(), [this](const StreamToken &token) { publish(token); });
     if (tokensCame)
-        m_measTimer->start();
+        m_watchdogTimer->start();
 }
 
 void noxSerialPortThread::publish(const StreamToken &token)
@@ -296,7 +297,7 @@ void noxSerialPortThread::settle(Current<Item> &current, LinkResult result, Exch
         showProgress(item.showPr, 0, 0, noBlockAddress);
     // after a failed write the watchdog starts again with the stream
     if (done || kind != ExchangeKind::Write)
-        m_measTimer->start();
+        m_watchdogTimer->start();
     endExchange(done ? StreamStart::Anew : StreamStart::Anywhere);
 }
 

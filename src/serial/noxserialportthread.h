@@ -141,7 +141,7 @@ private:
     std::atomic<bool> m_running{false};
     Current<noxSerialPortQueryItem> m_query;
     Current<noxSerialPortDataItem> m_data;
-    std::unique_ptr<QTimer> m_measTimer;
+    std::unique_ptr<QTimer> m_watchdogTimer;
     std::unique_ptr<QTimer> m_lostPortTimer; ///< looks at a port whose signals are held back
     StreamParser m_parser;                   ///< holds the unparsed tail of the stream
     QString m_portName;

@@ -165,8 +165,7 @@ void PlotSettingsStore::apply(int index)
     if (id > 0)
         applyUnits(nox->opt.get(), settings);
 
-    const int qwtIndex =
-        m_registry->getQWTIndex(index); // whoever heard of a unit may have removed it
+    const int qwtIndex = m_registry->getQWTIndex(index); // a receiver of a unit may have removed it
     if (qwtIndex < 0)
         return;
     {

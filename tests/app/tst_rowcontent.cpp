@@ -63,7 +63,7 @@ private slots:
             state.name = words.contains("markup") ? "<b>" : "NOX B";
             state.number = "1234";
             state.channel = words.contains("empty") ? -1 : 2;
-            state.attached = !words.contains("unlinked");
+            state.connected = !words.contains("unlinked");
             state.current = words.contains("current");
             state.hovered = words.contains("hovered");
             state.exchanging = words.contains("exchanging");
