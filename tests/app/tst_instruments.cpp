@@ -27,9 +27,9 @@ private slots:
     {
         const SerialPortEntry busy{"ttyS0", "/dev/ttyS0", true};
         const SerialPortEntry bath{"bath&2", "/nowhere", false};
-        ListedPorts::use({{"ttyS1", "/dev/ttyS1", false}, busy, bath});
+        usePorts({{"ttyS1", "/dev/ttyS1", false}, busy, bath});
         QCOMPARE(entriesOf(menuOf("addDevBtn")), "без подключния, |, ttyS1, bath&&2");
-        ListedPorts::use({busy, bath});
+        usePorts({busy, bath});
         QCOMPARE(entriesOf(menuOf("addDevBtn")), "без подключния, |, bath&&2");
         QCOMPARE(shown(), "0 0 -1 -1 - --|--| X: -");
         pick(menuOf("addDevBtn"), "без подключния");
@@ -65,26 +65,34 @@ private slots:
 
     void openSettingsFollowTheImage()
     {
-        add(0x31, 1);
-        const auto choice = [](const QWidget *from, const char *name) {
-            return from->findChild<QComboBox *>(name)->currentIndex();
-        };
+        add(0x0970AA0F, 1);
         optionsNOX8 &image = *record(0).opt;
+        const auto follows = [](const QWidget *form, const std::function<void()> &change) {
+            const QStringList before = seenForm(form);
+            change();
+            return seenForm(form) != before;
+        };
+        const auto switchShortCircuit = [&] { image.setDevZakorotka(1 - image.devZakorotka); };
+        const auto raiseT0 = [&] {
+            ReferenceData references;
+            references.refT0 = bFloat(21.5F);
+            image.setReferenceData(references);
+        };
+        const auto shiftChannel = [&] {
+            ZeroShifts shifts;
+            shifts.shiftCh[0] = bFloat(0.25F);
+            image.setZeroShifts(shifts);
+        };
         devConfUI *const settings = window->deviceSettings();
         settings->show(0);
-        const QImage before = settings->grab().toImage();
+        QVERIFY(follows(settings, switchShortCircuit) && follows(settings, raiseT0));
+        QVERIFY(follows(settings, shiftChannel));
+        QVERIFY(follows(settings, [&] { image.setChCurrent(0, 1); }));
         click(instruments(), 1, InstrumentColumn::Menu);
-        for (const int shortCircuit : {0, 1}) {
-            image.setDevZakorotka(quint8(shortCircuit));
-            QCOMPARE(choice(settings, "devZakorotkaCB"), shortCircuit);
-            QCOMPARE(choice(window->instrumentCard(), "devZakorotkaCB"), shortCircuit);
-        }
+        QVERIFY(follows(window->instrumentCard(), switchShortCircuit));
         window->instrumentCard()->close();
         click(channels(), 1, ChannelColumn::Menu);
-        QCOMPARE(choice(window->channelCard(), "currentCB"), 0);
-        image.setChCurrent(0, 1);
-        QCOMPARE(choice(window->channelCard(), "currentCB"), 1);
-        QVERIFY(settings->grab().toImage() != before);
+        QVERIFY(follows(window->channelCard(), [&] { image.setChCurrent(0, 0); }));
     }
 
     void sharesOneTimeOriginAndFillsGaps()
@@ -125,7 +133,7 @@ private slots:
         confMenu *const card = window->instrumentCard();
         QVERIFY(card->x() > 100); // at the cell, as far as the screen allows
         QCOMPARE(card->findChild<QLabel *>("titleLabel")->text(), "NOX CM1 № 0002");
-        QTest::mouseClick(card->findChild<QToolButton *>("setupBtn"), Qt::LeftButton);
+        pressIn(card, {"setupBtn"});
         QVERIFY(!card->isVisible() && window->deviceSettings()->isVisible());
         QVERIFY(window->deviceSettings()->windowTitle().endsWith("NOX CM1 № 0002"));
         window->deviceSettings()->reject();
@@ -160,9 +168,7 @@ private slots:
             emit registry().onDevChange(one.removed);
             emit registry().onRmNox(one.removed, one.removed);
             QCOMPARE(shown(), one.next);
-            const auto indices = registry().indices();
-            for (const int index : indices)
-                registry().rmByIndex(index);
+            removeAll();
             QCOMPARE(shown(), "0 0 -1 -1 - --|--| X: -");
         }
     }
@@ -188,13 +194,10 @@ private slots:
         add(0x11, 1234);
         for (const int index : {0, 7})
             emit registry().onDevError(index, 200, "Обрыв связи [код 252]");
-        QCOMPARE(dialogs.told.size(), 1);
-        const Message &message = dialogs.told.first();
-        QCOMPARE(message.title + '|' + message.text,
-                 "Неисправность прибора|ОШИБКА №200\nНеисправность прибора NOX B № 1234\n"
-                 "Обрыв связи [код 252]");
-        QCOMPARE(message.icon, QMessageBox::Warning);
-        QCOMPARE(message.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+        QCOMPARE(answers->told.size(), 1);
+        QCOMPARE(seen(answers->told.first()),
+                 "2 [Неисправность прибора] ОШИБКА №200\nНеисправность прибора NOX B № 1234\n"
+                 "Обрыв связи [код 252] 400/0");
     }
 
     void progressStandsInTheRow()
@@ -214,15 +217,15 @@ private slots:
         QCOMPARE(report(9, 0, 70), "-, 0 70 50");
         QCOMPARE(report(8, 50, 100), "-, 0 70 50");
         QCOMPARE(report(9, 0, 0), "-, -");
-        report(9, 30, 100);
-        emit registry().onDevError(1, 200, {});
-        QCOMPARE(bar(2), "-");
-        report(9, 30, 100);
-        registry().disConnByIndex(1);
-        QCOMPARE(bar(2), "-");
-        report(9, 30, 100);
-        registry().rmByIndex(0); // the row moves up: the bar must not speak for another
-        QCOMPARE(bar(1), "-");
+        const std::function<void()> ends[] = {[&] { emit registry().onDevError(1, 200, {}); },
+                                              [&] { registry().disConnByIndex(1); },
+                                              [&] { registry().rmByIndex(0); }};
+        for (const auto &end : ends) {
+            report(9, 30, 100);
+            end();
+            QCOMPARE(bar(registry().indices().size()), "-");
+        }
+        QCOMPARE(bar(1), "-"); // the row has moved up: the bar must not speak for another
     }
 
     void marksTheRowUnderTheMouse()
