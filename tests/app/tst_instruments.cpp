@@ -73,20 +73,15 @@ private slots:
             return seenForm(form) != before;
         };
         const auto switchShortCircuit = [&] { image.setDevZakorotka(1 - image.devZakorotka); };
-        const auto raiseT0 = [&] {
-            ReferenceData references;
-            references.refT0 = bFloat(21.5F);
-            image.setReferenceData(references);
-        };
-        const auto shiftChannel = [&] {
-            ZeroShifts shifts;
-            shifts.shiftCh[0] = bFloat(0.25F);
-            image.setZeroShifts(shifts);
-        };
+        ReferenceData references;
+        references.refT0 = bFloat(21.5F);
+        ZeroShifts shifts;
+        shifts.shiftCh[0] = bFloat(0.25F);
         devConfUI *const settings = window->deviceSettings();
         settings->show(0);
-        QVERIFY(follows(settings, switchShortCircuit) && follows(settings, raiseT0));
-        QVERIFY(follows(settings, shiftChannel));
+        QVERIFY(follows(settings, switchShortCircuit));
+        QVERIFY(follows(settings, [&] { image.setReferenceData(references); }));
+        QVERIFY(follows(settings, [&] { image.setZeroShifts(shifts); }));
         QVERIFY(follows(settings, [&] { image.setChCurrent(0, 1); }));
         click(instruments(), 1, InstrumentColumn::Menu);
         QVERIFY(follows(window->instrumentCard(), switchShortCircuit));
@@ -151,23 +146,20 @@ private slots:
 
     void choosesTheNextCurrentInstrument()
     {
-        const struct {
-            int current;
-            int removed;
-            const char *next;
-        } cases[] = {{1, 2, "2 8 1 1 NOX B № 0002 --|--| X: Авто"},
-                     {0, 0, "2 8 2 2 NOX B № 0003 --|--| X: Авто"},
-                     {2, 2, "2 8 1 1 NOX B № 0002 --|--| X: Авто"},
-                     {0, 1, "2 8 0 0 NOX B № 0001 --|--| X: Авто"}};
-        for (const auto &one : cases) {
+        const std::tuple<int, int, const char *> cases[] = {
+            {1, 2, "2 8 1 1 NOX B № 0002 --|--| X: Авто"},
+            {0, 0, "2 8 2 2 NOX B № 0003 --|--| X: Авто"},
+            {2, 2, "2 8 1 1 NOX B № 0002 --|--| X: Авто"},
+            {0, 1, "2 8 0 0 NOX B № 0001 --|--| X: Авто"}};
+        for (const auto &[current, removed, next] : cases) {
             addSome(3);
-            choose(one.current + 1);
-            registry().rmByIndex(one.removed);
+            choose(current + 1);
+            registry().rmByIndex(removed);
             // what still comes in for the removed one finds nobody
-            measure(one.removed, 21, 0);
-            emit registry().onDevChange(one.removed);
-            emit registry().onRmNox(one.removed, one.removed);
-            QCOMPARE(shown(), one.next);
+            measure(removed, 21, 0);
+            emit registry().onDevChange(removed);
+            emit registry().onRmNox(removed, removed);
+            QCOMPARE(shown(), next);
             removeAll();
             QCOMPARE(shown(), "0 0 -1 -1 - --|--| X: -");
         }
@@ -256,12 +248,12 @@ private slots:
         const auto *button = find<QToolButton>("wideViewBtn");
         QTRY_VERIFY(left->isVisible());
         const int narrow = plot().width();
-        press("wideViewBtn");
-        QVERIFY(!left->isVisible() && button->arrowType() == Qt::RightArrow);
-        QTRY_VERIFY(plot().width() > narrow + 400);
-        press("wideViewBtn");
-        QVERIFY(left->isVisible() && button->arrowType() == Qt::LeftArrow);
-        QTRY_COMPARE(plot().width(), narrow);
+        for (const bool isWide : {true, false}) {
+            press("wideViewBtn");
+            QCOMPARE(left->isVisible(), !isWide);
+            QCOMPARE(button->arrowType(), isWide ? Qt::RightArrow : Qt::LeftArrow);
+            QTRY_VERIFY(isWide ? plot().width() > narrow + 400 : plot().width() == narrow);
+        }
         const QSize least = window->minimumSizeHint(); // it fits a small screen
         QCOMPARE(least.boundedTo({940, 490}), least);
     }

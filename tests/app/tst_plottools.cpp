@@ -146,11 +146,8 @@ private slots:
     void settingsAreTickedAndChanged()
     {
         add(0x11, 1);
-        const struct {
-            QMenu *menu;
-            int entry;
-            const char *inEffect; ///< X, Y, mode, labels, values, averages
-        } cases[] = {
+        // menu, entry; X, Y, mode, labels, values, averages
+        const std::tuple<QMenu *, int, const char *> cases[] = {
             {settings(1), 5, "5 0 1 0 true true"},  {settings(2), 7, "5 7 1 0 true true"},
             {settings(3), 0, "5 7 0 0 true true"},  {menuOf("dXBtn"), 7, "7 7 1 0 true true"},
             {settings(3), 0, "7 7 0 0 true true"},  {menuOf("dYBtn"), 16, "7 16 1 0 true true"},
@@ -159,12 +156,12 @@ private slots:
             {settings(4), 2, "0 0 1 2 true true"},  {settings(4), 0, "0 0 1 0 true true"},
             {settings(5), 1, "0 0 1 0 true false"}, {settings(5), 2, "0 0 1 0 false true"},
             {settings(5), 0, "0 0 1 0 true true"}};
-        for (const auto &one : cases) {
-            one.menu->actions().at(one.entry)->trigger();
+        for (const auto &[menu, entry, inEffect] : cases) {
+            menu->actions().at(entry)->trigger();
             QCOMPARE(words({plot().getChScaleX(), plot().getChScaleY(), plot().getChMode(),
                             plot().getChModeX(), plot().getMeasShow(), plot().getAverShow()}),
-                     one.inEffect);
-            QCOMPARE(ticked(one.menu), one.menu->actions().at(one.entry)->text() + '*');
+                     inEffect);
+            QCOMPARE(ticked(menu), menu->actions().at(entry)->text() + '*');
         }
         plot().setMeasShow(false);
         plot().setAverShow(false);
@@ -272,27 +269,25 @@ private slots:
 
     void clearsThePlot()
     {
-        const struct {
-            QString entry;
-            QMessageBox::StandardButton answer;
-            QString left; ///< points, by plot index
-        } cases[] = {{"NOX B № 0002", QMessageBox::No, "1 1"},
-                     {"NOX B № 0002", QMessageBox::Yes, "1 0"},
-                     {"Все приборы", QMessageBox::Yes, "0 0"}};
+        // entry, answer; points left, by plot index
+        const std::tuple<const char *, QMessageBox::StandardButton, const char *> cases[] = {
+            {"NOX B № 0002", QMessageBox::No, "1 1"},
+            {"NOX B № 0002", QMessageBox::Yes, "1 0"},
+            {"Все приборы", QMessageBox::Yes, "0 0"}};
         addSome(2);
         replace(0); // by one that has the first index on the plot
         measure(1, 21, 0);
         QCOMPARE(entriesOf(menuOf("clearBtn")), "Все приборы, |, NOX B № 0002, NOX D № 0078");
         const QDateTime start = now;
         now = now.addSecs(100);
-        for (const auto &one : cases) {
-            answers->answer = one.answer;
-            pick(menuOf("clearBtn"), one.entry);
+        for (const auto &[entry, answer, left] : cases) {
+            answers->answer = answer;
+            pick(menuOf("clearBtn"), entry);
             QCOMPARE(seen(answers->asked.last()),
                      "2 [" + window->windowTitle() + "] Очистить график? 14000/10000");
-            QCOMPARE(words({plot().getChMeasCount(0, 0), plot().getChMeasCount(1, 0)}), one.left);
-            QCOMPARE(instrument(1).contains("|--["), one.answer == QMessageBox::Yes);
-            QCOMPARE(plot().getStartDateTime(1), one.answer == QMessageBox::Yes ? now : start);
+            QCOMPARE(words({plot().getChMeasCount(0, 0), plot().getChMeasCount(1, 0)}), left);
+            QCOMPARE(instrument(1).contains("|--["), answer == QMessageBox::Yes);
+            QCOMPARE(plot().getStartDateTime(1), answer == QMessageBox::Yes ? now : start);
         }
         QCOMPARE(answers->asked.size(), 3);
     }

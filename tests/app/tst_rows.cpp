@@ -9,11 +9,8 @@
 class TestRows : public QObject
 {
     Q_OBJECT
-    struct Case {
-        const char *words; ///< in what the state differs from the ordinary one
-        const char *row;
-        const char *tips;
-    };
+    /** In what the state differs from the ordinary one; the row; its tool tips. */
+    using Case = std::tuple<const char *, const char *, const char *>;
 
     static void setLatest(LatestValue *latest, const QString &words)
     {
@@ -73,8 +70,8 @@ private slots:
              "&lt;b&gt;||Идёт обмен с прибором, измерения появятся после него*|Идёт обмен с "
              "прибором, измерения появятся после него|Идёт обмен с прибором, измерения появятся "
              "после него|"}};
-        for (const Case &one : cases) {
-            const QString words = one.words;
+        for (const auto &[differences, cells, tips] : cases) {
+            const QString words = differences;
             InstrumentState state;
             setLatest(&state, words);
             state.name = words.contains("markup") ? "<b>" : "NOX B";
@@ -84,9 +81,8 @@ private slots:
             state.current = words.contains("current");
             state.hovered = words.contains("hovered");
             state.exchanging = words.contains("exchanging");
-            QCOMPARE(
-                described(instrumentRow(state)),
-                (QStringList{one.row, one.tips, "Показать или скрыть графики прибора (Пробел)"}));
+            QCOMPARE(described(instrumentRow(state)),
+                     (QStringList{cells, tips, "Показать или скрыть графики прибора (Пробел)"}));
         }
     }
 
@@ -107,8 +103,8 @@ private slots:
             {"inactive alarm", "5|21.50[red]|°С[red]|2.0[red]|0.01[red]|-[red]|", off},
             {"fresh rejected received", "5|--[yellow]|--[yellow]|--[yellow]|--[yellow]|-[yellow]|",
              off}};
-        for (const Case &one : cases) {
-            const QString words = one.words;
+        for (const auto &[differences, cells, tips] : cases) {
+            const QString words = differences;
             ChannelState state;
             setLatest(&state, words);
             state.number = 4;
@@ -123,7 +119,7 @@ private slots:
             state.main = words.contains("main");
             state.hovered = words.contains("hovered");
             const RowContent row = channelRow(state);
-            QCOMPARE(described(row).mid(0, 2), (QStringList{one.row, one.tips}));
+            QCOMPARE(described(row).mid(0, 2), (QStringList{cells, tips}));
             QVERIFY(described(row).last().startsWith("Левая кнопка мыши (Пробел)"));
             QCOMPARE(row[0].swatch, state.shown ? QColor(Qt::blue) : QColor(Qt::transparent));
         }
@@ -197,26 +193,23 @@ private slots:
     {
         const QColor gray(Qt::lightGray);
         const QColor fresh(144, 238, 144, 128);
-        const struct {
-            QColor text;
-            QColor onGround;
-            int selected; ///< row
-        } cases[] = {{gray, {}, 0},
-                     {gray, {173, 216, 230}, 1},
-                     {gray, {}, 1},
-                     {gray, fresh, 1},
-                     {Qt::red, fresh, 0}};
-        for (const auto &one : cases) {
-            row[1] = {QString(3, QChar(0x2588)), one.text, one.onGround, {}, {}, false}; // all text
-            row[2].background = one.onGround;
+        // text, its ground, selected row
+        const std::tuple<QColor, QColor, int> cases[] = {{gray, {}, 0},
+                                                         {gray, {173, 216, 230}, 1},
+                                                         {gray, {}, 1},
+                                                         {gray, fresh, 1},
+                                                         {Qt::red, fresh, 0}};
+        for (const auto &[text, onGround, selected] : cases) {
+            row[1] = {QString(3, QChar(0x2588)), text, onGround, {}, {}, false}; // all text
+            row[2].background = onGround;
             paint();
-            selectTableRow(table.get(), one.selected);
+            selectTableRow(table.get(), selected);
             const QRect cell = table->visualItemRect(table->item(1, 1));
             const QColor painted = picture().pixelColor(cell.center());
             const double reached = contrast(painted, ground(2));
             QVERIFY2(reached >= 4.5 && reached < 5.5, qPrintable(QString::number(reached)));
             QVERIFY(painted != QColor(Qt::black)); // off looks off
-            QCOMPARE(painted.hslHue(), one.text.hslHue());
+            QCOMPARE(painted.hslHue(), text.hslHue());
         }
     }
 
