@@ -55,7 +55,8 @@ private slots:
             {"", "|NOX B|1234|21.50|°С|3|", name},
             {"hovered", "|NOX B|1234|21.50|°С|3|☰", name},
             {"empty", "|NOX B|1234|21.50|°С|-|", name},
-            {"alarm", "|NOX B|1234|21.50[red]|°С[red]|3 (!)[red]|", name},
+            {"alarm received", "|NOX B|1234|21.50[red]|°С[red]|3 (!)[red]|",
+             "NOX B||Принято: 21.51234568 °С|||"},
             {"rejected received", "|NOX B|1234|--[yellow]|°С[yellow]|3[yellow]|", name},
             {"hovered current",
              "[current]|NOX B[current]|1234[current]|21.50[current]|°С[current]|3[current]|"
@@ -63,9 +64,6 @@ private slots:
              name},
             {"unlinked", "[gray]|NOX B[gray]|1234[gray]|21.50[gray]|°С[gray]|3[gray]|[gray]", name},
             {"unlinked accepted", "[gray]|NOX B[gray]|1234[gray]|21.50|°С|3|[gray]", name},
-            {"current accepted received",
-             "[current]|NOX B[current]|1234[current]|21.50|°С|3|<[current]",
-             "NOX B||Принято: 21.51234568 °С|||"},
             {"exchanging received markup", "|<b>|1234|21.50|<i>|3|",
              "&lt;b&gt;||Идёт обмен с прибором, измерения появятся после него*|Идёт обмен с "
              "прибором, измерения появятся после него|Идёт обмен с прибором, измерения появятся "
@@ -97,9 +95,6 @@ private slots:
              "Принято: 21.51234568 &lt;i&gt;||||Разность с NOX B №1234, канал №2|"},
             {"fresh accepted", "5|21.50[fresh]|°С[fresh]|2.0[fresh]|0.01[fresh]|-[fresh]|", off},
             {"inactive", "5|21.50[gray]|°С[gray]|2.0[gray]|0.01[gray]|-[gray]|", off},
-            {"inactive fresh",
-             "5|21.50[gray fresh]|°С[gray fresh]|2.0[gray fresh]|0.01[gray fresh]|-[gray fresh]|",
-             off},
             {"inactive alarm", "5|21.50[red]|°С[red]|2.0[red]|0.01[red]|-[red]|", off},
             {"fresh rejected received", "5|--[yellow]|--[yellow]|--[yellow]|--[yellow]|-[yellow]|",
              off}};

@@ -63,7 +63,7 @@ private slots:
         begin();
     }
 
-    void firstStartFindsTheInstrument()
+    void instrumentsAreFoundAndConnected()
     {
         QTRY_VERIFY_WITH_TIMEOUT(measures(bath), patienceMs);
         QVERIFY(instrument(bath).startsWith("[current]|NOX CM[current]|1234[current]|"));
@@ -71,20 +71,16 @@ private slots:
         QCOMPARE(channels()->rowCount(), 9);
         QCOMPARE(taken(image().getData()), expected);
         QVERIFY(answers->told.isEmpty() && answers->asked.isEmpty());
-        // while a block is read the row tells why it is silent
-        const auto tip = [this] { return instruments()->item(bath, 3)->toolTip().left(7); };
-        window->serialPort()->sendDevQuery(0, 3, 72);
-        QTRY_COMPARE_WITH_TIMEOUT(tip(), "Идёт об", patienceMs);
-        QTRY_COMPARE_WITH_TIMEOUT(tip(), "Принято", patienceMs);
-    }
-
-    void anotherIsConnectedByHand()
-    {
         QVERIFY(bench->add("SIM2"));
         pick(menuOf("addDevBtn"), "SIM2");
         QTRY_VERIFY_WITH_TIMEOUT(measures(another), patienceMs);
         QVERIFY(instrument(another).startsWith("|--|--|"));
         QCOMPARE(title(), "NOX CM № 1234");
+        // while a block is read the row tells why it is silent
+        const auto tip = [this] { return instruments()->item(bath, 3)->toolTip().left(7); };
+        window->serialPort()->sendDevQuery(0, 3, 72);
+        QTRY_COMPARE_WITH_TIMEOUT(tip(), "Идёт об", patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(tip(), "Принято", patienceMs);
     }
 
     void thePlotIsArranged()
@@ -112,16 +108,12 @@ private slots:
         QVERIFY(channel(4).contains("[gray"));
     }
 
-    void theLoggerIsRead()
+    void resultsAreKept()
     {
         pressIn(openCard(bath), {"readLogBtn"});
         const QDateTime recorded({2023, 5, 17}, {9, 30});
         QTRY_COMPARE_WITH_TIMEOUT(plot().getStartDateTime(), recorded, patienceMs);
         QVERIFY(plot().getChMeasCount(0, 0) >= 20);
-    }
-
-    void resultsAreKept()
-    {
         const QString record = answers->file = folder.filePath("record.csv");
         press("recBtn");
         pressIn(find("recmeas"), {"selectFileBtn", "saveBtn", "closeBtn"});

@@ -150,7 +150,7 @@ protected:
     /** Value, average and unit of the panels. */
     QString panels() const
     {
-        return label("mainMeasLabel") + '|' + label("mainAverLabel") + '|' + label("mainDimLabel");
+        return seen(window.get(), "mainMeasLabel mainAverLabel mainDimLabel").join('|');
     }
 
     QTableWidget *channels() const { return find<QTableWidget>("chTable"); }
