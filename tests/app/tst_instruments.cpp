@@ -236,6 +236,10 @@ private slots:
         QCOMPARE(enter(table, 3, InstrumentColumn::Show), "<  ☰"); // a box lies above the cell
         QCOMPARE(enter(table, 1, InstrumentColumn::Menu), "<   hand");
         QCOMPARE(enter(table, 2, InstrumentColumn::Unit), "< ☰ ");
+        record(2).devIndex = 9;
+        emit window->serialPort()->setProgress(9, 30, 100, 2); // its bar lies above the cell
+        QCOMPARE(enter(table, 3, InstrumentColumn::Menu), "<  ☰ hand");
+        record(2).devIndex = -1;
         QCOMPARE(enter(channels(), 2, ChannelColumn::Reference), "< ☰  hand");
         QCOMPARE(column(table, InstrumentColumn::Menu), "<  ");
         QCOMPARE(enter(channels(), 3, ChannelColumn::Menu), "<  ☰ hand");

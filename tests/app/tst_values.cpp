@@ -145,7 +145,8 @@ private slots:
     void readsTheLoggerBack()
     {
         add(0x11, 1);
-        measure(0, 1, 1);
+        for (const quint8 ch : {1, 2})
+            measure(0, 1, ch);
         const QDateTime start({2024, 3, 5}, {12, 0});
         for (const int index : {0, 7}) // nobody has the second one
             emit registry().onReadRec(
