@@ -110,8 +110,8 @@ private slots:
         const QString numbers = "1 2 3 4 5 6 7 8";
         QCOMPARE(column(channels(), ChannelColumn::Number), numbers + " 9 10 11 12 13 14 15 16");
         QCOMPARE(channel(15), "16|--|Ω|||-|");
-        measure(0, 20, 12);
-        QVERIFY(instrument(1).contains("|20.00|°С|13|"));
+        measure(0, 20, 8);
+        QVERIFY(instrument(1).contains("|20.00|°С|9|"));
         record(0).opt->setDevType(0x11);
         QCOMPARE(column(channels(), ChannelColumn::Number), numbers);
         QVERIFY(instrument(1).contains("|--[gray current]|Ω[gray current]|1[gray current]|"));

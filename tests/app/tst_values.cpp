@@ -9,6 +9,14 @@
 class TestValues : public WindowTest
 {
     Q_OBJECT
+    /** What the first instrument measures above a value is an alarm. */
+    void limitFirst(double highest) const
+    {
+        QwtNOX::_dev &device = plot().devices()[0];
+        device.modeTrack = TrackUpper;
+        device.upperMarker->setYValue(highest);
+        device.upperMarker->setVisible(true);
+    }
 
 private slots:
     void showsPoints()
@@ -33,7 +41,8 @@ private slots:
     void showsOneInstrumentOnly()
     {
         addSome(2);
-        deliver(0, -1300, 1);
+        limitFirst(30);
+        deliver(0, 31, 1);
         measure(1, 21.5, 0);
         QVERIFY(instrument(2).contains("|21.50|°С|1|"));
         QCOMPARE(channel(0) + panels(), "1[current]|--|Ω|||-|<[current]--|--|");
@@ -69,10 +78,7 @@ private slots:
             add(0x11, 1);
             record(0).devIndex = 0; // as if it were connected
             window->updUI();
-            QwtNOX::_dev &device = plot().devices()[0];
-            device.modeTrack = TrackUpper;
-            device.upperMarker->setYValue(30);
-            device.upperMarker->setVisible(true);
+            limitFirst(30);
             soundsPlayed = 0;
             for (const QString &event : QString(events).split(' ')) {
                 if (event.contains(':')) {
