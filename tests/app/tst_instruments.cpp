@@ -27,9 +27,9 @@ private slots:
     {
         const SerialPortEntry busy{"ttyS0", "/dev/ttyS0", true};
         const SerialPortEntry bath{"bath&2", "/nowhere", false};
-        ListedPorts::use({{"ttyS1", "/dev/ttyS1", false}, busy, bath});
+        usePorts({{"ttyS1", "/dev/ttyS1", false}, busy, bath});
         QCOMPARE(entriesOf(menuOf("addDevBtn")), "без подключния, |, ttyS1, bath&&2");
-        ListedPorts::use({busy, bath});
+        usePorts({busy, bath});
         QCOMPARE(entriesOf(menuOf("addDevBtn")), "без подключния, |, bath&&2");
         QCOMPARE(shown(), "0 0 -1 -1 - --|--| X: -");
         pick(menuOf("addDevBtn"), "без подключния");
@@ -65,26 +65,29 @@ private slots:
 
     void openSettingsFollowTheImage()
     {
-        add(0x31, 1);
-        const auto choice = [](const QWidget *from, const char *name) {
-            return from->findChild<QComboBox *>(name)->currentIndex();
-        };
+        add(0x0970AA0F, 1);
         optionsNOX8 &image = *record(0).opt;
+        const auto follows = [](const QWidget *form, const std::function<void()> &change) {
+            const QStringList before = seenForm(form);
+            change();
+            return seenForm(form) != before;
+        };
+        const auto switchShortCircuit = [&] { image.setDevZakorotka(1 - image.devZakorotka); };
+        ReferenceData references;
+        references.refT0 = bFloat(21.5F);
+        ZeroShifts shifts;
+        shifts.shiftCh[0] = bFloat(0.25F);
         devConfUI *const settings = window->deviceSettings();
         settings->show(0);
-        const QImage before = settings->grab().toImage();
+        QVERIFY(follows(settings, switchShortCircuit));
+        QVERIFY(follows(settings, [&] { image.setReferenceData(references); }));
+        QVERIFY(follows(settings, [&] { image.setZeroShifts(shifts); }));
+        QVERIFY(follows(settings, [&] { image.setChCurrent(0, 1); }));
         click(instruments(), 1, InstrumentColumn::Menu);
-        for (const int shortCircuit : {0, 1}) {
-            image.setDevZakorotka(quint8(shortCircuit));
-            QCOMPARE(choice(settings, "devZakorotkaCB"), shortCircuit);
-            QCOMPARE(choice(window->instrumentCard(), "devZakorotkaCB"), shortCircuit);
-        }
+        QVERIFY(follows(window->instrumentCard(), switchShortCircuit));
         window->instrumentCard()->close();
         click(channels(), 1, ChannelColumn::Menu);
-        QCOMPARE(choice(window->channelCard(), "currentCB"), 0);
-        image.setChCurrent(0, 1);
-        QCOMPARE(choice(window->channelCard(), "currentCB"), 1);
-        QVERIFY(settings->grab().toImage() != before);
+        QVERIFY(follows(window->channelCard(), [&] { image.setChCurrent(0, 0); }));
     }
 
     void sharesOneTimeOriginAndFillsGaps()
@@ -107,8 +110,8 @@ private slots:
         const QString numbers = "1 2 3 4 5 6 7 8";
         QCOMPARE(column(channels(), ChannelColumn::Number), numbers + " 9 10 11 12 13 14 15 16");
         QCOMPARE(channel(15), "16|--|Ω|||-|");
-        measure(0, 20, 12);
-        QVERIFY(instrument(1).contains("|20.00|°С|13|"));
+        measure(0, 20, 8);
+        QVERIFY(instrument(1).contains("|20.00|°С|9|"));
         record(0).opt->setDevType(0x11);
         QCOMPARE(column(channels(), ChannelColumn::Number), numbers);
         QVERIFY(instrument(1).contains("|--[gray current]|Ω[gray current]|1[gray current]|"));
@@ -125,7 +128,7 @@ private slots:
         confMenu *const card = window->instrumentCard();
         QVERIFY(card->x() > 100); // at the cell, as far as the screen allows
         QCOMPARE(card->findChild<QLabel *>("titleLabel")->text(), "NOX CM1 № 0002");
-        QTest::mouseClick(card->findChild<QToolButton *>("setupBtn"), Qt::LeftButton);
+        pressIn(card, {"setupBtn"});
         QVERIFY(!card->isVisible() && window->deviceSettings()->isVisible());
         QVERIFY(window->deviceSettings()->windowTitle().endsWith("NOX CM1 № 0002"));
         window->deviceSettings()->reject();
@@ -143,26 +146,21 @@ private slots:
 
     void choosesTheNextCurrentInstrument()
     {
-        const struct {
-            int current;
-            int removed;
-            const char *next;
-        } cases[] = {{1, 2, "2 8 1 1 NOX B № 0002 --|--| X: Авто"},
-                     {0, 0, "2 8 2 2 NOX B № 0003 --|--| X: Авто"},
-                     {2, 2, "2 8 1 1 NOX B № 0002 --|--| X: Авто"},
-                     {0, 1, "2 8 0 0 NOX B № 0001 --|--| X: Авто"}};
-        for (const auto &one : cases) {
+        const std::tuple<int, int, const char *> cases[] = {
+            {1, 2, "2 8 1 1 NOX B № 0002 --|--| X: Авто"},
+            {0, 0, "2 8 2 2 NOX B № 0003 --|--| X: Авто"},
+            {2, 2, "2 8 1 1 NOX B № 0002 --|--| X: Авто"},
+            {0, 1, "2 8 0 0 NOX B № 0001 --|--| X: Авто"}};
+        for (const auto &[current, removed, next] : cases) {
             addSome(3);
-            choose(one.current + 1);
-            registry().rmByIndex(one.removed);
+            choose(current + 1);
+            registry().rmByIndex(removed);
             // what still comes in for the removed one finds nobody
-            measure(one.removed, 21, 0);
-            emit registry().onDevChange(one.removed);
-            emit registry().onRmNox(one.removed, one.removed);
-            QCOMPARE(shown(), one.next);
-            const auto indices = registry().indices();
-            for (const int index : indices)
-                registry().rmByIndex(index);
+            measure(removed, 21, 0);
+            emit registry().onDevChange(removed);
+            emit registry().onRmNox(removed, removed);
+            QCOMPARE(shown(), next);
+            removeAll();
             QCOMPARE(shown(), "0 0 -1 -1 - --|--| X: -");
         }
     }
@@ -188,13 +186,10 @@ private slots:
         add(0x11, 1234);
         for (const int index : {0, 7})
             emit registry().onDevError(index, 200, "Обрыв связи [код 252]");
-        QCOMPARE(dialogs.told.size(), 1);
-        const Message &message = dialogs.told.first();
-        QCOMPARE(message.title + '|' + message.text,
-                 "Неисправность прибора|ОШИБКА №200\nНеисправность прибора NOX B № 1234\n"
-                 "Обрыв связи [код 252]");
-        QCOMPARE(message.icon, QMessageBox::Warning);
-        QCOMPARE(message.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+        QCOMPARE(answers->told.size(), 1);
+        QCOMPARE(seen(answers->told.first()),
+                 "2 [Неисправность прибора] ОШИБКА №200\nНеисправность прибора NOX B № 1234\n"
+                 "Обрыв связи [код 252] 400/0");
     }
 
     void progressStandsInTheRow()
@@ -214,15 +209,15 @@ private slots:
         QCOMPARE(report(9, 0, 70), "-, 0 70 50");
         QCOMPARE(report(8, 50, 100), "-, 0 70 50");
         QCOMPARE(report(9, 0, 0), "-, -");
-        report(9, 30, 100);
-        emit registry().onDevError(1, 200, {});
-        QCOMPARE(bar(2), "-");
-        report(9, 30, 100);
-        registry().disConnByIndex(1);
-        QCOMPARE(bar(2), "-");
-        report(9, 30, 100);
-        registry().rmByIndex(0); // the row moves up: the bar must not speak for another
-        QCOMPARE(bar(1), "-");
+        const std::function<void()> ends[] = {[&] { emit registry().onDevError(1, 200, {}); },
+                                              [&] { registry().disConnByIndex(1); },
+                                              [&] { registry().rmByIndex(0); }};
+        for (const auto &end : ends) {
+            report(9, 30, 100);
+            end();
+            QCOMPARE(bar(registry().indices().size()), "-");
+        }
+        QCOMPARE(bar(1), "-"); // the row has moved up: the bar must not speak for another
     }
 
     void marksTheRowUnderTheMouse()
@@ -241,6 +236,10 @@ private slots:
         QCOMPARE(enter(table, 3, InstrumentColumn::Show), "<  ☰"); // a box lies above the cell
         QCOMPARE(enter(table, 1, InstrumentColumn::Menu), "<   hand");
         QCOMPARE(enter(table, 2, InstrumentColumn::Unit), "< ☰ ");
+        record(2).devIndex = 9;
+        emit window->serialPort()->setProgress(9, 30, 100, 2); // its bar lies above the cell
+        QCOMPARE(enter(table, 3, InstrumentColumn::Menu), "<  ☰ hand");
+        record(2).devIndex = -1;
         QCOMPARE(enter(channels(), 2, ChannelColumn::Reference), "< ☰  hand");
         QCOMPARE(column(table, InstrumentColumn::Menu), "<  ");
         QCOMPARE(enter(channels(), 3, ChannelColumn::Menu), "<  ☰ hand");
@@ -253,12 +252,12 @@ private slots:
         const auto *button = find<QToolButton>("wideViewBtn");
         QTRY_VERIFY(left->isVisible());
         const int narrow = plot().width();
-        press("wideViewBtn");
-        QVERIFY(!left->isVisible() && button->arrowType() == Qt::RightArrow);
-        QTRY_VERIFY(plot().width() > narrow + 400);
-        press("wideViewBtn");
-        QVERIFY(left->isVisible() && button->arrowType() == Qt::LeftArrow);
-        QTRY_COMPARE(plot().width(), narrow);
+        for (const bool isWide : {true, false}) {
+            press("wideViewBtn");
+            QCOMPARE(left->isVisible(), !isWide);
+            QCOMPARE(button->arrowType(), isWide ? Qt::RightArrow : Qt::LeftArrow);
+            QTRY_VERIFY(isWide ? plot().width() > narrow + 400 : plot().width() == narrow);
+        }
         const QSize least = window->minimumSizeHint(); // it fits a small screen
         QCOMPARE(least.boundedTo({940, 490}), least);
     }

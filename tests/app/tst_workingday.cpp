@@ -1,6 +1,7 @@
 #include "device/featurenox8.h"
 #include "device/instrumentblocks.h"
-#include "plot/plotmouse.h"
+#include "dialogs/confchmenu.h"
+#include "dialogs/confmenu.h"
 #include "serial/noxserialport.h"
 #include "support/instrumentbench.h"
 #include "windowfixture.h"
@@ -23,23 +24,11 @@ class TestWorkingDay : public WindowTest
         return instruments()->rowCount() > row &&
                !cell(row, InstrumentColumn::Value).startsWith("--");
     }
-    /** A control of the card that is open. */
-    static QWidget *inCard(const char *name)
+    confMenu *openCard(int row) const
     {
-        return QApplication::activePopupWidget()->findChild<QWidget *>(name);
+        click(instruments(), row, InstrumentColumn::Menu);
+        return window->instrumentCard();
     }
-    static void pressInCard(const char *name) { QTest::mouseClick(inCard(name), Qt::LeftButton); }
-    void pressIn(const char *dialog, std::initializer_list<const char *> names) const
-    {
-        for (const char *name : names)
-            QTest::mouseClick(find(dialog)->findChild<QWidget *>(name), Qt::LeftButton);
-    }
-    void pickFromButton(const char *button, const QString &entry) const
-    {
-        QTimer::singleShot(100, this, [entry] { pickEntry(entry); });
-        press(button); // which returns when the menu has closed
-    }
-    void openCard(int row) const { click(instruments(), row, InstrumentColumn::Menu); }
     optionsNOX8 &image() const { return *record(0).opt; }
     QByteArray held() { return bench->host.block("SIM1", configurationAddress); }
     /** Changes a byte of what the instrument has to hold. */
@@ -74,14 +63,19 @@ private slots:
         begin();
     }
 
-    void firstStartFindsTheInstrument()
+    void instrumentsAreFoundAndConnected()
     {
         QTRY_VERIFY_WITH_TIMEOUT(measures(bath), patienceMs);
         QVERIFY(instrument(bath).startsWith("[current]|NOX CM[current]|1234[current]|"));
         QCOMPARE(title(), "NOX CM № 1234");
         QCOMPARE(channels()->rowCount(), 9);
         QCOMPARE(taken(image().getData()), expected);
-        QVERIFY(dialogs.told.isEmpty() && dialogs.asked.isEmpty());
+        QVERIFY(answers->told.isEmpty() && answers->asked.isEmpty());
+        QVERIFY(bench->add("SIM2"));
+        pick(menuOf("addDevBtn"), "SIM2");
+        QTRY_VERIFY_WITH_TIMEOUT(measures(another), patienceMs);
+        QVERIFY(instrument(another).startsWith("|--|--|"));
+        QCOMPARE(title(), "NOX CM № 1234");
         // while a block is read the row tells why it is silent
         const auto tip = [this] { return instruments()->item(bath, 3)->toolTip().left(7); };
         window->serialPort()->sendDevQuery(0, 3, 72);
@@ -89,75 +83,47 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(tip(), "Принято", patienceMs);
     }
 
-    void anotherIsConnectedByHand()
-    {
-        QVERIFY(bench->add("SIM2"));
-        pickFromButton("addDevBtn", "SIM2");
-        QTRY_VERIFY_WITH_TIMEOUT(measures(another), patienceMs);
-        QVERIFY(instrument(another).startsWith("|--|--|"));
-        QCOMPARE(title(), "NOX CM № 1234");
-    }
-
     void thePlotIsArranged()
     {
         click(channels(), 3, ChannelColumn::Value);
-        dialogs.color = QColor("#7b1fa2");
+        answers->color = QColor("#7b1fa2");
         click(channels(), 3, ChannelColumn::Number, Qt::RightButton);
         QVERIFY(channel(2).endsWith("<[current]"));
-        QCOMPARE(plot().getChColor(0, 2), dialogs.color);
-
-        // a limit below what is measured
-        QTRY_VERIFY_WITH_TIMEOUT(plot().getChMeasCount(0, 2) > 12, patienceMs);
-        PlotMouse mouse(plot());
-        const double value = plot().getChMeas(0, 2, -1, false);
-        pickFromButton("trackBtn", "Верхний предел");
-        const int below = mouse.pixel(0, value).y() + 40;
-        mouse.drag(mouse.middle(), {mouse.middle().x(), below});
-        QTRY_VERIFY_WITH_TIMEOUT(soundsPlayed > 0, patienceMs);
-        QTRY_VERIFY(channel(2).contains("[red"));
-        pickFromButton("trackBtn", "Выкл.");
-        for (int ch = 0; ch < 8; ++ch)
-            QTRY_VERIFY(!channel(ch).contains("[red"));
+        QCOMPARE(plot().getChColor(0, 2), answers->color);
     }
 
     /** A setting of the instrument, and a channel switched off: each by its card. */
     void theInstrumentIsSet()
     {
-        openCard(bath);
-        QTest::keyClick(inCard("devMeasRoundCB"), Qt::Key_Home); // "0.1"
+        confMenu *const card = openCard(bath);
+        QTest::keyClick(card->findChild<QWidget *>("devMeasRoundCB"), Qt::Key_Home); // "0.1"
         QCOMPARE(held(), expected); // nothing is written before it is applied
-        pressInCard("applyBtn");
+        pressIn(card, {"applyBtn"});
         expect(1, 0x0F, 0);
         QTRY_COMPARE_WITH_TIMEOUT(held(), expected, patienceMs);
-
         click(channels(), 5, ChannelColumn::Menu);
-        pressInCard("switchLabel");
+        pressIn(window->channelCard(), {"switchLabel"});
         expect(4 + 4 * 4, 0, 0);
         QTRY_COMPARE_WITH_TIMEOUT(held(), expected, patienceMs);
         QVERIFY(channel(4).contains("[gray"));
     }
 
-    void theLoggerIsRead()
+    void resultsAreKept()
     {
-        openCard(bath);
-        pressInCard("readLogBtn");
+        pressIn(openCard(bath), {"readLogBtn"});
         const QDateTime recorded({2023, 5, 17}, {9, 30});
         QTRY_COMPARE_WITH_TIMEOUT(plot().getStartDateTime(), recorded, patienceMs);
         QVERIFY(plot().getChMeasCount(0, 0) >= 20);
-    }
-
-    void resultsAreKept()
-    {
-        const QString record = dialogs.file = folder.filePath("record.csv");
+        const QString record = answers->file = folder.filePath("record.csv");
         press("recBtn");
-        pressIn("recmeas", {"selectFileBtn", "saveBtn", "closeBtn"});
-        dialogs.file = folder.filePath("table.csv");
+        pressIn(find("recmeas"), {"selectFileBtn", "saveBtn", "closeBtn"});
+        answers->file = folder.filePath("table.csv");
         press("toolButton_2");
-        pressIn("savemeas", {"selectFileBtn", "saveBtn"});
-        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(dialogs.file).size() > 1000, patienceMs);
-        pressIn("savemeas", {"closeBtn"});
+        pressIn(find("savemeas"), {"selectFileBtn", "saveBtn"});
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(answers->file).size() > 1000, patienceMs);
+        pressIn(find("savemeas"), {"closeBtn"});
         QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(record).size() > 500, patienceMs);
-        QVERIFY(dialogs.told.isEmpty());
+        QVERIFY(answers->told.isEmpty());
     }
 
     void thePlugIsPulledAndReturns()
@@ -165,8 +131,8 @@ private slots:
         bench->host.unplug("SIM1");
         const auto name = [this](int row) { return cell(row, InstrumentColumn::Name); };
         QTRY_COMPARE_WITH_TIMEOUT(name(bath), "NOX CM[gray current]", patienceMs);
-        QTRY_COMPARE(dialogs.told.size(), 1);
-        QVERIFY(dialogs.told.first().text.contains("Обрыв связи"));
+        QTRY_COMPARE(answers->told.size(), 1);
+        QVERIFY(answers->told.first().text.contains("Обрыв связи"));
         const auto goesOn = [this](int qwtIndex) {
             const int points = plot().getChMeasCount(qwtIndex, 0);
             QTRY_VERIFY_WITH_TIMEOUT(plot().getChMeasCount(qwtIndex, 0) > points, patienceMs);
@@ -174,8 +140,7 @@ private slots:
         goesOn(1);
         QCOMPARE(name(another), "--");
         bench->host.plugIn("SIM1");
-        openCard(bath);
-        pressInCard("connectBtn");
+        pressIn(openCard(bath), {"connectBtn"});
         QTRY_COMPARE_WITH_TIMEOUT(name(bath), "NOX CM[current]", patienceMs);
         goesOn(0);
         QCOMPARE(held(), expected);
@@ -184,19 +149,18 @@ private slots:
 
     void theDayEnds()
     {
-        openCard(another);
-        pressInCard("removeBtn");
+        pressIn(openCard(another), {"removeBtn"});
         QTRY_COMPARE_WITH_TIMEOUT(instruments()->rowCount(), 2, patienceMs);
         menuOf("settingsBtn")->findChildren<QCheckBox *>().last()->click();
         press("exitBtm");
-        QCOMPARE(dialogs.asked.last().title, "Выход из программы");
+        QCOMPARE(answers->asked.last().title, "Выход из программы");
         QVERIFY(window->isVisible() && measures(bath));
         // what has just been applied is written before the window goes
-        openCard(bath);
-        QTest::keyClick(inCard("devMeasTimeCB"), Qt::Key_End); // "9"
-        pressInCard("applyBtn");
+        confMenu *const card = openCard(bath);
+        QTest::keyClick(card->findChild<QWidget *>("devMeasTimeCB"), Qt::Key_End); // "9"
+        pressIn(card, {"applyBtn"});
         expect(0, 0x0F, 0x80);
-        dialogs.answer = QMessageBox::Yes;
+        answers->answer = QMessageBox::Yes;
         press("exitBtm");
         QVERIFY(window->isVisible() && !find("centralwidget")->isEnabled());
         QVERIFY(window->windowTitle().endsWith(" — запись настроек в приборы, затем выход"));

@@ -6,22 +6,21 @@
 #include "plot/qwtnox.h"
 #include "serial/portcatalog.h"
 #include "support/menukeys.h"
-#include "widgets/userdialogs.h"
+#include "support/seenform.h"
+#include "support/useranswers.h"
 
 #include <QtTest>
 #include <QtWidgets>
 
 /** A list of ports that a test has made up. */
 struct ListedPorts : PortCatalog {
-    QVector<SerialPortEntry> ports() const override { return entries; }
-    QVector<SerialPortEntry> entries;
-
-    static void use(const QVector<SerialPortEntry> &entries)
+    explicit ListedPorts(QVector<SerialPortEntry> listed)
+        : entries(std::move(listed))
     {
-        auto catalog = std::make_unique<ListedPorts>();
-        catalog->entries = entries;
-        PortCatalog::setCurrent(std::move(catalog));
     }
+    QVector<SerialPortEntry> ports() const override { return entries; }
+
+    const QVector<SerialPortEntry> entries;
 };
 
 /** Values as one text. */
@@ -57,20 +56,13 @@ protected:
     {
         data = std::make_unique<QTemporaryDir>();
         qputenv("XDG_DATA_HOME", QFile::encodeName(data->path()));
-        ListedPorts::use({});
-        dialogs = {};
+        usePorts({});
         soundsPlayed = 0;
-        UserDialogs::current() = {
-            [this](QWidget *, const Message &message) {
-                return answered(dialogs.asked, message, dialogs.answer);
-            },
-            [this](QWidget *, const Message &message) { dialogs.told << message; },
-            [this](QWidget *, const QColor &now) {
-                return answered(dialogs.offeredColors, now, dialogs.color);
-            },
-            [this](QWidget *, const FileQuestion &one) {
-                return answered(dialogs.fileQuestions, one, dialogs.file);
-            }};
+        answers = std::make_unique<UserAnswers>();
+    }
+    static void usePorts(const QVector<SerialPortEntry> &entries)
+    {
+        PortCatalog::setCurrent(std::make_unique<ListedPorts>(entries));
     }
     void start()
     {
@@ -99,6 +91,11 @@ protected:
         for (int number = 1; number <= count; ++number)
             add(0x11, quint16(number));
     }
+    void removeAll() const
+    {
+        for (const int index : registry().indices())
+            registry().rmByIndex(index);
+    }
     /** A measurement comes in; the frame that shows it is still to come. */
     void deliver(int index, double value, quint8 ch) const
     {
@@ -118,6 +115,12 @@ protected:
         return window->findChild<Widget *>(name);
     }
     void press(const QString &name) const { QTest::mouseClick(find(name), Qt::LeftButton); }
+    /** Clicks controls of a dialog or a card, one after the other. */
+    static void pressIn(const QWidget *form, std::initializer_list<const char *> names)
+    {
+        for (const char *name : names)
+            QTest::mouseClick(form->findChild<QWidget *>(name), Qt::LeftButton);
+    }
     QMenu *menuOf(const QString &button) const
     {
         const auto *push = find<QPushButton>(button);
@@ -147,7 +150,7 @@ protected:
     /** Value, average and unit of the panels. */
     QString panels() const
     {
-        return label("mainMeasLabel") + '|' + label("mainAverLabel") + '|' + label("mainDimLabel");
+        return seen(window.get(), "mainMeasLabel mainAverLabel mainDimLabel").join('|');
     }
 
     QTableWidget *channels() const { return find<QTableWidget>("chTable"); }
@@ -183,28 +186,10 @@ protected:
     void choose(int row) const { click(instruments(), row, InstrumentColumn::Name); }
 
     QDateTime now; ///< what the plot's clock shows
-    struct {
-        QVector<Message> asked;
-        QVector<Message> told;
-        QVector<QColor> offeredColors; ///< the colour that each question started from
-        QVector<FileQuestion> fileQuestions;
-        QMessageBox::StandardButton answer = QMessageBox::No;
-        QColor color;
-        QString file;                             ///< what is chosen when a file is asked for
-        std::function<void()> whileAsked = [] {}; ///< what goes on while a question is open
-    } dialogs;
+    std::unique_ptr<UserAnswers> answers;
     int soundsPlayed; ///< how often the alarm was heard
     std::unique_ptr<QTemporaryDir> data;
     std::unique_ptr<MainWindow> window;
-
-private:
-    template<typename Question, typename Answer>
-    Answer answered(QVector<Question> &questions, const Question &question, const Answer &given)
-    {
-        questions << question;
-        dialogs.whileAsked();
-        return given;
-    }
 
 private slots:
     void init()
@@ -217,6 +202,7 @@ private slots:
     void cleanup()
     {
         window.reset();
+        answers.reset();
         PortCatalog::setCurrent(nullptr);
     }
 };

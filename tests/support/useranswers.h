@@ -17,6 +17,12 @@ struct UserAnswers {
         UserDialogs::current().tell = [this](QWidget *, const Message &message) {
             told << message;
         };
+        UserDialogs::current().chooseColor = [this](QWidget *, const QColor &now) {
+            offeredColors << now;
+            const QColor given = color;
+            meanwhile();
+            return given;
+        };
         UserDialogs::current().chooseFile = [this](QWidget *, const FileQuestion &question) {
             files << question;
             const QString given = file;
@@ -30,8 +36,10 @@ struct UserAnswers {
 
     QVector<Message> asked;
     QVector<Message> told;
+    QVector<QColor> offeredColors; ///< each the one that a question started from
     QVector<FileQuestion> files;
     QMessageBox::StandardButton answer = QMessageBox::No;
+    QColor color;                            ///< invalid: none is chosen
     QString file;                            ///< empty: none is chosen
     std::function<void()> meanwhile = [] {}; ///< what happens while something is asked
 };

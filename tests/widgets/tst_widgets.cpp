@@ -44,12 +44,17 @@ private slots:
     {
         FittedLabel label(40);
         label.resize(300, 80);
-        QVector<int> points;
-        for (const int length : {1, 300}) {
-            label.showText(QString(length, 'x'));
-            points << label.font().pointSize();
-        }
-        QCOMPARE(points, (QVector<int>{40, 10}));
+        label.show();
+        const auto points = [&label](const QString &text) {
+            label.showText(text);
+            return label.font().pointSize();
+        };
+        QCOMPARE(points("x"), 40);
+        QCOMPARE(points(QString(80, '0')), 10);
+        QVERIFY(points("-1234.123456789") > 13);
+        QVERIFY(label.fontMetrics().horizontalAdvance(label.text()) <= label.width());
+        label.resize(900, 80);
+        QCOMPARE(label.font().pointSize(), 40);
     }
 
     void changedFieldIsMarked()
