@@ -2,17 +2,14 @@
 #include "calibration/referencetabs.h"
 #include "device/optionsnox8.h"
 #include "plot/qwtnox.h"
-#include "support/menukeys.h"
-#include "support/seenform.h"
-#include "support/useranswers.h"
-
-#include <memory>
+#include "support/formtest.h"
 
 namespace
 {
 
 constexpr quint32 noxA = 0x01;
 constexpr quint32 noxC = 0x21;
+constexpr quint32 noxCmRev4 = 0x0950AA0F;
 constexpr quint32 noxCm1Rev4 = 0x0960AA0F;
 constexpr quint32 noxDRev4 = 0x0970AA0F;
 
@@ -30,7 +27,7 @@ QByteArray with(QByteArray bytes, int place, float number)
     return bytes.replace(8 * place, 8, bFloat(number).getByte().toHex());
 }
 
-/** Whether each of the texts is marked as changed. */
+/** Whether each of the seen cells is marked as changed. */
 QString marks(const QString &texts)
 {
     QString marks;
@@ -42,15 +39,15 @@ QString marks(const QString &texts)
 } // namespace
 
 /** The two tabs in a window that connects them as the settings dialog does. */
-class TestInstrumentReferences : public QObject
+class TestInstrumentReferences : public FormTest
 {
     Q_OBJECT
 private slots:
     void init()
     {
+        answers.reset();
         answers = std::make_unique<UserAnswers>();
         answers->answer = QMessageBox::Ok;
-        heard.clear();
         held.reset();
         heldShifts.reset();
         window = std::make_unique<QWidget>();
@@ -70,43 +67,20 @@ private slots:
     {
         window.reset();
         image.reset();
-        answers.reset();
     }
 
     void modelsShowTheirReferences()
     {
-        const QString six = "100.0000 100.0000 100.000 100.0000 100.000";
-        const QString resistorsOfD = "100.000000 100.00000 100.0000 100.00000 100.000";
-        const QMap<quint32, QString> values = {{noxA, "100.0000 - - - 100.000"},
-                                               {0x11, "100.0000 100.000 - - 100.000"},
-                                               {noxC, six},
-                                               {0x22, six},
-                                               {0x41, six},
-                                               {0x31, resistorsOfD},
-                                               {0x0950AA0F, six},
-                                               {noxCm1Rev4, six},
-                                               {noxDRev4, resistorsOfD},
-                                               {0, "100.0000 100.0000 100.0000 100.0000 100.000"}};
-        for (auto model = values.begin(); model != values.end(); ++model) {
-            show(model.key());
-            for (ReferenceTriple &resistor : image->refR)
-                resistor.value.value = 100;
-            image->refU = {bFloat(100), bFloat(-1.23456789e-5F), bFloat(0.5F)};
+        QStringList shown;
+        for (const quint32 model :
+             {0U, noxA, 0x11U, noxC, 0x22U, 0x31U, 0x41U, noxCmRev4, noxCm1Rev4, noxDRev4}) {
+            show(model);
+            image->refU.a.value = -1.23456789e-5F;
             emit image->onRefChange();
-            QStringList shown;
-            for (int row = 0; row < 5; ++row) {
-                shown << cell("refTable", row, 0)->text();
-                const bool isInUse = shown.last() != "-";
-                for (int column = 0; column < 3; ++column)
-                    QCOMPARE(seenCell(cell("refTable", row, column)) != "~-", isInUse);
-            }
-            QCOMPARE(shown.join(' '), model.value());
-            QCOMPARE(cell("refTable", 4, 1)->text(), QString("-1.23457e-05"));
-            QCOMPARE(find<QLineEdit>("t0Edit")->text(), QString("33.33"));
-            QCOMPARE(find("ch16ShiftTable")->isVisible(), model.key() == noxCm1Rev4);
             shifts->followModel();
-            QCOMPARE(find("refShiftGBox")->isEnabled(), model.key() != 0);
+            shown << see("refTable t0Edit ch16ShiftTable refShiftGBox");
         }
+        QCOMPARE(shown, linesOf(QFINDTESTDATA("data/references.txt")));
     }
 
     /** What is not typed keeps all its digits; what a model lacks becomes zero. */
@@ -114,8 +88,7 @@ private slots:
     {
         show(noxC);
         const QByteArray before = bytesOf(*image);
-        find("t0Edit")->setFocus();
-        QTest::keyClick(find("t0Edit"), Qt::Key_Tab);
+        press("t0Edit", {Qt::Key_Tab});
         click("pushButton");
         QCOMPARE(bytesOf(*image), before);
         QCOMPARE(heard.join(' '), QString("references references write"));
@@ -129,15 +102,16 @@ private slots:
 
     void entry_data()
     {
-        QTest::addColumn<int>("place");
-        QTest::addColumn<float>("number"); // none: refused
+        QTest::addColumn<int>("place"); // in the block
+        QTest::addColumn<float>("number");
+        const float refused = std::nanf("");
         QTest::newRow("1,5") << 1 << 1.5F;
         QTest::newRow(" 2.25e-3") << 15 << 0.00225F;
         QTest::newRow("-") << 8 << 0.0F;
-        QTest::newRow("1x") << 1 << float(qQNaN());
-        QTest::newRow("o.5") << 15 << float(qQNaN());
-        QTest::newRow("nan") << 5 << float(qQNaN()); // C would read it
-        QTest::newRow("2o") << 0 << float(qQNaN());
+        QTest::newRow("1x") << 1 << refused;
+        QTest::newRow("o.5") << 15 << refused;
+        QTest::newRow("nan") << 5 << refused; // C would read it
+        QTest::newRow("2o") << 0 << refused;
     }
 
     void entry()
@@ -145,45 +119,35 @@ private slots:
         QFETCH(int, place);
         QFETCH(float, number);
         const QString text = QTest::currentDataTag();
-        show(noxC);
-        auto *const field = find<QLineEdit>("t0Edit");
-        QTableWidgetItem *const item = cell("refTable", (place - 1) / 3, (place + 2) % 3);
-        const QString before = place > 0 ? item->text() : field->text();
-        QByteArray expected = bytesOf(*image);
         const bool isRight = !std::isnan(number);
-        if (isRight)
-            expected = with(expected, place, number);
+        show(noxC);
+        QTableWidgetItem *const item = cell("refTable", (place - 1) / 3, (place + 2) % 3);
+        const auto shown = [&] { return place > 0 ? item->text() : see("t0Edit"); };
+        const QString before = shown();
+        const QByteArray bytes = bytesOf(*image);
         if (place > 0) {
             type(item, text);
+            QCOMPARE(item->text(), text);
             click("pushButton");
         } else {
-            field->setFocus();
-            field->selectAll();
-            typeText(field, text);
-            QTest::keyClick(field, Qt::Key_Return);
-            QTest::keyClick(field, Qt::Key_Tab); // its end is told of again
+            enter("t0Edit", text);
+            press("t0Edit", {Qt::Key_Tab}); // its end is told of again
         }
-        QCOMPARE(bytesOf(*image), expected);
+        QCOMPARE(bytesOf(*image), isRight ? with(bytes, place, number) : bytes);
         QCOMPARE(heard.count("write"), isRight ? 1 : 0);
-        QStringList told;
-        for (const Message &message : qAsConst(answers->told))
-            told << seen(message);
-        QCOMPARE(told.join('|'), isRight
-                                     ? QString()
-                                     : "2 [Ошибка ввода опор] Не верные коэффициенты!\n"
-                                       "Проверьте введённые значения и повторите попытку. 400/0");
-        const QString after = place > 0 ? item->text() : field->text();
-        QVERIFY(isRight ? after != text && after != before : after == before);
+        answers->asked.clear();
+        QCOMPARE(told(), isRight ? QString()
+                                 : "2 [Ошибка ввода опор] Не верные коэффициенты!\n"
+                                   "Проверьте введённые значения и повторите попытку. 400/0");
+        QVERIFY(isRight ? shown() != text && shown() != before : shown() == before);
     }
 
     void whatIsLeftTypedIsDropped()
     {
         show(noxC);
-        auto *const field = find<QLineEdit>("t0Edit");
-        field->setFocus();
-        QTest::keyClicks(field, "o");
+        write("t0Edit", "o");
         references->setImage(image.get());
-        QCOMPARE(field->text(), QString("33.33"));
+        QCOMPARE(see("t0Edit"), QString("33.33"));
         QTableWidgetItem *const item = cell("refTable", 0, 0);
         startTyping(item, "o");
         references->setImage(image.get());
@@ -191,19 +155,19 @@ private slots:
         for (const bool isLocked : {true, false}) {
             find<QGroupBox>("refGBox")->setChecked(true);
             references->setAvailable(true);
-            field->setFocus();
-            QTest::keyClicks(field, "o");
+            write("t0Edit", "o");
             if (isLocked)
                 references->lock();
             else
                 references->setAvailable(false);
-            QVERIFY(!field->isEnabled());
+            QVERIFY(!find("t0Edit")->isEnabled());
         }
         shifts->lock();
         QVERIFY(!find("chUPB")->isEnabled() && answers->told.isEmpty());
         references->setImage(nullptr);
         shifts->setImage(nullptr);
-        QCOMPARE(seenCell(item) + field->text() + seenCell(cell("rShiftTable", 0, 0)), QString());
+        QCOMPARE(seenCell(item) + see("t0Edit") + seenCell(cell("rShiftTable", 0, 0)),
+                 QString(" {off}"));
         QVERIFY(!references->take());
     }
 
@@ -216,9 +180,8 @@ private slots:
         type(cell("rShiftTable", 0, 0), "5");
         for (const char *button : {"pushButton", "pushButton_8"}) {
             click(button);
-            QCOMPARE(seen(answers->asked.takeLast()),
-                     QString("2 [Изменение опор] ВНИМАНИЕ! Изменение опор может привести к "
-                             "поломке прибора! 400400/400000"));
+            QCOMPARE(told(), QString("2 [Изменение опор] ВНИМАНИЕ! Изменение опор может привести к "
+                                     "поломке прибора! 400400/400000"));
         }
         QCOMPARE(bytesOf(*image), before);
         QCOMPARE(heard, QStringList());
@@ -248,7 +211,7 @@ private slots:
     {
         show(noxDRev4);
         const auto marked = [this] {
-            return QString(find("t0Edit")->accessibleDescription().isEmpty() ? "" : "T0 ") +
+            return QString(see("t0Edit").endsWith("{changed}") ? "T0 " : "") +
                    marks(see("refTable")) + ' ' + marks(see("ch8ShiftTable")) +
                    marks(see("uShiftTable")).right(9);
         };
@@ -272,11 +235,9 @@ private slots:
     void refreshLeavesWhatIsBeingTyped()
     {
         show(noxC);
-        auto *const field = find<QLineEdit>("t0Edit");
-        field->setFocus();
-        QTest::keyClicks(field, "1");
+        press("t0Edit", {Qt::Key_1});
         refresh();
-        QCOMPARE(field->text(), QString("33.331"));
+        QCOMPARE(see("t0Edit"), QString("33.331"));
 
         QTableWidgetItem *const item = cell("refTable", 0, 0);
         QLineEdit *const editor = startTyping(item, "12");
@@ -307,51 +268,63 @@ private slots:
                          "rShiftTable ch8ShiftTable uShiftTable pushButton_7 chUPB pushButton_8"));
     }
 
-    /** From their cells, in the order of the block; the first wrong one ends it. */
-    void shiftsAreTaken()
+    /** A wrong one shows by what was taken before it at which place of the order it stands. */
+    void shiftsAreTakenInTheirOrder()
     {
-        QVector<int> order{0}; // in which they are taken
+        QVector<int> order(37, -1);
+        for (int wrong = 0; wrong < 37; ++wrong) {
+            QStringList texts = shownShifts(ZeroShifts()).replaceInStrings(QRegExp("$"), "1");
+            texts[wrong] = "x";
+            ZeroShifts entered;
+            QVERIFY(!enterShifts(texts, entered));
+            int taken = 0;
+            forEachShift(entered, [&taken](const bFloat &shift) { taken += shift.value != 0.0F; });
+            order[taken] = wrong;
+        }
+        QVector<int> expected{0};
         for (int k = 1; k <= 16; ++k)
-            order += k <= 4 ? QVector<int>{16 + k, 32 + k, k} : QVector<int>{16 + k, k};
+            expected += k <= 4 ? QVector<int>{16 + k, 32 + k, k} : QVector<int>{16 + k, k};
+        QCOMPARE(order, expected);
+        ZeroShifts some;
+        QVERIFY(!enterShifts(shownShifts(some).mid(1), some));
+    }
+
+    /** From their cells, up to the first wrong one. */
+    void shiftsAreWritten()
+    {
         show(noxCm1Rev4);
-        for (int wrong = 0; wrong <= order.size(); ++wrong) { // the last time none is
-            heldShifts = *image;
-            refresh();
-            heard.clear();
-            answers->told.clear();
-            QByteArray expected = bytesOf(*image);
-            QString changed(order.size(), '.');
-            for (int i = 0; i < order.size(); ++i) {
-                const float number = float(order.at(i) + 1000 * wrong) + 0.125F;
-                shiftCells()
-                    .at(order.at(i))
-                    ->setText(i == wrong ? "x" : QString::number(number, 'f', 3).replace('.', ','));
-                if (i < wrong)
-                    expected = with(expected, 18 + order.at(i), number);
-                if (i < wrong)
-                    changed[order.at(i)] = 'x';
-            }
-            click("pushButton_8");
-            QCOMPARE(bytesOf(*image), expected);
-            const bool isRight = wrong == order.size();
-            QCOMPARE(heard.join(' '), QString(isRight ? "taken write" : "taken"));
-            QCOMPARE(answers->told.size(), isRight ? 0 : 1);
+        heldShifts = *image;
+        refresh();
+        QByteArray expected = bytesOf(*image);
+        for (int i = 0; i < 37; ++i)
+            shiftCells().at(i)->setText(i == 1 ? "x" : QString("%1,25").arg(i + 1));
+        for (const int taken : {0, 17, 33})
+            expected = with(expected, 18 + taken, float(taken) + 1.25F);
+        click("pushButton_8");
+        QCOMPARE(bytesOf(*image), expected);
+        QCOMPARE(heard.join(' ') + QString::number(answers->told.size()), QString("taken1"));
+        const auto seenMarks = [this] {
             QStringList texts;
             for (const QTableWidgetItem *item : shiftCells())
                 texts << seenCell(item);
-            QCOMPARE(marks(texts.join('|')), changed);
-        }
-        int number = 0;
-        forEachShift(*image, [&number](bFloat &shift) { shift.value = float(++number); });
-        refresh();
-        QCOMPARE(see("uShiftTable").remove('*').remove(QRegExp("\\.0+")),
+            return marks(texts.join('|'));
+        };
+        QCOMPARE(seenMarks(), QString("x................x...............x..."));
+        shiftCells().at(1)->setText("2.25");
+        for (int i = 0; i < 37; ++i)
+            expected = with(expected, 18 + i, float(i) + 1.25F);
+        click("pushButton_8");
+        QCOMPARE(bytesOf(*image), expected);
+        QCOMPARE(heard.join(' ') + QString::number(answers->told.size()),
+                 QString("taken taken write1"));
+        QCOMPARE(seenMarks(), QString(37, 'x'));
+        QCOMPARE(see("uShiftTable").remove(QRegExp("\\.250+|\\*")),
                  QString("1|4|~|~|~|11|~|~|~/2|5|6|8|~|12|13|15|~/3|~|7|9|10|~|14|16|17"));
-        QCOMPARE(shiftCells().at(2)->text() + ' ' + shiftCells().at(3)->text() + ' ' +
-                     see("ch16ShiftTable").section('|', 7) + ' ' + see("rShiftTable").left(10),
-                 QString("3.00000 4.0000000 *33.000000 *34.000000"));
-        const QByteArray before = bytesOf(*image);
+        QCOMPARE(see("uShiftTable").left(18) + see("ch16ShiftTable").section('|', 7) + ' ' +
+                     see("rShiftTable").left(10),
+                 QString("*1.25000|*4.250000*33.250000 *34.250000"));
         click("pushButton_8"); // unchanged texts
-        QCOMPARE(bytesOf(*image), before);
+        QCOMPARE(bytesOf(*image), expected);
     }
 
     void shiftsNeverShownAreRefused()
@@ -362,48 +335,39 @@ private slots:
         click("pushButton_8");
         QCOMPARE(bytesOf(*image), before);
         QCOMPARE(answers->told.size(), 1);
-        ZeroShifts some = *image;
-        QVERIFY(!enterShifts(shownShifts(some).mid(1), some));
         shifts->setServiceVisible(false);
         QVERIFY(find("uShiftGBox")->isHidden() && find("chUPB")->isHidden());
     }
 
-    void channelsAreZeroed_data()
-    {
-        QTest::addColumn<quint32>("type");
-        QTest::addColumn<int>("channels");
-        QTest::newRow("zeroed") << noxDRev4 << 8;
-        QTest::newRow("another model") << 0x0950AA0FU << 8;
-        QTest::newRow("a plot of fewer channels") << noxDRev4 << 7;
-    }
-
     void channelsAreZeroed()
     {
-        QFETCH(quint32, type);
-        QFETCH(int, channels);
-        show(type);
-        QwtNOX plot;
-        plot.addDev(3, uchar(channels));
-        plot.setDevMain(3);
-        QByteArray expected = bytesOf(*image);
-        const bool isZeroed = QTest::currentDataTag() == QByteArray("zeroed");
-        for (uchar ch = 0; ch < channels; ++ch) {
-            plot.addPoint(5, 0.0, "мВ", 3, ch);
-            plot.addPoint(0.001 * (ch + 1), 1.0, "мВ", 3, ch);
-            const double old = double(image->shiftCh[ch].value);
-            if (isZeroed)
-                expected = with(expected, 35 + ch, float(old - 0.001 * (ch + 1)));
+        for (const auto &[model, channels] :
+             {std::pair(noxDRev4, 8), std::pair(noxCmRev4, 8), std::pair(noxDRev4, 7)}) {
+            show(model);
+            QwtNOX plot;
+            plot.addDev(3, uchar(channels));
+            plot.setDevMain(3);
+            QByteArray expected = bytesOf(*image);
+            const bool isZeroed = model == noxDRev4 && channels == 8;
+            for (uchar ch = 0; ch < channels; ++ch) {
+                plot.addPoint(5, 0.0, "мВ", 3, ch);
+                plot.addPoint(0.001 * (ch + 1), 1.0, "мВ", 3, ch);
+                const double old = double(image->shiftCh[ch].value);
+                if (isZeroed)
+                    expected = with(expected, 35 + ch, float(old - 0.001 * (ch + 1)));
+            }
+            plot.setChDiff(0, 3, 3, 1); // a difference is no reading
+            shifts->zeroChannels(nullptr, 3);
+            shifts->zeroChannels(&plot, -1);
+            QCOMPARE(heard.size(), 0);
+            shifts->zeroChannels(&plot, 3);
+            QCOMPARE(bytesOf(*image), expected);
+            QCOMPARE(heard.join(' '), QString(isZeroed ? "shifts" : ""));
         }
-        plot.setChDiff(0, 3, 3, 1); // a difference is no reading
-        shifts->zeroChannels(nullptr, 3);
-        shifts->zeroChannels(&plot, -1);
-        QCOMPARE(heard.size(), 0);
-        shifts->zeroChannels(&plot, 3);
-        QCOMPARE(bytesOf(*image), expected);
-        QCOMPARE(heard.join(' '), QString(isZeroed ? "shifts" : ""));
     }
 
 private:
+    QWidget *form() const override { return window.get(); }
     /** Opens an instrument whose numbers have more digits than are shown, and unlocks the tabs. */
     void show(quint32 type)
     {
@@ -443,16 +407,6 @@ private:
         shifts->refresh();
         shifts->setHeld(heldShifts);
     }
-    template<typename Widget = QWidget>
-    Widget *find(const QString &name) const
-    {
-        return window->findChild<Widget *>(name);
-    }
-    QTableWidgetItem *cell(const QString &table, int row, int column) const
-    {
-        return find<QTableWidget>(table)->item(row, column);
-    }
-    QString see(const QString &name) const { return seen(find<QTableWidget>(name)); }
     /** The cells in which a shift can be entered, in the order of the block. */
     QVector<QTableWidgetItem *> shiftCells() const
     {
@@ -464,28 +418,7 @@ private:
                         cells << cell(table, row, column);
         return cells;
     }
-    void click(const QString &button) const { QTest::mouseClick(find(button), Qt::LeftButton); }
-    /** Types over the text of a cell: the editor, still open. */
-    QLineEdit *startTyping(QTableWidgetItem *item, const QString &text) const
-    {
-        QTableWidget *const table = item->tableWidget();
-        table->setFocus();
-        table->setCurrentItem(item);
-        QTest::keyClick(table, Qt::Key_F2);
-        auto *const editor = table->viewport()->findChildren<QLineEdit *>().last();
-        editor->selectAll();
-        typeText(editor, text);
-        return editor;
-    }
-    void type(QTableWidgetItem *item, const QString &text) const
-    {
-        QTest::keyClick(startTyping(item, text), Qt::Key_Return);
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-        QCOMPARE(item->text(), text);
-    }
 
-    std::unique_ptr<UserAnswers> answers;
     std::unique_ptr<optionsNOX8> image;
     std::unique_ptr<QWidget> window;
     ReferenceTab *references = nullptr;
