@@ -1,4 +1,5 @@
 #include "device/vocabulary.h"
+#include "dialogs/settingscontent.h"
 #include "dialogsfixture.h"
 
 /** The settings of an instrument, worked by keys and clicks; its image is what comes out. */
@@ -6,22 +7,12 @@ class TestDeviceSettings : public DialogsTest
 {
     Q_OBJECT
 private slots:
-    void init() { prepare(); }
-    void cleanup() { tidyUp(); }
-
     /** Everything, as an instrument may hold it. */
     void openingChangesNothing()
     {
         QStringList shown;
         for (const quint32 type : {0U, noxB, noxCm1Rev4}) {
-            add(type);
-            image->devCompensTP = 2;
-            image->channels[1] = {0, measTemperature,     "",         1, 1, 0,
-                                  0, featureThermocouple, compensNone};
-            image->channels[6] = {3,  measTemperatureCustom, "bar",      15, 15, 12,
-                                  15, featureThermocouple,   compensNone};
-            image->features[3]->setFeature(FeatureRecord::its90, "Эталон",
-                                           {"24.8", "1", "2", "3", "4", "5", "6", "7", "3.375"});
+            addOdd(type);
             nox->dbIndex = type == 0 ? 0 : nox->dbIndex;
             settings->show(nox->index); // which matches a snapshot
             const QByteArray before = data() + references();
@@ -33,19 +24,47 @@ private slots:
             QVERIFY(data() + references() == before);
             shown << settings->windowTitle() << seenForm(settings.get());
         }
+        for (const quint32 type : optionsNOX8::getTypeList(true).keys())
+            for (const quint8 shortCircuit : {0, 1}) {
+                open(type);
+                nox->dbIndex = 0;
+                image->identValid = shortCircuit != 0;
+                image->setDevZakorotka(shortCircuit);
+                settings->onDevChange(nox->index);
+                shown << see("devTypeCB devCompensTPCB devNameEdit rmDevBtn");
+            }
         QCOMPARE(shown.replaceInStrings(QRegExp(" от .*\\["), ""),
                  linesOf(QFINDTESTDATA("data/settings.txt")));
+    }
+
+    void compensationNeedsThermocouple()
+    {
+        constexpr auto table = FeatureRecord::temperatureOfVoltage;
+        constexpr auto thermometer = FeatureRecord::polynomial;
+        const auto isOffered = [this](quint32 type, quint8 compensation,
+                                      CharacteristicSource source, auto own) {
+            open(type);
+            image->devCompensTP = compensation;
+            image->channels[0].featureType = source;
+            image->channels[0].feature = 5;
+            image->features[5]->type = own;
+            emit image->onDevChange();
+            return !seenCell(cell("chTable", 0, CompensationSetting)).contains('~');
+        };
+        QVERIFY(isOffered(noxCm, 2, featureThermocouple, thermometer));
+        QVERIFY(isOffered(noxCm, 2, featureIndividual, table));
+        QVERIFY(!isOffered(noxC, 2, featureThermocouple, table));
+        QVERIFY(!isOffered(noxCm, 1, featureThermocouple, table));
+        QVERIFY(!isOffered(noxCm, 3, featureThermocouple, table));
+        QVERIFY(!isOffered(noxCm, 2, featureIndividual, thermometer));
+        QVERIFY(!isOffered(noxCm, 2, featureResistanceThermometer, table));
+        QVERIFY(!isOffered(noxCm, 2, featureNone, table));
     }
 
     void entriesAreTaken()
     {
         open(noxCm1);
-        QCOMPARE(chosen("devMeasRoundCB", 1), QString("02100100 01000000 device"));
-        QCOMPARE(chosen("devMeasTimeCB", 8), QString("82100100 01000000 device"));
-        QCOMPARE(chosen("devMeasModeCB", 1), QString("81100100 01000000 device"));
-        QCOMPARE(chosen("devCompensTPCB", 2), QString("81120100 01000000 device"));
-        QCOMPARE(chosen("devChReversCB", 1), QString("81121100 01000000 device"));
-        QCOMPARE(chosen("devZakorotkaCB", 0), QString("81121000 01000000 device"));
+        operatingListsAreStored();
 
         open(noxCm1Rev4);
         for (const char *passed : {"devPortEdit", "devNumEdit", "devNameEdit"})
@@ -77,15 +96,16 @@ private slots:
         const QStringList resistors = optionsNOX8::getDevResistList(noxCm);
         const QStringList couples = standardThermocouples();
         const QStringList sensors = standardResistanceThermometers();
-        QTest::newRow("off") << 0 << "Выкл."
-                             << "Вкл.";
-        QTest::newRow("unit") << 1 << "мВ"
-                              << "Ω";
-        QTest::newRow("current") << 2 << currents.at(3) << currents.at(0);
-        QTest::newRow("resistor") << 3 << resistors.at(2) << resistors.at(0);
-        QTest::newRow("own") << 4 << "Печь && ко" << couples.at(0);
-        QTest::newRow("standard") << 4 << "НСХ ТП/" + couples.at(2) << couples.at(0);
-        QTest::newRow("compensation") << 5 << "НСХ ТС/" + sensors.at(2) << sensors.at(5);
+        const auto add = [](int column, const QString &entry, const QString &before) {
+            QTest::addRow("%s", qPrintable(entry)) << column << entry << before;
+        };
+        add(0, "Выкл.", "Вкл.");
+        add(1, "мВ", "Ω");
+        add(2, currents.at(3), currents.at(0));
+        add(3, resistors.at(2), resistors.at(0));
+        add(4, "Печь && ко", couples.at(0));
+        add(4, "НСХ ТП/" + couples.at(2), couples.at(0));
+        add(5, "НСХ ТС/" + sensors.at(2), sensors.at(5));
     }
 
     /** For one channel by its cell, for all by the header of the column. */
@@ -100,19 +120,24 @@ private slots:
             image->setChFeature(ch, featureThermocouple, 0);
             image->setChFeatureCompesTP(ch, compensResistanceThermometer, 5);
         }
-        const QString before = channels()->item(0, column)->text();
+        const auto texts = [this, column] {
+            QStringList texts;
+            for (int row = 0; row < 8; ++row)
+                texts << cell("chTable", row, column)->text();
+            return texts;
+        };
+        QStringList expected = texts();
         const QString after =
             column == 0 ? "-" : QString(entry).remove(QRegExp("^НСХ ../")).replace("&&", "&");
         pressCell(4, column);
         QTEST(ticked(), "before");
         pickEntry(entry);
-        for (int row = 0; row < 8; ++row)
-            QCOMPARE(channels()->item(row, column)->text(), row == 4 ? after : before);
+        expected[4] = after;
+        QCOMPARE(texts(), expected);
         pressCell(-1, column);
         QCOMPARE(ticked(), QString());
         pickEntry(entry);
-        for (int row = 0; row < 8; ++row)
-            QCOMPARE(channels()->item(row, column)->text(), after);
+        QCOMPARE(texts().count(after), 8);
     }
 
     /** Beside the cell, or below the header for all channels; not from a cell out of use. */
@@ -169,19 +194,20 @@ private slots:
     {
         QTest::addColumn<quint32>("type");
         QTest::addColumn<QString>("expected"); // of two clicks
-        QTest::newRow("pushButton_5") << noxDRev4 << "write identity, write device; write device";
-        QTest::newRow("pushButton_5 ") << 0U << "; ";
-        QTest::newRow("devGetConfBtn") << noxB << "read 51 8 shown; ";
-        QTest::newRow("pushButton_2") << noxB << "read 3 72 shown; ";
-        QTest::newRow("pushButton_7") << noxDRev4 << "read 9 148 shown; ";
-        QTest::newRow("pushButton_7 ") << noxB << "; ";
-        QTest::newRow("pushButton") << noxB
-                                    << "references, write references; references, "
-                                       "write references";
-        QTest::newRow("pushButton_8") << noxDRev4 << "write shifts; write shifts";
-        QTest::newRow("chUPB") << noxDRev4 << "shifts; shifts";
-        QTest::newRow("rmDevBtn") << noxB << "database; ";
-        QTest::newRow("pushButton_6") << noxB << "; ";
+        const auto add = [](const char *button, quint32 type, const char *expected) {
+            QTest::newRow(button) << type << expected;
+        };
+        add("pushButton_5", noxDRev4, "write identity, write device; write device");
+        add("pushButton_5 ", 0, "; ");
+        add("devGetConfBtn", noxB, "read 51 8 shown; ");
+        add("pushButton_2", noxB, "read 3 72 shown; ");
+        add("pushButton_7", noxDRev4, "read 9 148 shown; ");
+        add("pushButton_7 ", noxB, "; ");
+        add("pushButton", noxB, "references, write references; references, write references");
+        add("pushButton_8", noxDRev4, "write shifts; write shifts");
+        add("chUPB", noxDRev4, "shifts; shifts");
+        add("rmDevBtn", noxB, "database; ");
+        add("pushButton_6", noxB, "; ");
     }
 
     void buttonsReachTheInstrument()
@@ -209,26 +235,50 @@ private slots:
         QVERIFY(!find<QGroupBox>("refShiftGBox")->isChecked());
     }
 
+    /** Each change of the image is marked in its place and in no other. */
     void changesAreMarkedUntilWritten()
     {
-        open(noxCm);
+        open(noxCm1);
         const auto marks = [&] {
+            emit image->onDevChange();
             const QString lists = "devMeasRoundCB devMeasTimeCB devMeasModeCB devCompensTPCB "
-                                  "devChReversCB devZakorotkaCB chTable featTable";
+                                  "devChReversCB devZakorotkaCB devNameEdit";
             QString marks;
             for (const QString &text : seen(settings.get(), lists))
-                marks += text.contains("changed") || text.contains('*') ? 'x' : '.';
+                marks += text.contains("changed") ? 'x' : '.';
+            for (const char *table : {"chTable", "featTable"})
+                for (int row = 0; row < 16; ++row)
+                    for (int column = 0; column < find<QTableWidget>(table)->columnCount();
+                         ++column)
+                        if (cell(table, row, column)->data(changedRole).toBool())
+                            marks += QString(" %1%2:%3").arg(table[0]).arg(row).arg(column);
             return marks;
         };
-        QCOMPARE(marks(), QString("........"));
-        image->setChCurrent(3, 2);
-        image->features[2]->name = "Эталон";
-        choose("devMeasRoundCB", 0);
-        choose("devChReversCB", 1);
-        QCOMPARE(marks(), QString("x...x.xx"));
+        QCOMPARE(marks(), QString("......."));
+        image->devMeasRound = 0;
+        image->devMeasTime = 5;
+        image->devCompensTP = 2;
+        image->identApplyPending = true; // the model has no name to be written
+        QCOMPARE(marks(), QString("xx.x..."));
+        image->devMeasMode = 0;
+        image->devChRevers = 16;
+        image->setDevZakorotka(image->devZakorotka == 0);
+        image->setChMeasType(0, measTemperature, QString());
+        QCOMPARE(marks(), QString("xxxxxx. c0:1"));
         nox->held.noteWritten(0, data());
         emit registry->onHeldChange(nox->index);
-        QCOMPARE(marks(), QString("........"));
+        image->setChMeasType(0, measTemperatureCustom, "бар"); // an instrument knows of no units
+        QCOMPARE(marks(), QString("......."));
+        image->setChOnOff(1, 0);
+        image->setChMeasType(2, measVoltage, QString());
+        image->setChCurrent(3, 3);
+        image->setChResist(4, 2);
+        image->setChFeature(5, featureThermocouple, 0);
+        image->channels[6].feature = 2;
+        image->channels[14].featureTypeCompensTP = compensThermocouple;
+        image->channels[15].featureCompensTP = 2;
+        image->getFeature(15)->name = "Эталон";
+        QCOMPARE(marks(), QString("....... c1:0 c2:1 c3:2 c4:3 c5:4 c6:4 c14:5 c15:5 f15:0"));
     }
 
     void serviceUnlocks()
@@ -352,17 +402,6 @@ private:
         else
             QTest::mouseClick(channels()->viewport(), Qt::LeftButton, Qt::NoModifier,
                               place + QPoint(0, channels()->rowViewportPosition(row)));
-    }
-    /** What is ticked in the menu that is up, and in those inside it. */
-    static QString ticked()
-    {
-        QStringList texts;
-        const QWidget *const menu = QApplication::activePopupWidget();
-        const auto entries = menu ? menu->findChildren<QAction *>() : QList<QAction *>();
-        for (const QAction *entry : entries)
-            if (entry->isChecked())
-                texts << entry->text();
-        return menu ? texts.join(' ') : "no menu";
     }
 };
 

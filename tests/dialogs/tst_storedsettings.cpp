@@ -7,10 +7,9 @@ class TestStoredSettings : public DialogsTest
 private slots:
     void init()
     {
-        prepare();
+        DialogsTest::init();
         open(noxCm1Rev4);
     }
-    void cleanup() { tidyUp(); }
 
     void followsTheConfiguration()
     {
@@ -42,6 +41,19 @@ private slots:
         nox->snapShotId = 1; // of another snapshot nothing was being written
         emit registry->onChange();
         QVERIFY(box().startsWith("!..i[") && box().endsWith("]с завода<Настройка найдена в БД>"));
+    }
+
+    void oneOfEqualSnapshotsIsMeant()
+    {
+        store(nox, "с завода");
+        store(nox, "своя");
+        QStringList shown;
+        for (const int named : {0, 1, 2}) {
+            nox->snapShotId = named;
+            settings->findSnapShot();
+            shown << QString::number(nox->snapShotId) + box().left(4);
+        }
+        QCOMPARE(shown.join(' '), QString("2..ri 1!..i 2..ri"));
     }
 
     void searches()
@@ -120,7 +132,7 @@ private slots:
         storeTwo();
         for (const char *button : {"rmDBBtn", "rmDevBtn"}) {
             find<QPushButton>(button)->click();
-            QCOMPARE(seen(answers->asked.takeLast()),
+            QCOMPARE(told(),
                      QString("2 [Настройки прибора NOX CM1 rev.4 № 0123] Вы уверены? 14000/10000"));
         }
         QCOMPARE(database->getSnapShotCount(nox->dbIndex), 2);
@@ -160,7 +172,7 @@ private slots:
 
     void closedDatabase()
     {
-        tidyUp();
+        cleanup();
         prepare("none/nox8.db");
         add(noxCm)->snapShotId = 3;
         settings->show(nox->index);
@@ -213,19 +225,7 @@ private slots:
     }
 
 private:
-    /** What differs, can be saved, removed, described; the stored one, and its description. */
-    QString box() const
-    {
-        QString signs = find("dbStatusLabel")->isHidden() ? "." : "!";
-        for (const char *control : {"saveDBBtn", "rmDBBtn", "infoText"})
-            signs += find(control)->isEnabled() ? control[0] : '.';
-        return signs + see("dbFindCB") + see("infoText");
-    }
-    void search(const QString &text) const
-    {
-        find<QLineEdit>("dbSearchEdit")->clear();
-        typeText(find("dbSearchEdit"), text);
-    }
+    void search(const QString &text) const { write("dbSearchEdit", text); }
     void change() { choose("devMeasRoundCB", (image->devMeasRound / 16 + 1) % 3); }
     void storeTwo()
     {
