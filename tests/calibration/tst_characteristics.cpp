@@ -1,6 +1,5 @@
 #include "calibration/characteristicfile.h"
 #include "calibration/characteristicmessages.h"
-#include "calibration/storedpanel.h"
 #include "support/fulldisk.h"
 
 #include <QBuffer>
@@ -97,7 +96,6 @@ private slots:
                            {{3, "T", {}},
                             "0 100.06 x 300|-0.1 0,6 1 2.3234567",
                             numbered("2|T|0 -0.1|100.06 0|0 1|300 2.32346|", 52, "0 0|")},
-                           {{0, "", {}}, "", numbered("0||", 10, "0|")},
                            {{3, "", {}}, "", numbered("2||", 56, "0 0|")},
                            {{4, "M", {}}, "1", "refused"}};
         for (auto [file, table, content] : cases) {
@@ -127,12 +125,9 @@ private slots:
             {"2|T|1 2", refused},
             {numbered("1|M|", 5, "1|"), refused},
             {numbered("1|M|", 7, "1|"), refused},
-            {numbered("0|M|", 9, "1|"), refused},
-            {numbered("0|M|", 11, "1|"), refused},
             {numbered("3|M|", 9, "1|"), refused},
             {numbered("3|M|", 11, "1|"), refused},
             {numbered("4|M|", 10, "1|"), refused},
-            {numbered("-1|M|", 10, "1|"), refused},
             {numbered("x|M|", 10, "1|"), "refused, type 0"},
             {numbered("x|M|", 9, "1|"), refused},
             {"", refused},
@@ -165,15 +160,13 @@ private slots:
     {
         QTemporaryDir directory;
         const QString path = directory.filePath("x.dat");
-        const CharacteristicFile old{1, "old", {{"1", "2", "3", "4", "5", "6"}}};
-        QVERIFY(saveCharacteristicFile(old, path));
+        QVERIFY(saveCharacteristicFile({1, "old", {{"1", "2", "3", "4", "5", "6"}}}, path));
         {
             const FullDisk disk(100);
             QVERIFY(!saveCharacteristicFile({3, "new", {}}, path));
         }
         QVERIFY(!saveCharacteristicFile({4, "no such type", {}}, path));
-        QVERIFY(!saveCharacteristicFile(old, directory.path()));
-        QVERIFY(!saveCharacteristicFile(old, directory.filePath("none/x.dat")));
+        QVERIFY(!saveCharacteristicFile({3, "new", {}}, directory.path()));
         QVERIFY(!loadCharacteristicFile(directory.path()).accepted);
         QCOMPARE(outcome(loadCharacteristicFile(path)), QString("1|old|1 2 3 4 5 6"));
         QCOMPARE(QDir(directory.path()).entryList(QDir::Files).size(), 1);
@@ -222,24 +215,6 @@ private slots:
         QCOMPARE(note(FeatureRecord::polynomial, nineteen + " 2 3 4 5 6 7 8 9 10"), QString());
         QCOMPARE(note(FeatureRecord::polynomial, nineteen + "0 2 3 4 5 6 7 8 9 10"),
                  QString("! Длиннее 19 знаков: прибор сохранит не все"));
-    }
-
-    /** Ids of the row that the copy has had, and of the one with its record; 0: none. */
-    void matches()
-    {
-        const auto row = [](int id) {
-            return id > 0 ? std::optional(StoredCharacteristic{id, "name", "info"}) : std::nullopt;
-        };
-        const auto matched = [row](int before, int withSameRecord) {
-            const StoredMatch match = matchStored(row(before), row(withSameRecord));
-            return QString("%1 %2").arg(match.id).arg(match.name) +
-                   (match.isStored ? " stored" : "") + (match.isChanged ? " changed" : "");
-        };
-        QCOMPARE(matched(0, 0), QString("0 Новая градуировка"));
-        QCOMPARE(matched(0, 7), QString("7 name stored"));
-        QCOMPARE(matched(7, 7), QString("7 name stored"));
-        QCOMPARE(matched(7, 0), QString("7 name stored changed"));
-        QCOMPARE(matched(7, 8), QString("7 name stored changed"));
     }
 };
 

@@ -251,8 +251,13 @@ private slots:
             write("featName", "Эталон");
             click("addDBBtn");
             QVERIFY(box().startsWith("..ri[Эталон от "));
+            write("featName", "A"); // which is stored as well
+            table()->setFocus();
+            QVERIFY(box().startsWith("!sri[Эталон от "));
         });
-        QCOMPARE(database->findFeature("A").at(0).info, QString("старая"));
+        m_feature->setData(recordOf(0, "A", "5 2 3 4 5 6 7 8 9 10"));
+        edit(
+            [&] { QVERIFY(box().startsWith("..ri[A от ") && box().endsWith("]старая" + stored)); });
     }
 
     void findsAndRemoves()

@@ -299,9 +299,8 @@ private slots:
                     editor->close();
             });
             if (meanwhile == "editor")
-                QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
-            if (meanwhile == "editor")
-                QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+                for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Return})
+                    QTest::keyClick(QApplication::activePopupWidget(), key);
             QTRY_VERIFY(isRemoved);
             QVERIFY(!QApplication::activeModalWidget() && !QApplication::activePopupWidget());
             QVERIFY(!card->isVisible() && !channelCard->isVisible());
