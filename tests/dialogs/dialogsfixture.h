@@ -14,10 +14,12 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+constexpr quint32 noxA = 1;
 constexpr quint32 noxB = 17;
 constexpr quint32 noxC = 33;
 constexpr quint32 noxCm = 34;
 constexpr quint32 noxCm1 = 65;
+constexpr quint32 noxCmRev4 = 156281359;
 constexpr quint32 noxCm1Rev4 = 157329935;
 constexpr quint32 noxDRev4 = 158378511;
 

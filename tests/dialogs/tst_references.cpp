@@ -1,25 +1,9 @@
 #include "calibration/referenceentry.h"
 #include "calibration/referencetabs.h"
-#include "device/optionsnox8.h"
-#include "plot/qwtnox.h"
-#include "support/formtest.h"
+#include "dialogsfixture.h"
 
 namespace
 {
-
-constexpr quint32 noxA = 0x01;
-constexpr quint32 noxC = 0x21;
-constexpr quint32 noxCmRev4 = 0x0950AA0F;
-constexpr quint32 noxCm1Rev4 = 0x0960AA0F;
-constexpr quint32 noxDRev4 = 0x0970AA0F;
-
-/** Bytes of the references and of the shifts. */
-QByteArray bytesOf(const optionsNOX8 &image)
-{
-    const std::unique_ptr<QByteArray> references(image.getRefData(true));
-    const std::unique_ptr<QByteArray> shifts(image.getRefShiftData());
-    return (*references + *shifts).toHex();
-}
 
 /** The bytes with another number in its place, counted over both blocks. */
 QByteArray with(QByteArray bytes, int place, float number)
@@ -38,46 +22,24 @@ QString marks(const QString &texts)
 
 } // namespace
 
-/** The two tabs in a window that connects them as the settings dialog does. */
-class TestInstrumentReferences : public FormTest
+/** References and zero shifts in the settings of an instrument. */
+class TestReferences : public DialogsTest
 {
     Q_OBJECT
 private slots:
     void init()
     {
-        answers.reset();
-        answers = std::make_unique<UserAnswers>();
+        DialogsTest::init();
         answers->answer = QMessageBox::Ok;
-        held.reset();
-        heldShifts.reset();
-        window = std::make_unique<QWidget>();
-        references = new ReferenceTab;
-        shifts = new ShiftTab;
-        auto *const layout = new QVBoxLayout(window.get());
-        layout->addWidget(references);
-        layout->addWidget(shifts);
-        connect(find<QLineEdit>("t0Edit"), &QLineEdit::editingFinished, this,
-                [this] { references->take(); });
-        connect(find<QPushButton>("pushButton"), &QPushButton::clicked, references,
-                &ReferenceTab::write);
-        connect(find<QPushButton>("pushButton_8"), &QPushButton::clicked, shifts, &ShiftTab::write);
-        connect(shifts, &ShiftTab::taken, this, [this] { heard << "taken"; });
-    }
-    void cleanup()
-    {
-        window.reset();
-        image.reset();
     }
 
     void modelsShowTheirReferences()
     {
         QStringList shown;
-        for (const quint32 model :
-             {0U, noxA, 0x11U, noxC, 0x22U, 0x31U, 0x41U, noxCmRev4, noxCm1Rev4, noxDRev4}) {
-            show(model);
+        for (const quint32 model : optionsNOX8::getTypeList(true).keys()) {
+            openTab(2, model);
             image->refU.a.value = -1.23456789e-5F;
             emit image->onRefChange();
-            shifts->followModel();
             shown << see("refTable t0Edit ch16ShiftTable refShiftGBox");
         }
         QCOMPARE(shown, linesOf(QFINDTESTDATA("data/references.txt")));
@@ -86,18 +48,18 @@ private slots:
     /** What is not typed keeps all its digits; what a model lacks becomes zero. */
     void leavingChangesNothing()
     {
-        show(noxC);
-        const QByteArray before = bytesOf(*image);
+        openTab(2, noxC);
+        const QByteArray before = bytes();
         press("t0Edit", {Qt::Key_Tab});
         click("pushButton");
-        QCOMPARE(bytesOf(*image), before);
-        QCOMPARE(heard.join(' '), QString("references references write"));
-        show(noxA);
-        QByteArray expected = bytesOf(*image);
+        QCOMPARE(bytes(), before);
+        QCOMPARE(heard(), QString("references, references, write references"));
+        openTab(2, noxA);
+        QByteArray expected = bytes();
         for (int place = 4; place < 13; ++place) // R2 to R4 follow T0 and R1
             expected = with(expected, place, 0);
-        QVERIFY(references->take());
-        QCOMPARE(bytesOf(*image), expected);
+        QVERIFY(settings->setRef());
+        QCOMPARE(bytes(), expected);
     }
 
     void entry_data()
@@ -120,11 +82,11 @@ private slots:
         QFETCH(float, number);
         const QString text = QTest::currentDataTag();
         const bool isRight = !std::isnan(number);
-        show(noxC);
+        openTab(2, noxC);
         QTableWidgetItem *const item = cell("refTable", (place - 1) / 3, (place + 2) % 3);
         const auto shown = [&] { return place > 0 ? item->text() : see("t0Edit"); };
         const QString before = shown();
-        const QByteArray bytes = bytesOf(*image);
+        const QByteArray bytesBefore = bytes();
         if (place > 0) {
             type(item, text);
             QCOMPARE(item->text(), text);
@@ -133,8 +95,8 @@ private slots:
             enter("t0Edit", text);
             press("t0Edit", {Qt::Key_Tab}); // its end is told of again
         }
-        QCOMPARE(bytesOf(*image), isRight ? with(bytes, place, number) : bytes);
-        QCOMPARE(heard.count("write"), isRight ? 1 : 0);
+        QCOMPARE(bytes(), isRight ? with(bytesBefore, place, number) : bytesBefore);
+        QCOMPARE(heard().count("write"), isRight ? 1 : 0);
         answers->asked.clear();
         QCOMPARE(told(), isRight ? QString()
                                  : "2 [Ошибка ввода опор] Не верные коэффициенты!\n"
@@ -144,72 +106,65 @@ private slots:
 
     void whatIsLeftTypedIsDropped()
     {
-        show(noxC);
-        write("t0Edit", "o");
-        references->setImage(image.get());
-        QCOMPARE(see("t0Edit"), QString("33.33"));
+        openTab(2, noxC);
         QTableWidgetItem *const item = cell("refTable", 0, 0);
+        write("t0Edit", "o");
+        openTab(2, noxC);
+        QCOMPARE(see("t0Edit"), QString("33.33"));
         startTyping(item, "o");
-        references->setImage(image.get());
+        openTab(2, noxC);
         QVERIFY(!item->tableWidget()->isPersistentEditorOpen(item));
-        for (const bool isLocked : {true, false}) {
-            find<QGroupBox>("refGBox")->setChecked(true);
-            references->setAvailable(true);
-            write("t0Edit", "o");
-            if (isLocked)
-                references->lock();
-            else
-                references->setAvailable(false);
-            QVERIFY(!find("t0Edit")->isEnabled());
-        }
-        shifts->lock();
-        QVERIFY(!find("chUPB")->isEnabled() && answers->told.isEmpty());
-        references->setImage(nullptr);
-        shifts->setImage(nullptr);
-        QCOMPARE(seenCell(item) + see("t0Edit") + seenCell(cell("rShiftTable", 0, 0)),
-                 QString(" {off}"));
-        QVERIFY(!references->take());
+        write("t0Edit", "o");
+        image->setDevType(0);
+        QVERIFY(!find("t0Edit")->isEnabled());
+        openTab(2, noxC);
+        write("t0Edit", "o");
+        settings->reject();
+        QCOMPARE(seenCell(item) + see("t0Edit chUPB") + seenCell(cell("rShiftTable", 0, 0)),
+                 QString(" {off} | > U < {off}"));
+        QVERIFY(!settings->setRef());
+        QCOMPARE(told(), QString());
     }
 
     void questionIsRefused()
     {
-        show(noxDRev4);
         answers->answer = QMessageBox::Cancel;
-        const QByteArray before = bytesOf(*image);
-        type(cell("refTable", 0, 0), "5");
-        type(cell("rShiftTable", 0, 0), "5");
-        for (const char *button : {"pushButton", "pushButton_8"}) {
-            click(button);
+        for (const bool isShift : {false, true}) {
+            openTab(isShift ? 3 : 2, noxDRev4);
+            const QByteArray before = bytes();
+            type(cell(isShift ? "rShiftTable" : "refTable", 0, 0), "5");
+            click(isShift ? "pushButton_8" : "pushButton");
             QCOMPARE(told(), QString("2 [Изменение опор] ВНИМАНИЕ! Изменение опор может привести к "
                                      "поломке прибора! 400400/400000"));
+            QCOMPARE(bytes(), before);
+            QCOMPARE(heard(), QString());
         }
-        QCOMPARE(bytesOf(*image), before);
-        QCOMPARE(heard, QStringList());
     }
 
     void goneDuringTheQuestion()
     {
-        for (const char *button : {"pushButton", "pushButton_8"})
-            for (const bool another : {true, false}) {
-                show(noxDRev4);
-                answers->meanwhile = [this, another] {
-                    image.reset();
-                    if (another)
-                        show(noxDRev4);
+        for (const char *slot : {"on_pushButton_clicked", "on_pushButton_8_clicked"})
+            for (const QByteArray gone : {"instrument", "another comes", "dialog"}) {
+                cleanup();
+                init();
+                openTab(2, noxDRev4);
+                answers->meanwhile = [this, gone] {
+                    if (gone == "dialog")
+                        return settings.reset();
+                    registry->rmByIndex(nox->index);
+                    if (gone == "another comes")
+                        openTab(2, noxDRev4);
                 };
-                click(button);
-                QCOMPARE(answers->told.size() + heard.size(), 0);
+                // a button must not be destroyed while it is clicked by an event of its own
+                QMetaObject::invokeMethod(settings.get(), slot);
+                QCOMPARE(answers->told.size(), gone == "dialog" ? 0 : 1); // of the removal
+                QVERIFY(!heard().contains("write"));
             }
-        refresh();
-        show(noxC);
-        answers->meanwhile = [this] { window.reset(); };
-        references->write();
-        QCOMPARE(heard.size(), 0);
     }
 
     void marksWhatDiffers()
     {
-        show(noxDRev4);
+        openTab(2, noxDRev4);
         const auto marked = [this] {
             return QString(see("t0Edit").endsWith("{changed}") ? "T0 " : "") +
                    marks(see("refTable")) + ' ' + marks(see("ch8ShiftTable")) +
@@ -217,26 +172,24 @@ private slots:
         };
         const QString none = "............... .................";
         QCOMPARE(marked(), none); // nothing is known
-        held = *image;
-        held->refR[1].b.value *= 1.0000001F; // the shown digits are the same
+        noteHeld();
+        image->refR[1].b.value *= 1.0000001F; // the shown digits are the same
         emit image->onRefChange();
         QCOMPARE(marked(), QString(none).replace(5, 1, 'x'));
-        held->refT0.value = 20;
-        held->refU.a.value = 1;
-        heldShifts = *image;
-        heldShifts->shiftU[16].value = heldShifts->shiftCh[2].value = 1;
-        emit image->onRefChange();
+        image->refT0.value = 20;
+        image->refU.a.value = 1;
+        image->shiftU[16].value = image->shiftCh[2].value = 1;
+        emit image->onRefShiftChange();
         QCOMPARE(marked(), QString("T0 .....x.......x. ..x.............x"));
-        shifts->setImage(image.get());
-        references->setImage(image.get());
+        openTab(2, noxDRev4);
         QCOMPARE(marked(), none);
     }
 
     void refreshLeavesWhatIsBeingTyped()
     {
-        show(noxC);
+        openTab(2, noxC);
         press("t0Edit", {Qt::Key_1});
-        refresh();
+        emit image->onRefChange();
         QCOMPARE(see("t0Edit"), QString("33.331"));
 
         QTableWidgetItem *const item = cell("refTable", 0, 0);
@@ -249,23 +202,26 @@ private slots:
         QLineEdit *const opened = startTyping(cell("refTable", 1, 0), {});
         image->refR[1].value.value = 8;
         emit image->onRefChange();
-        refresh();
+        emit image->onRefChange();
         QTest::keyClicks(opened, "9"); // over the whole text, as before the refresh
         QCOMPARE(opened->text(), QString("9"));
     }
 
     void everythingIsReachedByTab()
     {
-        show(noxDRev4);
-        find("refGBox")->setFocus();
-        QStringList order;
-        for (int i = 0; i < 12; ++i) {
-            QTest::keyClick(window->focusWidget(), Qt::Key_Tab);
-            order << window->focusWidget()->objectName();
+        const QStringList orders = {
+            "refGBox t0Edit refTable pushButton_2 pushButton rmDevBtn",
+            "refShiftGBox rShiftTable ch8ShiftTable uShiftTable pushButton_7 chUPB pushButton_8"};
+        for (const QString &order : orders) {
+            openTab(2 + orders.indexOf(order), noxDRev4);
+            press(order.section(' ', 0, 0), {});
+            QStringList reached;
+            for (int i = 0; i <= order.count(' '); ++i) {
+                reached << settings->focusWidget()->objectName();
+                QTest::keyClick(settings->focusWidget(), Qt::Key_Tab);
+            }
+            QCOMPARE(reached.join(' '), order);
         }
-        QCOMPARE(order.join(' '),
-                 QString("t0Edit refTable pushButton_2 pushButton rmDevBtn refShiftGBox "
-                         "rShiftTable ch8ShiftTable uShiftTable pushButton_7 chUPB pushButton_8"));
     }
 
     /** A wrong one shows by what was taken before it at which place of the order it stands. */
@@ -292,87 +248,79 @@ private slots:
     /** From their cells, up to the first wrong one. */
     void shiftsAreWritten()
     {
-        show(noxCm1Rev4);
-        heldShifts = *image;
-        refresh();
-        QByteArray expected = bytesOf(*image);
+        openTab(3, noxCm1Rev4);
+        noteHeld();
+        QByteArray expected = bytes();
         for (int i = 0; i < 37; ++i)
             shiftCells().at(i)->setText(i == 1 ? "x" : QString("%1,25").arg(i + 1));
         for (const int taken : {0, 17, 33})
             expected = with(expected, 18 + taken, float(taken) + 1.25F);
         click("pushButton_8");
-        QCOMPARE(bytesOf(*image), expected);
-        QCOMPARE(heard.join(' ') + QString::number(answers->told.size()), QString("taken1"));
-        const auto seenMarks = [this] {
-            QStringList texts;
-            for (const QTableWidgetItem *item : shiftCells())
-                texts << seenCell(item);
-            return marks(texts.join('|'));
-        };
-        QCOMPARE(seenMarks(), QString("x................x...............x..."));
+        QCOMPARE(bytes(), expected);
+        QVERIFY(!heard().contains("write"));
+        answers->asked.clear();
+        QVERIFY(told().startsWith("2 [Ошибка ввода опор] Не верные коэффициенты!"));
+        QCOMPARE(marks(see("uShiftTable") + '|' + see("ch8ShiftTable") + '|' + see("rShiftTable")),
+                 'x' + QString(26, '.') + "x.......x...");
         shiftCells().at(1)->setText("2.25");
         for (int i = 0; i < 37; ++i)
             expected = with(expected, 18 + i, float(i) + 1.25F);
         click("pushButton_8");
-        QCOMPARE(bytesOf(*image), expected);
-        QCOMPARE(heard.join(' ') + QString::number(answers->told.size()),
-                 QString("taken taken write1"));
-        QCOMPARE(seenMarks(), QString(37, 'x'));
+        QCOMPARE(bytes(), expected);
+        QCOMPARE(heard(), QString("write shifts"));
+        QVERIFY(answers->told.isEmpty());
         QCOMPARE(see("uShiftTable").remove(QRegExp("\\.250+|\\*")),
                  QString("1|4|~|~|~|11|~|~|~/2|5|6|8|~|12|13|15|~/3|~|7|9|10|~|14|16|17"));
         QCOMPARE(see("uShiftTable").left(18) + see("ch16ShiftTable").section('|', 7) + ' ' +
                      see("rShiftTable").left(10),
                  QString("*1.25000|*4.250000*33.250000 *34.250000"));
         click("pushButton_8"); // unchanged texts
-        QCOMPARE(bytesOf(*image), expected);
+        QCOMPARE(bytes(), expected);
     }
 
     void shiftsNeverShownAreRefused()
     {
-        show(noxDRev4);
-        show(noxC); // no cell of another instrument stays
-        const QByteArray before = bytesOf(*image);
-        click("pushButton_8");
-        QCOMPARE(bytesOf(*image), before);
+        openTab(3, noxDRev4);
+        openTab(3, noxC); // no cell of another instrument stays
+        const QByteArray before = bytes();
+        find<QPushButton>("pushButton_8")->click();
+        QCOMPARE(bytes(), before);
         QCOMPARE(answers->told.size(), 1);
-        shifts->setServiceVisible(false);
-        QVERIFY(find("uShiftGBox")->isHidden() && find("chUPB")->isHidden());
     }
 
     void channelsAreZeroed()
     {
+        int qwtIndex = 0;
         for (const auto &[model, channels] :
              {std::pair(noxDRev4, 8), std::pair(noxCmRev4, 8), std::pair(noxDRev4, 7)}) {
-            show(model);
-            QwtNOX plot;
-            plot.addDev(3, uchar(channels));
-            plot.setDevMain(3);
-            QByteArray expected = bytesOf(*image);
+            openTab(3, model);
+            plot->addDev(++qwtIndex, uchar(channels));
+            plot->setDevMain(qwtIndex);
+            QByteArray expected = bytes();
             const bool isZeroed = model == noxDRev4 && channels == 8;
             for (uchar ch = 0; ch < channels; ++ch) {
-                plot.addPoint(5, 0.0, "мВ", 3, ch);
-                plot.addPoint(0.001 * (ch + 1), 1.0, "мВ", 3, ch);
+                plot->addPoint(5, 0.0, "мВ", qwtIndex, ch);
+                plot->addPoint(0.001 * (ch + 1), 1.0, "мВ", qwtIndex, ch);
                 const double old = double(image->shiftCh[ch].value);
                 if (isZeroed)
                     expected = with(expected, 35 + ch, float(old - 0.001 * (ch + 1)));
             }
-            plot.setChDiff(0, 3, 3, 1); // a difference is no reading
-            shifts->zeroChannels(nullptr, 3);
-            shifts->zeroChannels(&plot, -1);
-            QCOMPARE(heard.size(), 0);
-            shifts->zeroChannels(&plot, 3);
-            QCOMPARE(bytesOf(*image), expected);
-            QCOMPARE(heard.join(' '), QString(isZeroed ? "shifts" : ""));
+            plot->setChDiff(0, qwtIndex, qwtIndex, 1); // a difference is no reading
+            find<ShiftTab>("shiftTab")->zeroChannels(nullptr, qwtIndex);
+            click("chUPB"); // it is not in the plot
+            QCOMPARE(heard(), QString());
+            nox->qwtIndex = qwtIndex;
+            click("chUPB");
+            QCOMPARE(bytes(), expected);
+            QCOMPARE(heard(), QString(isZeroed ? "shifts" : ""));
         }
     }
 
 private:
-    QWidget *form() const override { return window.get(); }
-    /** Opens an instrument whose numbers have more digits than are shown, and unlocks the tabs. */
-    void show(quint32 type)
+    /** Opens a tab of an instrument whose numbers have more digits than are shown, and unlocks. */
+    void openTab(int tab, quint32 type)
     {
-        image = std::make_unique<optionsNOX8>();
-        image->setDevType(type);
+        add(type);
         float number = 100.0F / 3;
         image->refT0.value = number;
         for (ReferenceTriple *triple :
@@ -380,32 +328,25 @@ private:
             for (bFloat *const part : {&triple->value, &triple->a, &triple->b})
                 part->value = number *= 1.1F;
         forEachShift(*image, [&number](bFloat &shift) { shift.value = (number *= 1.1F) / 1e6F; });
-        const auto hear = [this](const char *what) {
-            return [this, what] {
-                heard << what;
-                refresh();
-            };
-        };
-        connect(image.get(), &optionsNOX8::onRefChange, this, hear("references"));
-        connect(image.get(), &optionsNOX8::onRefShiftChange, this, hear("shifts"));
-        connect(image.get(), &optionsNOX8::onRefApply, this, hear("write"));
-        connect(image.get(), &optionsNOX8::onRefShiftApply, this, hear("write"));
-        references->setImage(image.get());
-        shifts->setImage(image.get());
-        shifts->setServiceVisible(true);
-        refresh();
+        settings->show(nox->index);
+        find<QTabWidget>("tabWidget")->setCurrentIndex(tab);
+        find<ShiftTab>("shiftTab")->setServiceVisible(true);
         for (const char *group : {"refGBox", "refShiftGBox"})
             find<QGroupBox>(group)->setChecked(true);
-        heard.clear();
-        window->show();
-        QVERIFY(QTest::qWaitForWindowActive(window.get()));
+        QVERIFY(QTest::qWaitForWindowActive(settings.get()));
+        heard();
     }
-    void refresh()
+    /** Bytes of the references and of the shifts. */
+    QByteArray bytes() const
     {
-        references->refresh();
-        references->setHeld(held);
-        shifts->refresh();
-        shifts->setHeld(heldShifts);
+        return (taken(image->getRefData(true)) + taken(image->getRefShiftData())).toHex();
+    }
+    /** What the instrument holds is known, and is what is shown. */
+    void noteHeld() const
+    {
+        nox->held.noteRead(3, taken(image->getRefData(true)));
+        nox->held.noteRead(9, taken(image->getRefShiftData()));
+        emit registry->onHeldChange(nox->index);
     }
     /** The cells in which a shift can be entered, in the order of the block. */
     QVector<QTableWidgetItem *> shiftCells() const
@@ -418,15 +359,7 @@ private:
                         cells << cell(table, row, column);
         return cells;
     }
-
-    std::unique_ptr<optionsNOX8> image;
-    std::unique_ptr<QWidget> window;
-    ReferenceTab *references = nullptr;
-    ShiftTab *shifts = nullptr;
-    std::optional<ReferenceData> held;
-    std::optional<ZeroShifts> heldShifts;
-    QStringList heard; ///< what the image and the tabs announced
 };
 
-QTEST_MAIN(TestInstrumentReferences)
-#include "tst_instrumentreferences.moc"
+QTEST_MAIN(TestReferences)
+#include "tst_references.moc"
