@@ -141,27 +141,6 @@ private slots:
         }
     }
 
-    void goneDuringTheQuestion()
-    {
-        for (const char *slot : {"on_pushButton_clicked", "on_pushButton_8_clicked"})
-            for (const QByteArray gone : {"instrument", "another comes", "dialog"}) {
-                cleanup();
-                init();
-                openTab(2, noxDRev4);
-                answers->meanwhile = [this, gone] {
-                    if (gone == "dialog")
-                        return settings.reset();
-                    registry->rmByIndex(nox->index);
-                    if (gone == "another comes")
-                        openTab(2, noxDRev4);
-                };
-                // a button must not be destroyed while it is clicked by an event of its own
-                QMetaObject::invokeMethod(settings.get(), slot);
-                QCOMPARE(answers->told.size(), gone == "dialog" ? 0 : 1); // of the removal
-                QVERIFY(!heard().contains("write"));
-            }
-    }
-
     void marksWhatDiffers()
     {
         openTab(2, noxDRev4);
