@@ -6,32 +6,6 @@ class TestCards : public DialogsTest
 {
     Q_OBJECT
 private slots:
-    void openingChangesNothing()
-    {
-        QStringList shown;
-        for (const quint32 type : {0U, noxC, noxCm, noxCm1Rev4}) {
-            addOdd(type);
-            const QByteArray before = data();
-            showInstrument();
-            QCOMPARE(card->pos(), QPoint(20, 20));
-            shown << seenForm(card.get());
-            card->hide();
-            for (const quint8 ch : {6, 0, 7}) {
-                showChannel(ch);
-                if (!channelCard->isVisible())
-                    continue; // of an unknown model
-                channelCard->onChChange(nox->index, ch);
-                shown << seenForm(channelCard.get());
-                for (const QMenu *menu : channelCard->findChildren<QMenu *>())
-                    shown << seen(menu);
-                channelCard->hide();
-            }
-            QCOMPARE(heard(), QString());
-            QCOMPARE(data(), before);
-        }
-        QCOMPARE(shown, linesOf(QFINDTESTDATA("data/cards.txt")));
-    }
-
     void listsAreStored()
     {
         add(noxCm1);

@@ -7,11 +7,11 @@ class TestDeviceSettings : public DialogsTest
 {
     Q_OBJECT
 private slots:
-    /** Everything, as an instrument may hold it. */
+    /** Of the settings and of the cards, whatever an instrument may hold. */
     void openingChangesNothing()
     {
         QStringList shown;
-        for (const quint32 type : {0U, noxB, noxCm1Rev4}) {
+        for (const quint32 type : {0U, noxC, noxCm, noxCm1Rev4}) {
             addOdd(type);
             nox->dbIndex = type == 0 ? 0 : nox->dbIndex;
             settings->show(nox->index); // which matches a snapshot
@@ -20,10 +20,31 @@ private slots:
             settings->show(nox->index);
             for (int tab = 0; tab < 4; ++tab)
                 find<QTabWidget>("tabWidget")->setCurrentIndex(tab);
+            shown << settings->windowTitle() << seenForm(settings.get());
+            settings->reject();
+            card->show(nox->index, {20, 20});
+            QCOMPARE(card->pos(), QPoint(20, 20));
+            shown << seenForm(card.get());
+            for (const quint8 ch : {6, 0, 7}) {
+                channelCard->show(nox->index, {20, 20}, ch);
+                if (!channelCard->isVisible())
+                    continue; // of an unknown model
+                channelCard->onChChange(nox->index, ch);
+                shown << seenForm(channelCard.get());
+                for (const QMenu *menu : channelCard->findChildren<QMenu *>())
+                    shown << seen(menu);
+                channelCard->hide();
+            }
             QCOMPARE(heard(), QString());
             QVERIFY(data() + references() == before);
-            shown << settings->windowTitle() << seenForm(settings.get());
         }
+        QCOMPARE(shown.replaceInStrings(QRegExp(" от .*\\["), ""),
+                 linesOf(QFINDTESTDATA("data/forms.txt")));
+    }
+
+    void modelsDecideWhatIsOffered()
+    {
+        QStringList shown;
         for (const quint32 type : optionsNOX8::getTypeList(true).keys())
             for (const quint8 shortCircuit : {0, 1}) {
                 open(type);
@@ -33,8 +54,7 @@ private slots:
                 settings->onDevChange(nox->index);
                 shown << see("devTypeCB devCompensTPCB devNameEdit rmDevBtn");
             }
-        QCOMPARE(shown.replaceInStrings(QRegExp(" от .*\\["), ""),
-                 linesOf(QFINDTESTDATA("data/settings.txt")));
+        QCOMPARE(shown, linesOf(QFINDTESTDATA("data/models.txt")));
     }
 
     void compensationNeedsThermocouple()
