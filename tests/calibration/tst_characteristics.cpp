@@ -1,10 +1,13 @@
 #include "calibration/characteristicfile.h"
 #include "calibration/characteristicmessages.h"
+#include "calibration/tpreper.h"
 #include "support/fulldisk.h"
 
 #include <QBuffer>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <cmath>
 
 namespace
 {
@@ -72,9 +75,29 @@ QString note(FeatureRecord::_featureIndType type, const QString &values)
     return (note.isWarning ? "! " : "") + note.text;
 }
 
+// recalculation by the EMFs at the freezing points of zinc, aluminium and copper
+
+using Emfs = std::array<float, 3>;
+using Table = std::map<unsigned short, float>;
+
+constexpr Emfs typical = {3.447F, 5.860F, 10.575F};
+
+Table recalculated(Emfs emfs, Table result = {})
+{
+    tpReper::getEDSTable(emfs.data(), result);
+    return result;
+}
+
+Table recalculated(std::size_t point, float emf, const Table &before = {})
+{
+    Emfs emfs = typical;
+    emfs[point] = emf;
+    return recalculated(emfs, before);
+}
+
 } // namespace
 
-/** Characteristics as files, tables and remarks, without a widget. */
+/** Characteristics as files, tables and remarks, and their recalculation, without a widget. */
 class TestCharacteristics : public QObject
 {
     Q_OBJECT
@@ -172,32 +195,30 @@ private slots:
         QCOMPARE(QDir(directory.path()).entryList(QDir::Files).size(), 1);
     }
 
-    void pairs_data()
-    {
-        QTest::addColumn<QString>("outcome"); // handed on; not rising; left out
-        QTest::newRow("0,100,200/0,1,2") << "0,0,100,1,200,2; ; ";
-        QTest::newRow("0,,200/0,,2") << "0,0,200,2; ; 1";
-        QTest::newRow("0,,200/1,9,2") << "0,1,200,2; ; 1";
-        QTest::newRow("0,100,,/0,1,2,") << "0,0,100,1; ; 2";
-        QTest::newRow("0,,200,300,400/1,9,1,2,2") << "0,1,200,1,300,2,400,2; 2 4; 1";
-        QTest::newRow("0,100,200/1,x,0.5") << "0,1,100,x,200,0.5; 2; ";
-    }
-
+    /** Which are handed on; which do not rise; which are left out. */
     void pairs()
     {
-        const QStringList rows = QString(QTest::currentDataTag()).split('/');
-        const CellTexts cells = {rows.at(0).split(','), rows.at(1).split(',')};
-        CharacteristicLayout layout = characteristicLayout(3);
-        layout.columns = cells.at(0).size();
-        QStringList outcome(enteredValues(layout, cells).join(','));
-        for (const QVector<int> &columns : {columnsNotRising(cells), columnsLeftOut(cells)}) {
-            QStringList numbers;
-            for (const int column : columns)
-                numbers << QString::number(column);
-            outcome << numbers.join(' ');
+        const QVector<QPair<CellTexts, QString>> tables = {
+            {{{"0", "100", "200"}, {"0", "1", "2"}}, "0,0,100,1,200,2; ; "},
+            {{{"0", "", "200"}, {"0", "", "2"}}, "0,0,200,2; ; 1"},
+            {{{"0", "", "200"}, {"1", "9", "2"}}, "0,1,200,2; ; 1"},
+            {{{"0", "100", "", ""}, {"0", "1", "2", ""}}, "0,0,100,1; ; 2"},
+            {{{"0", "", "200", "300", "400"}, {"1", "9", "1", "2", "2"}},
+             "0,1,200,1,300,2,400,2; 2 4; 1"},
+            {{{"0", "100", "200"}, {"1", "x", "0.5"}}, "0,1,100,x,200,0.5; 2; "}};
+        for (const auto &[cells, expected] : tables) {
+            CharacteristicLayout layout = characteristicLayout(3);
+            layout.columns = cells.at(0).size();
+            QStringList outcome(enteredValues(layout, cells).join(','));
+            for (const QVector<int> &columns : {columnsNotRising(cells), columnsLeftOut(cells)}) {
+                QStringList numbers;
+                for (const int column : columns)
+                    numbers << QString::number(column);
+                outcome << numbers.join(' ');
+            }
+            QCOMPARE(outcome.join("; "), expected);
+            QCOMPARE(withValues(layout, cells, enteredValues(layout, cells)), cells);
         }
-        QTEST(outcome.join("; "), "outcome");
-        QCOMPARE(withValues(layout, cells, enteredValues(layout, cells)), cells);
     }
 
     /** An independent computation finds 17.5 to 18.5 mK, and above 0 °C less than 0.5. */
@@ -215,6 +236,70 @@ private slots:
         QCOMPARE(note(FeatureRecord::polynomial, nineteen + " 2 3 4 5 6 7 8 9 10"), QString());
         QCOMPARE(note(FeatureRecord::polynomial, nineteen + "0 2 3 4 5 6 7 8 9 10"),
                  QString("! Длиннее 19 знаков: прибор сохранит не все"));
+    }
+
+    // the file is made by tests/support/fixedpoints.py
+    void fixedPoints()
+    {
+        QFile file(QFINDTESTDATA("data/fixedpoints.csv"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QList<QByteArray> heads = file.readLine().trimmed().split(',');
+        std::map<QByteArray, FixedPointTable> expected;
+        while (!file.atEnd()) {
+            const QList<QByteArray> fields = file.readLine().trimmed().split(',');
+            for (int i = 2; i < heads.size(); ++i)
+                expected[fields.at(0)][fields.at(1).toFloat()][heads.at(i).toUShort()] =
+                    fields.at(i).toFloat();
+        }
+        QVERIFY(fixedPointTables() ==
+                (std::array{expected["zinc"], expected["aluminium"], expected["copper"]}));
+    }
+
+    /** Whose last digit tells the order in which it is summed up. */
+    void sum()
+    {
+        const Table result = recalculated({3.456F, 5.845F, 10.542F}, {{20, 0.1F}});
+        QStringList numbers;
+        for (const auto &[celsius, emf] : result)
+            numbers << QString("%1:%2").arg(celsius).arg(double(emf), 0, 'g', 9);
+        QCOMPARE(numbers.join(' '),
+                 QString("300:2.34450006 400:3.27109981 500:4.23210001 600:5.22779989 "
+                         "700:6.25790024 800:7.32259989 900:8.42179966 1000:9.55560017 "
+                         "1100:10.7238998 1200:11.9187994"));
+    }
+
+    void nearest()
+    {
+        // a float lies exactly halfway between 48 pairs of neighbours, the last one of zinc among
+        // them
+        int found = 0;
+        int foundAtTheEnd = 0;
+        for (std::size_t point = 0; point < typical.size(); ++point) {
+            const FixedPointTable &table = fixedPointTables()[point];
+            const Table before = {{7, 7.0F}};
+            const float first = table.begin()->first;
+            const float last = table.rbegin()->first;
+            for (const float beyond :
+                 {std::nextafter(first, 0.0F), std::nextafter(last, 99.0F), -first, std::nanf("")})
+                QVERIFY(recalculated(point, beyond, before) == before);
+            for (auto low = table.begin(), high = std::next(low); high != table.end();
+                 ++low, ++high) {
+                float emf = low->first;
+                while (emf - low->first < high->first - emf)
+                    emf = std::nextafter(emf, high->first);
+                const bool isTie = emf - low->first == high->first - emf;
+                const bool isLast = std::next(high) == table.end();
+                const Table lower = recalculated(point, low->first);
+                const Table upper = recalculated(point, high->first);
+                QVERIFY(lower != upper);
+                QVERIFY(recalculated(point, std::nextafter(emf, low->first)) == lower);
+                QVERIFY(recalculated(point, emf) == (isTie && !isLast ? lower : upper));
+                QVERIFY(recalculated(point, std::nextafter(emf, high->first)) == upper);
+                found += int(isTie);
+                foundAtTheEnd += int(isTie && isLast);
+            }
+        }
+        QCOMPARE(QString("%1 %2").arg(found).arg(foundAtTheEnd), QString("48 1"));
     }
 };
 

@@ -41,35 +41,29 @@ private slots:
         database.reset();
     }
 
-    void typedByHand_data()
-    {
-        QTest::addColumn<QString>("values");
-        QTest::newRow("0") << "-1e2 2 3,5  - 6 7 8 9 1e-9";
-        QTest::newRow("1") << platinum;
-        QTest::newRow("2") << its90;
-        QTest::newRow("3") << "0 0 100 0,6459 200 1.4";
-    }
-
     void typedByHand()
     {
-        QFETCH(QString, values);
-        const int kind = QByteArray(QTest::currentDataTag()).toInt();
-        m_feature->setData(recordOf(kind == 0 ? 2 : 0, "", kind == 0 ? its90 : QString()));
-        QVERIFY(edit([&] {
-            write("featName", "Своя №7");
-            choose("featType", kind);
-            QCOMPARE(find("reperTPFrame")->isEnabled(), kind == 3);
-            int place = 0;
-            for (const QString &value : values.split(' ')) {
-                place += kind == 2 && place == 4; // the cell that is not used
-                type(kind == 3 ? place % 2 : place / table()->columnCount(),
-                     kind == 3 ? place / 2 : place % table()->columnCount(), value);
-                ++place;
-            }
-            click("pushButton");
-        }));
-        QCOMPARE(record(), recordOf(kind, "Своя №7", values));
-        QCOMPARE(told(), QString());
+        const QStringList entries = {"-1e2 2 3,5  - 6 7 8 9 1e-9", platinum, its90,
+                                     "0 0 100 0,6459 200 1.4"};
+        for (int kind = 0; kind < 4; ++kind) {
+            m_feature->setData(recordOf(kind == 0 ? 2 : 0, "", kind == 0 ? its90 : QString()));
+            QVERIFY(edit([&] {
+                write("featName", "Своя №7");
+                choose("featType", kind);
+                QCOMPARE(find("reperTPFrame")->isEnabled(), kind == 3);
+                int place = 0;
+                for (const QString &value : entries.at(kind).split(' ')) {
+                    place += kind == 2 && place == 4; // the cell that is not used
+                    const int columns = table()->columnCount();
+                    type(kind == 3 ? place % 2 : place / columns,
+                         kind == 3 ? place / 2 : place % columns, value);
+                    ++place;
+                }
+                click("pushButton");
+            }));
+            QCOMPARE(record(), recordOf(kind, "Своя №7", entries.at(kind)));
+            QCOMPARE(told(), QString());
+        }
     }
 
     void showsEachType()

@@ -62,46 +62,40 @@ private slots:
         QCOMPARE(bytes(), expected);
     }
 
-    void entry_data()
-    {
-        QTest::addColumn<int>("place"); // in the block
-        QTest::addColumn<float>("number");
-        const float refused = std::nanf("");
-        QTest::newRow("1,5") << 1 << 1.5F;
-        QTest::newRow(" 2.25e-3") << 15 << 0.00225F;
-        QTest::newRow("-") << 8 << 0.0F;
-        QTest::newRow("1x") << 1 << refused;
-        QTest::newRow("o.5") << 15 << refused;
-        QTest::newRow("nan") << 5 << refused; // C would read it
-        QTest::newRow("2o") << 0 << refused;
-    }
-
+    /** By its place in the block; what is no number is refused, "nan" too, which C would read. */
     void entry()
     {
-        QFETCH(int, place);
-        QFETCH(float, number);
-        const QString text = QTest::currentDataTag();
-        const bool isRight = !std::isnan(number);
-        openTab(2, noxC);
-        QTableWidgetItem *const item = cell("refTable", (place - 1) / 3, (place + 2) % 3);
-        const auto shown = [&] { return place > 0 ? item->text() : see("t0Edit"); };
-        const QString before = shown();
-        const QByteArray bytesBefore = bytes();
-        if (place > 0) {
-            type(item, text);
-            QCOMPARE(item->text(), text);
-            click("pushButton");
-        } else {
-            enter("t0Edit", text);
-            press("t0Edit", {Qt::Key_Tab}); // its end is told of again
+        const float refused = std::nanf("");
+        struct {
+            int place;
+            const char *text;
+            float number;
+        } const entries[] = {{0, "20,5", 20.5F},         {1, "1,5", 1.5F},   {8, "-", 0.0F},
+                             {15, " 2.25e-3", 0.00225F}, {0, "2o", refused}, {1, "1x", refused},
+                             {15, "o.5", refused},       {5, "nan", refused}};
+        for (const auto &[place, text, number] : entries) {
+            const bool isRight = !std::isnan(number);
+            openTab(2, noxC);
+            QTableWidgetItem *const item = cell("refTable", (place - 1) / 3, (place + 2) % 3);
+            const QByteArray before = bytes();
+            const QString shown = place > 0 ? item->text() : see("t0Edit");
+            if (place > 0) {
+                type(item, text);
+                QCOMPARE(item->text(), QString(text));
+                click("pushButton");
+            } else {
+                enter("t0Edit", text);
+                press("t0Edit", {Qt::Key_Tab}); // its end is told of again
+            }
+            QCOMPARE(bytes(), isRight ? with(before, place, number) : before);
+            QCOMPARE(heard().count("write"), isRight && place > 0 ? 1 : 0);
+            answers->asked.clear();
+            QCOMPARE(told(), isRight ? QString()
+                                     : "2 [Ошибка ввода опор] Не верные коэффициенты!\n"
+                                       "Проверьте введённые значения и повторите попытку. 400/0");
+            const QString now = place > 0 ? item->text() : see("t0Edit");
+            QVERIFY(isRight ? now != text && now != shown : now == shown);
         }
-        QCOMPARE(bytes(), isRight ? with(bytesBefore, place, number) : bytesBefore);
-        QCOMPARE(heard().count("write"), isRight ? 1 : 0);
-        answers->asked.clear();
-        QCOMPARE(told(), isRight ? QString()
-                                 : "2 [Ошибка ввода опор] Не верные коэффициенты!\n"
-                                   "Проверьте введённые значения и повторите попытку. 400/0");
-        QVERIFY(isRight ? shown() != text && shown() != before : shown() == before);
     }
 
     void whatIsLeftTypedIsDropped()

@@ -213,24 +213,20 @@ private slots:
         QCOMPARE(answers->told.at(1).title, QString("Ошибка записи настроек в файл"));
     }
 
-    void namesOfSettingsFiles_data()
-    {
-        QTest::addColumn<quint32>("type");
-        QTest::addColumn<QString>("proposed"); // to be written, and to be read
-        QTest::newRow("") << noxCm << "NOX CM № 0123.ust|NOX CM № 0123.ust";
-        QTest::newRow("Эталон") << noxDRev4 << "Эталон_N0123.ust|Эталон.ust";
-        QTest::newRow("a/b:c") << noxDRev4 << "a_b_c_N0123.ust|a_b_c.ust";
-    }
-
     void namesOfSettingsFiles()
     {
-        QFETCH(quint32, type);
         database->setAppProperty("ust_dir", directory->path());
-        open(type);
-        image->devName = QTest::currentDataTag();
-        click("pushButton_4");
-        click("pushButton_3");
-        QTEST(answers->files.at(0).name + '|' + answers->files.at(1).name, "proposed");
+        const auto proposed = [this](quint32 type, const QString &name) { // to write, and to read
+            answers->files.clear();
+            open(type);
+            image->devName = name;
+            click("pushButton_4");
+            click("pushButton_3");
+            return answers->files.at(0).name + '|' + answers->files.at(1).name;
+        };
+        QCOMPARE(proposed(noxCm, {}), QString("NOX CM № 0123.ust|NOX CM № 0123.ust"));
+        QCOMPARE(proposed(noxDRev4, "Эталон"), QString("Эталон_N0123.ust|Эталон.ust"));
+        QCOMPARE(proposed(noxDRev4, "a/b:c"), QString("a_b_c_N0123.ust|a_b_c.ust"));
         QCOMPARE(answers->files.at(0).directory, directory->path());
         QVERIFY(answers->told.isEmpty());
     }
