@@ -157,7 +157,9 @@ private slots:
         auto *const list = find<QComboBox>("unitCB");
         QVERIFY(!list->isEditable());
         press("unitCB", {Qt::Key_End});
-        typeText(list, "м ");
+        typeText(list, "м");
+        QCOMPARE(list->currentText(), QString("м")); // not completed to another entry
+        typeText(list, " ");
         channelCard->onChChange(nox->index, 1);
         emit image->onDevChange();
         typeText(list, "В");

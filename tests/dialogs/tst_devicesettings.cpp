@@ -95,6 +95,8 @@ private slots:
         enter("devNameEdit", " A name of more than sixteen");
         QCOMPARE(see("devNameEdit") + '|' + heard(),
                  QString("A name of more t {changed}|identity, device"));
+        image->setDevName("Печь"); // from elsewhere: nothing is being written any more
+        QCOMPARE(see("devNameEdit"), QString("Печь {changed}"));
         open(0);
         nox->dbIndex = 0;
         settings->onDevChange(nox->index);

@@ -22,6 +22,7 @@ private slots:
         change();
         typeText(find("infoText"), "x"); // a factory one is never changed
         QCOMPARE(box().left(4), QString("!..i"));
+        search("печь"); // what is stored takes the place of what was found
         click("addDBBtn");
         const int snapshot = nox->snapShotId;
         QVERIFY(snapshot > 1);
