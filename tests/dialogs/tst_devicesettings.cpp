@@ -87,6 +87,7 @@ private slots:
         operatingListsAreStored();
 
         open(noxCm1Rev4);
+        QVERIFY(QTest::qWaitForWindowActive(settings.get()));
         for (const char *passed : {"devPortEdit", "devNumEdit", "devNameEdit"})
             press(passed, {Qt::Key_Tab});
         enter("devNameEdit", "NOX CM1 rev.4 № 0123"); // as it is shown for one without a name
