@@ -1,150 +1,113 @@
 #include "calibration/featconfui.h"
 #include "device/featurenox8.h"
-#include "storage/noxsql.h"
-#include "support/menukeys.h"
-#include "support/seenform.h"
-#include "support/useranswers.h"
-
-#include <memory>
+#include "support/formtest.h"
 
 namespace
 {
 
-using Type = FeatureRecord::_featureIndType;
-
 /** What is entered over another characteristic, of which the numbers not in use are kept. */
-QByteArray recordOf(int type, const QString &name, const QStringList &values,
+QByteArray recordOf(int type, const QString &name, const QString &values,
                     const QByteArray &before = {})
 {
     featureNOX8 feature;
     feature.setData(before);
-    feature.setFeature(Type(type), name, values);
+    feature.setFeature(FeatureRecord::_featureIndType(type), name, values.split(' '));
     return encodeFeature(feature);
 }
 
-const QStringList platinum = {"100", "3.9083e-3", "-5,775e-7", "-4.183e-12", "-100", "450"};
-const QStringList its90 = {"24.8", "1", "2", "3", "4", "5", "6", "7", "3.375"};
+const QString polynomial = "1 2 3 4 5 6 7 8 9 10";
+const QString platinum = "100 3.9083e-3 -5,775e-7 -4.183e-12 -100 450";
+const QString its90 = "24.8 1 2 3 4 5 6 7 3.375";
 
 } // namespace
 
 /** The editor of characteristics, worked with keys and clicks. */
-class TestFeatConfUi : public QObject
+class TestFeatConfUi : public FormTest
 {
     Q_OBJECT
 private slots:
-
     void init()
     {
-        m_directory = std::make_unique<QTemporaryDir>();
-        QVERIFY(provideDatabase(m_directory->filePath("nox8.db")));
-        m_database = std::make_unique<noxSql>(m_directory->filePath("nox8.db"));
+        provideSurroundings();
         m_feature = std::make_unique<featureNOX8>();
-        m_feature->setData(recordOf(0, "A", {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}));
-        m_editor = new featconfui(nullptr, m_database.get());
-        m_answers = std::make_unique<UserAnswers>();
+        m_feature->setData(recordOf(0, "A", polynomial));
+        m_editor = new featconfui(nullptr, database.get());
     }
 
     void cleanup()
     {
         delete m_editor;
         m_feature.reset();
-        m_database.reset();
-        m_answers.reset();
-    }
-
-    void typedByHand_data()
-    {
-        QTest::addColumn<QStringList>("values");
-        QTest::addColumn<int>("columns");
-        QTest::newRow("0") << QStringList{"-1e2", "2", "3,5", "", "-", "6", "7", "8", "9", "1e-9"}
-                           << 5;
-        QTest::newRow("1") << platinum << 6;
-        QTest::newRow("2") << its90 << 5;
-        QTest::newRow("3") << QStringList{"0", "0", "100", "0,6459", "200", "1.4"} << 0;
+        database.reset();
     }
 
     void typedByHand()
     {
-        QFETCH(QStringList, values);
-        QFETCH(int, columns);
-        const int kind = QByteArray(QTest::currentDataTag()).toInt();
-        m_feature->setData(recordOf(kind == 0 ? 2 : 0, "", kind == 0 ? its90 : QStringList{}));
-        const bool isApplied = edit([&] {
-            name("Своя №7");
-            select(kind);
-            QCOMPARE(find<QFrame>("reperTPFrame")->isEnabled(), kind == 3);
-            for (int k = 0; k < values.size(); ++k) {
-                const int place = kind == 2 && k > 3 ? k + 1 : k; // after the cell that is not used
-                const QPoint at =
-                    kind == 3 ? QPoint(k / 2, k % 2) : QPoint(place % columns, place / columns);
-                type(at.y(), at.x(), values.at(k));
-            }
-            press("pushButton");
-        });
-        QVERIFY(isApplied);
-        QCOMPARE(record(), recordOf(kind, "Своя №7", values));
-        QCOMPARE(told(), QString());
+        const QStringList entries = {"-1e2 2 3,5  - 6 7 8 9 1e-9", platinum, its90,
+                                     "0 0 100 0,6459 200 1.4"};
+        for (int kind = 0; kind < 4; ++kind) {
+            m_feature->setData(recordOf(kind == 0 ? 2 : 0, "", kind == 0 ? its90 : QString()));
+            QVERIFY(edit([&] {
+                write("featName", "Своя №7");
+                choose("featType", kind);
+                QCOMPARE(find("reperTPFrame")->isEnabled(), kind == 3);
+                int place = 0;
+                for (const QString &value : entries.at(kind).split(' ')) {
+                    place += kind == 2 && place == 4; // the cell that is not used
+                    const int columns = table()->columnCount();
+                    type(kind == 3 ? place % 2 : place / columns,
+                         kind == 3 ? place / 2 : place % columns, value);
+                    ++place;
+                }
+                click("pushButton");
+            }));
+            QCOMPARE(record(), recordOf(kind, "Своя №7", entries.at(kind)));
+            QCOMPARE(told(), QString());
+        }
     }
 
     void showsEachType()
     {
-        const QVector<QByteArray> records = {
-            recordOf(0, "Полином", {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}),
-            recordOf(1, "Широкая", {"100", "3.9083e-3", "-5.775e-7", "-4.183e-12", "-200", "850"}),
-            recordOf(2, "ТС", its90),
-            recordOf(3, "Таблица", {"0", "0", "100", "0.6", "200", "0.5"})};
+        const QByteArrayList records = {
+            recordOf(0, "Полином", polynomial),
+            recordOf(1, "Широкая", "100 3.9083e-3 -5.775e-7 -4.183e-12 -200 850"),
+            recordOf(2, "ТС", its90), recordOf(3, "Таблица", "0 0 100 0.6 200 0.5")};
         QStringList shown;
         for (const QByteArray &one : records) {
             m_feature->setData(one);
             QVERIFY(!edit([&] {
                 shown << m_editor->windowTitle() << seenForm(m_editor);
-                shown << QString("%1 headers")
-                             .arg(int(table()->verticalHeader()->isVisible()) +
-                                  2 * int(table()->horizontalHeader()->isVisible()));
+                shown << labels(table()->verticalHeader()) << labels(table()->horizontalHeader());
             }));
             QCOMPARE(record(), one);
         }
         QCOMPARE(shown, linesOf(QFINDTESTDATA("data/editor.txt")));
     }
 
-    void unedited_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QByteArray unlike = recordOf(1, "A ", platinum);
-        unlike.replace(44, 4, QByteArray::fromHex("c3734321")); // C0 of another fit
-        QTest::newRow("another fit, a blank in the name") << unlike;
-        QTest::newRow("more digits than are shown")
-            << recordOf(3, "A", {"0", "0", "419.527", "3.44691"});
-        QTest::newRow("numbers without texts")
-            << recordOf(0, "A", {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10"})
-                   .replace(84, 200, QByteArray(200, '\0'));
-        QTest::newRow("none yet") << encodeFeature({});
-        QByteArray unknown(492, '\0');
-        unknown[0] = 9;
-        QTest::newRow("of an unknown type") << unknown;
-    }
-
     void unedited()
     {
-        QFETCH(QByteArray, bytes);
-        m_feature->setData(bytes);
-        const QByteArray before = record();
+        QByteArray unlike = recordOf(1, "A ", platinum);
+        unlike.replace(44, 4, QByteArray::fromHex("c3734321")); // C0 of another fit
+        const QByteArray withoutTexts =
+            recordOf(0, "A", polynomial).replace(84, 200, QByteArray(200, '\0'));
+        const QByteArray unknown = QByteArray(492, '\0').replace(0, 1, "\x09");
+        const QString digits = "0 0 419.527 3.44691"; // more than are shown
+        for (const QByteArray &one :
+             {unlike, withoutTexts, encodeFeature({}), unknown, recordOf(3, "A", digits)}) {
+            m_feature->setData(one);
+            const QByteArray before = record();
+            QVERIFY(edit([&] {
+                write("featName", m_feature->name);
+                table()->setFocus();
+                click("pushButton");
+            }));
+            QCOMPARE(record(), before);
+        }
         QVERIFY(edit([&] {
-            name(m_feature->name);
-            table()->setFocus();
-            press("pushButton");
+            write("featName", "B");
+            click("pushButton");
         }));
-        QCOMPARE(record(), before);
-    }
-
-    void anotherNameAlone()
-    {
-        m_feature->setData(recordOf(3, "A", {"0", "0", "419.527", "3.44691"}));
-        QVERIFY(edit([&] {
-            name("B");
-            press("pushButton");
-        }));
-        QCOMPARE(record(), recordOf(3, "B", {"0", "0", "419.527", "3.44691"}));
+        QCOMPARE(record(), recordOf(3, "B", digits));
     }
 
     void rejectedEntry()
@@ -152,16 +115,16 @@ private slots:
         const QByteArray before = record();
         QVERIFY(!edit([&] {
             type(1, 4, "abc");
-            press("addDBBtn");
-            QVERIFY(label("noticeLabel").contains("последние принятые значения"));
-            press("pushButton");
+            click("addDBBtn");
+            QCOMPARE(see("noteLabel noticeLabel"),
+                     QString("Значения таблицы не приняты: введены не все или с ошибкой | В БД "
+                             "сохранены последние принятые значения, а не те, что в таблице"));
+            click("pushButton");
             QVERIFY(m_editor->isVisible());
-            QCOMPARE(told(),
-                     QString("2 [Ошибка ввода градуировки] Не верная градуировка!\nПроверьте "
-                             "введённые значения. 400/0"));
-            select(1);
-            QCOMPARE(table()->columnCount(), 6);
-            QCOMPARE(cell(0, 0), QString());
+            QCOMPARE(told(), QString("2 [Ошибка ввода градуировки] Не верная градуировка!\n"
+                                     "Проверьте введённые значения. 400/0"));
+            choose("featType", 1);
+            QCOMPARE(see("ratioTable"), QString("|||||"));
         }));
         QCOMPARE(record(), before);
     }
@@ -169,34 +132,25 @@ private slots:
     void whatIsTypedStays()
     {
         edit([&] {
-            select(1);
+            choose("featType", 1);
             type(0, 0, "100"); // no thermometer yet
-            name("Pt100");
+            write("featName", "Pt100");
             table()->setFocus();
-            QCOMPARE(cell(0, 0), QString("100"));
-
-            select(3);
-            type(0, 0, "0");
-            type(1, 0, "0");
-            type(0, 2, "200"); // the second column is still to come
-            type(1, 2, "2");
-            type(1, 3, "3"); // as is the T of the fourth
-            QCOMPARE(cell(0, 2) + ' ' + cell(1, 2) + ' ' + cell(1, 3), QString("200 2 3"));
-            QVERIFY(label("noteLabel").contains("2, 4"));
-            type(0, 1, "100");
-            type(1, 1, "2.5");
-            QCOMPARE(table()->item(1, 2)->toolTip(), QString("ТЭДС не растёт с T"));
-            type(0, 3, "150"); // falls
-            QCOMPARE(cell(0, 3) + cell(1, 3), QString());
-            QVERIFY(label("noteLabel").contains("(150; 3)"));
-            type(0, 3, "250");
-            type(1, 3, "3");
-            type(0, 1, "300"); // more than both behind it
-            QCOMPARE(cell(0, 2) + cell(0, 3), QString());
-            QVERIFY(label("noteLabel").contains("(200; 2) (250; 3)"));
-            press("pushButton");
+            QCOMPARE(see("ratioTable"), QString("100|||||"));
+            choose("featType", 3);
+            typePairs("T1=0 E1=0 T3=200 E3=2 E4=3"); // the second and a T are still to come
+            QCOMPARE(pairs(), QString("0||200/0||2|3 Столбцы без T не войдут: 2, 4"));
+            typePairs("T2=100 E2=2.5");
+            QCOMPARE(cell("ratioTable", 1, 2)->toolTip(), QString("ТЭДС не растёт с T"));
+            typePairs("T4=150"); // falls
+            QCOMPARE(pairs(), QString("0|100|200/0|2.5|2! T убывает, из таблицы убрано: (150; 3)\n"
+                                      "ТЭДС не растёт в столбцах: 3"));
+            typePairs("T4=250 E4=3 T2=300"); // more than both behind it
+            QCOMPARE(pairs(),
+                     QString("0|300/0|2.5 T убывает, из таблицы убрано: (200; 2) (250; 3)"));
+            click("pushButton");
         });
-        QCOMPARE(record().mid(44, 448), recordOf(3, "", {"0", "0", "300", "2.5"}).mid(44, 448));
+        QCOMPARE(record().mid(44), recordOf(3, "", "0 0 300 2.5").mid(44));
     }
 
     void keysStayInTheirField()
@@ -204,186 +158,152 @@ private slots:
         QVERIFY(!edit([&] {
             QVERIFY(find<QPushButton>("pushButton_2")->isDefault());
             for (const char *field : {"featName", "searchEdit", "reperTPSpin", "dbFindCB"}) {
-                QWidget *const widget = find<QWidget>(field);
-                widget->setFocus();
-                QTest::keyClick(widget, Qt::Key_Return);
+                press(field, {Qt::Key_Return});
                 QVERIFY2(m_editor->isVisible(), field);
             }
-            select(2);
+            choose("featType", 2);
+            turnWheel(find("featType")); // which would replace the table
+            QCOMPARE(find<QComboBox>("featType")->currentIndex(), 2);
             table()->setFocus();
             table()->setCurrentCell(0, 4); // not in use
             QTest::keyClick(table(), Qt::Key_Return);
             QVERIFY(m_editor->isVisible());
             QTest::keyClick(table(), Qt::Key_Tab);
-            QCOMPARE(m_editor->focusWidget(), find<QWidget>("searchEdit"));
+            QCOMPARE(m_editor->focusWidget(), find("searchEdit"));
         }));
     }
 
-    void savedFile()
+    void files()
     {
         m_feature->setData(recordOf(2, "ТС 1/2", its90));
-        m_answers->file = m_directory->filePath("out.dat");
-        edit([&] { press("pushButton_4"); });
-        QCOMPARE(m_answers->files.at(0).directory, QDir::homePath());
-        QCOMPARE(m_answers->files.at(0).name, QString("ТС 1_2.dat"));
-        QFile file(m_answers->file);
+        answers->file = directory->filePath("out.dat");
+        edit([&] { click("pushButton_4"); });
+        QCOMPARE(answers->files.at(0).directory, QDir::homePath());
+        QCOMPARE(answers->files.at(0).name, QString("ТС 1_2.dat"));
+        QFile file(answers->file);
         QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(
-            file.readAll(),
-            QByteArray(
-                "3\r\n\xd2\xd1 1/2\r\n24.8\r\n1\r\n2\r\n3\r\n0\r\n4\r\n5\r\n6\r\n7\r\n3.375\r\n"));
+        QCOMPARE(file.readAll().replace("\r\n", "|"),
+                 QByteArray("3|\xd2\xd1 1/2|24.8|1|2|3|0|4|5|6|7|3.375|"));
 
         m_feature->setData(recordOf(1, "", platinum));
         QVERIFY(edit([&] {
-            press("pushButton_3");
-            QCOMPARE(cell(0, 4), QString("-"));
-            press("pushButton");
+            click("pushButton_3");
+            QCOMPARE(see("ratioTable"), QString("24.8|1|2|3|~-/4|5|6|7|3.375"));
+            click("pushButton");
         }));
         QCOMPARE(record(), recordOf(2, "ТС 1/2", its90, recordOf(1, "", platinum)));
-        QCOMPARE(m_answers->files.at(1).directory, m_directory->path());
+        QCOMPARE(answers->files.at(1).directory, directory->path());
 
-        m_answers->file = m_directory->path(); // a folder cannot be written
-        edit([&] { press("pushButton_4"); });
+        answers->file = directory->path(); // a folder cannot be written
+        edit([&] { click("pushButton_4"); });
         QCOMPARE(told(),
                  QString("3 [] Ошибка записи в файл!\nВозможно файл занят другим приложением "
                          "или не доступен для записи. 400/0"));
     }
 
-    void tableOutlivesItsFile_data()
+    void filesWithErrors()
     {
-        QTest::addColumn<QStringList>("pairs");
-        QTest::newRow("above 0") << QStringList{"0", "0", "100", "1", "200", "2", "300", "3"};
-        QTest::newRow("up to 0") << QStringList{"-200", "-3", "-100", "-2", "0", "0"};
-    }
-
-    void tableOutlivesItsFile()
-    {
-        QFETCH(QStringList, pairs);
-        m_answers->file = m_directory->filePath("table.dat");
-        m_feature->setData(recordOf(3, "Т", pairs));
-        const QByteArray before = record();
-        edit([&] { press("pushButton_4"); });
-        m_feature->setData(recordOf(3, "", {"1", "1", "2", "2"}));
-        QVERIFY(edit([&] {
-            press("pushButton_3");
-            QCOMPARE(cell(0, pairs.size() / 2), QString());
-            press("pushButton");
-        }));
-        QCOMPARE(record(), before);
-    }
-
-    void fileWithBadLines()
-    {
-        m_answers->file =
-            write("2\r\nTP\r\n0 0\r\n100 0.6\r\n1 2 3\r\n300 2.3\r\n250 2.4\r\n400 3.2\r\n");
-        QVERIFY(edit([&] {
-            press("pushButton_3");
-            QCOMPARE(cell(0, 2) + cell(1, 2), QString());
-            QCOMPARE(cell(0, 3) + ' ' + cell(1, 3), QString("300 2.3"));
-            QCOMPARE(cell(0, 5) + ' ' + cell(1, 5), QString("400 3.2"));
-            QVERIFY(label("noteLabel").contains("(250; 2.4)"));
-            press("pushButton");
-        }));
-        QCOMPARE(record().mid(44, 32),
-                 recordOf(3, "", {"0", "0", "100", "0.6", "300", "2.3", "400", "3.2"}).mid(44, 32));
-    }
-
-    void unreadableFile()
-    {
-        m_answers->file = write("x\nB\n1\n1\n1\n1\n1\n1\n1\n1\n1\n1\n");
+        provideFile("x\nB\n1\n1\n1\n1\n1\n1\n1\n1\n1\n1\n");
         const QByteArray before = record();
         QVERIFY(edit([&] {
-            press("pushButton_3");
+            click("pushButton_3");
             QCOMPARE(told(), QString("2 [Ошибка чтения градуировки] Не верная градуировка в "
                                      "файле!\nВозможно файл повреждён, не доступен для чтения "
                                      "или имеет не верный тип. 400/0"));
-            QCOMPARE(find<QLineEdit>("featName")->text(), QString("A"));
-            QCOMPARE(cell(1, 4), QString("10"));
-            press("pushButton");
+            QCOMPARE(see("featName ratioTable"), QString("A | 1|2|3|4|5/6|7|8|9|10"));
+            click("pushButton");
         }));
         QCOMPARE(record(), before);
+
+        provideFile("2\r\nTP\r\n0 0\r\n100 0.6\r\n1 2 3\r\n300 2.3\r\n250 2.4\r\n400 3.2\r\n");
+        QVERIFY(edit([&] {
+            click("pushButton_3");
+            QCOMPARE(pairs(), QString("0|100||300||400/0|0.6||2.3||3.2 T убывает, из таблицы "
+                                      "убрано: (250; 2.4)\nСтолбцы без T не войдут: 3, 5"));
+            click("pushButton");
+        }));
+        QCOMPARE(record().mid(44, 32), recordOf(3, "", "0 0 100 0.6 300 2.3 400 3.2").mid(44, 32));
     }
 
-    void storedCharacteristics()
+    void stores()
     {
-        const auto state = [this] {
-            return QStringList{find<QPlainTextEdit>("infoText")->placeholderText(),
-                               find<QLabel>("dbStatusLabel")->isVisible() ? "[!]" : "",
-                               find<QPushButton>("saveDBBtn")->isEnabled() ? "save" : "",
-                               find<QPushButton>("rmDBBtn")->isEnabled() ? "rm" : ""}
-                .join(' ');
-        };
-        QComboBox *const list = find<QComboBox>("dbFindCB");
-        QLineEdit *const search = find<QLineEdit>("searchEdit");
+        const QString stored = "<Градуировка сохранена в БД>";
         edit([&] {
-            QCOMPARE(state(), QString("Градуировка НЕ сохранена в БД   "));
-            QCOMPARE(list->currentText(), QString("Новая градуировка"));
-            press("addDBBtn");
-            QCOMPARE(state(), QString("Градуировка сохранена в БД   rm"));
+            QCOMPARE(box(),
+                     QString("....[Новая градуировка]<Градуировка НЕ сохранена в БД> {off}"));
+            click("addDBBtn");
+            QVERIFY(box().startsWith("..ri[A от ") && box().endsWith(']' + stored));
             type(0, 1, "4");
-            QCOMPARE(state(), QString("Градуировка сохранена в БД [!] save rm"));
+            QCOMPARE(box().left(4), QString("!sri"));
             type(0, 1, "2");
-            QCOMPARE(state(), QString("Градуировка сохранена в БД   rm"));
-            typeText(find<QPlainTextEdit>("infoText"), "старая");
+            QCOMPARE(box().left(4), QString("..ri"));
+            typeText(find("infoText"), "старая");
+            QCOMPARE(box().left(4), QString("!sri"));
             type(0, 0, "5");
-            QCOMPARE(state(), QString("Градуировка сохранена в БД [!] save rm"));
-            press("saveDBBtn");
-            QCOMPARE(state(), QString("Градуировка сохранена в БД   rm"));
-            QCOMPARE(find<QPlainTextEdit>("infoText")->toPlainText(), QString("старая"));
-            name("Эталон");
-            press("addDBBtn");
+            click("saveDBBtn");
+            QVERIFY(box().startsWith("..ri[A от ") && box().endsWith("]старая" + stored));
+            write("featName", "Эталон");
+            click("addDBBtn");
+            QVERIFY(box().startsWith("..ri[Эталон от "));
+            write("featName", "A"); // which is stored as well
+            table()->setFocus();
+            QVERIFY(box().startsWith("!sri[Эталон от "));
         });
-        QCOMPARE(m_database->findFeature("A").at(0).info, QString("старая"));
+        m_feature->setData(recordOf(0, "A", "5 2 3 4 5 6 7 8 9 10"));
+        edit(
+            [&] { QVERIFY(box().startsWith("..ri[A от ") && box().endsWith("]старая" + stored)); });
+    }
 
+    void findsAndRemoves()
+    {
+        const QByteArray wanted = recordOf(0, "Эталон", "5 2 3 4 5 6 7 8 9 10");
+        QVERIFY(database->addFeature(&wanted, "Эталон", {}) > 0);
+        const auto found = [this](const QString &text) {
+            write("searchEdit", text);
+            return find<QComboBox>("dbFindCB")->currentText();
+        };
         m_feature->setData(recordOf(2, "Другая", its90));
         QVERIFY(edit([&] {
-            typeText(search, "эт");
-            QCOMPARE(list->currentText(), QString("Введите не менее 3-х символов"));
-            typeText(search, "АЛ");
-            QCOMPARE(list->currentText(), QString("Найдено: 1"));
-            QTest::keyClick(list, Qt::Key_Down);
-            QCOMPARE(find<QLineEdit>("featName")->text(), QString("Эталон"));
-            QCOMPARE(cell(0, 0), QString("5"));
-            QVERIFY(list->currentText().startsWith("Эталон от "));
-            press("rmDBBtn"); // No
-            QCOMPARE(seen(m_answers->asked.takeLast()),
+            QCOMPARE(found("эт"), QString("Введите не менее 3-х символов"));
+            QCOMPARE(found(""), QString("Новая градуировка"));
+            QCOMPARE(found("этА"), QString("Найдено: 1"));
+            press("dbFindCB", {Qt::Key_Down});
+            QCOMPARE(see("featName ratioTable searchEdit"),
+                     QString("Эталон | 5|2|3|4|5/6|7|8|9|10 | "));
+            click("rmDBBtn"); // No
+            QCOMPARE(told(),
                      QString("2 [Ввод статической характеристики] Вы уверены? 14000/10000"));
-            QVERIFY(state().endsWith("rm"));
-            m_answers->answer = QMessageBox::Yes;
-            press("rmDBBtn");
-            QCOMPARE(state(), QString("Градуировка НЕ сохранена в БД   "));
-            press("pushButton");
+            QVERIFY(box().startsWith("..ri[Эталон от "));
+            answers->answer = QMessageBox::Yes;
+            click("rmDBBtn");
+            QVERIFY(box().startsWith("....[Новая градуировка]"));
+            click("pushButton");
         }));
-        QCOMPARE(record(),
-                 recordOf(0, "Эталон", {"5", "2", "3", "4", "5", "6", "7", "8", "9", "10"}));
-        QCOMPARE(m_database->findFeature("Эталон").size(), 0);
-        QCOMPARE(m_database->findFeature("A").size(), 1);
+        QCOMPARE(record(), wanted);
+        QCOMPARE(database->findFeature("Эталон").size(), 0);
     }
 
     void recalculation_data()
     {
-        QTest::addColumn<QStringList>("emfs");
         QTest::addColumn<bool>("isOffered");
         QTest::addColumn<QString>("result");
-        const QString all = "100.0 200.0 300 400 500 600 700 800 900 1000 1100 1200 |"
-                            "1.0000 2.0000 2.3199 3.2596 4.2322 5.2376 6.2758 7.3469 8.4508 9.5874 "
-                            "10.7569 11.9513 ";
-        const QString none = "100.0 200.0           |1.0000 2.0000           ";
-        QTest::newRow("point and comma") << QStringList{"3.447", "5,860", "10.575"} << true << all;
-        QTest::newRow("between keys") << QStringList{"3.4469", "5.8601", "10.5748"} << true << all;
-        QTest::newRow("zinc out of range")
-            << QStringList{"3.461", "5.86", "10.575"} << true << none;
-        QTest::newRow("nothing") << QStringList{"3.447", "5.86", "-"} << false << none;
-        QTest::newRow("negative") << QStringList{"-1", "5.86", "10.575"} << false << none;
-        QTest::newRow("a word") << QStringList{"3.447", "цинк", "10.575"} << false << none;
+        const QString none = "100.0|200.0/1.0000|2.0000 ";
+        QTest::newRow("3.447 5,860 10.575")
+            << true
+            << "100.0|200.0|300|400|500|600|700|800|900|1000|1100|1200/1.0000|2.0000|2.3199|3.2596"
+               "|4.2322|5.2376|6.2758|7.3469|8.4508|9.5874|10.7569|11.9513 ";
+        QTest::newRow("3.461 5.86 10.575")
+            << true << none + "Пересчёт: ТЭДС вне допустимого диапазона, таблица не изменена";
+        QTest::newRow("3.447 5.86 -") << false << none;
+        QTest::newRow("-1 5.86 10.575") << false << none;
+        QTest::newRow("3.447 цинк 10.575") << false << none;
     }
 
     void recalculation()
     {
-        QFETCH(QStringList, emfs);
         QFETCH(bool, isOffered);
-        QFETCH(QString, result);
-        m_feature->setData(recordOf(3, "", {"100", "1", "200", "2"}));
+        const QStringList emfs = QString(QTest::currentDataTag()).split(' ');
+        m_feature->setData(recordOf(3, "", "100 1 200 2"));
         edit([&] {
             find<QSpinBox>("reperTPSpin")->setValue(3);
             QTimer::singleShot(0, m_editor, [&] {
@@ -396,14 +316,8 @@ private slots:
                 if (!isOffered)
                     QTest::keyClick(dialog, Qt::Key_Escape);
             });
-            press("reperTPBtn");
-            QString shown;
-            for (int row = 0; row < 2; ++row)
-                for (int column = 0; column < 13; ++column)
-                    shown += cell(row, column) + (row == 0 && column == 12 ? "|"
-                                                  : column == 12           ? ""
-                                                                           : " ");
-            QCOMPARE(shown, result);
+            click("reperTPBtn");
+            QTEST(pairs() + find<QLabel>("noticeLabel")->text(), "result");
         });
     }
 
@@ -411,57 +325,53 @@ private slots:
     {
         QVERIFY(!edit([&] {
             m_feature->setData(record());
-            QVERIFY(label("noticeLabel").contains("прочитана из прибора заново"));
+            QCOMPARE(see("noticeLabel"), QString("Градуировка прочитана из прибора заново; "
+                                                 "введённое здесь не изменилось"));
             type(0, 0, "77");
             m_feature.reset();
-            QVERIFY(label("noticeLabel").contains("Прибор удалён"));
-            QVERIFY(!find<QPushButton>("pushButton")->isEnabled());
-            press("addDBBtn");
-            QCOMPARE(cell(0, 0), QString("77"));
+            QCOMPARE(see("noticeLabel pushButton"),
+                     QString("Прибор удалён: применить градуировку некуда, но можно сохранить её в "
+                             "БД или в файл | Применить {off}"));
+            click("addDBBtn");
+            QCOMPARE(cell("ratioTable", 0, 0)->text(), QString("77"));
         }));
-        QCOMPARE(m_database->findFeature("A").size(), 1);
+        QCOMPARE(database->findFeature("A").size(), 1);
     }
 
-    void editorGoes_data()
-    {
-        QTest::addColumn<QByteArray>("button");
-        QTest::newRow("while it waits") << QByteArray("");
-        QTest::newRow("while a cell is edited") << QByteArray("ratioTable");
-        QTest::newRow("while it asks for a file to read") << QByteArray("pushButton_3");
-        QTest::newRow("while it asks for a file to write") << QByteArray("pushButton_4");
-        QTest::newRow("while it asks about a removal") << QByteArray("rmDBBtn");
-        QTest::newRow("while it recalculates") << QByteArray("reperTPBtn");
-    }
-
+    /** While it waits, edits a cell, asks for a file to read or to write, or about a removal, or
+     *  while it recalculates. */
     void editorGoes()
     {
-        QFETCH(QByteArray, button);
-        m_feature->setData(recordOf(3, "", {"100", "1", "200", "2"}));
-        const QByteArray before = record();
-        m_answers->file = m_directory->filePath("out.dat");
-        const auto destroy = [this] { delete m_editor; };
-        m_answers->answer = QMessageBox::Yes;
-        m_answers->meanwhile = destroy;
-        // a button must not be destroyed while it is clicked by an event of its own
-        QTimer::singleShot(0, m_editor, [this] { press("addDBBtn"); });
-        QTimer::singleShot(0, this, [this, button, destroy] {
-            if (button.isEmpty())
-                return destroy();
-            if (QTableWidget *const cells = find<QTableWidget>(button.constData())) {
-                cells->setCurrentCell(0, 0);
-                typeText(cells, "5");
-                return destroy();
-            }
-            QTimer::singleShot(0, m_editor, destroy); // for the nested dialog
-            find<QPushButton>(button.constData())->click();
-        });
-        QVERIFY(!m_editor->show(m_feature.get()));
-        QVERIFY(!m_editor);
-        QCOMPARE(record(), before);
-        QVERIFY(!QFile::exists(m_directory->filePath("out.dat")));
+        for (const QByteArray meanwhile :
+             {"nothing", "ratioTable", "pushButton_3", "pushButton_4", "rmDBBtn", "reperTPBtn"}) {
+            cleanup();
+            init();
+            m_feature->setData(recordOf(3, "", "100 1 200 2"));
+            const QByteArray before = record();
+            answers->file = directory->filePath("out.dat");
+            answers->answer = QMessageBox::Yes;
+            const auto destroy = [this] { delete m_editor; };
+            answers->meanwhile = destroy;
+            // a button must not be destroyed while it is clicked by an event of its own
+            QTimer::singleShot(0, m_editor, [this] { click("addDBBtn"); });
+            QTimer::singleShot(0, this, [this, meanwhile, destroy] {
+                if (meanwhile == "ratioTable")
+                    startTyping(cell("ratioTable", 0, 0), "5");
+                auto *const button = find<QPushButton>(meanwhile);
+                if (!button)
+                    return destroy();
+                QTimer::singleShot(0, m_editor, destroy); // for the nested dialog
+                button->click();
+            });
+            QVERIFY2(!m_editor->show(m_feature.get()), meanwhile);
+            QVERIFY(!m_editor);
+            QCOMPARE(record(), before);
+            QVERIFY(!QFile::exists(directory->filePath("out.dat")));
+        }
     }
 
 private:
+    QWidget *form() const override { return m_editor; }
     /** Does some work in the open editor and cancels; whether it was applied before. */
     bool edit(const std::function<void()> &work)
     {
@@ -469,73 +379,46 @@ private:
             if (QTest::qWaitForWindowActive(m_editor))
                 work();
             if (m_editor && m_editor->isVisible())
-                press("pushButton_2");
+                click("pushButton_2");
         });
         return m_editor->show(m_feature.get());
     }
-    template<typename Widget>
-    Widget *find(const char *name) const
-    {
-        return m_editor->findChild<Widget *>(name);
-    }
     QTableWidget *table() const { return find<QTableWidget>("ratioTable"); }
-    QString cell(int row, int column) const { return table()->item(row, column)->text(); }
-    QString label(const char *name) const { return find<QLabel>(name)->text(); }
-    void press(const char *button) const
-    {
-        QTest::mouseClick(find<QPushButton>(button), Qt::LeftButton);
-    }
-    void select(int type) const
-    {
-        QTest::keyClick(find<QComboBox>("featType"), Qt::Key_Home);
-        for (int i = 0; i < type; ++i)
-            QTest::keyClick(find<QComboBox>("featType"), Qt::Key_Down);
-    }
-
     void type(int row, int column, const QString &text) const
     {
-        table()->setFocus();
-        table()->setCurrentCell(row, column);
-        QTest::keyClick(table(), Qt::Key_Return);
-        QWidget *const editor = table()->indexWidget(table()->currentIndex());
-        QVERIFY(editor);
-        QTest::keyClick(editor, Qt::Key_Delete);
-        typeText(editor, text);
-        QTest::keyClick(editor, Qt::Key_Return);
-        QCoreApplication::processEvents();
+        FormTest::type(cell("ratioTable", row, column), text, Qt::Key_Return);
     }
-
-    void name(const QString &text) const
+    /** Types into the cells of pairs: "T2=100" the temperature of the second. */
+    void typePairs(const QString &entries) const
     {
-        auto *const field = find<QLineEdit>("featName");
-        field->setFocus();
-        field->selectAll();
-        QTest::keyClick(field, Qt::Key_Delete);
-        typeText(field, text);
+        for (const QString &entry : entries.split(' '))
+            type(entry.at(0) == 'E', entry.mid(1, 1).toInt() - 1, entry.mid(3));
     }
-
-    QString write(const QByteArray &content) const
+    /** The pairs up to the last one, and what is noted on them. */
+    QString pairs() const
     {
-        QFile file(m_directory->filePath("in.dat"));
-        return file.open(QIODevice::WriteOnly) && file.write(content) == content.size()
-                   ? file.fileName()
-                   : QString();
+        const QRegExp rest("\\|+$");
+        return seenRow(table(), 0).remove(rest) + '/' + seenRow(table(), 1).remove(rest) + ' ' +
+               find<QLabel>("noteLabel")->text();
     }
-    /** What was told, a message a line. */
-    QString told() const
+    /** What stands in a header of the table. */
+    static QString labels(const QHeaderView *header)
     {
         QStringList texts;
-        for (const Message &message : qAsConst(m_answers->told))
-            texts << seen(message);
-        return texts.join('\n');
+        for (int i = 0; i < header->count() && header->isVisible(); ++i)
+            texts << header->model()->headerData(i, header->orientation()).toString();
+        return texts.join('|') + '.';
+    }
+    void provideFile(const QByteArray &content) const
+    {
+        answers->file = directory->filePath("in.dat");
+        QFile file(answers->file);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
     }
     QByteArray record() const { return encodeFeature(*m_feature); }
 
-    std::unique_ptr<QTemporaryDir> m_directory;
-    std::unique_ptr<noxSql> m_database;
     std::unique_ptr<featureNOX8> m_feature;
     QPointer<featconfui> m_editor;
-    std::unique_ptr<UserAnswers> m_answers;
 };
 
 QTEST_MAIN(TestFeatConfUi)

@@ -8,19 +8,18 @@
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
 #include "serial/portcatalog.h"
-#include "storage/noxsql.h"
-#include "support/menukeys.h"
-#include "support/seenform.h"
-#include "support/useranswers.h"
+#include "support/formtest.h"
 
 #include <fcntl.h>
-#include <memory>
 #include <stdlib.h>
 #include <unistd.h>
 
+constexpr quint32 noxA = 1;
 constexpr quint32 noxB = 17;
+constexpr quint32 noxC = 33;
 constexpr quint32 noxCm = 34;
 constexpr quint32 noxCm1 = 65;
+constexpr quint32 noxCmRev4 = 156281359;
 constexpr quint32 noxCm1Rev4 = 157329935;
 constexpr quint32 noxDRev4 = 158378511;
 
@@ -29,17 +28,29 @@ constexpr quint32 noxDRev4 = 158378511;
  * They are connected as in the main window; what an image and the registry announce is written
  * down.
  */
-class DialogsTest : public QObject
+class DialogsTest : public FormTest
 {
     Q_OBJECT
+protected slots:
+    void init() { prepare("nox8.db"); }
+    void cleanup()
+    {
+        channelCard.reset();
+        card.reset();
+        settings.reset();
+        plot.reset();
+        registry.reset();
+        port.reset();
+        database.reset();
+        PortCatalog::setCurrent(nullptr);
+        ::close(line);
+    }
+
 protected:
-    void prepare(const QString &databaseName = "nox8.db")
+    void prepare(const QString &databaseName)
     {
         registerExchangeItems();
-        directory = std::make_unique<QTemporaryDir>();
-        answers = std::make_unique<UserAnswers>();
-        provideDatabase(directory->filePath("nox8.db"));
-        database = std::make_unique<noxSql>(directory->filePath(databaseName));
+        provideSurroundings(databaseName);
         line = posix_openpt(O_RDWR | O_NOCTTY);
         QVERIFY(grantpt(line) == 0 && unlockpt(line) == 0);
         QVERIFY(QFile::link(ptsname(line), directory->filePath("P1")));
@@ -50,6 +61,11 @@ protected:
         settings = std::make_unique<devConfUI>(nullptr, registry.get(), plot.get());
         card = std::make_unique<confMenu>(nullptr, registry.get());
         channelCard = std::make_unique<confChMenu>(nullptr, registry.get());
+        connectAsTheWindow();
+        writeDown();
+    }
+    void connectAsTheWindow()
+    {
         const noxList *const list = registry.get();
         connect(list, &noxList::onDevChange, settings.get(), &devConfUI::onDevChange);
         connect(list, &noxList::onRefChange, settings.get(), &devConfUI::onRefChange);
@@ -57,7 +73,10 @@ protected:
         connect(list, &noxList::onChChange, settings.get(), &devConfUI::onChChange);
         connect(list, &noxList::onDevChange, card.get(), &confMenu::onDevChange);
         connect(list, &noxList::onChChange, channelCard.get(), &confChMenu::onChChange);
-
+    }
+    void writeDown()
+    {
+        const noxList *const list = registry.get();
         connect(list, &noxList::onDevChange, this, note("device"));
         connect(list, &noxList::onIdentChange, this, note("identity"));
         connect(list, &noxList::onChChange, this,
@@ -74,19 +93,6 @@ protected:
                     journal << QString("read %1 %2").arg(item.address).arg(item.size) +
                                    (item.showPr ? " shown" : "") + (item.rec ? " records" : "");
                 });
-    }
-    void tidyUp()
-    {
-        channelCard.reset();
-        card.reset();
-        settings.reset();
-        plot.reset();
-        registry.reset();
-        port.reset();
-        database.reset();
-        answers.reset();
-        PortCatalog::setCurrent(nullptr);
-        ::close(line);
     }
 
     /** An instrument with the number 123 as it is after it has been read. */
@@ -108,6 +114,19 @@ protected:
         journal.clear();
         return nox;
     }
+    /** One that was changed since, as oddly as can be. */
+    void addOdd(quint32 type)
+    {
+        add(type);
+        image->devCompensTP = 2;
+        image->channels[0].feature = 3;
+        image->channels[1] = {0, measTemperature, "", 1, 1, 0, 0, featureThermocouple, compensNone};
+        image->channels[6] = {3,  measTemperatureCustom, "bar",      15, 15, 12,
+                              15, featureThermocouple,   compensNone};
+        image->features[3]->setFeature(FeatureRecord::its90, "Эталон",
+                                       {"24.8", "1", "2", "3", "4", "5", "6", "7", "3.375"});
+        journal.clear();
+    }
     void open(quint32 type, int devIndex = -1) { settings->show(add(type, devIndex)->index); }
 
     /** What was announced since the last call. */
@@ -123,28 +142,11 @@ protected:
     }
 
     /** What is open: a card, else the settings. */
-    QWidget *form() const
+    QWidget *form() const override
     {
         QWidget *const open =
             card->isVisible() ? static_cast<QWidget *>(card.get()) : settings.get();
         return channelCard->isVisible() ? channelCard.get() : open;
-    }
-    template<typename Widget = QWidget>
-    Widget *find(const QString &name) const
-    {
-        return form()->findChild<Widget *>(name);
-    }
-    QString see(const QString &names) const { return seen(form(), names).join(" | "); }
-    void click(const QString &name) const { QTest::mouseClick(find(name), Qt::LeftButton); }
-    void press(const QString &name, const QList<Qt::Key> &keys) const
-    {
-        find(name)->setFocus();
-        for (const Qt::Key key : keys)
-            QTest::keyClick(find(name), key);
-    }
-    void choose(const QString &list, int place) const
-    {
-        press(list, QList<Qt::Key>{Qt::Key_Home} + QVector<Qt::Key>(place, Qt::Key_Down).toList());
     }
     /** Chooses an entry of a list: the settings of channel 2 then, and what was announced. */
     QString chosen(const QString &list, int place)
@@ -155,13 +157,25 @@ protected:
         const QByteArray block = image->channelBlock(2).toHex();
         return block.mid(8, 8) + ' ' + block.mid(16) + ' ' + kinds.join(' ');
     }
-    /** Types over the text of a line, and Return. */
-    void enter(const QString &name, const QString &text) const
+    void operatingListsAreStored()
     {
-        press(name, {});
-        find<QLineEdit>(name)->selectAll();
-        typeText(find(name), text);
-        press(name, {Qt::Key_Return});
+        QCOMPARE(chosen("devMeasRoundCB", 1), QString("02100100 01000000 device"));
+        QCOMPARE(chosen("devMeasTimeCB", 8), QString("82100100 01000000 device"));
+        QCOMPARE(chosen("devMeasModeCB", 1), QString("81100100 01000000 device"));
+        QCOMPARE(chosen("devCompensTPCB", 2), QString("81120100 01000000 device"));
+        QCOMPARE(chosen("devChReversCB", 1), QString("81121100 01000000 device"));
+        QCOMPARE(chosen("devZakorotkaCB", 0), QString("81121000 01000000 device"));
+    }
+    /** What is ticked in the menu that is up, and in those inside it. */
+    static QString ticked()
+    {
+        QStringList texts;
+        const QWidget *const menu = QApplication::activePopupWidget();
+        const auto entries = menu ? menu->findChildren<QAction *>() : QList<QAction *>();
+        for (const QAction *entry : entries)
+            if (entry->isChecked())
+                texts << entry->text();
+        return menu ? texts.join(' ') : "no menu";
     }
     std::function<void()> note(const char *what)
     {
@@ -169,9 +183,6 @@ protected:
     }
 
     int line = -1; ///< the other end of the port
-    std::unique_ptr<QTemporaryDir> directory;
-    std::unique_ptr<UserAnswers> answers;
-    std::unique_ptr<noxSql> database;
     std::unique_ptr<NOXSerialPort> port;
     std::unique_ptr<noxList> registry;
     std::unique_ptr<QwtNOX> plot;
