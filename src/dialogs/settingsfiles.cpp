@@ -44,9 +44,10 @@ SettingsFiles::SettingsFiles(QWidget *dialog, noxList *registry)
 
 /** The file that the user has chosen for an instrument, which keeps it; empty for none, and when
  * the instrument is gone by then. */
-QString SettingsFiles::ask(FileQuestion question, int index, const QString &proposedName)
+QString SettingsFiles::ask(FileQuestion question, const QPointer<optionsNOX8> &image,
+                           const QString &proposedName)
 {
-    const noxList::_nox *const asked = m_registry->getNoxByIndex(index);
+    const noxList::_nox *const asked = m_registry->getNoxByImage(image);
     const QString kept = m_registry->database()->getAppProperty(directoryProperty()).toString();
     question.directory = kept.isEmpty() ? QDir::homePath() : kept;
     question.filter = Texts::tr("UST (*.ust *.UST);; All (*.*)");
@@ -64,7 +65,7 @@ QString SettingsFiles::ask(FileQuestion question, int index, const QString &prop
     if (!dialog || chosen.isEmpty())
         return {};
     m_registry->database()->setAppProperty(directoryProperty(), QFileInfo(chosen).absolutePath());
-    noxList::_nox *const nox = m_registry->getNoxByIndex(index);
+    noxList::_nox *const nox = m_registry->getNoxByImage(image);
     if (!nox)
         return {};
     nox->fileName = chosen;
@@ -76,11 +77,12 @@ void SettingsFiles::load(int index)
     const noxList::_nox *const nox = m_registry->getNoxByIndex(index);
     if (!nox)
         return;
+    const QPointer<optionsNOX8> image = nox->opt.get();
     FileQuestion question;
     question.mode = QFileDialog::AcceptOpen;
     question.title = Texts::tr("Загрузка настроек из файла");
-    const QString fileName = ask(question, index, nox->opt->getDevName(true));
-    if (fileName.isEmpty() || m_registry->getNoxByIndex(index)->opt->loadFromFile(fileName))
+    const QString fileName = ask(question, image, image->getDevName(true));
+    if (fileName.isEmpty() || image->loadFromFile(fileName))
         return;
     UserDialogs::current().tell(
         m_dialog, {QMessageBox::Warning, Texts::tr("Ошибка чтения файла настроек"),
@@ -94,17 +96,17 @@ void SettingsFiles::save(int index)
     const noxList::_nox *const nox = m_registry->getNoxByIndex(index);
     if (!nox)
         return;
-    const optionsNOX8 &image = *nox->opt;
-    QString name = image.getDevName(true);
-    if (image.getDevRev() != 0)
-        name += QStringLiteral("_N") + image.getDevNumberStr();
+    const QPointer<optionsNOX8> image = nox->opt.get();
+    QString name = image->getDevName(true);
+    if (image->getDevRev() != 0)
+        name += QStringLiteral("_N") + image->getDevNumberStr();
     FileQuestion question;
     question.title = Texts::tr("Сохранение настроек в файл");
-    const QString fileName = ask(question, index, name);
+    const QString fileName = ask(question, image, name);
     if (fileName.isEmpty())
         return;
-    const noxList::_nox *const asked = m_registry->getNoxByIndex(index);
-    if (asked->opt->saveToFile(fileName, m_registry->serialPort()->getPortName(asked->devIndex)))
+    const int devIndex = m_registry->getNoxByImage(image)->devIndex; // as it is by now
+    if (image->saveToFile(fileName, m_registry->serialPort()->getPortName(devIndex)))
         return;
     UserDialogs::current().tell(
         m_dialog, {QMessageBox::Warning, Texts::tr("Ошибка записи настроек в файл"),

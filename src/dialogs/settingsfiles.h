@@ -1,9 +1,11 @@
 #pragma once
 
+#include <QPointer>
 #include <QString>
 
 class QWidget;
 class noxList;
+class optionsNOX8;
 struct FileQuestion;
 
 /** Reads and writes settings files of instruments, which the user chooses. */
@@ -19,7 +21,8 @@ public:
     void save(int index);
 
 private:
-    QString ask(FileQuestion question, int index, const QString &proposedName);
+    QString ask(FileQuestion question, const QPointer<optionsNOX8> &image,
+                const QString &proposedName);
 
     QWidget *m_dialog;
     noxList *m_registry;

@@ -160,7 +160,7 @@ void SnapshotBox::apply(int snapshotId)
     const QByteArray references = content->references.left(referenceDataSize);
     if (image->devType == 0)
         image->setData(references, referenceDataAddress); // which may tell the model
-    nox = record();
+    nox = m_registry->getNoxByImage(image);
     if (!nox)
         return;
     const int formerId = std::exchange(nox->snapShotId, snapshotId);
@@ -251,13 +251,16 @@ void SnapshotBox::remove()
 
 void SnapshotBox::removeInstrument()
 {
-    const int index = m_index;
+    const noxList::_nox *const asked = record();
+    if (!asked)
+        return;
+    const QPointer<optionsNOX8> image = asked->opt.get();
     const QPointer<SnapshotBox> self(this);
     if (!isRemovalWanted() || !self)
         return;
-    noxList::_nox *const nox = m_registry->getNoxByIndex(index);
+    noxList::_nox *const nox = m_registry->getNoxByImage(image);
     if (!nox || nox->dbIndex < 0 || !m_registry->database()->removeDev(nox->dbIndex))
         return;
     nox->dbIndex = -1;
-    emit instrumentRemoved(index);
+    emit instrumentRemoved(nox->index);
 }

@@ -215,6 +215,14 @@ noxList::_nox *noxList::getNoxByDevIndex(int devIndex) const
     return nullptr;
 }
 
+noxList::_nox *noxList::getNoxByImage(const optionsNOX8 *image) const
+{
+    for (_nox *nox : m_records)
+        if (nox->opt.get() == image)
+            return nox;
+    return nullptr;
+}
+
 noxList::_nox *noxList::getNoxByQwtIndex(int qwtIndex) const
 {
     for (_nox *nox : m_records)

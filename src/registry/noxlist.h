@@ -99,6 +99,8 @@ public:
     _nox *getNoxByIndex(int index) const;
     _nox *getNoxByDevIndex(int devIndex) const;
     _nox *getNoxByQwtIndex(int qwtIndex) const;
+    /** The record whose image this is: an index may have passed on to another instrument. */
+    _nox *getNoxByImage(const optionsNOX8 *image) const;
     /** The registry index of a device, or -1. */
     int getIndexByDev(int devIndex) const;
     /** The plot index, or -1 for an unknown record. */
