@@ -6,7 +6,6 @@
 #include <QtTest>
 #include <QtWidgets>
 
-#include <cstring>
 #include <memory>
 
 namespace
@@ -387,8 +386,8 @@ private slots:
         host.clearExchanges("A");
         image.setChCurrent(2, 2);
         image.triggerChChange(2);
-        const char looksExtended[] = "\x0F\xAA\0\x0A"; // the beginning of the block
-        std::memcpy(&image.refT0.value, looksExtended, sizeof image.refT0.value);
+        const auto looksExtended = QByteArray::fromHex("0FAA000A"); // but for the last byte
+        image.refT0.setFloat(&looksExtended, 0);
         image.refR[1].value.value = 199.5F;
         image.triggerRefChange();
         emit image.onIdentApply();

@@ -275,7 +275,9 @@ private slots:
         const QByteArray refdata = taken(before.getRefAllData());
         const int row = bench->database.addDev(0x21, 815, "NOX C");
         QVERIFY(bench->database.updRefData(row, &refdata, 0x21, 815, "NOX C"));
-        const noxList::_nox &nox = *list().newNox(device, true);
+        noxList::_nox &nox = *list().newNox(device, true);
+        reply(taken(Image().getRefAllData()), 3);
+        QCOMPARE(std::exchange(nox.dbIndex, 0), -1); // unknown
         reply(refdata, 3);
         QCOMPARE(nox.dbIndex, row);
         QCOMPARE(nox.opt->getDevName(true), QStringLiteral("NOX C № 0815"));
@@ -320,11 +322,12 @@ private slots:
         adopt(8, typeCM, 5);
         QCOMPARE(known.devIndex, 8);
         adopt(9, typeCM, 6);
-        adopt(10, typeB, 5); // another model with that number
-        adopt(11, typeB, 0); // unknown ones are never the same
-        adopt(12, typeB, 0);
+        adopt(10, typeB, 5);                              // another model with that number
+        for (const quint32 type : {typeB, typeB, 0U, 0U}) // unknown ones are never the same
+            adopt(11 + list().indices().size(), type, type == 0 ? 5 : 0);
         QCOMPARE(found.indices(), QList<int>{0}); // the one that was known
-        QCOMPARE(bench->news(), QString("change;added 1 1;added 2 1;added 3 1;added 4 1"));
+        QCOMPARE(bench->news(),
+                 QString("change;added 1 1;added 2 1;added 3 1;added 4 1;added 5 1;added 6 1"));
         Image &other = *list().getNoxByDevIndex(9)->opt;
         other.devZakorotka = 0;
         other.setDevZakorotka(1);
