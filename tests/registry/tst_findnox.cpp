@@ -1,17 +1,13 @@
-#include "device/featurenox8.h"
 #include "registry/findnox.h"
 #include "registry/foundinstrument.h"
 #include "registrybench.h"
 
-#include <QtTest>
 #include <QtWidgets>
 
 #include <memory>
 
 namespace
 {
-
-constexpr int patienceMs = 30000;
 
 /** What the operator sees of an instrument after some answers: digits choose models, + and - say
  *  whether it is to be connected. */
@@ -92,13 +88,12 @@ private slots:
         add("B", "NOX B", 1234);
         QStringList shown;
         connect(&bench->list, &noxList::onAddNox, dialog.get(), [&] { shown << row(1); });
-        dialog->find(true);
-        QVERIFY(closes());
+        QVERIFY(finds());
         shown.sort();
         QCOMPARE(shown, (QStringList{"A; NOX CM rev.4; 4071; checked, fixed",
                                      "B; NOX B; 1234; checked, fixed"}));
         for (const int index : {0, 1}) {
-            QVERIFY(isRead(index));
+            QVERIFY(bench->isRead(index));
             const noxList::_nox &nox = *bench->list.getNoxByIndex(index);
             // nothing is written to an instrument only because it was found
             QVERIFY(nox.opt->identValid && nox.txCodes.isEmpty() && !nox.txTimer->isActive());
@@ -117,9 +112,7 @@ private slots:
         add("A", "NOX C", 1, true);
         const auto refdata = bench->instruments.host.block("A", 3).left(64) + QByteArray(8, '\0');
         const int stored = bench->database.provideDev(&refdata, 0x21, 815, "NOX C № 0815");
-        dialog->find(true, 0x21, 815); // be it searched for
-        QVERIFY(closes());
-        QVERIFY(only());
+        QVERIFY(finds(0x21, 815) && only()); // be it searched for
         QCOMPARE(only()->dbIndex, stored);
         QCOMPARE(only()->opt->getDevName(true), QStringLiteral("NOX C № 0815"));
     }
@@ -127,8 +120,7 @@ private slots:
     void olderOneWaitsForItsNumber()
     {
         add("A", "NOX D", 1, true);
-        dialog->find(true);
-        QVERIFY(lists());
+        QVERIFY(asks());
         QCOMPARE(row(1), QString("A; NOX D; --; checked, open, number!"));
         QCOMPARE(
             (QVector<int>{table->columnWidth(0), table->columnWidth(2), table->columnWidth(3)}),
@@ -143,22 +135,20 @@ private slots:
         QVERIFY(!dialog->isVisible());
         QVERIFY(bench->list.indices().isEmpty() && bench->port.devices().isEmpty()); // nobody
 
-        dialog->find(true);
-        QVERIFY(lists());
+        QVERIFY(asks());
         QTest::keyClicks(startTyping(1), "6553500"); // as much of it as is a number up to 65535
         press("connectBtn");
-        QVERIFY(only() && isRead(only()->index));
+        QVERIFY(only() && bench->isRead(only()->index));
         QCOMPARE(only()->opt->getDevName(true), QStringLiteral("NOX D № 65535"));
         QCOMPARE(bench->database.findDev(0x31, 65535), only()->dbIndex);
         bench->list.getOptFromNox(only()->index); // though it is too old to tell its name
-        QVERIFY(isRead(only()->index) && only()->devIndex >= 0);
+        QVERIFY(bench->isRead(only()->index) && only()->devIndex >= 0);
     }
 
     void oneWithoutAModelIsNamedByKeyboard()
     {
         add("A", "NOX CM1", 1, true);
-        dialog->find(true);
-        QVERIFY(lists());
+        QVERIFY(asks());
         auto *const models = qobject_cast<QComboBox *>(table->cellWidget(1, 1));
         QCOMPARE(row(1), QString("A; --; --; unchecked, fixed"));
         QCOMPARE(box(1)->toolTip(), QStringLiteral("Выберите модель прибора"));
@@ -184,7 +174,7 @@ private slots:
         QTest::keyClick(table, Qt::Key_Tab);
         QCOMPARE(dialog->focusWidget(), find<QCheckBox>("skipNoneCB"));
         QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
-        QVERIFY(only() && isRead(only()->index));
+        QVERIFY(only() && bench->isRead(only()->index));
         QCOMPARE(only()->opt->getDevChCount(), quint8(16));
         QCOMPARE(bench->database.findDev(0x41, 99), only()->dbIndex);
     }
@@ -193,8 +183,7 @@ private slots:
     {
         add("A", "NOX D", 1, true);
         add("B", "NOX D", 1, true);
-        dialog->find(true);
-        QVERIFY(lists());
+        QVERIFY(asks());
         const int rowOfB = table->item(1, 0)->text() == "B" ? 1 : 2;
         for (int click = 0; click < 2; ++click) { // beside the box, which takes the first alone
             QTest::mouseClick(table->cellWidget(rowOfB, 3), Qt::LeftButton, {}, {1, 1});
@@ -246,7 +235,7 @@ private slots:
         add("B", "NOX B", 2);
         press("scanBtn");
         QVERIFY(closes());
-        QVERIFY(only() && isRead(only()->index));
+        QVERIFY(only() && bench->isRead(only()->index));
         only()->qwtIndex = 0;
         SimulatedInstrumentOptions options = bench->instruments.steadyInstrument();
         options.faults.silentAfterBlocks = 1;
@@ -257,8 +246,7 @@ private slots:
         QVERIFY(bench->instruments.add("deaf", options));
         QSignalSpy measured(&bench->list, &noxList::onReadMeas);
         QSignalSpy lost(&bench->list, &noxList::onDevError);
-        dialog->find(true);
-        QVERIFY(closes());
+        QVERIFY(finds());
         QVERIFY(measured.size() >= 3);
         QVERIFY(lost.isEmpty() && only());
         QCOMPARE(bench->port.devices(), QList<int>{only()->devIndex});
@@ -274,8 +262,7 @@ private slots:
         QVERIFY(!dialog->isVisible() && bench->port.devices().isEmpty());
 
         bench->instruments.host.unplug("B");
-        dialog->find(true);
-        QVERIFY(lists());
+        QVERIFY(asks());
         QTimer::singleShot(0, dialog.get(), [this] { press("cancelBtn"); });
         press("scanBtn"); // which first clears, and lets events in
         QVERIFY(!dialog->isVisible() && bench->port.devices().isEmpty());
@@ -315,7 +302,7 @@ private slots:
         QVERIFY(skip->isChecked() && !skip->isEnabled());
         QVERIFY(closes());
         noxList::_nox *const nox = only();
-        QVERIFY(nox && isRead(nox->index));
+        QVERIFY(nox && bench->isRead(nox->index));
         QCOMPARE(nox->opt->devNumber, quint16(2));
         QCOMPARE(bench->port.devices(), QList<int>{nox->devIndex});
 
@@ -326,8 +313,7 @@ private slots:
         QVERIFY(lost.wait(patienceMs));
         QCOMPARE(nox->devIndex, -1);
         bench->instruments.host.plugIn("B");
-        dialog->find(true, 0x11, 2);
-        QVERIFY(closes());
+        QVERIFY(finds(typeB, 2));
         QCOMPARE(only(), nox); // the same record goes on
         QVERIFY(nox->devIndex >= 0 && nox->qwtIndex == 7);
         QSignalSpy measured(&bench->list, &noxList::onReadMeas);
@@ -363,26 +349,18 @@ private slots:
         }
     }
 
-    void wrongModelIsReadAgain()
+    void wrongModelIsReadAgainAndChangesReachTheMemoryOnce()
     {
         add("A", "NOX CM1", 77);
         noxList::_nox *const nox = bench->list.newNox(bench->port.addDev("A"), true);
-        nox->opt->setDevType(0x11); // as somebody believed
+        optionsNOX8 &image = *nox->opt;
+        image.setDevType(typeB); // as somebody believed
         bench->list.getOptFromNox(nox->index);
-        QVERIFY(isRead(nox->index));
-        QCOMPARE(nox->opt->devType, 0x41u);
+        QVERIFY(bench->isRead(nox->index));
+        QCOMPARE(image.devType, 0x41u);
         QCOMPARE(bench->database.getSnapShotCount(nox->dbIndex), 1);
-    }
 
-    void appliedChangesReachTheMemoryOnce()
-    {
-        add("A", "NOX B", 5);
-        dialog->find(true);
-        QVERIFY(closes());
-        QVERIFY(only() && isRead(only()->index));
         InstrumentHost &host = bench->instruments.host;
-        optionsNOX8 &image = *only()->opt;
-        only()->txTimer->setInterval(30); // it was made by the dialog, with 5 s
         host.clearExchanges("A");
         image.setChCurrent(2, 2);
         image.triggerChChange(2);
@@ -392,8 +370,7 @@ private slots:
         image.triggerRefChange();
         emit image.onIdentApply();
         image.triggerRefChange();
-        QTRY_VERIFY_WITH_TIMEOUT(only()->txCodes.isEmpty() && bench->port.isSendAllData(),
-                                 patienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(nox->txCodes.isEmpty() && bench->port.isSendAllData(), patienceMs);
         QCOMPARE(host.block("A", 2), taken(image.getData()));
         QCOMPARE(host.block("A", 3).left(64), taken(image.getRefData(true)).left(64));
         QVERIFY(host.block("A", 3).startsWith(looksExtended));
@@ -405,18 +382,18 @@ private slots:
         emit image.onChErrorData(); // then it is read once more
         QVERIFY(!bench->port.isReadAllQuery());
         QTRY_VERIFY_WITH_TIMEOUT(bench->port.isReadAllQuery(), patienceMs);
-        QVERIFY(only()->devIndex >= 0);
+        QVERIFY(nox->devIndex >= 0);
     }
 
 private:
     void add(const QString &portName, const QString &model, quint16 number, bool isOlder = false,
-             int faults = 0)
+             int ignoredAddressings = 0)
     {
         SimulatedInstrumentOptions options = bench->instruments.steadyInstrument();
         options.identity.modelName = model;
         options.identity.serialNumber = number;
         options.identity.answersIdentification = !isOlder;
-        options.faults.ignoredAddressings = faults;
+        options.faults.ignoredAddressings = ignoredAddressings;
         QVERIFY(bench->instruments.add(portName, options));
     }
     bool closes() const
@@ -428,16 +405,17 @@ private:
         return QTest::qWaitFor([this] { return table->isEnabled() && table->rowCount() > 1; },
                                patienceMs);
     }
-    /** Waits until the configuration in the registry is that of the instrument. */
-    bool isRead(int index) const
+    /** Searches until the dialog closes. */
+    bool finds(uint type = 0, quint16 number = 0) const
     {
-        const auto isRead = [this, index] {
-            const noxList::_nox *nox = bench->list.getNoxByIndex(index);
-            return nox &&
-                   taken(nox->opt->getData()) == bench->instruments.host.block(nox->portName, 2) &&
-                   bench->port.isReadAllQuery();
-        };
-        return QTest::qWaitFor(isRead, patienceMs);
+        dialog->find(true, type, number);
+        return closes();
+    }
+    /** Searches until it asks the operator. */
+    bool asks() const
+    {
+        dialog->find(true);
+        return lists();
     }
     /** The one record of the registry; null unless there is exactly one. */
     noxList::_nox *only() const
