@@ -55,6 +55,17 @@ public:
     /** What was announced since the last look, as "change;removed 0 40"; no measurements. */
     QString news() { return std::exchange(journal, {}).join(';'); }
 
+    /** Plugs an instrument in; one that is older does not know who it is. */
+    void add(const QString &portName, const QString &model, quint16 number, bool isOlder = false,
+             int ignoredAddressings = 0)
+    {
+        SimulatedInstrumentOptions options = instruments.steadyInstrument();
+        options.identity.modelName = model;
+        options.identity.serialNumber = number;
+        options.identity.answersIdentification = !isOlder;
+        options.faults.ignoredAddressings = ignoredAddressings;
+        QVERIFY(instruments.add(portName, options));
+    }
     /** Waits until the configuration in the registry is that of the instrument. */
     bool isRead(int index)
     {

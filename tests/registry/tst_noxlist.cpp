@@ -320,12 +320,11 @@ private slots:
         adopt(8, typeCM, 5);
         QCOMPARE(known.devIndex, 8);
         adopt(9, typeCM, 6);
-        adopt(10, typeB, 5);                              // another model with that number
+        adopt(10, typeB, 5); // another model with that number
         adopt(11, typeB, 0); // unknown ones are never the same
         adopt(12, typeB, 0);
         QCOMPARE(found.indices(), QList<int>{0}); // the one that was known
-        QCOMPARE(bench->news(),
-                 QString("change;added 1 1;added 2 1;added 3 1;added 4 1"));
+        QCOMPARE(bench->news(), QString("change;added 1 1;added 2 1;added 3 1;added 4 1"));
         Image &other = *list().getNoxByDevIndex(9)->opt;
         other.devZakorotka = 0;
         other.setDevZakorotka(1);
