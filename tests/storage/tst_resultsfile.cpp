@@ -225,11 +225,14 @@ private slots:
         measureRounds({11});
         QCOMPARE(content("0.csv"), first + "2;10;10.0000;-10.0000;\r\n");
         QVERIFY(!bench->recorder.fault(0) && faults.size() == 4); // came and went twice
+        QVERIFY(recordingFaultText({RecordingProblem::DiskFull, start})
+                    .endsWith(": на диске нет места"));
 
         QVERIFY(QDir(path("")).mkdir("folder"));
         bench->registry.getNoxByIndex(0)->recFileName = path("folder");
         measureRounds({12});
-        QCOMPARE(bench->recorder.fault(0)->problem, RecordingProblem::CannotOpen);
+        QVERIFY(recordingFaultText(*bench->recorder.fault(0))
+                    .endsWith(": файл не открывается для записи"));
         bench->registry.setRecording(0, false);
         QVERIFY(!bench->recorder.fault(0));
     }
