@@ -145,10 +145,22 @@ private slots:
 
     void appliedBlocksAreWritten()
     {
-        const auto written = [this](quint32 type, bool hasOwnIdentity, const QString &requests) {
+        // as the settings dialog does; 0 takes the number away, other digits are channels
+        const QMap<QChar, void (Image::*)()> askFor{{'D', &Image::triggerDevChange},
+                                                    {'R', &Image::triggerRefChange},
+                                                    {'S', &Image::triggerRefShiftChange},
+                                                    {'I', &Image::onIdentApply},
+                                                    {'N', &Image::onSNApply}};
+        const auto written = [&](quint32 type, bool hasOwnIdentity, const QString &requests) {
             Image &image = *add(type, 5, hasOwnIdentity)->opt;
-            for (const QChar request : requests)
-                ask(&image, request.toLatin1());
+            for (const QChar request : requests) {
+                if (request == '0')
+                    image.devNumber = 0;
+                else if (request.isDigit())
+                    image.triggerChChange(quint8(request.digitValue()));
+                else
+                    (image.*askFor[request])();
+            }
             list().writeNow();
             list().rmByIndex(0);
             return bench->news().remove("write 3 ").remove(";change;removed 0 40");
@@ -309,9 +321,7 @@ private slots:
     {
         noxList found(&bench->port, &bench->database);
         const auto adopt = [&](int foundDevice, quint32 type, quint16 number) {
-            noxList::_nox *nox = found.newNox(foundDevice, false);
-            nox->opt->setDevType(type);
-            nox->opt->setDevNumber(number);
+            noxList::_nox *nox = identify(found.newNox(foundDevice, false), type, number);
             QVERIFY(list().addNox(nox));
             if (list().owns(nox))
                 found.detachByDevIndex(foundDevice);
@@ -333,13 +343,9 @@ private slots:
 
     void instrumentOnAnotherPortLeavesNoLinkBehind()
     {
-        noxList::_nox *nox = list().newNox(link("a"), true);
+        const noxList::_nox *nox = identify(list().newNox(link("a"), true), typeB, 5);
         noxList found(&bench->port, &bench->database);
-        noxList::_nox *same = found.newNox(link("b"), false);
-        for (const noxList::_nox *record : {nox, same}) {
-            record->opt->setDevType(typeB);
-            record->opt->setDevNumber(5);
-        }
+        noxList::_nox *same = identify(found.newNox(link("b"), false), typeB, 5);
         QVERIFY(list().addNox(same));
         QCOMPARE(nox->portName, QString("b"));
         QCOMPARE(bench->port.devices().size(), 2); // what would let events in comes later
@@ -393,34 +399,20 @@ private slots:
 
 private:
     noxList &list() { return bench->list; }
+    static noxList::_nox *identify(noxList::_nox *nox, quint32 type, quint16 number)
+    {
+        nox->opt->setDevType(type);
+        nox->opt->setDevNumber(number);
+        return nox;
+    }
     noxList::_nox *add(quint32 type = typeCM, quint16 number = 5, bool hasOwnIdentity = true)
     {
         noxList::_nox *nox = list().newNox(device, true);
         nox->qwtIndex = 40 + nox->index;
-        nox->opt->setDevType(type);
-        nox->opt->setDevNumber(number);
-        nox->opt->identValid = hasOwnIdentity;
+        identify(nox, type, number)->opt->identValid = hasOwnIdentity;
         nox->opt->identApplyPending = false;
         bench->news();
         return nox;
-    }
-    /** As the settings dialog does: '0' takes the number away, '7' and '8' are channels. */
-    static void ask(Image *image, char request)
-    {
-        if (request == '0')
-            image->devNumber = 0;
-        else if (request == 'D')
-            image->triggerDevChange();
-        else if (request == 'R')
-            image->triggerRefChange();
-        else if (request == 'S')
-            image->triggerRefShiftChange();
-        else if (request == 'I')
-            emit image->onIdentApply();
-        else if (request == 'N')
-            emit image->onSNApply();
-        else
-            image->triggerChChange(quint8(request - '0'));
     }
     /** Plugs an instrument in: its worker. */
     int link(const QString &portName)
