@@ -346,10 +346,16 @@ private slots:
         const noxList::_nox *nox = identify(list().newNox(link("a"), true), typeB, 5);
         noxList found(&bench->port, &bench->database);
         noxList::_nox *same = identify(found.newNox(link("b"), false), typeB, 5);
+        for (const quint8 address : {3, 9}) // what was asked for before is let go
+            bench->port.sendDevQuery(same->devIndex, address, 72, false, noxQueryModeOnce);
+        QSignalSpy command(&bench->port, &NOXSerialPort::onSetDevType);
         QVERIFY(list().addNox(same));
+        QCOMPARE(command.value(0), (QVariantList{same->devIndex, QVariant::fromValue(char(1))}));
         QCOMPARE(nox->portName, QString("b"));
         QCOMPARE(bench->port.devices().size(), 2); // what would let events in comes later
         QTRY_COMPARE(bench->port.devices(), QList<int>{same->devIndex});
+        QTRY_VERIFY(bench->port.isReadAllQuery());
+        QCOMPARE(bench->instruments.addressings("b", 9), 0);
         QVERIFY(list().addNox(same)); // once more where it is
         QCoreApplication::processEvents();
         QCOMPARE(bench->port.devices(), QList<int>{nox->devIndex});

@@ -146,6 +146,7 @@ private slots:
     void roundsAreRecorded()
     {
         noxList::_nox &other = bench->addInstrument(11);
+        bench->plot.prepareMeas(11, start.addDays(1)); // its file names the main one's start
         other.recFieldSep = "\t";
         other.recPointSep = ",";
         other.recPrecision = 0;
@@ -161,6 +162,7 @@ private slots:
         QCOMPARE(content("0.csv"), header + "1;0;7.0313;8.0000;\r\n"
                                             "2;3;9.0000;--;\r\n"
                                             "3;5;10.0000;11.0000;\r\n");
+        QVERIFY(content("1.csv").startsWith(header.left(header.indexOf(';'))));
         QVERIFY(content("1.csv").endsWith("\t[c]\t[K]\t[]\t\r\n1\t1\t7,13\t--\t\r\n"));
     }
 
@@ -297,6 +299,7 @@ private slots:
     {
         const auto *const progress = bench->exporting.findChild<QProgressBar *>("progressBar");
         bench->exporting.showFor("x");
+        QVERIFY(QTest::qWaitForWindowActive(&bench->exporting));
         answers->file = path("1.csv");
         press(&bench->exporting, "selectFileBtn");
         for (const bool givesUp : {true, false}) {
@@ -308,6 +311,7 @@ private slots:
             if (givesUp) {
                 QTest::keyClick(bench->exporting.focusWidget(), Qt::Key_Space);
                 QCOMPARE(status(&bench->exporting), QString());
+                QCOMPARE(bench->exporting.focusWidget()->objectName(), QString("saveBtn"));
                 QCOMPARE(content("1.csv"), QByteArray("no file"));
             }
         }
