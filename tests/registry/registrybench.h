@@ -1,14 +1,17 @@
 #pragma once
 
+#include "device/featurenox8.h"
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
 #include "storage/noxsql.h"
 #include "support/instrumentbench.h"
 
 #include <QTemporaryDir>
+#include <QtTest>
 
 #include <utility>
 
+constexpr int patienceMs = 30000;
 constexpr quint32 typeB = 0x11; // eight channels
 constexpr quint32 typeCM = 0x22;
 constexpr quint32 typeCM1Extended = 0x0960AA0F;
@@ -51,6 +54,28 @@ public:
 
     /** What was announced since the last look, as "change;removed 0 40"; no measurements. */
     QString news() { return std::exchange(journal, {}).join(';'); }
+
+    /** Plugs an instrument in; one that is older does not know who it is. */
+    void add(const QString &portName, const QString &model, quint16 number, bool isOlder = false,
+             int ignoredAddressings = 0)
+    {
+        SimulatedInstrumentOptions options = instruments.steadyInstrument();
+        options.identity.modelName = model;
+        options.identity.serialNumber = number;
+        options.identity.answersIdentification = !isOlder;
+        options.faults.ignoredAddressings = ignoredAddressings;
+        QVERIFY(instruments.add(portName, options));
+    }
+    /** Waits until the configuration in the registry is that of the instrument. */
+    bool isRead(int index)
+    {
+        const auto isRead = [this, index] {
+            const noxList::_nox *nox = list.getNoxByIndex(index);
+            return nox && taken(nox->opt->getData()) == instruments.host.block(nox->portName, 2) &&
+                   port.isReadAllQuery();
+        };
+        return QTest::qWaitFor(isRead, patienceMs);
+    }
 
     QTemporaryDir folder;
     noxSql database{provided(folder.filePath("nox8.db"))};
