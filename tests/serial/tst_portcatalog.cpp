@@ -6,7 +6,6 @@
 
 #include <memory>
 #include <pty.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 namespace
@@ -18,17 +17,18 @@ class Terminal
 public:
     Terminal()
     {
+        int slave = -1;
         ::openpty(&master, &slave, nullptr, nullptr, nullptr);
         device = QString::fromLocal8Bit(::ptsname(master));
         ::close(slave);
     }
     ~Terminal() { ::close(master); }
-    Terminal(const Terminal &) = delete;
-    Terminal &operator=(const Terminal &) = delete;
+    Q_DISABLE_COPY(Terminal)
 
-    int master = -1;
-    int slave = -1;
     QString device;
+
+private:
+    int master = -1;
 };
 
 QStringList namesOf(const PortCatalog &catalog)
@@ -76,12 +76,10 @@ private slots:
         QFile::link(terminal.device, directory.filePath("bath"));
         const VirtualPortCatalog catalog(directory.path());
         QSerialPort port(terminal.device);
-        for (const bool busy : {false, true, false}) {
-            QCOMPARE(busy && port.open(QIODevice::ReadWrite), busy);
-            QCOMPARE(catalog.find("bath").busy, busy);
-            QCOMPARE(catalog.ports().first().busy, busy);
-            port.close();
-        }
+        QVERIFY(!catalog.find("bath").busy && port.open(QIODevice::ReadWrite));
+        QVERIFY(catalog.find("bath").busy && catalog.ports().first().busy);
+        port.close();
+        QVERIFY(!catalog.ports().first().busy);
     }
 
     void virtualPortsStandBesideThoseOfTheMachine()

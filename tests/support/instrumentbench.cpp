@@ -75,11 +75,29 @@ int InstrumentBench::addressings(const QString &portName, quint8 address)
     }));
 }
 
+QVector<int> InstrumentBench::exchanged(const QString &portName)
+{
+    QVector<int> addresses;
+    const auto events = host.exchanges(portName);
+    for (const ExchangeEvent &event : events)
+        if (event.kind == ExchangeEvent::ReadCompleted ||
+            event.kind == ExchangeEvent::WriteCompleted)
+            addresses << event.address;
+    return addresses;
+}
+
 int InstrumentBench::steps(const QString &portName, ExchangeEvent::Kind kind)
 {
     const auto events = host.exchanges(portName);
     return int(std::count_if(events.begin(), events.end(),
                              [kind](const ExchangeEvent &event) { return event.kind == kind; }));
+}
+
+FaultPlan faultPlan(int FaultPlan::*fault, int strikes)
+{
+    FaultPlan faults;
+    faults.*fault = strikes;
+    return faults;
 }
 
 bool isSteadyMeasurement(const ChannelValue &measurement)

@@ -37,6 +37,8 @@ public:
 
     /** Address bytes that the instrument has received for a block. */
     int addressings(const QString &portName, quint8 address);
+    /** The blocks that the instrument has exchanged, in order. */
+    QVector<int> exchanged(const QString &portName);
     /** The steps of one kind in the instrument's log. */
     int steps(const QString &portName, ExchangeEvent::Kind kind);
 
@@ -47,6 +49,9 @@ private:
 
     QTemporaryDir directory;
 };
+
+/** A plan with one fault: `faultPlan(&FaultPlan::shortBlocks, 2)`. */
+FaultPlan faultPlan(int FaultPlan::*fault, int strikes = FaultPlan::always);
 
 /** Whether a steady instrument sends this measurement. */
 bool isSteadyMeasurement(const ChannelValue &measurement);
