@@ -1,6 +1,6 @@
-#include "device/optionsnox8.h"
 #include "device/settingsfile.h"
 #include "device/vocabulary.h"
+#include "devicebench.h"
 #include "support/imagefields.h"
 
 #include <QRandomGenerator>
@@ -17,12 +17,6 @@ namespace
 {
 
 const QDateTime moment(QDate(2026, 11, 24), QTime(17, 5, 9));
-
-QByteArray contentOf(const QString &fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 /** A file in golden/, which tests/support/golden.py makes without any code of the product. */
 QByteArray golden(quint32 type, const QString &suffix)
@@ -174,8 +168,7 @@ private slots:
         QFETCH(quint32, type);
         QRandomGenerator random(20261124 + type);
         for (int i = 0; i < 60; ++i) {
-            Image image;
-            image.setDevType(type);
+            ImageOf image(type);
             becomeAnyBytes(image, random);
             becomeAny(image, random);
             Units units;

@@ -1,6 +1,4 @@
-#include "device/callendarvandusen.h"
 #include "device/optionsnox8.h"
-#include "device/vocabulary.h"
 #include "simulator/commandline.h"
 #include "support/instrumentbench.h"
 
@@ -141,43 +139,6 @@ private slots:
         }
     }
 
-    void factoryCharacteristics()
-    {
-        const auto image = factoryImage({});
-        QCOMPARE(image->getFeatureInfStrList().join(", "),
-                 QString("Pt100 №1, Pt100 №2, Pt100 №3, Pt100 №4, Pt100 №5, Pt100 №6, ЭТС-100 №7, "
-                         "ТПП(S) №8"));
-        TemperaturePolynomial polynomial;
-        for (std::size_t k = 0; k < polynomial.size(); ++k)
-            polynomial[k] = double(image->getFeature(4)->ratio[k].value);
-        for (const double celsius : {-80.0, 0.0, 419.527})
-            QVERIFY(qAbs(evaluate(polynomial, platinumResistance(celsius)) - celsius) < 0.003);
-    }
-
-    void temperatures()
-    {
-        using Signal = ThermometrySignal;
-        const struct {
-            Signal::Kind kind;
-            int channel;
-            double seconds, celsius;
-        } moments[] = {{Signal::Bath, 1, 120.0, 26.6891},       // after one time constant
-                       {Signal::Bath, 3, 3600.0, 30.016},       // as another channel has it
-                       {Signal::Ramp, 1, 600.0, 31.0},          //
-                       {Signal::FixedPoint, 1, 60.0, 31.0},     // cooling,
-                       {Signal::FixedPoint, 1, 149.999, 29.5},  // supercooled,
-                       {Signal::FixedPoint, 1, 155.0, 29.8161}, // recalescing,
-                       {Signal::FixedPoint, 1, 400.0, 30.0},    // on the plateau,
-                       {Signal::FixedPoint, 1, 810.0, 29.0}};   // after it
-        for (const auto &[kind, channel, seconds, celsius] : moments) {
-            ThermometrySignal signal;
-            signal.kind = kind;
-            signal.noiseMillikelvin = 0.0;
-            const double seen = signalTemperature(signal, channel, seconds);
-            QVERIFY2(qAbs(seen - celsius) < 1.0e-4, qPrintable(QString("%1 s").arg(seconds)));
-        }
-    }
-
     void tokensFollowTheChannels()
     {
         const QByteArray off = QByteArray::fromHex("0000000220000000120030");
@@ -220,19 +181,6 @@ private slots:
              {"--colour red", "--model Toaster", "--serial 65536", "--lose 1.5", "--rate nan",
               "--ignore -1", "--port ../nox", "--signal square", "--word-addresses 9,300", "nox0"})
             QVERIFY2(commandOf(refused).kind == SimulatorCommand::Refuse, refused);
-    }
-
-    void fleetMixesModels()
-    {
-        const auto fleet = fleetOf(commandOf("--serial 100 --rate 2").instrument, 20);
-        QSet<QString> models;
-        QSet<quint16> numbers;
-        for (const SimulatedInstrumentOptions &member : fleet) {
-            models += member.identity.modelName;
-            numbers += member.identity.serialNumber;
-            QCOMPARE(member.tokensPerSecond, 2.0);
-        }
-        QVERIFY(models.size() == 9 && numbers.size() == 20);
     }
 };
 
