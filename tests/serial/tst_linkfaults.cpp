@@ -335,7 +335,7 @@ private slots:
             if (event.kind == ExchangeEvent::WriteBlockRefused)
                 refusals += char(event.value);
         QCOMPARE(refusals.toHex(), QByteArray("0102030405060708090a"));
-        QCOMPARE(bench.steps(trial.row.name, ExchangeEvent::Aborted), 1);
+        QCOMPARE(bench.blocksAt(trial.row.name, {ExchangeEvent::Aborted}).size(), 1);
     }
 
 private:

@@ -230,7 +230,7 @@ private:
         emit port->blockStatusEvent(0, true);
         port->sendDevQuery(0, stage.query); // the one or the other is nothing
         port->sendDevData(0, stage.data);
-        QTRY_VERIFY_WITH_TIMEOUT(bench.steps("a", stage.sign) >= stage.signs, entryMs);
+        QTRY_VERIFY_WITH_TIMEOUT(bench.blocksAt("a", {stage.sign}).size() >= stage.signs, entryMs);
         QTest::qWait(20); // for the step after the sign
     }
 

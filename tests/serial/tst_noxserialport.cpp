@@ -310,7 +310,7 @@ private slots:
         journal->clear();
         connect(port.get(), &NOXSerialPort::readyDevSource, this,
                 [this](int, const QByteArray &token) {
-                    if (!token.startsWith("xx")) // of which the rest comes in whatever pieces
+                    if (!token.startsWith('x')) // of which the rest comes in whatever pieces
                         seen << QString(token);
                 });
         connect(port.get(), &NOXSerialPort::readyDevStatus, this,

@@ -67,30 +67,15 @@ void InstrumentBench::awaitFree(const QString &portName)
         QThread::msleep(5);
 }
 
-int InstrumentBench::addressings(const QString &portName, quint8 address)
-{
-    const auto events = host.exchanges(portName);
-    return int(std::count_if(events.begin(), events.end(), [address](const ExchangeEvent &event) {
-        return event.kind == ExchangeEvent::AddressReceived && event.address == address;
-    }));
-}
-
-QVector<int> InstrumentBench::exchanged(const QString &portName)
+QVector<int> InstrumentBench::blocksAt(const QString &portName,
+                                       std::initializer_list<ExchangeEvent::Kind> kinds)
 {
     QVector<int> addresses;
     const auto events = host.exchanges(portName);
     for (const ExchangeEvent &event : events)
-        if (event.kind == ExchangeEvent::ReadCompleted ||
-            event.kind == ExchangeEvent::WriteCompleted)
+        if (std::find(kinds.begin(), kinds.end(), event.kind) != kinds.end())
             addresses << event.address;
     return addresses;
-}
-
-int InstrumentBench::steps(const QString &portName, ExchangeEvent::Kind kind)
-{
-    const auto events = host.exchanges(portName);
-    return int(std::count_if(events.begin(), events.end(),
-                             [kind](const ExchangeEvent &event) { return event.kind == kind; }));
 }
 
 FaultPlan faultPlan(int FaultPlan::*fault, int strikes)

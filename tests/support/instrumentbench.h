@@ -35,12 +35,19 @@ public:
     /** Puts the plug of an instrument in again. */
     void plugIn(const QString &portName);
 
-    /** Address bytes that the instrument has received for a block. */
-    int addressings(const QString &portName, quint8 address);
+    /** The blocks of the steps of these kinds, in order. */
+    QVector<int> blocksAt(const QString &portName,
+                          std::initializer_list<ExchangeEvent::Kind> kinds);
     /** The blocks that the instrument has exchanged, in order. */
-    QVector<int> exchanged(const QString &portName);
-    /** The steps of one kind in the instrument's log. */
-    int steps(const QString &portName, ExchangeEvent::Kind kind);
+    QVector<int> exchanged(const QString &portName)
+    {
+        return blocksAt(portName, {ExchangeEvent::ReadCompleted, ExchangeEvent::WriteCompleted});
+    }
+    /** Address bytes that the instrument has received for a block. */
+    int addressings(const QString &portName, quint8 address)
+    {
+        return blocksAt(portName, {ExchangeEvent::AddressReceived}).count(address);
+    }
 
     InstrumentHost host;
 
