@@ -215,6 +215,8 @@ private:
         if (isWord(row))
             options.dialogue.wordAddresses = {address(row)};
         bench.add(row.name, options);
+        // like the beginning of an extended identification, but for one byte
+        bench.host.write(row.name, 1, QByteArray::fromHex(row.code == 0 ? "0faa0008" : "0f000009"));
         return bench.host.devicePath(row.name);
     }
 

@@ -114,7 +114,7 @@ private slots:
 
     void watchdog()
     {
-        const QStringList names{"silent", "gone", "reads", "writes"};
+        const QStringList names{"silent", "gone", "fails", "writes"};
         LinkTiming timing = shortTiming();
         std::vector<std::unique_ptr<LinkJournal>> links;
         start(names[0], timing);
@@ -130,7 +130,8 @@ private slots:
         for (const QString &name : names)
             bench.host.setStreaming(name, false);
         QVERIFY(QFile::remove(bench.steadyInstrument().portsDirectory + "/gone"));
-        port->sendDevQuery(2, identity);
+        bench.host.setFaults("fails", faultPlan(&FaultPlan::ignoredAddressings));
+        port->sendDevQuery(2, 51, 8, false, noxQueryModeOnce);
         port->sendDevData(3, clockData);
 
         const auto said = [&links](size_t i) { // of this device, and not of all
@@ -141,7 +142,8 @@ private slots:
         QTRY_COMPARE(port->getPortName(1), QString("-"));
         QCOMPARE(said(1), QString("error 252 Unknown error, watchdog failed"));
         // it rests during an exchange, and begins anew after it
-        QTRY_COMPARE(said(2), "reply @51 8 bytes, queries done, " + reopened);
+        QTRY_COMPARE(said(2),
+                     "query error 110 @51, error 110 Unknown error, queries failed, " + reopened);
         QTRY_COMPARE(said(3), "written @6, writes done, " + reopened);
         // after a reopening it rests until the stream comes again
         QCOMPARE(said(0), reopened);

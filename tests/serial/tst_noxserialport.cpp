@@ -130,8 +130,8 @@ private slots:
         QFETCH(bool, reading);
         QFETCH(noxQueryMode, mode);
         emit port->onSetDelayTime(0, 40, 5, 40);
-        // three addressings in each of the attempts
-        const int addressings = reading && mode == noxQueryModeFast ? 9 : 12;
+        // three addressings in each of the attempts, and in the first one of what follows
+        const int addressings = 3 + (reading && mode == noxQueryModeFast ? 9 : 12);
         bench->host.setFaults("a", faultPlan(&FaultPlan::ignoredAddressings, addressings));
         bench->host.setStreaming("a", true);
         if (reading) {
