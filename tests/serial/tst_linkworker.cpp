@@ -14,7 +14,7 @@ constexpr int promptMs = 100;
 constexpr int entryMs = 15000; // how long a machine that is busy elsewhere may take
 constexpr quint8 clockWrite = 6;
 
-const noxSerialPortQueryItem block{3, 72, false, noxQueryModeNormal, false, false};
+const noxSerialPortQueryItem block{3, 72, false, noxQueryModeOnce, false, false};
 const noxSerialPortQueryItem identity{51, 8, false, noxQueryModeNormal, false, false};
 const noxSerialPortQueryItem records{5, 800, false, noxQueryModeNormal, true, false};
 const noxSerialPortQueryItem word{3, 4, false, noxQueryModeNormal, false, true};
@@ -64,7 +64,7 @@ QVector<Stage> stages()
         {"echo of a written block", {}, data, mute(1), E::WriteBlockReceived, 2, timing},
         {"answer to a written block", {}, data, unconfirmed, E::WriteBlockReceived, 1, timing},
         {"echo of a written word", {}, dataWord, mute(0), E::WriteBlockReceived, 1, timing},
-        {"retry delay of a read", block, {}, deaf, E::AddressIgnored, 3, retried},
+        {"retry delay of a read", identity, {}, deaf, E::AddressIgnored, 3, retried},
         {"retry delay of a write", {}, data, deaf, E::AddressIgnored, 3, retried},
     };
 }
