@@ -119,8 +119,7 @@ private slots:
         std::vector<std::unique_ptr<LinkJournal>> links;
         start(names[0], timing);
         for (int i = 0; i < 4; ++i) {
-            if (i == 2)
-                timing.queueDelay = 1200; // longer than the watchdog would wait
+            timing.queueDelay = i < 2 ? 20 : 1200; // longer than the watchdog would wait
             port->setLinkTiming(timing);
             QVERIFY(i == 0 || (bench.add(names[i]) && port->addDev(names[i]) == i));
             links.push_back(std::make_unique<LinkJournal>(*port, i));
@@ -147,9 +146,9 @@ private slots:
         QTRY_COMPARE(said(3), "written @6, writes done, " + reopened);
         // after a reopening it rests until the stream comes again
         QCOMPARE(said(0), reopened);
-        const int measured = links[0]->measurements.size();
+        links[0]->measurements.clear();
         bench.host.setStreaming("silent", true);
-        QTRY_VERIFY(links[0]->measurements.size() > measured + 2);
+        QTRY_VERIFY(links[0]->measurements.size() > 2);
         bench.host.setStreaming("silent", false);
         QTRY_COMPARE(said(0), reopened + ", " + reopened);
     }
