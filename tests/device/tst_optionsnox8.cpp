@@ -1,13 +1,12 @@
 #include "device/optionsnox8.h"
 #include "device/vocabulary.h"
-#include "imagelog.h"
+#include "devicebench.h"
 #include "support/imagefields.h"
 
 #include <QtTest>
 
 using Image = optionsNOX8;
-using Setter = std::function<void(Image &)>;
-Q_DECLARE_METATYPE(Setter)
+using Row = QPair<QString, std::function<void(Image &)>>; ///< what comes of a setter
 
 namespace
 {
@@ -18,6 +17,27 @@ QString texts(const SettingChoices &choices)
     for (const SettingChoice &choice : choices)
         list << QString("%1 %2").arg(choice.code).arg(choice.text);
     return list.join(", ") + "; ";
+}
+
+/** Nothing that the setters take: beyond four bits, a list or the channels of the model. */
+void setWhatItHasNot(Image &image)
+{
+    image.setChDimCust(3, "  ");
+    image.setChCurrent(3, 16);
+    image.setChResist(3, 16);
+    image.setDevZakorotka(16);
+    image.setChFeature(3, featureNone, 16);
+    image.setChFeature(3, featureIndividual, 16);
+    image.setChFeature(3, featureThermocouple, 13);
+    image.setChFeatureCompesTP(3, compensResistanceThermometer, 13);
+    image.setChOnOff(8, 0);
+    image.setChMeasType(8, measVoltage, "");
+    image.setChDimCust(8, "K");
+    image.setChUnit(8, "K");
+    image.setChCurrent(8, 1);
+    image.setChFeature(255, featureThermocouple, 1);
+    image.setChFeatureCompesTP(16, compensNone, 1);
+    image.setIndividualFeature(8, FeatureRecord::its90, "", {});
 }
 
 } // namespace
@@ -110,8 +130,7 @@ private slots:
 
     void namesOfWhatAChannelUses()
     {
-        Image image;
-        image.setDevType(0x22);
+        ImageOf image(0x22);
         image.features[15]->name = "own";
         image.features[7]->name = "seven";
         image.channels[7].current = 1;
@@ -159,40 +178,40 @@ private slots:
 
     void identityAsksToBeWrittenOnceItIsKnown()
     {
+        // what is set, type (with x) or number, and what it announces; ? where a write is pending
+        const QVector<QPair<QString, QString>> steps = {
+            {"x11", "ident dev ref?"},
+            {"x5", "?"}, // no model
+            {"x11", "?"},
+            {"7", "ident! ident dev"}, // its identity is known from here on
+            {"x0960AA0F", "ident! ident dev ref"},
+            {"8", "number! ident dev"},
+            {"8", "ident dev"},
+            {"9", "number! ident dev"},
+            {"x0", "ident dev ref?"}, // with half of an identity
+            {"10", "ident dev?"},
+            {"11", "ident dev?"},
+            {"x31", "ident! ident dev ref"},
+            {"0", "ident dev?"}};
         Image image;
         ImageLog log(image);
-        QStringList journal;
-        const auto note = [&] {
-            journal << log.take() + (image.identApplyPending ? " (pending)" : "");
-        };
-        image.setDevType(0x11);
-        note();
-        QVERIFY(!image.setDevType(0x05) && image.setDevType(0x11));
-        note();
-        image.identValid = true;
-        image.setDevNumber(7);
-        note();
-        image.setDevType(0x0960AA0F);
-        image.setDevNumber(8);
-        note();
-        image.setDevNumber(8);
-        image.setDevName("Баня");
-        note();
-        for (const quint32 type : {0x00u, 0x31u}) { // with half of an identity
-            image.setDevNumber(9);
-            image.identApplyPending = false;
-            image.setDevType(type);
-            note();
-            image.identApplyPending = false;
-            image.setDevNumber(type == 0 ? 10 : 0);
-            note();
+        for (const auto &[step, announced] : steps) {
+            const uint value = step.mid(step[0] == 'x').toUInt(nullptr, step[0] == 'x' ? 16 : 10);
+            image.identValid = step == "7" || image.identValid;
+            if (step[0] == 'x')
+                QCOMPARE(image.setDevType(value), value != 0 && value != 5);
+            else
+                image.setDevNumber(quint16(value));
+            const QString seen = log.take() + (image.identApplyPending ? "?" : "");
+            QCOMPARE(step + ": " + seen, step + ": " + announced);
+            image.identApplyPending = image.identApplyPending && !image.identValid;
         }
-        QCOMPARE(
-            journal,
-            (QStringList{"ident dev ref (pending)", " (pending)", "ident! ident dev",
-                         "ident! ident dev ref number! ident dev", "ident dev ident dev (pending)",
-                         "number! ident dev ident dev ref (pending)", "ident dev (pending)",
-                         "ident dev ident! ident dev ref", "ident dev (pending)"}));
+        image.setDevName("Баня"); // which a model of 16 characters for it tells
+        QCOMPARE(log.take() + (image.identApplyPending ? "?" : ""), "dev?");
+        image.setDevType(0x0960AA0F);
+        log.take();
+        image.setDevName("Куб");
+        QCOMPARE(log.take(), "ident dev");
     }
 
     void olderTypesHaveNoShortCircuit()
@@ -212,63 +231,38 @@ private slots:
         QCOMPARE(int(image.devZakorotka), 0);
     }
 
-    void settersCompare_data()
-    {
-        QTest::addColumn<QString>("outcome"); // signals, settings, the record of channel 3
-        QTest::addColumn<Setter>("set");
-
-        const auto row = [](const char *outcome, const Setter &set) {
-            QTest::newRow(outcome) << QString(outcome) << set;
-        };
-        row("ch3 02200100 00000000", [](Image &i) { i.setChOnOff(3, 0); });
-        row("ch3 02200100 010f0000", [](Image &i) { i.setChCurrent(3, 15); });
-        row("ch3 02200100 0100f000", [](Image &i) { i.setChResist(3, 15); });
-        row("ch3 02200100 01200000", [](Image &i) { i.setChMeasType(3, measVoltage, ""); });
-        row("ch3 02200100 01100000",
-            [](Image &i) { i.setChMeasType(3, measTemperatureCustom, " K "); });
-        row("ch3 02200100 01000000", [](Image &i) { i.setChDimCust(3, "°F"); });
-        row("ch3 02200100 01000f00", [](Image &i) { i.setChFeature(3, featureIndividual, 15); });
-        row("ch3 02200100 01000080", [](Image &i) { i.setChFeature(3, featureThermocouple, 0); });
-        row("ch3 02200100 01000c80", [](Image &i) { i.setChFeature(3, featureThermocouple, 12); });
-        row("ch3 02200100 01000fc0", [](Image &i) { i.setChFeature(3, featureNone, 15); });
-        row("ch3 02200100 0100001c",
-            [](Image &i) { i.setChFeatureCompesTP(3, compensResistanceThermometer, 12); });
-        row("dev 02200000 01000000", [](Image &i) { i.setDevZakorotka(0); });
-        row("dev 01200100 01000000",
-            [](Image &i) { i.setOperatingSetting(&OperatingSettings::devMeasMode, 1); });
-        row("dev 02200100 01000000", [](Image &i) { i.setDevName("of the instrument"); });
-        row(" 02200100 01000000", [](Image &i) {
-            i.setChDimCust(3, "  ");
-            i.setChCurrent(3, 16); // beyond four bits, or the list
-            i.setChResist(3, 16);
-            i.setDevZakorotka(16);
-            i.setChFeature(3, featureNone, 16);
-            i.setChFeature(3, featureIndividual, 16);
-            i.setChFeature(3, featureThermocouple, 13);
-            i.setChFeatureCompesTP(3, compensResistanceThermometer, 13);
-            i.setChOnOff(8, 0); // channels that the model has not
-            i.setChMeasType(8, measVoltage, "");
-            i.setChDimCust(8, "K");
-            i.setChUnit(8, "K");
-            i.setChCurrent(8, 1);
-            i.setChFeature(255, featureThermocouple, 1);
-            i.setChFeatureCompesTP(16, compensNone, 1);
-            i.setIndividualFeature(8, FeatureRecord::its90, "", {});
-        });
-    }
-
     void settersCompare()
     {
-        QFETCH(Setter, set);
-        Image image;
-        image.setDevType(0x31);
-        ImageLog log(image);
-        set(image);
-        QTEST(log.take() + ' ' + encodeOperatingSettings(image).toHex() + ' ' +
-                  encodeChannel(image.channels.at(3)).toHex(),
-              "outcome");
-        set(image);
-        QCOMPARE(log.take(), QString());
+        const QVector<Row> rows = {
+            // signals, settings, the record of channel 3
+            {"ch3 02200100 00000000", [](Image &i) { i.setChOnOff(3, 0); }},
+            {"ch3 02200100 010f0000", [](Image &i) { i.setChCurrent(3, 15); }},
+            {"ch3 02200100 0100f000", [](Image &i) { i.setChResist(3, 15); }},
+            {"ch3 02200100 01200000", [](Image &i) { i.setChMeasType(3, measVoltage, ""); }},
+            {"ch3 02200100 01100000",
+             [](Image &i) { i.setChMeasType(3, measTemperatureCustom, " K "); }},
+            {"ch3 02200100 01000000", [](Image &i) { i.setChDimCust(3, "°F"); }},
+            {"ch3 02200100 01000f00", [](Image &i) { i.setChFeature(3, featureIndividual, 15); }},
+            {"ch3 02200100 01000080", [](Image &i) { i.setChFeature(3, featureThermocouple, 0); }},
+            {"ch3 02200100 01000c80", [](Image &i) { i.setChFeature(3, featureThermocouple, 12); }},
+            {"ch3 02200100 01000fc0", [](Image &i) { i.setChFeature(3, featureNone, 15); }},
+            {"ch3 02200100 0100001c",
+             [](Image &i) { i.setChFeatureCompesTP(3, compensResistanceThermometer, 12); }},
+            {"dev 02200000 01000000", [](Image &i) { i.setDevZakorotka(0); }},
+            {"dev 01200100 01000000",
+             [](Image &i) { i.setOperatingSetting(&OperatingSettings::devMeasMode, 1); }},
+            {"dev 02200100 01000000", [](Image &i) { i.setDevName("of the instrument"); }},
+            {" 02200100 01000000", setWhatItHasNot}};
+        for (const auto &[outcome, set] : rows) {
+            ImageOf image(0x31);
+            ImageLog log(image);
+            set(image);
+            QCOMPARE(log.take() + ' ' + encodeOperatingSettings(image).toHex() + ' ' +
+                         encodeChannel(image.channels.at(3)).toHex(),
+                     outcome);
+            set(image);
+            QCOMPARE(log.take(), QString());
+        }
     }
 
     void applyingAsksForWrites()
@@ -289,45 +283,35 @@ private slots:
         QCOMPARE(log.take(), "dev!");
     }
 
-    void identifications_data()
-    {
-        QTest::addColumn<QByteArray>("hex");
-        QTest::addColumn<QString>("outcome");
-
-        const auto row = [](const char *name, const QByteArray &hex, const char *outcome) {
-            QTest::newRow(name) << hex << QString(outcome);
-        };
-        const QByteArray tail("20c1e0edff2031000000000000000000d2040000"); // " Баня 1", 1234
-        row("standard", "01000000110004d2", "taken 11 1234 '' valid: ident! ident dev ref ident");
-        row("without number", "0300000031000000", "taken 31 0 '' valid: ident dev ref ident");
-        row("lowest code", "0000000001000100", "taken 1 256 '' valid: ident! ident dev ref ident");
-        row("no model of the table", "0100000012000001", "taken 0 1 '' valid: ident");
-        row("another family", "01000000210004d2", "refused 0 0 '' valid pending: ident");
-        row("code 0", "00000000000004d2", "refused 0 0 '' valid pending: ident");
-        row("negative code", "f9000000910004d2", "refused 0 0 '' valid pending: ident");
-        row("extended", "0faa6009" + tail,
-            "taken 960aa0f 1234 'Баня 1' valid pending: ident dev ref ident");
-        row("extended, not in the table", "0faa6109" + tail, "refused 0 0 'old' pending: ident");
-        row("standard code in 24 bytes", "41000000" + tail, "refused 0 0 'old' pending: ident");
-        row("9 bytes", "010101010101010101", "refused 0 0 'old' pending: ident");
-    }
-
     void identifications()
     {
-        QFETCH(QByteArray, hex);
-        Image image;
-        image.setDevType(0x22);
-        image.setDevNumber(7);
-        image.devName = "old";
-        ImageLog log(image);
-        const bool isTaken = image.setData(QByteArray::fromHex(hex), 51);
-        QTEST(QString("%1 %2 %3 '%4'%5%6: %7")
-                  .arg(isTaken ? "taken" : "refused")
-                  .arg(image.devType, 0, 16)
-                  .arg(image.devNumber)
-                  .arg(image.devName, image.identValid ? " valid" : "",
-                       image.identApplyPending ? " pending" : "", log.take()),
-              "outcome");
+        const QString tail("20c1e0edff2031000000000000000000d2040000"); // " Баня 1", 1234
+        const QVector<QPair<QString, QString>> rows = {
+            {"01000000110004d2", "taken 11 1234 '' valid: ident! ident dev ref ident"},
+            {"0300000031000000", "taken 31 0 '' valid: ident dev ref ident"}, // without number
+            {"0000000001000100", "taken 1 256 '' valid: ident! ident dev ref ident"},
+            {"0100000012000001", "taken 0 1 '' valid: ident"},           // no model of the table
+            {"01000000210004d2", "refused 0 0 '' valid pending: ident"}, // of another family
+            {"00000000000004d2", "refused 0 0 '' valid pending: ident"}, // code 0
+            {"f9000000910004d2", "refused 0 0 '' valid pending: ident"}, // a negative code
+            {"0faa6009" + tail, "taken 960aa0f 1234 'Баня 1' valid pending: ident dev ref ident"},
+            {"0faa6109" + tail, "refused 0 0 'old' pending: ident"}, // not in the table
+            {"41000000" + tail, "refused 0 0 'old' pending: ident"}, // a standard code
+            {"010101010101010101", "refused 0 0 'old' pending: ident"}};
+        for (const auto &[hex, outcome] : rows) {
+            ImageOf image(0x22);
+            image.setDevNumber(7);
+            image.devName = "old";
+            ImageLog log(image);
+            const bool isTaken = image.setData(QByteArray::fromHex(hex.toLatin1()), 51);
+            QCOMPARE(QString("%1 %2 %3 '%4'%5%6: %7")
+                         .arg(isTaken ? "taken" : "refused")
+                         .arg(image.devType, 0, 16)
+                         .arg(image.devNumber)
+                         .arg(image.devName, image.identValid ? " valid" : "",
+                              image.identApplyPending ? " pending" : "", log.take()),
+                     outcome);
+        }
     }
 
     void inference()
@@ -356,25 +340,21 @@ private slots:
             const QByteArray block = encodeReferenceData(data, QByteArray(8, 'x'));
             Image image;
             ImageLog log(image);
-            QVERIFY(image.setData(block, 3));
+            QVERIFY(image.setData(block, 3) && !image.identApplyPending);
             QCOMPARE(image.devType, type);
-            QVERIFY(!image.identApplyPending);
             QCOMPARE(log.take(), QString(type == 0 ? "ref" : "ident dev ref ref"));
-            image.setDevType(0x22);
-            image.setData(block, 3);
-            QCOMPARE(image.devType, 0x22u);
-            image.devType = 0;
-            image.identValid = true; // an instrument that told its type, which is none
-            image.setData(block, 3);
-            QCOMPARE(image.devType, 0u);
+            ImageOf known(0x22), told(0); // of another type, or that it is none
+            told.identValid = true;
+            known.setData(block, 3);
+            told.setData(block, 3);
+            QCOMPARE(qMakePair(known.devType, told.devType), qMakePair(0x22u, 0u));
         }
     }
 
     void blocksOfTheRightSizeAlone()
     {
         for (const quint32 type : {0x00u, 0x11u, 0x41u, 0x0950AA0Fu}) {
-            Image image;
-            image.setDevType(type);
+            ImageOf image(type);
             const int channels = image.getDevChCount();
             const auto announced = [&](int address, int size) {
                 if (address == 2 && channels > 0 && size == (channels == 8 ? 3976 : 7944))
@@ -405,8 +385,7 @@ private slots:
 
     void nothingSpillsIntoItsNeighbour()
     {
-        Image image;
-        image.setDevType(0x11);
+        ImageOf image(0x11);
         // fields are open to whoever edits the image
         static_cast<OperatingSettings &>(image) = {0x15, 0x27, 0x32, 0x11, 0x1F, 0xF1};
         image.channels[0] = {1, measVoltage, "", 0x13, 0x24, 0x35, 0x46};

@@ -222,24 +222,6 @@ private slots:
         QCOMPARE(feature.getRatio().mid(8, 4), (Numbers{0, 0, 4, 3}));
     }
 
-    void thermometerIsFitted()
-    {
-        const auto fittedTo = [](const QString &range, double resistance) {
-            const QString texts = "100 3,9083e-3 -5.775e-7 -4.183e-12 " + range;
-            featureNOX8 feature;
-            feature.setFeature(Record::callendarVanDusen, "Pt100", texts.split(' '));
-            TemperaturePolynomial stored{};
-            std::transform(feature.ratio.begin(), feature.ratio.begin() + 10, stored.begin(),
-                           [](const bFloat &number) { return double(number.value); });
-            return evaluate(stored, resistance);
-        };
-        // IEC 60751:2008, table 1, is rounded to 0.01 Ω, which is 13 mK on either side
-        QVERIFY(qAbs(fittedTo("-100 100", 68.33) + 80.0) < 0.02); // where the C term counts
-        QVERIFY(qAbs(fittedTo("-100 100", 100.0)) < 0.02);
-        QVERIFY(qAbs(fittedTo("0 100", 119.40) - 50.0) < 0.02);
-        QVERIFY(qAbs(fittedTo("0 660", 280.98) - 500.0) < 0.02);
-    }
-
     void fitIsOverAHundredPoints()
     {
         // how far the fit is off, as exact fractions give it for -1, -0.98 ... 0.98 °C; with the

@@ -1,6 +1,6 @@
-#include "device/optionsnox8.h"
 #include "device/settingsfile.h"
 #include "device/vocabulary.h"
+#include "devicebench.h"
 #include "support/imagefields.h"
 
 #include <QRandomGenerator>
@@ -18,12 +18,6 @@ namespace
 
 const QDateTime moment(QDate(2026, 11, 24), QTime(17, 5, 9));
 
-QByteArray contentOf(const QString &fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 /** A file in golden/, which tests/support/golden.py makes without any code of the product. */
 QByteArray golden(quint32 type, const QString &suffix)
 {
@@ -37,6 +31,22 @@ Blocks goldenBlocks(quint32 type)
     for (const QByteArray &line : golden(type, ".blocks").trimmed().split('\n'))
         blocks.insert(line.split(' ').value(0), QByteArray::fromHex(line.split(' ').value(1)));
     return blocks;
+}
+
+QString goldenFields(quint32 type)
+{
+    return QString::fromUtf8(golden(type, ".fields"));
+}
+
+Units goldenUnits(quint32 type)
+{
+    Units units;
+    const QRegularExpression unit("channel (\\d+) measures 0x11 in '(.*)'");
+    for (auto found = unit.globalMatch(goldenFields(type)); found.hasNext();) {
+        const QRegularExpressionMatch match = found.next();
+        units.insert(match.captured(1).toInt(), match.captured(2));
+    }
+    return units;
 }
 
 /** The blocks that the image makes, under the names of the golden ones. */
@@ -127,16 +137,9 @@ private slots:
     {
         QFETCH(quint32, type);
         Blocks blocks = goldenBlocks(type);
-        const QString fields = QString::fromUtf8(golden(type, ".fields"));
-        Units units;
-        const QRegularExpression unit("channel (\\d+) measures 0x11 in '(.*)'");
-        for (auto found = unit.globalMatch(fields); found.hasNext();) {
-            const QRegularExpressionMatch match = found.next();
-            units.insert(match.captured(1).toInt(), match.captured(2));
-        }
         Image image;
-        QVERIFY(read(image, blocks, units));
-        QCOMPARE(describe(image), fields.split('\n', Qt::SkipEmptyParts));
+        QVERIFY(read(image, blocks, goldenUnits(type)));
+        QCOMPARE(describe(image), goldenFields(type).split('\n', Qt::SkipEmptyParts));
 
         blocks.remove("logger");
         QCOMPARE(blocks.take("identificationRead"),
@@ -145,7 +148,14 @@ private slots:
         QCOMPARE(made.keys(), blocks.keys());
         for (const QString &name : made.keys())
             QCOMPARE(name + made[name].toHex(), name + blocks[name].toHex());
+    }
 
+    void goldenFile_data() { addTypes(); }
+    void goldenFile()
+    {
+        QFETCH(quint32, type);
+        Image image;
+        QVERIFY(read(image, goldenBlocks(type), goldenUnits(type)));
         const QTemporaryDir folder;
         const QString path = folder.filePath("settings.ust");
         const QByteArray file = golden(type, ".ust");
@@ -159,8 +169,8 @@ private slots:
             QVERIFY(loaded.loadFromFile(path));
             QVERIFY(loaded.saveToFile(path, QString()));
             QCOMPARE(contentOf(path).split('\n'), file.split('\n'));
-            for (int ch = 0; ch < image.getDevChCount();
-                 ++ch) { // the numbers of the texts that it keeps
+            // the numbers of the texts that it keeps
+            for (int ch = 0; ch < image.getDevChCount(); ++ch) {
                 const int entered = QVector<int>{10, 0, 9, 112}.at(image.features.at(ch)->type);
                 QCOMPARE(loaded.features.at(ch)->getRatio().mid(0, entered),
                          image.features.at(ch)->getRatio().mid(0, entered));
@@ -174,8 +184,7 @@ private slots:
         QFETCH(quint32, type);
         QRandomGenerator random(20261124 + type);
         for (int i = 0; i < 60; ++i) {
-            Image image;
-            image.setDevType(type);
+            ImageOf image(type);
             becomeAnyBytes(image, random);
             becomeAny(image, random);
             Units units;

@@ -1,10 +1,9 @@
 #include "device/filereplacement.h"
 #include "device/settingsfile.h"
-#include "imagelog.h"
+#include "devicebench.h"
 #include "support/fulldisk.h"
 
 #include <QBuffer>
-#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -18,18 +17,10 @@ namespace
 /** The lines of a model's file, some of them changed: "line=text|line=text". */
 QStringList linesOf(quint32 type, const QString &changes = {})
 {
-    Image image;
-    image.setDevType(type);
-    QStringList lines = settingsLines(image);
+    QStringList lines = settingsLines(ImageOf(type));
     for (const QString &change : changes.split('|', Qt::SkipEmptyParts))
         lines[change.section('=', 0, 0).toInt()] = change.section('=', 1);
     return lines;
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 /** The operating settings, then the record of the first channel. */
@@ -70,8 +61,7 @@ private slots:
                             "656=1=0220000001000000");
         for (const QString &code : codes.split('|')) {
             const QStringList row = code.split('=');
-            Image image;
-            image.setDevType(0x22);
+            ImageOf image(0x22);
             const bool isTaken = applySettings(linesOf(0x22, code.section('=', 0, 1)), image);
             QVERIFY2(isTaken == !row.at(2).isEmpty(), qPrintable(code));
             QCOMPARE(code + ": " + settingsOf(image), code + ": " + (isTaken ? row.at(2) : same));
@@ -80,8 +70,7 @@ private slots:
 
     void loadingAnnounces()
     {
-        Image saved;
-        saved.setDevType(0x0950AA0F);
+        ImageOf saved(0x0950AA0F);
         saved.devMeasMode = 1;
         saved.devMeasTime = 3;
         saved.channels[2].measType = measTemperatureCustom;
@@ -103,8 +92,7 @@ private slots:
 
     void whatFollowsABadNumberStays()
     {
-        Image image;
-        image.setDevType(0x22);
+        ImageOf image(0x22);
         for (ReferenceTriple &resistor : image.refR)
             resistor.value.value = resistor.a.value = 99.0F;
         image.refU.value.value = 99.0F;
@@ -130,25 +118,23 @@ private slots:
 
     void choicesThatAFileDoesNotKeep()
     {
-        QStringList lines = linesOf(0x22);
         const struct {
             CharacteristicSource source;
-            int index;
+            quint8 index;
             QString code; ///< of the compensation; that of the characteristic is beyond all
         } before[] = {
             {featureThermocouple, 12, ""},         {featureThermocouple, 13, ""},
             {featureResistanceThermometer, 5, ""}, {featureNone, 7, ""},
             {featureThermocouple, 13, "99"},       {featureResistanceThermometer, 13, "99"},
             {featureIndividual, 15, "99"}};
-        Image image;
-        image.setDevType(0x22);
+        QStringList lines = linesOf(0x22);
+        ImageOf image(0x22);
         for (int ch = 0; ch < 7; ++ch) {
-            const quint8 index = quint8(before[ch].index);
-            image.channels[ch].featureType = before[ch].source;
-            image.channels[ch].featureTypeCompensTP = compensationSource(before[ch].source);
-            image.channels[ch].feature = image.channels[ch].featureCompensTP = index;
+            const auto &[source, index, code] = before[ch];
+            image.channels[ch] = {
+                1, measResistance, {}, 0, 0, index, index, source, compensationSource(source)};
             lines[13 + 5 * ch] = "99";
-            lines[648 + ch] = before[ch].code;
+            lines[648 + ch] = code;
         }
         QVERIFY(applySettings(lines, image));
         QByteArrayList records;
@@ -177,8 +163,7 @@ private slots:
             const int channels = type == 0x0960AA0F ? 16 : 8;
             const int extendedPart = type == 0x0960AA0F ? 1265 : whole.size();
             for (int count = 0; count < whole.size(); ++count) {
-                Image image;
-                image.setDevType(0x41);
+                ImageOf image(0x41);
                 const bool accepted = applySettings(whole.mid(0, count), image);
                 // a file may lack the units, and what makes an extended model of its base
                 QVERIFY2(accepted == (count == extendedPart - channels || count == extendedPart),
@@ -194,27 +179,21 @@ private slots:
     void extendedPartIsRefused()
     {
         for (const char *type : {"rev4|666=0", "rev4|666=rubbish", "rev4|666=-5", "rev4|666=85",
-                                 "rev4|666=4294967296", "rev4 "}) {
+                                 "rev4|666=4294967296", "rev4 "}) { // the last is none at all
             Image image;
-            const bool isBase = QString(type) == "rev4 "; // and no extended part follows
             QCOMPARE(applySettings(linesOf(0x0950AA0F, QString("667=name|665=") + type), image),
-                     isBase);
-            QCOMPARE(image.devType, 0x22u);
-            QCOMPARE(image.devName, QString());
+                     QString(type) == "rev4 ");
+            QCOMPARE(image.getDevName(true), QString("NOX CM № --"));
         }
     }
 
     void filesWithoutAModel()
     {
-        QRandomGenerator random(1);
-        QVector<quint32> noise(75000);
-        random.fillRange(noise.data(), noise.size());
         QStringList lines = linesOf(0x41);
         lines.removeAt(100);
-        QByteArrayList contents = {QByteArray(),
+        QByteArrayList contents = {{},
                                    QByteArray(5000, '\n'),
                                    QByteArray(100000, '\0'),
-                                   {reinterpret_cast<const char *>(noise.data()), 300000},
                                    lines.join('\n').toUtf8(),
                                    linesOf(0x11).join('\n').toUtf8() + QByteArray(1 << 21, ' ')};
         for (const char *model : {"634=NOX Z rev3", "634=-- rev3", "634=NOX B", "634=rev3"})
@@ -222,11 +201,9 @@ private slots:
         for (QByteArray &content : contents) {
             QBuffer device(&content);
             QVERIFY(device.open(QIODevice::ReadOnly));
-            Image image;
-            image.setDevType(0x31);
+            ImageOf image(0x31);
             ImageLog log(image);
-            QVERIFY2(!readSettings(device, image), content.left(20));
-            QCOMPARE(image.devType, 0u);
+            QVERIFY2(!readSettings(device, image) && image.devType == 0, content.left(20));
             QCOMPARE(log.take(), "ident dev ref");
             QVERIFY(device.pos() <= 1024 * 1024 + 1);
         }
@@ -237,8 +214,7 @@ private slots:
         QTemporaryDir directory;
         const QString fifo = directory.filePath("fifo");
         QCOMPARE(mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
-        Image image;
-        image.setDevType(0x31);
+        ImageOf image(0x31);
         for (const QString &path : {directory.filePath("none.ust"), directory.path(), fifo,
                                     QString(), QString("/dev/zero")})
             QVERIFY2(!image.loadFromFile(path), qPrintable(path));
@@ -250,8 +226,7 @@ private slots:
 
     void lineEndsInTexts()
     {
-        Image image;
-        image.setDevType(0x0950AA0F);
+        ImageOf image(0x0950AA0F);
         image.devName = "two\nlines";
         image.features[3]->name = "a\r\nb";
         image.features[3]->ratioStr = QStringList{"1\n"};
@@ -271,8 +246,7 @@ private slots:
     {
         QTemporaryDir directory;
         const QString path = directory.filePath("x.ust");
-        Image image;
-        image.setDevType(0x11);
+        ImageOf image(0x11);
         QVERIFY(image.saveToFile(path, "COM1"));
         const QByteArray before = contentOf(path);
 

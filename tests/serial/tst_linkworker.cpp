@@ -1,9 +1,10 @@
-#include "support/instrumentbench.h"
-#include "support/workerbench.h"
+#include "serial/noxserialport.h"
+#include "support/linkjournal.h"
 
 #include <QtTest>
 
 #include <memory>
+#include <vector>
 
 namespace
 {
@@ -13,12 +14,12 @@ constexpr int promptMs = 100;
 constexpr int entryMs = 15000; // how long a machine that is busy elsewhere may take
 constexpr quint8 clockWrite = 6;
 
-const noxSerialPortQueryItem block{3, 72, true, noxQueryModeNormal, false, false};
+const noxSerialPortQueryItem block{3, 72, false, noxQueryModeOnce, false, false};
 const noxSerialPortQueryItem identity{51, 8, false, noxQueryModeNormal, false, false};
-const noxSerialPortQueryItem records{5, 800, true, noxQueryModeNormal, true, false};
-const noxSerialPortQueryItem word{3, 4, true, noxQueryModeNormal, false, true};
-const noxSerialPortDataItem data{1, QByteArray(72, 'x'), noxQueryModeNormal, true, false};
-const noxSerialPortDataItem dataWord{1, "abcd", noxQueryModeNormal, true, true};
+const noxSerialPortQueryItem records{5, 800, false, noxQueryModeNormal, true, false};
+const noxSerialPortQueryItem word{3, 4, false, noxQueryModeNormal, false, true};
+const noxSerialPortDataItem data{1, QByteArray(72, 'x'), noxQueryModeNormal, false, false};
+const noxSerialPortDataItem dataWord{1, "abcd", noxQueryModeNormal, false, true};
 const noxSerialPortDataItem clockData{clockWrite, QByteArray(8, 'x'), noxQueryModeNormal, false,
                                       false};
 
@@ -33,13 +34,6 @@ struct Stage {
     LinkTiming timing;
 };
 
-FaultPlan plan(int FaultPlan::*fault, int strikes = FaultPlan::always)
-{
-    FaultPlan faults;
-    faults.*fault = strikes;
-    return faults;
-}
-
 QVector<Stage> stages()
 {
     using E = ExchangeEvent;
@@ -53,10 +47,10 @@ QVector<Stage> stages()
     queued.queueDelay = longWaitMs;
     LinkTiming retried = timing;
     retried.initDelay = 60;
-    const FaultPlan deaf = plan(&P::ignoredAddressings);
-    const FaultPlan unsynced = plan(&P::missingSynchronisations);
-    const FaultPlan unconfirmed = plan(&P::missingConfirmations);
-    const auto mute = [](int units) { return plan(&P::silentAfterBlocks, units); };
+    const FaultPlan deaf = faultPlan(&P::ignoredAddressings);
+    const FaultPlan unsynced = faultPlan(&P::missingSynchronisations);
+    const FaultPlan unconfirmed = faultPlan(&P::missingConfirmations);
+    const auto mute = [](int units) { return faultPlan(&P::silentAfterBlocks, units); };
     return {
         {"idle", {}, {}, {}, E::Aborted, 0, timing},
         {"queue delay of a read", block, {}, {}, E::Aborted, 0, queued},
@@ -66,18 +60,18 @@ QVector<Stage> stages()
         {"unit of a block", block, {}, mute(2), E::BlockAcknowledged, 2, timing},
         {"confirmation of a block", block, {}, unconfirmed, E::CommandReceived, 1, timing},
         {"record", records, {}, mute(2), E::CommandReceived, 1, timing},
-        {"word", word, {}, plan(&P::shortBlocks), E::EchoSent, 1, timing},
+        {"word", word, {}, faultPlan(&P::shortBlocks), E::EchoSent, 1, timing},
         {"echo of a written block", {}, data, mute(1), E::WriteBlockReceived, 2, timing},
         {"answer to a written block", {}, data, unconfirmed, E::WriteBlockReceived, 1, timing},
         {"echo of a written word", {}, dataWord, mute(0), E::WriteBlockReceived, 1, timing},
-        {"retry delay of a read", block, {}, deaf, E::AddressIgnored, 3, retried},
+        {"retry delay of a read", identity, {}, deaf, E::AddressIgnored, 3, retried},
         {"retry delay of a write", {}, data, deaf, E::AddressIgnored, 3, retried},
     };
 }
 
 } // namespace
 
-/** One link worker alone: the end of its link in each of its waits, and its watchdog. */
+/** The worker of a link: the end of its link in each of its waits, and its watchdog. */
 class TestLinkWorker : public QObject
 {
     Q_OBJECT
@@ -94,104 +88,97 @@ private slots:
     {
         QFETCH(int, number);
         const Stage stage = stages().at(number);
+        const QString emptied = stage.query.size > 0 ? "all queries done" : "all writes done";
         // by a stop: a machine that is busy elsewhere may be slow once
         qint64 stopMs = promptMs;
         for (int tried = 0; tried < 3 && stopMs >= promptMs; ++tried) {
-            const auto link = enter(stage);
-            QVERIFY(link);
-            stopMs = link->stopMs();
-            QCoreApplication::processEvents();
-            QCOMPARE(link->lines, QStringList());
+            enter(stage);
+            QElapsedTimer clock;
+            clock.start();
+            port->rmDev(0);
+            stopMs = clock.elapsed();
+            QCOMPARE(journal->lines, number == 0 ? QStringList() : QStringList(emptied));
         }
         QVERIFY2(stopMs < promptMs, qPrintable(QString("%1 ms").arg(stopMs)));
 
-        // by a lost port: a read or a resource error, as the system happens to name it; nothing
-        // else
-        const auto link = enter(stage);
-        QVERIFY(link);
+        // by a lost port: a read or a resource error, as the system happens to name it, only
+        enter(stage);
         if (number == 0) // the one wait in which the stream may flow
-            link->hold(false);
+            emit port->blockStatusEvent(0, false);
         bench.host.unplug("a");
-        QTRY_VERIFY(link->worker.isFinished());
-        QCoreApplication::processEvents();
-        QVERIFY2(link->lines == QStringList("port error 247") ||
-                     link->lines == QStringList("port error 246"),
-                 qPrintable(link->lines.join(", ")));
+        QTRY_COMPARE(port->getPortName(0), QString("-"));
+        QVERIFY2(journal->lines == QStringList("error 247 Unknown error") ||
+                     journal->lines == QStringList("error 246 Unknown error"),
+                 qPrintable(journal->lines.join(", ")));
     }
 
     void watchdog()
     {
-        LinkTiming slow = shortTiming();
-        slow.queueDelay = 1200; // longer than the watchdog would wait
-        for (const char *name : {"silent", "gone", "reads", "writes"})
-            QVERIFY(bench.add(name));
-        WorkerBench silent("silent", shortTiming());
-        WorkerBench gone("gone", shortTiming());
-        WorkerBench reads("reads", slow);
-        WorkerBench writes("writes", slow);
-        for (WorkerBench *link : {&silent, &gone, &reads, &writes}) {
-            link->setWatchdogSeconds(1);
-            QTRY_VERIFY(link->measurements > 2);
+        const QStringList names{"silent", "gone", "fails", "writes"};
+        LinkTiming timing = shortTiming();
+        std::vector<std::unique_ptr<LinkJournal>> links;
+        start(names[0], timing);
+        for (int i = 0; i < 4; ++i) {
+            timing.queueDelay = i < 2 ? 20 : 1200; // longer than the watchdog would wait
+            port->setLinkTiming(timing);
+            QVERIFY(i == 0 || (bench.add(names[i]) && port->addDev(names[i]) == i));
+            links.push_back(std::make_unique<LinkJournal>(*port, i));
+            emit port->onSetMeasTimeout(i, 1);
+            QTRY_VERIFY(links.back()->measurements.size() > 2);
         }
-        for (const char *name : {"silent", "gone", "reads", "writes"})
+        for (const QString &name : names)
             bench.host.setStreaming(name, false);
         QVERIFY(QFile::remove(bench.steadyInstrument().portsDirectory + "/gone"));
-        reads.hold(true); // a token on its way would start it again
-        writes.hold(true);
-        reads.query(identity);
-        writes.write(clockData);
+        bench.host.setFaults("fails", faultPlan(&FaultPlan::ignoredAddressings));
+        port->sendDevQuery(2, 51, 8, false, noxQueryModeOnce);
+        port->sendDevData(3, clockData);
 
-        QTRY_COMPARE(silent.lines, QStringList("watchdog reopened"));
-        QTRY_VERIFY(gone.worker.isFinished());
-        QCoreApplication::processEvents();
-        QCOMPARE(gone.lines, (QStringList{"port error 252", "watchdog failed"}));
-        // it rests during an exchange, and begins anew after it
+        const auto said = [&links](size_t i) { // of this device, and not of all
+            return links[i]->lines.filter(QRegularExpression("^(?!all)")).join(", ");
+        };
         const QString reopened = "watchdog reopened";
-        QTRY_COMPARE(reads.lines, (QStringList{"reply @51 8 bytes", reopened}));
-        QTRY_COMPARE(writes.lines, (QStringList{"written", reopened}));
+        QTRY_COMPARE(said(0), reopened);
+        QTRY_COMPARE(port->getPortName(1), QString("-"));
+        QCOMPARE(said(1), QString("error 252 Unknown error, watchdog failed"));
+        // it rests during an exchange, and begins anew after it
+        QTRY_COMPARE(said(2),
+                     "query error 110 @51, error 110 Unknown error, queries failed, " + reopened);
+        QTRY_COMPARE(said(3), "written @6, writes done, " + reopened);
         // after a reopening it rests until the stream comes again
-        QCOMPARE(silent.lines, QStringList(reopened));
-        const int measured = silent.measurements;
+        QCOMPARE(said(0), reopened);
+        links[0]->measurements.clear();
         bench.host.setStreaming("silent", true);
-        QTRY_VERIFY(silent.measurements > measured + 2);
+        QTRY_VERIFY(links[0]->measurements.size() > 2);
         bench.host.setStreaming("silent", false);
-        QTRY_COMPARE(silent.lines, (QStringList{reopened, reopened}));
+        QTRY_COMPARE(said(0), reopened + ", " + reopened);
     }
 
     void whatCameDuringAPauseIsDelivered()
     {
         const QByteArray first = "1:21.5432B ";
         const QByteArray second = "2:32.6543B ";
-        SimulatedInstrumentOptions options = bench.steadyInstrument();
-        options.streaming = false;
-        QVERIFY(bench.add("a", options));
-        WorkerBench link("a", shortTiming());
-        QVector<ChannelValue> measured;
-        const QObject listener;
-        connect(&link.worker, &noxSerialPortThread::readyMeas, &listener,
-                [&measured](double value, quint8 channel) {
-                    measured << ChannelValue(channel, value);
-                });
+        start("a", shortTiming(), false);
+        QVector<ChannelValue> &measured = journal->measurements;
         QTRY_VERIFY((bench.host.sendRaw("a", first), !measured.isEmpty()));
         QTest::qWait(50);
 
         measured.clear();
-        link.hold(true);
+        emit port->blockStatusEvent(0, true);
         QTest::qWait(50);
         bench.host.sendRaw("a", first + second + '1');
-        link.hold(false, WorkerBench::devIndex + 1);
+        emit port->blockStatusEvent(1, false);
         QTest::qWait(100);
         QCOMPARE(measured, QVector<ChannelValue>());
         // no further byte comes that would announce those
-        link.hold(false);
+        emit port->blockStatusEvent(0, false);
         const QVector<ChannelValue> expected = {{1, 21.5432}, {2, 32.6543}};
         QTRY_COMPARE(measured, expected);
 
         // the token that the next pause cuts is joined to nothing
         measured.clear();
-        link.hold(true);
+        emit port->blockStatusEvent(0, true);
         bench.host.sendRaw("a", ":99.0B 1");
-        link.hold(false);
+        emit port->blockStatusEvent(0, false);
         QTest::qWait(50);
         bench.host.sendRaw("a", ":21.5432B " + second);
         QTRY_COMPARE(measured, expected);
@@ -199,49 +186,58 @@ private slots:
 
     void itemsForOthersAndSecondItemsAreDropped()
     {
-        QVERIFY(bench.add("a"));
-        WorkerBench link("a", shortTiming());
-        link.hold(true);
-        link.query(identity, WorkerBench::devIndex + 1);
-        link.write(clockData, WorkerBench::devIndex + 1);
-        link.query(block);
-        link.query(identity);  // while one is in progress
-        link.write(clockData); // which may be beside it
-        link.write(clockData);
-        QTRY_COMPARE(link.lines.size(), 2);
+        start("a", shortTiming(), false);
+        emit port->readyDevQuery(1, identity);
+        emit port->readyDevData(1, clockData);
+        emit port->readyDevQuery(0, block);
+        emit port->readyDevQuery(0, identity); // while one is in progress
+        emit port->readyDevData(0, clockData); // which may be beside it
+        emit port->readyDevData(0, clockData);
+        QTRY_COMPARE(bench.exchanged("a").size(), 2);
         QTest::qWait(200);
-        QCOMPARE(link.lines, (QStringList{"reply @3 72 bytes", "written"}));
+        QCOMPARE(bench.exchanged("a"), (QVector<int>{3, clockWrite}));
         // the next ones are taken again
-        link.query(identity);
-        QTRY_COMPARE(link.lines.last(), QString("reply @51 8 bytes"));
+        emit port->readyDevQuery(0, identity);
+        QTRY_COMPARE(bench.exchanged("a"), (QVector<int>{3, clockWrite, 51}));
     }
 
 private:
-    /** A bench whose worker waits where the stage says; null if it does not come to that. */
-    std::unique_ptr<WorkerBench> enter(const Stage &stage)
+    /** Plugs an instrument in and links it as device 0. */
+    void start(const QString &name, const LinkTiming &timing, bool streaming = true,
+               const DialogueSettings &dialogue = {})
     {
+        port = std::make_unique<NOXSerialPort>(); // without the link of the case before
+        port->setLinkTiming(timing);
         SimulatedInstrumentOptions options = bench.steadyInstrument();
+        options.streaming = streaming;
         options.tokensPerSecond = 200;
-        options.dialogue.timeoutMs = longWaitMs;
+        options.dialogue = dialogue;
+        QVERIFY(bench.add(name, options));
+        QCOMPARE(port->addDev(name), 0);
+        journal = std::make_unique<LinkJournal>(*port, 0);
+    }
+
+    /** Brings the link to where the stage says. */
+    void enter(const Stage &stage)
+    {
+        DialogueSettings dialogue;
+        dialogue.timeoutMs = longWaitMs;
         if (stage.query.word || stage.data.word)
-            options.dialogue.wordAddresses = {stage.query.word ? word.address : dataWord.address};
-        bench.add("a", options);
-        auto link = std::make_unique<WorkerBench>("a", stage.timing);
-        const bool streamed = QTest::qWaitFor([&] { return link->measurements > 2; }, entryMs);
+            dialogue.wordAddresses = {stage.query.word ? word.address : dataWord.address};
+        start("a", stage.timing, true, dialogue);
+        QTRY_VERIFY_WITH_TIMEOUT(journal->measurements.size() > 2, entryMs);
         bench.host.setStreaming("a", false);
         bench.host.setFaults("a", stage.faults);
-        link->hold(true);
-        if (stage.query.size > 0)
-            link->query(stage.query);
-        if (!stage.data.data.isEmpty())
-            link->write(stage.data);
-        const bool entered =
-            QTest::qWaitFor([&] { return bench.steps("a", stage.sign) >= stage.signs; }, entryMs);
+        emit port->blockStatusEvent(0, true);
+        port->sendDevQuery(0, stage.query); // the one or the other is nothing
+        port->sendDevData(0, stage.data);
+        QTRY_VERIFY_WITH_TIMEOUT(bench.blocksAt("a", {stage.sign}).size() >= stage.signs, entryMs);
         QTest::qWait(20); // for the step after the sign
-        return streamed && entered ? std::move(link) : nullptr;
     }
 
     InstrumentBench bench;
+    std::unique_ptr<NOXSerialPort> port;
+    std::unique_ptr<LinkJournal> journal;
 };
 
 QTEST_GUILESS_MAIN(TestLinkWorker)

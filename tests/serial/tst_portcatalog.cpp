@@ -1,35 +1,12 @@
 #include "serial/portcatalog.h"
+#include "support/instrumentbench.h"
 
 #include <QSerialPort>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <memory>
-#include <pty.h>
-#include <stdlib.h>
-#include <unistd.h>
-
 namespace
 {
-
-/** The master of a pseudo-terminal for as long as it lives. */
-class Terminal
-{
-public:
-    Terminal()
-    {
-        ::openpty(&master, &slave, nullptr, nullptr, nullptr);
-        device = QString::fromLocal8Bit(::ptsname(master));
-        ::close(slave);
-    }
-    ~Terminal() { ::close(master); }
-    Terminal(const Terminal &) = delete;
-    Terminal &operator=(const Terminal &) = delete;
-
-    int master = -1;
-    int slave = -1;
-    QString device;
-};
 
 QStringList namesOf(const PortCatalog &catalog)
 {
@@ -48,56 +25,50 @@ class TestPortCatalog : public QObject
 private slots:
     void listsLinksToTerminals()
     {
-        const QTemporaryDir directory;
+        InstrumentBench bench;
+        const QDir directory(bench.steadyInstrument().portsDirectory);
         const VirtualPortCatalog catalog(directory.path());
         QCOMPARE(namesOf(catalog), QStringList());
 
-        auto terminal = std::make_unique<Terminal>();
-        QFile::link(terminal->device, directory.filePath("bath 2"));
+        QVERIFY(bench.add("bath 2"));
         QFile::link("/dev/pts/nowhere", directory.filePath("gone"));
         QFile::link(directory.path(), directory.filePath("folder"));
         QFile plain(directory.filePath("plain file"));
         QVERIFY(plain.open(QIODevice::WriteOnly));
         QCOMPARE(namesOf(catalog), QStringList{"bath 2"});
-        QCOMPARE(catalog.find("bath 2").device, terminal->device);
+        QCOMPARE(catalog.find("bath 2").device, bench.host.devicePath("bath 2"));
         for (const char *name :
              {"gone", "plain file", "folder", "folder/bath 2", ".", "Bath 2", ""})
             QVERIFY2(catalog.find(name).name.isEmpty(), name);
-
-        terminal.reset();
-        QCOMPARE(namesOf(catalog), QStringList());
         QCOMPARE(namesOf(VirtualPortCatalog(directory.filePath("missing"))), QStringList());
     }
 
     void tellsWhichPortIsBusy()
     {
-        const QTemporaryDir directory;
-        const Terminal terminal;
-        QFile::link(terminal.device, directory.filePath("bath"));
-        const VirtualPortCatalog catalog(directory.path());
-        QSerialPort port(terminal.device);
-        for (const bool busy : {false, true, false}) {
-            QCOMPARE(busy && port.open(QIODevice::ReadWrite), busy);
-            QCOMPARE(catalog.find("bath").busy, busy);
-            QCOMPARE(catalog.ports().first().busy, busy);
-            port.close();
-        }
+        InstrumentBench bench;
+        QVERIFY(bench.add("bath"));
+        const PortCatalog &catalog = PortCatalog::current();
+        QSerialPort port(bench.host.devicePath("bath"));
+        QVERIFY(!catalog.find("bath").busy && port.open(QIODevice::ReadWrite));
+        QVERIFY(catalog.find("bath").busy && catalog.ports().first().busy);
+        port.close();
+        QVERIFY(!catalog.ports().first().busy);
     }
 
     void virtualPortsStandBesideThoseOfTheMachine()
     {
+        InstrumentBench bench;
+        QVERIFY(bench.add("only here"));
+        const QString device = bench.host.devicePath("only here");
         const QTemporaryDir directory;
-        const Terminal terminal;
         qputenv("XDG_RUNTIME_DIR", QFile::encodeName(directory.path()));
         QVERIFY(QDir().mkpath(VirtualPortCatalog::defaultDirectory()));
-        QFile::link(terminal.device, directory.filePath("nox8/ports/everywhere"));
-        QFile::link(terminal.device, directory.filePath("only here"));
+        QFile::link(device, directory.filePath("nox8/ports/everywhere"));
 
-        PortCatalog::setCurrent(std::make_unique<VirtualPortCatalog>(directory.path()));
         QCOMPARE(namesOf(PortCatalog::current()), QStringList{"only here"});
         PortCatalog::setCurrent(nullptr);
         QCOMPARE(namesOf(PortCatalog::current()).count("everywhere"), 1);
-        QCOMPARE(PortCatalog::current().find("everywhere").device, terminal.device);
+        QCOMPARE(PortCatalog::current().find("everywhere").device, device);
         QVERIFY(PortCatalog::current().find("only here").name.isEmpty());
     }
 };

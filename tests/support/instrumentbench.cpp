@@ -67,19 +67,22 @@ void InstrumentBench::awaitFree(const QString &portName)
         QThread::msleep(5);
 }
 
-int InstrumentBench::addressings(const QString &portName, quint8 address)
+QVector<int> InstrumentBench::blocksAt(const QString &portName,
+                                       std::initializer_list<ExchangeEvent::Kind> kinds)
 {
+    QVector<int> addresses;
     const auto events = host.exchanges(portName);
-    return int(std::count_if(events.begin(), events.end(), [address](const ExchangeEvent &event) {
-        return event.kind == ExchangeEvent::AddressReceived && event.address == address;
-    }));
+    for (const ExchangeEvent &event : events)
+        if (std::find(kinds.begin(), kinds.end(), event.kind) != kinds.end())
+            addresses << event.address;
+    return addresses;
 }
 
-int InstrumentBench::steps(const QString &portName, ExchangeEvent::Kind kind)
+FaultPlan faultPlan(int FaultPlan::*fault, int strikes)
 {
-    const auto events = host.exchanges(portName);
-    return int(std::count_if(events.begin(), events.end(),
-                             [kind](const ExchangeEvent &event) { return event.kind == kind; }));
+    FaultPlan faults;
+    faults.*fault = strikes;
+    return faults;
 }
 
 bool isSteadyMeasurement(const ChannelValue &measurement)

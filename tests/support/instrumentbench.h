@@ -35,10 +35,19 @@ public:
     /** Puts the plug of an instrument in again. */
     void plugIn(const QString &portName);
 
+    /** The blocks of the steps of these kinds, in order. */
+    QVector<int> blocksAt(const QString &portName,
+                          std::initializer_list<ExchangeEvent::Kind> kinds);
+    /** The blocks that the instrument has exchanged, in order. */
+    QVector<int> exchanged(const QString &portName)
+    {
+        return blocksAt(portName, {ExchangeEvent::ReadCompleted, ExchangeEvent::WriteCompleted});
+    }
     /** Address bytes that the instrument has received for a block. */
-    int addressings(const QString &portName, quint8 address);
-    /** The steps of one kind in the instrument's log. */
-    int steps(const QString &portName, ExchangeEvent::Kind kind);
+    int addressings(const QString &portName, quint8 address)
+    {
+        return blocksAt(portName, {ExchangeEvent::AddressReceived}).count(address);
+    }
 
     InstrumentHost host;
 
@@ -47,6 +56,9 @@ private:
 
     QTemporaryDir directory;
 };
+
+/** A plan with one fault: `faultPlan(&FaultPlan::shortBlocks, 2)`. */
+FaultPlan faultPlan(int FaultPlan::*fault, int strikes = FaultPlan::always);
 
 /** Whether a steady instrument sends this measurement. */
 bool isSteadyMeasurement(const ChannelValue &measurement);

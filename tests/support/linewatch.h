@@ -1,7 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <poll.h>
+#include <pty.h>
 #include <thread>
+#include <unistd.h>
 
 /**
  * Watches how long a byte takes through a pseudo-terminal of its own.
@@ -12,8 +17,15 @@
 class LineWatch
 {
 public:
-    LineWatch();
-    ~LineWatch();
+    LineWatch()
+        : thread([this] { run(); })
+    {
+    }
+    ~LineWatch()
+    {
+        running = false;
+        thread.join();
+    }
     LineWatch(const LineWatch &) = delete;
     LineWatch &operator=(const LineWatch &) = delete;
 
@@ -21,7 +33,27 @@ public:
     int takeSlowestMs() { return slowestMs.exchange(0); }
 
 private:
-    void run();
+    void run()
+    {
+        using namespace std::chrono;
+        termios raw{};
+        ::cfmakeraw(&raw);
+        int master = -1, slave = -1;
+        ::openpty(&master, &slave, nullptr, &raw, nullptr);
+        bool arrives = true;
+        while (running && arrives) {
+            const auto begin = steady_clock::now();
+            char byte = 'x';
+            pollfd arrived{master, POLLIN, 0};
+            arrives = ::write(slave, &byte, 1) == 1 && ::poll(&arrived, 1, -1) == 1 &&
+                      ::read(master, &byte, 1) == 1;
+            const auto took = duration_cast<milliseconds>(steady_clock::now() - begin);
+            slowestMs = std::max(slowestMs.load(), int(took.count()));
+            std::this_thread::sleep_for(milliseconds(10));
+        }
+        ::close(slave);
+        ::close(master);
+    }
 
     std::atomic<int> slowestMs{0};
     std::atomic<bool> running{true};

@@ -1,88 +1,54 @@
 #include "support/linkjournal.h"
 
-#include "serial/noxserialport.h"
-
 #include <algorithm>
 
 LinkJournal::LinkJournal(NOXSerialPort &port, int devIndex)
-    : devIndex(devIndex)
+    : m_port(port)
+    , m_devIndex(devIndex)
 {
     using Port = NOXSerialPort;
+    const auto all = [this](const QString &line) { return [this, line] { lines << line; }; };
+    connect(&port, &Port::allDevQueryComplite, this, all("all queries done"));
+    connect(&port, &Port::allDevDataSend, this, all("all writes done"));
     connect(&port, &Port::readyDevMeas, this, [this](int index, double meas, quint8 ch) {
-        if (index == this->devIndex)
+        if (index == m_devIndex)
             measurements.append({ch, meas});
     });
-    connect(&port, QOverload<int, int, int, quint8>::of(&Port::setProgress), this,
-            [this](int index, int progress, int total, quint8 address) {
-                note(index, QString("progress %1/%2 @%3").arg(progress).arg(total).arg(address));
-            });
-    connect(&port, &Port::onMeasTimeOut, this, [this](int index, bool reopened) {
-        note(index, QString("watchdog %1").arg(reopened ? "reopened" : "failed"));
+    note(QOverload<int, int, int, quint8>::of(&Port::setProgress),
+         [](int done, int total, quint8 address) {
+             return QString("progress %1/%2 @%3").arg(done).arg(total).arg(address);
+         });
+    note(&Port::onMeasTimeOut, [](bool reopened) {
+        return QString("watchdog %1").arg(reopened ? "reopened" : "failed");
     });
-    recordReads(port);
-    recordWrites(port);
-    connect(&port, QOverload<int, quint16, QString>::of(&Port::onDevError), this,
-            [this](int index, quint16 code, const QString &text) {
-                note(index, QString("error %1 %2").arg(code).arg(text));
-            });
+    note(QOverload<int, quint16, QString>::of(&Port::onDevError),
+         [](quint16 code, const QString &text) {
+             return QString("error %1 %2").arg(code).arg(text);
+         });
+    noteExchanges();
 }
 
-void LinkJournal::note(int index, const QString &line)
-{
-    if (index == devIndex)
-        lines << line;
-}
-
-void LinkJournal::recordReads(NOXSerialPort &port)
+void LinkJournal::noteExchanges()
 {
     using Port = NOXSerialPort;
-    connect(&port, QOverload<int, QByteArray, quint8>::of(&Port::readyDevReply), this,
-            [this](int index, const QByteArray &reply, quint8 address) {
-                if (index == this->devIndex)
-                    replies << reply;
-                note(index, QString("reply @%1 %2 bytes").arg(address).arg(reply.size()));
-            });
-    connect(&port, &Port::resultDevQuery, this,
-            [this](int index, bool ok) { note(index, ok ? "queries done" : "queries failed"); });
-    connect(&port, &Port::allDevQueryComplite, this, [this] { lines << "all queries done"; });
-    connect(&port, &Port::onDevQueryError, this,
-            [this](int index, quint16 code, const noxSerialPortQueryItem &item) {
-                note(index, QString("query error %1 @%2").arg(code).arg(item.address));
-            });
-}
-
-void LinkJournal::recordWrites(NOXSerialPort &port)
-{
-    using Port = NOXSerialPort;
-    connect(&port, &Port::doneSendDevData, this,
-            [this](int index, const noxSerialPortDataItem &item) {
-                note(index, QString("written @%1").arg(item.address));
-            });
-    connect(&port, &Port::doneSend, this, [this](int index) { note(index, "writes done"); });
-    connect(&port, &Port::allDevDataSend, this, [this] { lines << "all writes done"; });
-    connect(&port, &Port::onDevDataError, this,
-            [this](int index, quint16 code, const noxSerialPortDataItem &item) {
-                note(index, QString("write error %1 @%2").arg(code).arg(item.address));
-            });
-    connect(&port, &Port::resultDevData, this, [this](int index, bool ok) {
-        note(index, ok ? "writes done, more wait" : "write failed, more wait");
+    note(QOverload<int, QByteArray, quint8>::of(&Port::readyDevReply),
+         [this](const QByteArray &reply, quint8 address) {
+             replies << reply;
+             return QString("reply @%1 %2 bytes").arg(address).arg(reply.size());
+         });
+    note(&Port::resultDevQuery, [](bool ok) { return ok ? "queries done" : "queries failed"; });
+    note(&Port::onDevQueryError, [](quint16 code, const noxSerialPortQueryItem &item) {
+        return QString("query error %1 @%2").arg(code).arg(item.address);
     });
-}
-
-QStringList LinkJournal::linesOf(const QString &beginning) const
-{
-    QStringList found;
-    std::copy_if(lines.begin(), lines.end(), std::back_inserter(found),
-                 [&beginning](const QString &line) { return line.startsWith(beginning); });
-    return found;
-}
-
-bool LinkJournal::hasResult() const
-{
-    return std::any_of(lines.begin(), lines.end(), [](const QString &line) {
-        return line.startsWith("reply") || line.startsWith("written") ||
-               line.startsWith("query error") || line.startsWith("write error");
+    note(&Port::doneSendDevData, [](const noxSerialPortDataItem &item) {
+        return QString("written @%1").arg(item.address);
     });
+    note(&Port::doneSend, [] { return "writes done"; });
+    note(&Port::onDevDataError, [](quint16 code, const noxSerialPortDataItem &item) {
+        return QString("write error %1 @%2").arg(code).arg(item.address);
+    });
+    note(&Port::resultDevData,
+         [](bool ok) { return ok ? "writes done, more wait" : "write failed, more wait"; });
 }
 
 QVector<ChannelValue> LinkJournal::foreignMeasurements() const

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "serial/noxserialport.h"
 #include "support/instrumentbench.h"
 
 #include <QObject>
+#include <QRegularExpression>
 #include <QStringList>
-
-class NOXSerialPort;
 
 /**
  * What a port multiplexer says about one device, in order, each event a line of text such as
@@ -17,10 +17,11 @@ class LinkJournal : public QObject
 public:
     LinkJournal(NOXSerialPort &port, int devIndex);
 
-    /** The lines that begin with a text. */
-    QStringList linesOf(const QString &beginning) const;
-    /** Whether an exchange has ended, well or not. */
-    bool hasResult() const;
+    /** The lines that begin with a pattern. */
+    QStringList linesOf(const QString &beginning) const
+    {
+        return lines.filter(QRegularExpression('^' + beginning));
+    }
     /** The measurements that a steady instrument never sent. */
     QVector<ChannelValue> foreignMeasurements() const;
     void clear();
@@ -30,9 +31,17 @@ public:
     QVector<ChannelValue> measurements;
 
 private:
-    void recordReads(NOXSerialPort &port);
-    void recordWrites(NOXSerialPort &port);
-    void note(int index, const QString &line);
+    /** Notes a signal of the device by the text that its arguments give. */
+    template<typename... Arguments, typename Text>
+    void note(void (NOXSerialPort::*signal)(int, Arguments...), Text textOf)
+    {
+        connect(&m_port, signal, this, [this, textOf](int index, Arguments... arguments) {
+            if (index == m_devIndex)
+                lines << textOf(arguments...);
+        });
+    }
+    void noteExchanges();
 
-    int devIndex;
+    NOXSerialPort &m_port;
+    int m_devIndex;
 };

@@ -2,6 +2,20 @@
 
 #include "device/optionsnox8.h"
 
+#include <QFile>
+
+/** An image of a model. */
+struct ImageOf : optionsNOX8 {
+    explicit ImageOf(quint32 type) { setDevType(type); }
+};
+
+/** All of a file; nothing if it cannot be read. */
+inline QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 /** The image's signals by name, in the order in which they were fired; "!" asks for a write. */
 class ImageLog
 {
