@@ -1,16 +1,38 @@
 #pragma once
 
+#include "plot/series.h"
 #include "plotmouse.h"
-#include "signallog.h"
 
 #include <QImage>
 #include <QLabel>
+#include <QMetaMethod>
 #include <qwt_plot_marker.h>
 #include <qwt_plot_textlabel.h>
 #include <qwt_scale_draw.h>
 #include <qwt_scale_widget.h>
 
 #include <cmath>
+#include <utility>
+
+using Numbers = QVector<double>;
+
+inline Series seriesOf(const Numbers &numbers)
+{
+    Series series;
+    for (const double number : numbers)
+        series.append(number);
+    return series;
+}
+
+/** Of a Series or of MovingAverages. */
+template<typename Values>
+Numbers numbersOf(const Values &values)
+{
+    Numbers numbers;
+    for (int i = 0; i < values.size(); ++i)
+        numbers.append(values[i]);
+    return numbers;
+}
 
 /** True where something was drawn in the colour on white, be it smoothed. */
 inline bool isInked(QRgb pixel, const QColor &color)
@@ -22,26 +44,75 @@ inline bool isInked(QRgb pixel, const QColor &color)
            isBetween(qBlue(pixel), color.blue());
 }
 
-/** Share of the pixels on a level or upright line for which `isInk` holds, of three lines the most.
+/** True when a dotted line of the colour, level or upright, was drawn there, be it a pixel beside.
  */
-template<typename IsInk>
-double inkAlong(const QPoint &from, const QPoint &to, IsInk isInk)
+inline bool isDotted(const QImage &picture, const QPoint &from, const QPoint &to,
+                     const QColor &color)
 {
     const bool isLevel = from.y() == to.y();
     const int length = isLevel ? to.x() - from.x() : to.y() - from.y();
     double best = 0;
     for (const int beside : {-1, 0, 1}) {
         int inked = 0;
-        for (int i = 0; i < length; ++i)
-            inked += isInk(from + (isLevel ? QPoint(i, beside) : QPoint(beside, i))) ? 1 : 0;
+        for (int i = 0; i < length; ++i) {
+            const QPoint at = from + (isLevel ? QPoint(i, beside) : QPoint(beside, i));
+            inked += isInked(picture.pixel(at), color);
+        }
         best = std::max(best, double(inked) / length);
     }
-    return best;
+    return best > 0.2 && best < 0.9;
 }
-inline bool isDotted(double inkShare)
+
+/** The smallest rectangle around what is drawn in the colour, of a part of a picture. */
+inline QRect inkOf(const QImage &picture, const QRect &part, const QColor &color)
 {
-    return inkShare > 0.2 && inkShare < 0.9;
+    QRect ink;
+    const QRect seen = part & picture.rect();
+    for (int y = seen.top(); y <= seen.bottom(); ++y)
+        for (int x = seen.left(); x <= seen.right(); ++x)
+            if (isInked(picture.pixel(x, y), color))
+                ink |= QRect(x, y, 1, 1);
+    return ink;
 }
+
+/** Writes down what a plot announces, in order, as "signal qwtIndex [channel] [value]". */
+class SignalLog
+{
+public:
+    explicit SignalLog(QwtNOX &plot)
+    {
+        using Plot = QwtNOX;
+        follow(plot, &Plot::onChScaleXChange, &Plot::onChScaleYChange, &Plot::onChColorChange,
+               &Plot::onChShowChange, &Plot::onChMainChange, &Plot::onChModeXChange,
+               &Plot::onChModeChange, &Plot::onModeTrackChange, &Plot::onMeasShowChange,
+               &Plot::onAverShowChange, &Plot::onAddPoint, &Plot::onAddCh, &Plot::onChange,
+               &Plot::onDevChange, &Plot::onPointTrackOff, &Plot::onErrorAddPoint);
+    }
+
+    /** What was announced since the last call, as one line. */
+    QString take() { return std::exchange(m_lines, {}).join(", "); }
+
+private:
+    static QString text(int number) { return QString::number(number); }
+    static QString text(const QColor &color) { return color.name(); }
+
+    template<typename... Signals>
+    void follow(QwtNOX &plot, Signals... signalsOfPlot)
+    {
+        (followOne(plot, signalsOfPlot), ...);
+    }
+    template<typename... Arguments>
+    void followOne(QwtNOX &plot, void (QwtNOX::*signal)(Arguments...))
+    {
+        const QString name = QMetaMethod::fromSignal(signal).name();
+        QObject::connect(&plot, signal, &m_context, [this, name](Arguments... arguments) {
+            m_lines.append((QStringList(name) + ... + QStringList(text(arguments))).join(' '));
+        });
+    }
+
+    QStringList m_lines;
+    QObject m_context;
+};
 
 /**
  * A plot of two instruments with two channels each, the first one on show, a mouse on it, a clock

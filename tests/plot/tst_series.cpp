@@ -1,4 +1,3 @@
-#include "numbers.h"
 #include "plot/envelopecurve.h"
 #include "plot/intervalstatistics.h"
 #include "plot/movingaverage.h"
