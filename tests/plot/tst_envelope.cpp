@@ -65,23 +65,19 @@ History setBackHistory()
     });
 }
 
-QStringList texts(const std::vector<ColumnRun> &runs)
+QString text(const std::vector<ColumnRun> &runs)
 {
-    QStringList texts;
+    QString text;
+    QDebug out(&text);
     for (const ColumnRun &run : runs)
-        texts += QString("%1: %2 to %3, %4 to %5, %6")
-                     .arg(run.column)
-                     .arg(run.first)
-                     .arg(run.last)
-                     .arg(run.values.min, 0, 'g', 17)
-                     .arg(run.values.max, 0, 'g', 17)
-                     .arg(run.lastValue, 0, 'g', 17);
-    return texts;
+        out << qSetRealNumberPrecision(17) << run.column << run.first << run.last << run.values.min
+            << run.values.max << run.lastValue << '\n';
+    return text;
 }
 
 /** Column by column over every single point. */
 template<typename Values>
-QStringList plainTexts(const History &history, const Values &values, const PixelColumns &columns)
+QString plainText(const History &history, const Values &values, const PixelColumns &columns)
 {
     std::vector<ColumnRun> runs;
     for (int i = 0; i < history.size(); ++i) {
@@ -92,7 +88,7 @@ QStringList plainTexts(const History &history, const Values &values, const Pixel
         runs.back().lastValue = values[i];
         runs.back().values.include(values[i]);
     }
-    return texts(runs);
+    return text(runs);
 }
 
 constexpr int canvasWidth = 200;
@@ -237,10 +233,10 @@ private slots:
                 const PixelColumns columns{length * (random.bounded(1.5) - 0.2), seconds, 300};
                 ColumnRuns ofValues;
                 ofValues.divide(columns, history.times, history.values);
-                QCOMPARE(texts(ofValues.runs()), plainTexts(history, history.values, columns));
+                QCOMPARE(text(ofValues.runs()), plainText(history, history.values, columns));
                 ColumnRuns ofAverages;
                 ofAverages.divide(columns, history.times, history.averages);
-                QCOMPARE(texts(ofAverages.runs()), plainTexts(history, history.averages, columns));
+                QCOMPARE(text(ofAverages.runs()), plainText(history, history.averages, columns));
             }
         }
     }
@@ -270,47 +266,26 @@ private slots:
     }
     void inkIsThatOfEveryPoint()
     {
-        const History wave =
-            historyOf(3000, [](int i, auto &) { return QPointF(i, 50 + 40 * std::sin(i / 80.0)); });
-        const History line = historyOf(700, [](int i, auto &) { return QPointF(i, i / 7.0); });
         const History steps =
-            historyOf(60, [](int i, auto &) { return QPointF(i * 13.7, i / 5 % 2 ? 80.3 : 20.7); });
-        const History level = // two of three points lie beyond the canvas
-            historyOf(3, [](int i, auto &) { return QPointF(i * (i + 1) * 50 - 50, 5); });
-        const double times[] = {50.5, 150.2, 150.4, 150.6, 190.5}; // three share a column
-        const History cluster =
-            historyOf(5, [&times](int i, auto &) { return QPointF(times[i], i == 0 ? 2 : 8); });
-        const History noisy = noisyHistory(5000, 2);
-        const History bursty = burstyHistory(5000);
-        const History setBack = setBackHistory();
-        const struct {
-            const History &history;
-            QRectF view;
-        } pictures[] = {{noisy, {0, -5, 10000, 60}},
-                        {noisy, {3000.3, -5, 700, 60}},
-                        {noisy, {3000.3, -5, 30, 60}}, // sparse
-                        {noisy, {0, -500, 10000, 1000}},
-                        {noisy, {3000, 4, 300, 2}}, // cut at top and bottom
-                        {wave, {0, 0, 3000, 100}},
-                        {wave, {0, 0, 500, 100}}, // a few points in each column
-                        {line, {0, 0, 700, 100}},
-                        {line, {0, -900, 700, 2000}},
-                        {level, {0, 0, 200, 10}},
-                        {cluster, {0, 0, 200, 10}},
-                        {steps, {0, 0, 800, 100}},
-                        {bursty, {0, -35, bursty.times.last(), 40}},
-                        {bursty, {bursty.times[2000], -2, 2000, 4}},
-                        {setBack, {0, -1, 4000, 12}},
-                        {setBack, {2950, -1, 100, 12}}};
-        for (const auto &[history, view] : pictures)
-            for (const bool ofAverages : {false, true})
-                for (const int width : {1, 2})
-                    for (const int scale : {1, 2}) {
-                        EnvelopeCurve curve(Qt::black, width);
-                        show(history, ofAverages, curve);
-                        const QString wrong = wrongInk(curve, view, scale);
-                        QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
-                    }
+            historyOf(60, [](int i, auto &) { return QPointF(i * 13.7, i / 5 % 2 ? 38.3 : 5.7); });
+        const History line = historyOf(700, [](int i, auto &) { return QPointF(i, i / 14.0); });
+        const History wave =
+            historyOf(3000, [](int i, auto &) { return QPointF(i, 25 + 20 * std::sin(i / 80.0)); });
+        QRandomGenerator random(8);
+        for (const History &history :
+             {steps, line, wave, noisyHistory(5000, 2), burstyHistory(5000), setBackHistory()})
+            for (int round = 0; round < 16; ++round) { // windows of all widths and heights
+                const double width = history.times.last() * std::exp(0.2 - random.bounded(6.0));
+                const double height = 60 * std::exp(1 - random.bounded(4.0));
+                const double left = random.bounded(history.times.last()) - width / 2;
+                const QRectF view(left, random.bounded(20.0) - height / 2, width, height);
+                EnvelopeCurve curve(Qt::black, 1 + round % 2);
+                show(history, round % 3 == 0, curve);
+                for (const int scale : {1, 2}) {
+                    const QString wrong = wrongInk(curve, view, scale);
+                    QVERIFY2(wrong.isEmpty(), qPrintable(QString::number(round) + wrong));
+                }
+            }
     }
     void denseColumnsAreFilledInOneGo()
     {
