@@ -12,6 +12,7 @@
 #include <qwt_scale_widget.h>
 
 #include <cmath>
+#include <memory>
 #include <utility>
 
 using Numbers = QVector<double>;
@@ -115,64 +116,75 @@ private:
 };
 
 /**
- * A plot of two instruments with two channels each, the first one on show, a mouse on it, a clock
- * that stands still, and a log of what is announced.
+ * For each test a plot of two instruments with two channels each, the first one on show, a mouse on
+ * it, a clock that stands still, and a log of what is announced.
  */
-class PlotBench
+class PlotTest : public QObject
 {
-public:
-    PlotBench()
-    {
-        plot.setClock([this] { return now; });
-        plot.addDev(0, 2);
-        plot.addDev(1, 2);
-        plot.setDevMain(0);
-        plot.setChMode(ModeAuto);
-        log.take();
-        QVERIFY(mouse.isReady());
-    }
+    Q_OBJECT
 
+protected:
+    QwtNOX &plot() const { return *m_plot; }
+    PlotMouse &mouse() const { return *m_mouse; }
+    /** What was announced since the last call, as one line. */
+    QString told() const { return m_log->take(); }
+
+    /** Begins with another plot. */
+    void renew()
+    {
+        m_mouse.reset();
+        m_plot = std::make_unique<QwtNOX>();
+        m_log = std::make_unique<SignalLog>(plot());
+        now = QDateTime({2026, 3, 1}, {23, 0});
+        plot().setClock([this] { return now; });
+        plot().addDev(0, 2);
+        plot().addDev(1, 2);
+        plot().setDevMain(0);
+        plot().setChMode(ModeAuto);
+        told();
+        m_mouse = std::make_unique<PlotMouse>(plot());
+        QVERIFY(mouse().isReady());
+    }
     /** Points of channel 0 at 0, 1 ... `last` seconds, rising from 20 by 0.01. */
-    PlotBench &withRamp(int last = 65)
+    void withRamp(int last = 65)
     {
         for (int second = 0; second <= last; ++second)
             add(20 + second * 0.01, second);
-        log.take();
-        return *this;
+        told();
     }
     bool add(double value, double time, int ch = 0, int qwtIndex = 0)
     {
-        return plot.addPoint(value, time, "°С", qwtIndex, uchar(ch));
+        return plot().addPoint(value, time, "°С", qwtIndex, uchar(ch));
     }
 
     // What the axes show, as "0 to 100 by 10".
-    QString x() const { return view(QwtPlot::xBottom); }
-    QString y() const { return view(QwtPlot::yLeft); }
-    QString views() const { return x() + ", " + y(); }
+    QString seenX() const { return view(QwtPlot::xBottom); }
+    QString seenY() const { return view(QwtPlot::yLeft); }
+    QString seenViews() const { return seenX() + ", " + seenY(); }
     /** The middle of what is shown. */
-    QPointF middle() const
+    QPointF middleOfView() const
     {
         const auto of = [](const QwtInterval &shown) {
             return (shown.minValue() + shown.maxValue()) / 2;
         };
-        return {of(plot.axisInterval(QwtPlot::xBottom)), of(plot.axisInterval(QwtPlot::yLeft))};
+        return {of(plot().axisInterval(QwtPlot::xBottom)), of(plot().axisInterval(QwtPlot::yLeft))};
     }
-    double stepX() const { return plot.axisStepSize(QwtPlot::xBottom); }
-    double stepY() const { return plot.axisStepSize(QwtPlot::yLeft); }
+    double stepX() const { return plot().axisStepSize(QwtPlot::xBottom); }
+    double stepY() const { return plot().axisStepSize(QwtPlot::yLeft); }
     QString labelX(double value) const
     {
-        return plot.axisScaleDraw(QwtPlot::xBottom)->label(value).text();
+        return plot().axisScaleDraw(QwtPlot::xBottom)->label(value).text();
     }
     QString labelY(double value) const
     {
-        return plot.axisScaleDraw(QwtPlot::yLeft)->label(value).text();
+        return plot().axisScaleDraw(QwtPlot::yLeft)->label(value).text();
     }
 
     /** The crosses of the measurement, the first one first; those that are seen, or the others. */
-    QVector<QPointF> crosses(bool areSeen = true) const
+    QVector<QPointF> seenCrosses(bool areSeen = true) const
     {
         QVector<QPointF> points;
-        for (const QwtPlotItem *item : plot.itemList(QwtPlotItem::Rtti_PlotMarker)) {
+        for (const QwtPlotItem *item : plot().itemList(QwtPlotItem::Rtti_PlotMarker)) {
             const auto *marker = static_cast<const QwtPlotMarker *>(item);
             if (marker->lineStyle() == QwtPlotMarker::Cross && marker->isVisible() == areSeen)
                 points.append(marker->value());
@@ -180,64 +192,68 @@ public:
         return points;
     }
     /** Upper and lower limit of an instrument; "-" for one that is not seen. */
-    QString limits(int qwtIndex = 0) const
+    QString seenLimits(int qwtIndex = 0) const
     {
-        const QwtNOX::_dev device = plot.devices().value(qwtIndex);
+        const QwtNOX::_dev device = plot().devices().value(qwtIndex);
         const auto text = [](const QwtPlotMarker *limit) {
             return limit->isVisible() ? QString::number(limit->yValue(), 'f', 2) : QString("-");
         };
         return text(device.upperMarker) + ' ' + text(device.lowerMarker);
     }
 
-    const QwtPlotTextLabel *caption() const
+    const QwtPlotTextLabel *captionLabel() const
     {
-        const auto items = plot.itemList(QwtPlotItem::Rtti_PlotTextLabel);
+        const auto items = plot().itemList(QwtPlotItem::Rtti_PlotTextLabel);
         return static_cast<const QwtPlotTextLabel *>(items.value(0));
     }
-    QString captionText() const { return caption()->text().text(); }
-    QWidget *frame(const char *name) const { return plot.findChild<QWidget *>(name); }
+    QString captionText() const { return captionLabel()->text().text(); }
+    QWidget *frameOf(const char *name) const { return plot().findChild<QWidget *>(name); }
     /** The frames of the measurement that are seen. */
-    QString frames() const
+    QString seenFrames() const
     {
-        return QString(frame("pointFrame")->isVisible() ? "point " : "") +
-               (frame("measurementFrame")->isVisible() ? "interval" : "");
+        return QString(frameOf("pointFrame")->isVisible() ? "point " : "") +
+               (frameOf("measurementFrame")->isVisible() ? "interval" : "");
     }
     /** What labels say. */
-    QStringList texts(const QStringList &names) const
+    QStringList textsOf(const QStringList &names) const
     {
         QStringList texts;
         for (const QString &name : names)
-            texts += plot.findChild<QLabel *>(name)->text();
+            texts += plot().findChild<QLabel *>(name)->text();
         return texts;
     }
     template<typename Picker>
     Picker *picker(const char *name) const
     {
-        return plot.findChild<Picker *>(name);
+        return plot().findChild<Picker *>(name);
     }
 
     /** What is seen on the canvas. */
-    QImage picture()
+    QImage grabbed()
     {
-        plot.updateLayout();
-        plot.replot();
-        return plot.canvas()->grab().toImage();
+        plot().updateLayout();
+        plot().replot();
+        return plot().canvas()->grab().toImage();
     }
 
-    QDateTime now{{2026, 3, 1}, {23, 0}};
-    QwtNOX plot;
-    PlotMouse mouse{plot};
-    SignalLog log{plot};
+    QDateTime now;
+
+private slots:
+    void init() { renew(); }
 
 private:
     QString view(int axis) const
     {
-        const double step = plot.axisStepSize(axis);
+        const double step = plot().axisStepSize(axis);
         const auto text = [step](double value) {
             return QString::number(std::round(value / step * 1000) * step / 1000 + 0.0, 'g', 9);
         };
-        const QwtInterval shown = plot.axisInterval(axis);
+        const QwtInterval shown = plot().axisInterval(axis);
         return QString("%1 to %2 by %3")
             .arg(text(shown.minValue()), text(shown.maxValue()), QString::number(step));
     }
+
+    std::unique_ptr<QwtNOX> m_plot;
+    std::unique_ptr<PlotMouse> m_mouse;
+    std::unique_ptr<SignalLog> m_log;
 };

@@ -11,62 +11,6 @@
 namespace
 {
 
-/**
- * Points of every channel, each at another height: a step of 100 after 19 s, which the average
- * takes ten points to follow.
- */
-void addSteps(PlotBench &bench, int channels)
-{
-    for (const int qwtIndex : {0, 1})
-        for (int ch = 0; ch < channels; ++ch)
-            for (int second = 0; second < 40; ++second)
-                bench.add(7 * (3 * qwtIndex + ch) + (second < 20 ? 0 : 100), second, ch, qwtIndex);
-    bench.log.take();
-}
-
-/** The curves of addSteps() that are seen in their colours: "0.1va" has values and averages. */
-QString seen(PlotBench &bench)
-{
-    bench.plot.setAxisScale(QwtPlot::xBottom, 0, 50, 50);
-    bench.plot.setAxisScale(QwtPlot::yLeft, -20, 180, 200);
-    bench.plot.updateAxes();
-    const QImage picture = bench.picture();
-    QStringList curves;
-    for (const int qwtIndex : {0, 1})
-        for (int ch = 0; ch < bench.plot.getChCount(qwtIndex); ++ch) {
-            const QColor color = bench.plot.getChColor(qwtIndex, uchar(ch));
-            const int height = 7 * (3 * qwtIndex + ch);
-            const auto isSeen = [&](double time, double value) {
-                const QPoint at = bench.mouse.pixel(time, value);
-                return !inkOf(picture, QRect(at - QPoint(1, 1), QSize(3, 3)), color).isNull();
-            };
-            const QString kinds =
-                QString(isSeen(23, height + 100) ? "v" : "") + (isSeen(24, height + 50) ? "a" : "");
-            if (!kinds.isEmpty())
-                curves += QString("%1.%2%3").arg(qwtIndex).arg(ch).arg(kinds);
-        }
-    return curves.join(' ');
-}
-
-/** The labels of the time axis that are painted, each as wide as it is and clear of the others. */
-QString paintedLabels(QwtNOX &plot)
-{
-    plot.updateLayout();
-    const QwtScaleWidget *axis = plot.axisWidget(QwtPlot::xBottom);
-    const QImage image = plot.axisWidget(QwtPlot::xBottom)->grab().toImage();
-    QStringList labels;
-    for (const double tick : axis->scaleDraw()->scaleDiv().ticks(QwtScaleDiv::MajorTick)) {
-        const QRect label = axis->scaleDraw()->boundingLabelRect(axis->font(), tick);
-        const QRect middle(label.center().x() - 4, label.top(), 8, label.height());
-        const QRect ink = inkOf(image, label.adjusted(-6, 0, 6, 0), Qt::black);
-        if (inkOf(image, middle, Qt::black).isEmpty())
-            continue;
-        const bool isClear = qAbs(ink.width() - label.width()) < 8 && ink.left() > label.left() - 4;
-        labels += isClear ? axis->scaleDraw()->label(tick).text() : "unclear";
-    }
-    return labels.join('|');
-}
-
 /** Counts how often the curves are painted: an item of the plot is drawn with them. */
 struct PaintCounter : QwtPlotItem {
     void draw(QPainter *, const QwtScaleMap &, const QwtScaleMap &, const QRectF &) const override
@@ -78,112 +22,166 @@ struct PaintCounter : QwtPlotItem {
 
 } // namespace
 
-class TestQwtNOXPicture : public QObject
+class TestQwtNOXPicture : public PlotTest
 {
     Q_OBJECT
+
+    /**
+     * Points of every channel, each at another height: a step of 100 after 19 s, which the average
+     * takes ten points to follow.
+     */
+    void addSteps(int channels)
+    {
+        for (const int qwtIndex : {0, 1})
+            for (int ch = 0; ch < channels; ++ch)
+                for (int second = 0; second < 40; ++second)
+                    add(7 * (3 * qwtIndex + ch) + (second < 20 ? 0 : 100), second, ch, qwtIndex);
+        told();
+    }
+
+    /** The curves of addSteps() that are seen in their colours: "0.1va" has values and averages. */
+    QString seen()
+    {
+        plot().setAxisScale(QwtPlot::xBottom, 0, 50, 50);
+        plot().setAxisScale(QwtPlot::yLeft, -20, 180, 200);
+        plot().updateAxes();
+        const QImage picture = grabbed();
+        QStringList curves;
+        for (const int qwtIndex : {0, 1})
+            for (int ch = 0; ch < plot().getChCount(qwtIndex); ++ch) {
+                const QColor color = plot().getChColor(qwtIndex, uchar(ch));
+                const int height = 7 * (3 * qwtIndex + ch);
+                const auto isSeen = [&](double time, double value) {
+                    const QPoint at = mouse().pixel(time, value);
+                    return !inkOf(picture, QRect(at - QPoint(1, 1), QSize(3, 3)), color).isNull();
+                };
+                const QString kinds = QString(isSeen(23, height + 100) ? "v" : "") +
+                                      (isSeen(24, height + 50) ? "a" : "");
+                if (!kinds.isEmpty())
+                    curves += QString("%1.%2%3").arg(qwtIndex).arg(ch).arg(kinds);
+            }
+        return curves.join(' ');
+    }
+    /** The labels of the time axis that are painted, each as wide as it is and clear of the others.
+     */
+    QString paintedLabels() const
+    {
+        plot().updateLayout();
+        QwtScaleWidget *axis = plot().axisWidget(QwtPlot::xBottom);
+        const QImage image = axis->grab().toImage();
+        QStringList labels;
+        for (const double tick : axis->scaleDraw()->scaleDiv().ticks(QwtScaleDiv::MajorTick)) {
+            const QRect label = axis->scaleDraw()->boundingLabelRect(axis->font(), tick);
+            const QRect middle(label.center().x() - 4, label.top(), 8, label.height());
+            const QRect ink = inkOf(image, label.adjusted(-6, 0, 6, 0), Qt::black);
+            if (inkOf(image, middle, Qt::black).isEmpty())
+                continue;
+            const bool isClear =
+                qAbs(ink.width() - label.width()) < 8 && ink.left() > label.left() - 4;
+            labels += isClear ? axis->scaleDraw()->label(tick).text() : "unclear";
+        }
+        return labels.join('|');
+    }
 
 private slots:
     void curvesOfWhatIsOnShow()
     {
-        PlotBench bench;
-        QwtNOX &plot = bench.plot;
-        addSteps(bench, 2);
+        addSteps(2);
         struct Step {
             std::function<void()> act;
             QString told;
             QString seen;
         };
         const Step steps[] = {
-            {[&] { plot.setMeasShow(true), plot.setAverShow(true); }, "", "0.0va 0.1va"},
-            {[&] { plot.setAverShow(false); }, "onChange 0, onAverShowChange 0 0", "0.0v 0.1v"},
-            {[&] { plot.setChMain(1); },
+            {[&] { plot().setMeasShow(true), plot().setAverShow(true); }, "", "0.0va 0.1va"},
+            {[&] { plot().setAverShow(false); }, "onChange 0, onAverShowChange 0 0", "0.0v 0.1v"},
+            {[&] { plot().setChMain(1); },
              "onChange 0, onChModeChange 0 1 0, onChMainChange 0 1, onChange 0", "0.1v"},
-            {[&] { plot.setChShow(true, 0, 0); }, "onChShowChange 0 0 1", "0.0v 0.1v"},
-            {[&] { plot.toggleMeasShow(); }, "onChange 0, onMeasShowChange 0 0", ""},
-            {[&] { plot.toggleAverShow(0); }, "onChange 0, onAverShowChange 0 1", "0.0a 0.1a"},
-            {[&] { plot.setChMain(); }, "onChange 0", "0.1a"},
-            {[&] { plot.setDevMain(1); },
+            {[&] { plot().setChShow(true, 0, 0); }, "onChShowChange 0 0 1", "0.0v 0.1v"},
+            {[&] { plot().toggleMeasShow(); }, "onChange 0, onMeasShowChange 0 0", ""},
+            {[&] { plot().toggleAverShow(0); }, "onChange 0, onAverShowChange 0 1", "0.0a 0.1a"},
+            {[&] { plot().setChMain(); }, "onChange 0", "0.1a"},
+            {[&] { plot().setDevMain(1); },
              "onChange 1, onChModeChange 1 0 1, onChMainChange 1 0, onDevChange 1, onChange 1",
              "1.0va 1.1va"},
-            {[&] { plot.setDevShow(true, 0); }, "", "0.1a 1.0va 1.1va"},
-            {[&] { plot.toggleMeasShow(0); }, "onChange 0, onMeasShowChange 0 1",
+            {[&] { plot().setDevShow(true, 0); }, "", "0.1a 1.0va 1.1va"},
+            {[&] { plot().toggleMeasShow(0); }, "onChange 0, onMeasShowChange 0 1",
              "0.1va 1.0va 1.1va"},
-            {[&] { plot.setChMain(0, 0); }, // chosen, but not shown
+            {[&] { plot().setChMain(0, 0); }, // chosen, but not shown
              "onChange 0, onChModeChange 0 0 0, onChMainChange 0 0, onChange 0", "1.0va 1.1va"},
-            {[&] { plot.setDevShow(false, 0); }, "", "1.0va 1.1va"},
-            {[&] { plot.setChShow(false, 0, 1); }, "onChShowChange 0 1 0", "0.0va 1.0va 1.1va"},
-            {[&] { plot.setChColor(Qt::black, 1, 1); }, "onChange 1, onChColorChange 1 1 #000000",
+            {[&] { plot().setDevShow(false, 0); }, "", "1.0va 1.1va"},
+            {[&] { plot().setChShow(false, 0, 1); }, "onChShowChange 0 1 0", "0.0va 1.0va 1.1va"},
+            {[&] { plot().setChColor(Qt::black, 1, 1); }, "onChange 1, onChColorChange 1 1 #000000",
              "0.0va 1.0va 1.1va"},
-            {[&] { plot.setDevMain(0); },
+            {[&] { plot().setDevMain(0); },
              "onChange 0, onChModeChange 0 0 1, onChMainChange 0 0, onDevChange 0, onChange 0",
              "0.0va"},
             {[&] { // what does not exist
-                 plot.setDevMain(7), plot.setChMain(3, 0), plot.setChMain(0, 7);
-                 plot.setMeasShow(false, 9), plot.setDevShow(true, 9), plot.setChShow(true, 0, 3);
-                 plot.setChColor(QColor("no colour"), 0, 1);
-                 plot.setAverShow(false); // for what grows
+                 plot().setDevMain(7), plot().setChMain(3, 0), plot().setChMain(0, 7);
+                 plot().setMeasShow(false, 9), plot().setDevShow(true, 9),
+                     plot().setChShow(true, 0, 3);
+                 plot().setChColor(QColor("no colour"), 0, 1);
+                 plot().setAverShow(false); // for what grows
              },
              "onChange 0, onAverShowChange 0 0", "0.0v"}};
         for (const Step &step : steps) {
             step.act();
-            QCOMPARE(bench.log.take(), step.told);
-            QCOMPARE(seen(bench), step.seen);
+            QCOMPARE(told(), step.told);
+            QCOMPARE(seen(), step.seen);
         }
-        QCOMPARE(plot.getMeasShow() + 2 * plot.getAverShow() + 4 * plot.getChShow(0, 1) +
-                     8 * plot.getChShow(9, 0) + 16 * plot.getMeasShow(9) + 32 * plot.getAverShow(9),
+        QCOMPARE(plot().getMeasShow() + 2 * plot().getAverShow() + 4 * plot().getChShow(0, 1) +
+                     8 * plot().getChShow(9, 0) + 16 * plot().getMeasShow(9) +
+                     32 * plot().getAverShow(9),
                  49);
-        plot.setChCount(3, 0);
-        plot.setChCount(3, 1);
-        plot.clear(0);
-        plot.clear(1);
-        addSteps(bench, 3);
-        QCOMPARE(seen(bench), "0.0v 0.2v");
+        plot().setChCount(3, 0);
+        plot().setChCount(3, 1);
+        plot().clear(0);
+        plot().clear(1);
+        addSteps(3);
+        QCOMPARE(seen(), "0.0v 0.2v");
     }
     void curvesHaveTheirColours()
     {
-        PlotBench bench;
-        bench.plot.setChCount(18, 0);
+        plot().setChCount(18, 0);
         QString colors;
-        for (const auto &channel : qAsConst(bench.plot).devices()[0].ch) {
+        for (const auto &channel : qAsConst(plot()).devices()[0].ch) {
             colors += channel.measCurve->pen().color().name();
             QCOMPARE(channel.averCurve->pen(), QPen(channel.measCurve->pen().color(), 2));
             QCOMPARE(channel.measCurve->pen().widthF(), 1.0);
         }
         QCOMPARE(colors, "#ff0000#0000ff#00ff00#808080#c6c600#008080#800080#000000#800000#000080"
                          "#008000#00c6c6#a0a0a4#ff00ff#808000#c0c0c0#ff0000#ff0000");
-        QCOMPARE(bench.plot.getChColor(9, 0), QColor("white"));
-        QCOMPARE(bench.plot.getChMain(9), -1);
+        QCOMPARE(plot().getChColor(9, 0), QColor("white"));
+        QCOMPARE(plot().getChMain(9), -1);
     }
     void gridAndFrameless()
     {
-        PlotBench bench;
-        const QImage picture = bench.picture();
-        const QRect canvas = bench.plot.canvas()->geometry();
-        const QPoint tick = bench.mouse.pixel(3, 7);
+        const QImage picture = grabbed();
+        const QRect canvas = plot().canvas()->geometry();
+        const QPoint tick = mouse().pixel(3, 7);
         QVERIFY(isDotted(picture, {5, tick.y()}, {canvas.width() - 5, tick.y()}, Qt::darkGray));
         QVERIFY(isDotted(picture, {tick.x(), 5}, {tick.x(), canvas.height() - 5}, Qt::darkGray));
-        QCOMPARE(QColor(picture.pixel(bench.mouse.pixel(3.5, 7.5))), QColor(Qt::white));
-        QCOMPARE(bench.plot.canvas()->contentsRect().size(), canvas.size());
-        QCOMPARE(bench.mouse.pixel(0, 10), QPoint(0, 0));
-        QCOMPARE(bench.plot.axisWidget(QwtPlot::yLeft)->geometry().right() + 1, canvas.left());
-        QCOMPARE(bench.plot.axisFont(QwtPlot::xBottom).pointSize(), 11);
-        QCOMPARE(bench.plot.axisFont(QwtPlot::yLeft).pointSize(), 11);
+        QCOMPARE(QColor(picture.pixel(mouse().pixel(3.5, 7.5))), QColor(Qt::white));
+        QCOMPARE(plot().canvas()->contentsRect().size(), canvas.size());
+        QCOMPARE(mouse().pixel(0, 10), QPoint(0, 0));
+        QCOMPARE(plot().axisWidget(QwtPlot::yLeft)->geometry().right() + 1, canvas.left());
+        QCOMPARE(plot().axisFont(QwtPlot::xBottom).pointSize(), 11);
+        QCOMPARE(plot().axisFont(QwtPlot::yLeft).pointSize(), 11);
     }
     void linesOfLimitsAndMeasurement()
     {
-        PlotBench bench;
-        bench.withRamp();
-        bench.plot.setChColor(Qt::black);
-        bench.plot.setModeTrack(TrackRange);
+        withRamp();
+        plot().setChColor(Qt::black);
+        plot().setModeTrack(TrackRange);
         for (const int y : {120, 60})
-            bench.mouse.drag({300, 200}, {300, y});
-        bench.plot.setMeasPoint({30, 20.2});
-        bench.plot.setMeasPoint({55, 20.5});
-        const QImage picture = bench.picture();
+            mouse().drag({300, 200}, {300, y});
+        plot().setMeasPoint({30, 20.2});
+        plot().setMeasPoint({55, 20.5});
+        const QImage picture = grabbed();
         for (const int y : {120, 60})
             QVERIFY(isDotted(picture, {2, y}, {picture.width() - 2, y}, Qt::red));
-        for (const QPointF &cross : bench.crosses()) {
-            const QPoint at = bench.mouse.pixel(cross.x(), cross.y());
+        for (const QPointF &cross : seenCrosses()) {
+            const QPoint at = mouse().pixel(cross.x(), cross.y());
             QVERIFY(isDotted(picture, {2, at.y()}, {at.x() - 2, at.y()}, Qt::darkGray));
             QVERIFY(isDotted(picture, {at.x(), 2}, {at.x(), picture.height()}, Qt::darkGray));
         }
@@ -195,11 +193,12 @@ private slots:
                                                         {ModeScroll, "bottom right "},
                                                         {ModeLimits, "bottom "}};
         for (const auto &[mode, expected] : bands) {
-            PlotBench bench;
-            bench.withRamp().plot.setChMode(mode);
-            const QImage before = bench.picture();
-            bench.mouse.pull({203, 107}, {413, 311});
-            QImage added = bench.picture();
+            renew();
+            withRamp();
+            plot().setChMode(mode);
+            const QImage before = grabbed();
+            mouse().pull({203, 107}, {413, 311});
+            QImage added = grabbed();
             for (int y = 0; y < added.height(); ++y)
                 for (int x = 0; x < added.width(); ++x)
                     if (added.pixel(x, y) == before.pixel(x, y))
@@ -216,69 +215,67 @@ private slots:
     }
     void timeLabels()
     {
-        PlotBench bench;
-        bench.withRamp().plot.changeScaleX(4);
-        QCOMPARE(paintedLabels(bench.plot), "0|10|20|30|40|50|60|70|80|90|100");
-        bench.plot.changeModeX(ModeXAbsolute);
-        bench.plot.changeScaleX(12); // every second one has room
-        QCOMPARE(paintedLabels(bench.plot),
+        withRamp();
+        plot().changeScaleX(4);
+        QCOMPARE(paintedLabels(), "0|10|20|30|40|50|60|70|80|90|100");
+        plot().changeModeX(ModeXAbsolute);
+        plot().changeScaleX(12); // every second one has room
+        QCOMPARE(paintedLabels(),
                  "23:00|02.03.26 00:00|02.03.26 01:00|02.03.26 02:00|02.03.26 03:00|"
                  "02.03.26 04:00");
         for (int second = 90000; second < 99000; second += 1800) { // the view moves by a step
-            bench.add(20, second);
-            const QStringList labels = paintedLabels(bench.plot).split('|');
+            add(20, second);
+            const QStringList labels = paintedLabels().split('|');
             QVERIFY2(labels.size() >= 4 && labels.filter(QRegularExpression(":00$")) == labels,
                      qPrintable(labels.join('|'))); // labels keep their ticks
         }
-        bench.plot.changeModeX(ModeXRelative);
-        QCOMPARE(bench.labelX(90000), "02 01:00");
+        plot().changeModeX(ModeXRelative);
+        QCOMPARE(labelX(90000), "02 01:00");
 
-        bench.plot.changeModeX(ModeXAbsolute);
-        bench.plot.clear();
-        bench.plot.changeScaleX(7);
-        bench.add(20, 0);
-        QCOMPARE(paintedLabels(bench.plot).section('|', 0, 1), "23:00|23:01");
-        bench.now = bench.now.addSecs(3600); // another day
-        bench.add(20, 1, 1);
-        QTRY_COMPARE(paintedLabels(bench.plot).section('|', 1, 1), "01.03.26 23:02");
-        bench.plot.prepareMeas(0, bench.now);
-        QCOMPARE(paintedLabels(bench.plot).section('|', 1, 1), "00:01");
+        plot().changeModeX(ModeXAbsolute);
+        plot().clear();
+        plot().changeScaleX(7);
+        add(20, 0);
+        QCOMPARE(paintedLabels().section('|', 0, 1), "23:00|23:01");
+        now = now.addSecs(3600); // another day
+        add(20, 1, 1);
+        QTRY_COMPARE(paintedLabels().section('|', 1, 1), "01.03.26 23:02");
+        plot().prepareMeas(0, now);
+        QCOMPARE(paintedLabels().section('|', 1, 1), "00:01");
     }
     void valueLabelsHaveSteadyRoom()
     {
-        PlotBench bench;
-        const QwtScaleDraw *axis = bench.plot.axisScaleDraw(QwtPlot::yLeft);
+        const QwtScaleDraw *axis = plot().axisScaleDraw(QwtPlot::yLeft);
         const auto roomAfter = [&](double value) {
-            bench.add(value, 0);
+            add(value, 0);
             return axis->minimumExtent();
         };
-        bench.plot.setChScaleY(16);
-        QCOMPARE(bench.labelY(20), "20.0");
+        plot().setChScaleY(16);
+        QCOMPARE(labelY(20), "20.0");
         const double twoDigits = roomAfter(12);
         QCOMPARE(roomAfter(8), twoDigits); // labels lose a digit
         const double fourDigits = roomAfter(-1234);
         QVERIFY(fourDigits > twoDigits);
         QVERIFY(roomAfter(8) < fourDigits); // far shorter labels give the room back
-        bench.plot.clear();
-        const double withOneDecimal = axis->extent(bench.plot.axisFont(0));
-        bench.plot.setChScaleY(10); // without points the axis stays, its labels do not
-        QCOMPARE(bench.labelY(20), "20.000");
-        QVERIFY(axis->extent(bench.plot.axisFont(0)) > withOneDecimal);
+        plot().clear();
+        const double withOneDecimal = axis->extent(plot().axisFont(0));
+        plot().setChScaleY(10); // without points the axis stays, its labels do not
+        QCOMPARE(labelY(20), "20.000");
+        QVERIFY(axis->extent(plot().axisFont(0)) > withOneDecimal);
     }
     void captionAboveTheCurves()
     {
-        PlotBench bench;
-        const QwtPlotTextLabel *caption = bench.caption();
-        bench.plot.setChScaleX(7);
+        const QwtPlotTextLabel *caption = captionLabel();
+        plot().setChScaleX(7);
         for (int i = 0; i <= 2400; ++i) // fills all of the canvas
-            bench.plot.addPoint(i % 2 ? 1 : -1, i / 4.0, "Ом", 0, 1);
-        bench.plot.setChMain(1);
-        bench.plot.setChScaleX(7);
-        bench.plot.setChScaleY(16);
-        QCOMPARE(bench.captionText(), "Кн. № 2 [Ом], dX: 1 мин., dY: 0.1");
+            plot().addPoint(i % 2 ? 1 : -1, i / 4.0, "Ом", 0, 1);
+        plot().setChMain(1);
+        plot().setChScaleX(7);
+        plot().setChScaleY(16);
+        QCOMPARE(captionText(), "Кн. № 2 [Ом], dX: 1 мин., dY: 0.1");
         QCOMPARE(caption->text().font().pointSize(), 15);
-        bench.plot.setAxisScale(QwtPlot::yLeft, -0.5, 0.5, 0.1);
-        const QImage picture = bench.picture();
+        plot().setAxisScale(QwtPlot::yLeft, -0.5, 0.5, 0.1);
+        const QImage picture = grabbed();
         const QRect canvas = picture.rect().adjusted(3, 0, -3, 0);
         const QSizeF size = caption->text().textSize();
         const QRect ink = inkOf(picture, canvas, Qt::black);
@@ -289,44 +286,41 @@ private slots:
         const QRectF narrow(0, 0, 200, 300); // a canvas on which one line has no room
         QVERIFY(size.width() > narrow.width());
         QVERIFY(narrow.contains(caption->textRect(narrow, size)));
-        bench.plot.removeDev(0);
-        QCOMPARE(bench.captionText(), "");
+        plot().removeDev(0);
+        QCOMPARE(captionText(), "");
     }
     void changesAskForAFrame()
     {
-        PlotBench bench;
-        bench.withRamp();
-        QwtNOX &plot = bench.plot;
-        PlotMouse &mouse = bench.mouse;
+        withRamp();
         const QPoint at(300, 200);
         const std::function<void()> changes[] = {
-            [&] { bench.add(20, 66); },
-            [&] { bench.add(20, 1, 1); },
+            [&] { add(20, 66); },
+            [&] { add(20, 1, 1); },
             [&] {
-                plot.addPoints(0, QVector<PlotPoint>{{1, 2, 20}}, {"", ""});
+                plot().addPoints(0, QVector<PlotPoint>{{1, 2, 20}}, {"", ""});
             },
-            [&] { plot.setChColor(Qt::black); },
-            [&] { plot.setChShow(false, 0, 1); },
-            [&] { plot.setDevShow(true, 1); },
-            [&] { plot.setAverShow(false); },
-            [&] { plot.changeModeX(ModeXRelative); },
-            [&] { mouse.click(at); },
-            [&] { plot.setMeasPoint(QPointF(30, 20)); },
-            [&] { mouse.click(at / 10, Qt::RightButton); },
-            [&] { plot.setModeTrack(TrackUpper); },
-            [&] { mouse.drag(at, at / 2); },
-            [&] { plot.setZoomScale(QRectF(3, 20, 9, 1)); },
-            [&] { plot.changeScaleX(3); },
-            [&] { plot.changeScaleY(3); },
-            [&] { mouse.wheel(at, true); },
-            [&] { mouse.pull(at, at / 2, Qt::RightButton); },
-            [&] { mouse.moveTo(at); },
-            [&] { plot.clear(); },
+            [&] { plot().setChColor(Qt::black); },
+            [&] { plot().setChShow(false, 0, 1); },
+            [&] { plot().setDevShow(true, 1); },
+            [&] { plot().setAverShow(false); },
+            [&] { plot().changeModeX(ModeXRelative); },
+            [&] { mouse().click(at); },
+            [&] { plot().setMeasPoint(QPointF(30, 20)); },
+            [&] { mouse().click(at / 10, Qt::RightButton); },
+            [&] { plot().setModeTrack(TrackUpper); },
+            [&] { mouse().drag(at, at / 2); },
+            [&] { plot().setZoomScale(QRectF(3, 20, 9, 1)); },
+            [&] { plot().changeScaleX(3); },
+            [&] { plot().changeScaleY(3); },
+            [&] { mouse().wheel(at, true); },
+            [&] { mouse().pull(at, at / 2, Qt::RightButton); },
+            [&] { mouse().moveTo(at); },
+            [&] { plot().clear(); },
         };
         for (const auto &change : changes) {
-            plot.frameClock().flush();
+            plot().frameClock().flush();
             change();
-            QVERIFY2(plot.frameClock().isDue(), qPrintable(QString::number(&change - changes)));
+            QVERIFY2(plot().frameClock().isDue(), qPrintable(QString::number(&change - changes)));
         }
     }
     void framesGatherWishes()
@@ -352,25 +346,24 @@ private slots:
     }
     void paintsOnceForManyChanges()
     {
-        PlotBench bench;
         auto *paints = new PaintCounter;
-        paints->attach(&bench.plot); // which owns it
-        QTRY_VERIFY(!bench.plot.frameClock().isDue());
+        paints->attach(&plot()); // which owns it
+        QTRY_VERIFY(!plot().frameClock().isDue());
         for (const bool changes : {true, false}) {
             paints->count = 0;
             for (int i = 0; i < 100; ++i) {
                 if (changes) {
-                    bench.add(20 + i % 7, i); // the axes change all the time
-                    bench.plot.setChColor(i % 2 ? Qt::red : Qt::blue);
-                    bench.plot.setMeasPoint({i * 1.0, 20});
+                    add(20 + i % 7, i); // the axes change all the time
+                    plot().setChColor(i % 2 ? Qt::red : Qt::blue);
+                    plot().setMeasPoint({i * 1.0, 20});
                 }
-                bench.mouse.moveTo({100 + i, 100}); // the cross-hair has a layer of its own
-                bench.plot.updLabelScale();
-                bench.plot.setMeasShow(true);
+                mouse().moveTo({100 + i, 100}); // the cross-hair has a layer of its own
+                plot().updLabelScale();
+                plot().setMeasShow(true);
             }
-            bench.mouse.click({300, 200}, Qt::MiddleButton);
+            mouse().click({300, 200}, Qt::MiddleButton);
             QCOMPARE(paints->count, 0);
-            QTRY_VERIFY(!bench.plot.frameClock().isDue());
+            QTRY_VERIFY(!plot().frameClock().isDue());
             QTest::qWait(100);
             QVERIFY2(changes ? paints->count >= 1 && paints->count <= 3 : paints->count == 0,
                      qPrintable(QString::number(paints->count)));

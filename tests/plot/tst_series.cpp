@@ -75,7 +75,7 @@ IntervalStatistics plainStatistics(const Numbers &times, const Numbers &values, 
 
 } // namespace
 
-class TestSeries : public QObject
+class TestSeries : public PlotTest
 {
     Q_OBJECT
 
@@ -261,57 +261,53 @@ private slots:
                     {-1, 0, 6, "21.500000 20.750000 1.500000"}, // those of the main channel
                     {-1, 0, 0, "21.50 20.75 1.50"},
                     {-1, 1, 6, "21.50 20.75 1.5"}};
-        PlotBench bench;
-        QwtNOX &plot = bench.plot;
+        renew();
         const auto texts = [&](signed char asked) {
-            return plot.getChMeasStr(0, 1, asked) + ' ' + plot.getChAverStr(0, 1, asked) + ' ' +
-                   plot.getChDYStr(0, 1);
+            return plot().getChMeasStr(0, 1, asked) + ' ' + plot().getChAverStr(0, 1, asked) + ' ' +
+                   plot().getChDYStr(0, 1);
         };
         QCOMPARE(texts(-1), "-- -- ");
-        bench.add(20, 1, 1);
-        QCOMPARE(plot.getChDXStr(0, 1) + plot.getChDYStr(0, 1), "");
-        bench.add(21.5, 2.26, 1);
-        QCOMPARE(plot.getChDXStr(0, 1), "1.3");
+        add(20, 1, 1);
+        QCOMPARE(plot().getChDXStr(0, 1) + plot().getChDYStr(0, 1), "");
+        add(21.5, 2.26, 1);
+        QCOMPARE(plot().getChDXStr(0, 1), "1.3");
         for (const auto &[asked, ofChannel, ofMainChannel, expected] : data) {
-            plot.devices()[0].ch[1].precision = ofChannel;
-            plot.devices()[0].ch[0].precision = ofMainChannel;
+            plot().devices()[0].ch[1].precision = ofChannel;
+            plot().devices()[0].ch[0].precision = ofMainChannel;
             QCOMPARE(texts(asked), expected);
         }
     }
     void readsByIndex()
     {
-        PlotBench bench;
-        QwtNOX &plot = bench.plot;
         for (const double time : {12.499, 12.5, 1e6})
-            bench.add(10 + time, time);
+            add(10 + time, time);
         QStringList read;
         for (const int index : {0, 1, 2, -1, 3, -7})
-            read += QStringList({QString::number(plot.getChMeas(-1, 255, index), 'g', 9),
-                                 QString::number(plot.getChTime(-1, 255, index), 'g', 9),
-                                 plot.getChMeasStr(-1, 255, 2, index),
-                                 plot.getChAverStr(-1, 255, 2, index),
-                                 plot.getChTimeStr(-1, 255, index)})
+            read += QStringList({QString::number(plot().getChMeas(-1, 255, index), 'g', 9),
+                                 QString::number(plot().getChTime(-1, 255, index), 'g', 9),
+                                 plot().getChMeasStr(-1, 255, 2, index),
+                                 plot().getChAverStr(-1, 255, 2, index),
+                                 plot().getChTimeStr(-1, 255, index)})
                         .join(' ');
-        plot.devices()[0].mainCh = 9; // where the main channel does not exist it is the first
-        QCOMPARE(plot.getChMeas(), 1000010.0);
+        plot().devices()[0].mainCh = 9; // where the main channel does not exist it is the first
+        QCOMPARE(plot().getChMeas(), 1000010.0);
         const QString newest = "1000010 1000000 1000010.00 333351.67 1e+06";
         QCOMPARE(read, QStringList({"22.499 12.499 22.50 22.50 12", "22.5 12.5 22.50 22.50 13",
                                     newest, newest, newest, newest}));
     }
     void keepsSilentAboutTheUnknown()
     {
-        PlotBench bench;
-        const QwtNOX &plot = bench.plot;
-        bench.plot.addDev(2, 0);
+        plot().addDev(2, 0);
         for (const int qwtIndex : {2, 9}) { // without channels, and not on the plot
-            const QString texts = plot.getChMeasStr(qwtIndex, 0) + plot.getChAverStr(qwtIndex, 0) +
-                                  plot.getChTimeStr(qwtIndex, 0) + plot.getChDXStr(qwtIndex) +
-                                  plot.getChDYStr(qwtIndex, 0) + plot.getChDim(qwtIndex);
+            const QString texts = plot().getChMeasStr(qwtIndex, 0) +
+                                  plot().getChAverStr(qwtIndex, 0) +
+                                  plot().getChTimeStr(qwtIndex, 0) + plot().getChDXStr(qwtIndex) +
+                                  plot().getChDYStr(qwtIndex, 0) + plot().getChDim(qwtIndex);
             QCOMPARE(texts, "---");
-            QCOMPARE(plot.getChMeas(qwtIndex) + plot.getChTime(qwtIndex, 0), 0.0);
-            QCOMPARE(plot.getChMeasCount(qwtIndex, 0) + plot.getPrecision(qwtIndex, 0), 0);
+            QCOMPARE(plot().getChMeas(qwtIndex) + plot().getChTime(qwtIndex, 0), 0.0);
+            QCOMPARE(plot().getChMeasCount(qwtIndex, 0) + plot().getPrecision(qwtIndex, 0), 0);
         }
-        QCOMPARE(plot.getChDim(0, 0), "");
+        QCOMPARE(plot().getChDim(0, 0), "");
     }
 };
 
