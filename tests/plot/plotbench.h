@@ -208,11 +208,12 @@ protected:
     }
     QString captionText() const { return captionLabel()->text().text(); }
     QWidget *frameOf(const char *name) const { return plot().findChild<QWidget *>(name); }
-    /** The frames of the measurement that are seen. */
-    QString seenFrames() const
+    /** What the mouse has come to: the mode, the number of crosses, and the frames on show. */
+    QString state() const
     {
-        return QString(frameOf("pointFrame")->isVisible() ? "point " : "") +
-               (frameOf("measurementFrame")->isVisible() ? "interval" : "");
+        return plot().getChModeLabel() + ' ' + QString::number(seenCrosses().size()) +
+               (frameOf("pointFrame")->isVisible() ? " point" : "") +
+               (frameOf("measurementFrame")->isVisible() ? " interval" : "");
     }
     /** What labels say. */
     QStringList textsOf(const QStringList &names) const

@@ -45,7 +45,13 @@ private slots:
     void init() { renew(), withRamp(); }
     void clickBeginsAMeasurement()
     {
-        for (const TmcMode mode : {ModeAuto, ModeFollow, ModeZoom, ModeLimits, ModeMeasure}) {
+        const QVector<QPair<TmcMode, QString>> modes = {
+            {ModeAuto, "ИЗМЕРЕНИЕ 1 point"},
+            {ModeFollow, "ИЗМЕРЕНИЕ 1 point"},
+            {ModeZoom, "ИЗМЕРЕНИЕ 1 point"},
+            {ModeLimits, "ПРЕДЕЛЫ 2 point interval"},
+            {ModeMeasure, "ИЗМЕРЕНИЕ 2 point interval"}};
+        for (const auto &[mode, expected] : modes) {
             init();
             plot().setMeasPoint({10, 20});
             plot().setMeasPoint({20, 20}); // a former one ends, but where it is measured
@@ -53,16 +59,12 @@ private slots:
             const QPoint at = mouse().pixel(80, 20.3);
             const QPointF point = mouse().point(at);
             mouse().click(at);
-            const bool begins = mode != ModeLimits && mode != ModeMeasure;
-            QCOMPARE(plot().getChMode(), mode == ModeLimits ? ModeLimits : ModeMeasure);
-            QCOMPARE(seenCrosses().size(), begins ? 1 : 2);
-            QCOMPARE(seenFrames(), begins ? "point " : "point interval");
-            if (!begins)
-                continue;
-            QCOMPARE(seenCrosses().first(), point);
-            QCOMPARE(textsOf({"pointX", "pointY"}),
-                     QStringList(
-                         {QString::number(point.x(), 'f', 1), QString::number(point.y(), 'f', 2)}));
+            QCOMPARE(state(), expected);
+            if (seenCrosses().size() == 1) {
+                QCOMPARE(seenCrosses().first(), point);
+                QCOMPARE(textsOf({"pointX", "pointY"}).join(' '),
+                         QString("%1 %2").arg(point.x(), 0, 'f', 1).arg(point.y(), 0, 'f', 2));
+            }
         }
     }
     void pointsAreOrdered()
@@ -70,21 +72,20 @@ private slots:
         const struct {
             QVector<double> clicks;
             const char *texts; // X1, Y1, X2, Y2, differences
-            const char *frames;
-        } data[] = {
-            {{30, 50}, "30 20.60 50 20.61 20 0.01", "point interval"},
-            {{30, 10}, "10 20.61 30 20.60 20 -0.01", "point interval"},
-            {{30, 50, 40}, "30 20.60 40 20.62 10 0.02", "point interval"},
-            {{30, 50, 20}, "20 20.62 30 20.60 10 -0.02", "point interval"},
-            {{30, 10, 20}, "10 20.61 20 20.62 10 0.01", "interval"}}; // the first one has gone
-        for (const auto &[clicks, expected, frames] : data) {
+            bool hasPoint;     // the frame of the first one
+        } data[] = {{{30, 50}, "30 20.60 50 20.61 20 0.01", true},
+                    {{30, 10}, "10 20.61 30 20.60 20 -0.01", true},
+                    {{30, 50, 40}, "30 20.60 40 20.62 10 0.02", true},
+                    {{30, 50, 20}, "20 20.62 30 20.60 10 -0.02", true},
+                    {{30, 10, 20}, "10 20.61 20 20.62 10 0.01", false}}; // it has gone
+        for (const auto &[clicks, expected, hasPoint] : data) {
             init();
             measure(clicks);
             QStringList texts = textsOf(intervalLabels.mid(0, 6));
             for (const int x : {0, 2, 4})
                 texts[x] = QString::number(qRound(texts[x].toDouble())); // as near as a pixel is
             QCOMPARE(texts.join(' '), expected);
-            QCOMPARE(seenFrames(), frames);
+            QCOMPARE(state(), hasPoint ? "ИЗМЕРЕНИЕ 2 point interval" : "ИЗМЕРЕНИЕ 2 interval");
             QCOMPARE(qRound(seenCrosses().at(1).x()), texts.at(2).toInt());
         }
     }
@@ -110,7 +111,6 @@ private slots:
     {
         plot().setMeasPoint({60, 20});
         plot().setMeasPoint({3660, 20});
-        QCOMPARE(plot().getChMode(), ModeMeasure);
         plot().changeModeX(ModeXRelative);
         const QStringList times = {"pointX", "measurementX1", "measurementX2", "measurementDeltaX"};
         QCOMPARE(textsOf(times).join('|'), "00:01:00|00:01:00|01:01:00|01:00:00");
@@ -121,7 +121,7 @@ private slots:
         QCOMPARE(textsOf(times.mid(1)).join('|'), "01.03.26 23:01:00|02.03.26 00:02:00|01:01:00");
         plot().changeMode(ModeFollow);
         plot().changeModeX(ModeXSeconds);
-        QCOMPARE(seenFrames(), "");
+        QCOMPARE(state(), "СЛЕЖЕНИЕ 0");
     }
     void writesStatistics()
     {
@@ -169,30 +169,14 @@ private slots:
         for (const char *caption : {"pointFrame", "measurementFrame"}) // no caption is a value
             for (const QLabel *label : frameOf(caption)->findChildren<QLabel *>())
                 QCOMPARE(label->styleSheet().isEmpty(), label->objectName().isEmpty());
+        const QWidget *frame = frameOf("measurementFrame"); // no curve shows through
+        const QRect row(frame->pos() + QPoint(4, 4), QSize(frame->width() - 8, 1));
+        QVERIFY(inkOf(plot().grab().toImage(), row, Qt::red).isNull());
+        QVERIFY(inkOf(plot().grab().toImage(), row, Qt::darkGray).isNull());
         plot().addMeasPointFirst({40, 20.4}, {500, 400});
         plot().setMeasPoint({50, 20});
         for (const QLabel *label : plot().findChildren<QLabel *>())
             QCOMPARE(label->styleSheet(), "");
-    }
-    void clicksOnFramesMeanNothingElse()
-    {
-        measure({30, 10});
-        QTest::qWait(0);
-        const QVector<QPointF> crosses = seenCrosses();
-        const QWidget *frame = frameOf("measurementFrame");
-        for (const TmcMode mode : {ModeMeasure, ModeZoom, ModeScroll}) {
-            plot().setChMode(mode);
-            told();
-            for (const QPoint &at : {QPoint(3, 3), QPoint(frame->width() / 2, frame->height() / 2)})
-                mouse().click(onCanvas(frame, at));
-            QCOMPARE(told(), "");
-            QCOMPARE(plot().getChMode(), mode);
-            QCOMPARE(seenCrosses(), crosses);
-        }
-        const QImage image = plot().grab().toImage(); // neither do curves show through
-        for (int x = frame->x() + 4; x < frame->geometry().right() - 4; ++x)
-            QVERIFY(!isInked(image.pixel(x, frame->y() + 4), Qt::red) &&
-                    qGray(image.pixel(x, frame->y() + 4)) > 200);
     }
     void framesStandBesideTheirPoints()
     {
@@ -233,36 +217,34 @@ private slots:
             };
             QTRY_VERIFY(isBeside("pointFrame", crosses[0]));
             QTRY_VERIFY(isBeside("measurementFrame", crosses[1]));
-            QCOMPARE(seenFrames(), "point interval");
+            const QString before = state();
+            QVERIFY(before.endsWith(" 2 point interval"));
             plot().addDev(7, 1); // what is measured stays, its frames do not
-            QCOMPARE(seenFrames(), "");
+            QCOMPARE(state() + " point interval", before);
             QCOMPARE(seenCrosses(), crosses);
         }
     }
-    void rightClickClearsThenLeaves()
+    void measurementEnds()
     {
         for (const auto &times : {QVector<double>{30}, QVector<double>{30, 50}}) {
             measure(times);
-            mouse().click(mouse().middle(), Qt::RightButton);
-            QCOMPARE(plot().getChMode(), ModeMeasure);
+            mouse().click(mouse().middle(), Qt::RightButton); // clears, then leaves
+            QCOMPARE(state(), "ИЗМЕРЕНИЕ 0");
             QCOMPARE(seenCrosses(false), QVector<QPointF>(2)); // both are back at the origin
-            QCOMPARE(seenFrames(), "");
             mouse().click(mouse().middle(), Qt::RightButton);
-            QCOMPARE(plot().getChMode(), ModeFollow);
+            QCOMPARE(state(), "СЛЕЖЕНИЕ 0");
         }
-    }
-    void modesEndTheMeasurement()
-    {
-        for (const TmcMode mode : {ModeAuto, ModeFollow, ModeZoom, ModeScroll}) {
+        const QVector<QPair<TmcMode, QString>> modes = {{ModeAuto, "АВТО 0"},
+                                                        {ModeFollow, "СЛЕЖЕНИЕ 0"},
+                                                        {ModeZoom, "УВЕЛИЧЕНИЕ 2 point interval"},
+                                                        {ModeScroll, "СДВИГ 2 point interval"}};
+        for (const auto &[mode, expected] : modes) {
             init();
             measure({30, 50});
             mouse().pull(mouse().pixel(60, 20.3), mouse().pixel(70, 20.3)); // a third
             plot().changeMode(mode);
             mouse().release(mouse().pixel(70, 20.3));
-            const bool ends = mode == ModeAuto || mode == ModeFollow;
-            QCOMPARE(seenCrosses().size(), ends ? 0 : 2);
-            QCOMPARE(seenFrames(), ends ? "" : "point interval");
-            QCOMPARE(plot().getChMode(), mode);
+            QCOMPARE(state(), expected);
         }
     }
     void crossHairReadsTimeAndValue()
@@ -308,13 +290,12 @@ private slots:
                 mouse().click({300, 300});
                 mouse().wheel({300, 300}, true);
                 mouse().drag({300, 300}, {400, 300}, Qt::RightButton);
-                QCOMPARE(seenFrames() + QString::number(seenCrosses().size()), "0");
+                QVERIFY2(state().endsWith(" 0"), qPrintable(state()));
                 plot().setChCount(1, plot().getDevMain()); // the first channel comes
                 if (plot().getDevMain() < 0)
                     continue;
                 mouse().click({300, 300});
-                QCOMPARE(plot().getChMode(), ModeMeasure);
-                QCOMPARE(seenCrosses().size(), 1);
+                QCOMPARE(state(), "ИЗМЕРЕНИЕ 1 point");
             }
     }
 };
