@@ -6,16 +6,6 @@
 
 // Which part of the data the axes show, by mode and scale.
 
-namespace
-{
-
-constexpr int oneMinute = 7; // of scalesX()
-constexpr int oneTenth = 16; // of scalesY()
-
-using Points = QVector<QPointF>;
-
-} // namespace
-
 class TestQwtNOXAxes : public PlotTest
 {
     Q_OBJECT
@@ -24,40 +14,33 @@ private slots:
     void followData()
     {
         const struct {
-            int scaleX, scaleY;
-            Points points;
+            int scaleX, scaleY; // 7 is a minute, 16 a tenth
+            QVector<QPointF> points;
             const char *x, *y;
         } data[] = {
             {0, 0, {}, "0 to 10 by 1", "0 to 10 by 1"},
             {0, 0, {{0, 20}, {65, 20.65}}, "0 to 100 by 10", "19.8 to 20.8 by 0.1"},
-            {0,
-             0,
-             {{1234, 20}, {1240, 20}},
-             "1234 to 1244 by 1",
-             "19.999995 to 20.000005 by 1e-06"},
+            {0, 0, {{1234, 2}, {1240, 2}}, "1234 to 1244 by 1", "1.999995 to 2.000005 by 1e-06"},
             // on the right edge, past it, and past it again
-            {oneMinute, oneTenth, {{0, 20}, {600, 20}}, "0 to 600 by 60", "19.5 to 20.5 by 0.1"},
-            {oneMinute, 0, {{600, 0}, {601, 2}, {660, 2}}, "60 to 660 by 60", "-1.5 to 3.5 by 0.5"},
-            {oneMinute, 19, {{601, 20}, {660.5, 20}}, "120 to 720 by 60", "15 to 25 by 1"},
+            {7, 16, {{0, 20}, {600, 20}}, "0 to 600 by 60", "19.5 to 20.5 by 0.1"},
+            {7, 0, {{600, 0}, {601, 2}, {660, 2}}, "60 to 660 by 60", "-1.5 to 3.5 by 0.5"},
+            {7, 19, {{601, 20}, {660.5, 20}}, "120 to 720 by 60", "15 to 25 by 1"},
             // on the upper edge, and past it
-            {0, oneTenth, {{0, 20}, {1, 20.5}}, "0 to 10 by 1", "19.5 to 20.5 by 0.1"},
-            {0, oneTenth, {{0, 20}, {1, 20.5}, {2, 21.4}}, "0 to 10 by 1", "20.9 to 21.9 by 0.1"},
-            // an outlier in view, and one that has left it
-            {oneMinute,
+            {0, 16, {{0, 20}, {1, 20.5}}, "0 to 10 by 1", "19.5 to 20.5 by 0.1"},
+            {0, 16, {{0, 20}, {1, 20.5}, {2, 21.4}}, "0 to 10 by 1", "20.9 to 21.9 by 0.1"},
+            // an outlier in view, on its edge, and one that has left it
+            {7, 0, {{0, 20}, {50, 1500}, {550, 20}}, "0 to 600 by 60", "-200 to 1800 by 200"},
+            {7, 0, {{0, 20}, {60, 1500}, {610, 20}}, "60 to 660 by 60", "-200 to 1800 by 200"},
+            {7,
              0,
-             {{0, 20}, {50, 1500}, {550, 20}},
-             "0 to 600 by 60",
-             "-200 to 1800 by 200"},
-            {oneMinute,
-             0,
-             {{0, 20}, {50, 1500}, {1290, 20}, {1300, 20.003}},
+             {{5, 150}, {1290, 2}, {1300, 2.003}},
              "720 to 1320 by 60",
-             "19.999 to 20.004 by 0.0005"},
+             "1.999 to 2.004 by 0.0005"},
             // a clock set back, and so far that no point is in view
-            {1, oneTenth, {{5000, 20}, {100, 20}}, "90 to 100 by 1", "19.5 to 20.5 by 0.1"},
+            {1, 16, {{5000, 20}, {100, 20}}, "90 to 100 by 1", "19.5 to 20.5 by 0.1"},
             {0, 0, {{5000, 0}, {5001, 500}, {100, 22}}, "5000 to 5010 by 1", "-200 to 800 by 100"},
             // usable again after a huge value
-            {0, oneTenth, {{1, 1.7e308}, {2, 20}}, "1 to 11 by 1", "19.5 to 20.5 by 0.1"}};
+            {0, 16, {{1, 1.7e308}, {2, 20}}, "1 to 11 by 1", "19.5 to 20.5 by 0.1"}};
         for (const auto &[scaleX, scaleY, points, x, y] : data) {
             renew();
             plot().changeScaleX(scaleX);
@@ -97,7 +80,7 @@ private slots:
             plot().setAverShow(false);
             plot().setMeasShow(false); // neither is seen: values
             QCOMPARE(seenY(), isDifference ? "-100 to 100 by 20" : "-40 to 160 by 20");
-            plot().setChScaleY(oneTenth);
+            plot().setChScaleY(16);
             QCOMPARE(seenY(), isDifference ? "49.5 to 50.5 by 0.1" : "99.5 to 100.5 by 0.1");
         }
     }
@@ -121,8 +104,8 @@ private slots:
         QCOMPARE(seenViews(), "0 to 150 by 30, 19.8 to 21 by 0.2");
         plot().setDivX(0);
         plot().setDivY(0);
-        plot().changeScaleX(oneMinute);
-        plot().changeScaleY(oneTenth);
+        plot().changeScaleX(7);
+        plot().changeScaleY(16);
         QCOMPARE(seenX(), "60 to 120 by 60");
         QVERIFY(seenY().endsWith("by 0.1"));
     }
@@ -130,9 +113,9 @@ private slots:
     {
         using Choice = std::function<void()>;
         const QVector<QPair<Choice, QString>> choices = {
-            {[&] { plot().changeScaleX(oneMinute); },
+            {[&] { plot().changeScaleX(7); },
              "onChange 0, onChModeChange 0 0 1, onChange 0, onChScaleXChange 0 0 7"},
-            {[&] { plot().changeScaleY(oneTenth); },
+            {[&] { plot().changeScaleY(16); },
              "onChange 0, onChModeChange 0 0 1, onChange 0, onChScaleYChange 0 0 16"},
             {[&] { plot().changeScaleX(0); },
              "onChange 0, onChModeChange 0 0 1, onChange 0, onChScaleXChange 0 0 0"},
@@ -141,8 +124,8 @@ private slots:
             {[&] { plot().changeModeX(ModeXAbsolute); }, "onChange 0, onChModeXChange 0 0 2"},
             {[&] { plot().changeModeX(ModeXAbsolute); }, ""},
             {[&] { plot().changeMode(ModeScroll); }, "onChange 0, onChModeChange 0 0 4"},
-            {[&] { plot().changeScaleX(oneMinute); }, "onChange 0, onChScaleXChange 0 0 7"},
-            {[&] { plot().changeScaleY(oneTenth); }, "onChange 0, onChScaleYChange 0 0 16"},
+            {[&] { plot().changeScaleX(7); }, "onChange 0, onChScaleXChange 0 0 7"},
+            {[&] { plot().changeScaleY(16); }, "onChange 0, onChScaleYChange 0 0 16"},
             {[&] { plot().changeMode(ModeMeasure); }, "onChange 0, onChModeChange 0 0 3"},
             {[&] { plot().changeScaleX(3); },
              "onChange 0, onChModeChange 0 0 1, onChange 0, onChScaleXChange 0 0 3"},
@@ -154,16 +137,10 @@ private slots:
              "onChange 1, onChModeChange 1 1 2, onChange 1, onChModeChange 1 1 1, onChange 1, "
              "onChScaleXChange 1 1 5, onChange 1, onChModeXChange 1 1 1"},
             {[&] { // what no table has
-                 plot().setChScaleX(19);
-                 plot().setChScaleY(30);
-                 plot().changeScaleX(-1);
-                 plot().changeScaleY(256 + 5);
-                 plot().changeMode(6);
-                 plot().changeMode(-1);
-                 plot().changeModeX(-1);
-                 plot().changeModeX(3);
-                 plot().calcPrecision(30);
-                 plot().setChScaleX(3, 9, 0);
+                 plot().setChScaleX(19), plot().changeScaleX(-1), plot().setChScaleX(3, 9, 0);
+                 plot().setChScaleY(30), plot().changeScaleY(256 + 5), plot().calcPrecision(30);
+                 plot().changeMode(6), plot().changeMode(-1);
+                 plot().changeModeX(-1), plot().changeModeX(3);
              },
              ""}};
         for (const auto &[choose, expected] : choices) {
@@ -200,7 +177,7 @@ private slots:
         QCOMPARE(seenX(), "250 to 350 by 10");
         plot().setChScaleX(9);
         QCOMPARE(seenX(), "0 to 3000 by 300"); // -1200 to 1800, moved to begin at 0
-        plot().setChScaleY(oneTenth);
+        plot().setChScaleY(16);
         QCOMPARE(seenY(), "21.5 to 22.5 by 0.1");
         QCOMPARE(labelY(22), "22.0");
         QCOMPARE(int(plot().getChScaleX()) + plot().getChScaleY(), 0);
@@ -231,26 +208,17 @@ private slots:
         const double values[] = {20, -1299.9, -1300, 1e-300, 1e12, 1.7e308, qInf(), qQNaN()};
         const double times[] = {0, 0.001, 86399, 3.2e7, 1e15, 1e300, -1, qQNaN()};
         renew();
-        for (int i = 0; i < 5000; ++i) {
-            switch (below(9)) {
-            case 0:
-                plot().setChScaleX(uchar(below(19)));
-                break;
-            case 1:
-                plot().setChScaleY(uchar(below(30)));
-                break;
-            case 2:
-                plot().setChMode(TmcMode(below(6)));
-                break;
-            case 3:
+        const std::function<void()> acts[] = {
+            [&] { plot().setChScaleX(uchar(below(19))); },
+            [&] { plot().setChScaleY(uchar(below(30))); },
+            [&] { plot().setChMode(TmcMode(below(6))); },
+            [&] {
                 plot().setZoomScale({times[below(8)], values[below(8)], times[below(8)], 1});
-                break;
-            case 4:
-                plot().changeModeX(below(3));
-                break;
-            default:
-                add(values[below(8)], times[below(8)], below(2));
-            }
+            },
+            [&] { plot().changeModeX(below(3)); },
+            [&] { add(values[below(8)], times[below(8)], below(2)); }};
+        for (int i = 0; i < 5000; ++i) {
+            acts[qMin(below(9), 5)]();
             for (const int axis : {QwtPlot::xBottom, QwtPlot::yLeft}) {
                 const QwtInterval shown = plot().axisInterval(axis);
                 QVERIFY(qIsFinite(shown.minValue()) && qIsFinite(shown.maxValue()));
