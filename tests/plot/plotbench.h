@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QLabel>
 #include <QMetaMethod>
+#include <QRegularExpression>
 #include <qwt_plot_marker.h>
 #include <qwt_plot_textlabel.h>
 #include <qwt_scale_draw.h>
@@ -76,7 +77,10 @@ inline QRect inkOf(const QImage &picture, const QRect &part, const QColor &color
     return ink;
 }
 
-/** Writes down what a plot announces, in order, as "signal qwtIndex [channel] [value]". */
+/**
+ * Writes down what a plot announces, in order, as "signal qwtIndex [channel] [value]": "Change 0"
+ * is its onChange(), "ChMode 0 1 2" its onChModeChange().
+ */
 class SignalLog
 {
 public:
@@ -105,7 +109,8 @@ private:
     template<typename... Arguments>
     void followOne(QwtNOX &plot, void (QwtNOX::*signal)(Arguments...))
     {
-        const QString name = QMetaMethod::fromSignal(signal).name();
+        const QString name = QString(QMetaMethod::fromSignal(signal).name().mid(2))
+                                 .remove(QRegularExpression("\\BChange$"));
         QObject::connect(&plot, signal, &m_context, [this, name](Arguments... arguments) {
             m_lines.append((QStringList(name) + ... + QStringList(text(arguments))).join(' '));
         });

@@ -113,29 +113,24 @@ private slots:
     {
         using Choice = std::function<void()>;
         const QVector<QPair<Choice, QString>> choices = {
-            {[&] { plot().changeScaleX(7); },
-             "onChange 0, onChModeChange 0 0 1, onChange 0, onChScaleXChange 0 0 7"},
-            {[&] { plot().changeScaleY(16); },
-             "onChange 0, onChModeChange 0 0 1, onChange 0, onChScaleYChange 0 0 16"},
-            {[&] { plot().changeScaleX(0); },
-             "onChange 0, onChModeChange 0 0 1, onChange 0, onChScaleXChange 0 0 0"},
-            {[&] { plot().changeScaleY(0); },
-             "onChange 0, onChModeChange 0 0 0, onChange 0, onChScaleYChange 0 0 0"},
-            {[&] { plot().changeModeX(ModeXAbsolute); }, "onChange 0, onChModeXChange 0 0 2"},
+            {[&] { plot().changeScaleX(7); }, "Change 0, ChMode 0 0 1, Change 0, ChScaleX 0 0 7"},
+            {[&] { plot().changeScaleY(16); }, "Change 0, ChMode 0 0 1, Change 0, ChScaleY 0 0 16"},
+            {[&] { plot().changeScaleX(0); }, "Change 0, ChMode 0 0 1, Change 0, ChScaleX 0 0 0"},
+            {[&] { plot().changeScaleY(0); }, "Change 0, ChMode 0 0 0, Change 0, ChScaleY 0 0 0"},
+            {[&] { plot().changeModeX(ModeXAbsolute); }, "Change 0, ChModeX 0 0 2"},
             {[&] { plot().changeModeX(ModeXAbsolute); }, ""},
-            {[&] { plot().changeMode(ModeScroll); }, "onChange 0, onChModeChange 0 0 4"},
-            {[&] { plot().changeScaleX(7); }, "onChange 0, onChScaleXChange 0 0 7"},
-            {[&] { plot().changeScaleY(16); }, "onChange 0, onChScaleYChange 0 0 16"},
-            {[&] { plot().changeMode(ModeMeasure); }, "onChange 0, onChModeChange 0 0 3"},
-            {[&] { plot().changeScaleX(3); },
-             "onChange 0, onChModeChange 0 0 1, onChange 0, onChScaleXChange 0 0 3"},
+            {[&] { plot().changeMode(ModeScroll); }, "Change 0, ChMode 0 0 4"},
+            {[&] { plot().changeScaleX(7); }, "Change 0, ChScaleX 0 0 7"},
+            {[&] { plot().changeScaleY(16); }, "Change 0, ChScaleY 0 0 16"},
+            {[&] { plot().changeMode(ModeMeasure); }, "Change 0, ChMode 0 0 3"},
+            {[&] { plot().changeScaleX(3); }, "Change 0, ChMode 0 0 1, Change 0, ChScaleX 0 0 3"},
             {[&] { // of another instrument: its own
                  plot().setChMode(ModeZoom, 1, 1);
                  plot().setChScaleX(5, 1, 1);
                  plot().setChModeX(ModeXRelative, 1, 1);
              },
-             "onChange 1, onChModeChange 1 1 2, onChange 1, onChModeChange 1 1 1, onChange 1, "
-             "onChScaleXChange 1 1 5, onChange 1, onChModeXChange 1 1 1"},
+             "Change 1, ChMode 1 1 2, Change 1, ChMode 1 1 1, Change 1, "
+             "ChScaleX 1 1 5, Change 1, ChModeX 1 1 1"},
             {[&] { // what no table has
                  plot().setChScaleX(19), plot().changeScaleX(-1), plot().setChScaleX(3, 9, 0);
                  plot().setChScaleY(30), plot().changeScaleY(256 + 5), plot().calcPrecision(30);
@@ -163,7 +158,7 @@ private slots:
         plot().removeDev(1);
         told();
         plot().setDevMain(-1);
-        QCOMPARE(told(), "onDevChange -1, onChange -1");
+        QCOMPARE(told(), "Dev -1, Change -1");
         QCOMPARE(plot().getChModeLabel() + plot().getChModeXLabel() + plot().getScaleXLabel() +
                      plot().getScaleYLabel(),
                  "----");

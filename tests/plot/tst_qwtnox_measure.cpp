@@ -30,13 +30,13 @@ class TestQwtNOXMeasure : public PlotTest
     QPoint beside(const QPoint &at, const char *name) const
     {
         const QSize size = frameOf(name)->size();
-        const QPoint onPlot = at + QPoint(plot().axisWidget(QwtPlot::yLeft)->width(), 0);
-        const bool isRight = onPlot.x() <= plot().canvas()->width() / 2;
-        const bool isBelow = onPlot.y() <= plot().canvas()->height() / 2;
-        return {isRight ? onPlot.x() + 10 : onPlot.x() - size.width() - 10,
-                isBelow ? onPlot.y() + 10 : onPlot.y() - size.height() - 10};
+        const QPoint Plot = at + QPoint(plot().axisWidget(QwtPlot::yLeft)->width(), 0);
+        const bool isRight = Plot.x() <= plot().canvas()->width() / 2;
+        const bool isBelow = Plot.y() <= plot().canvas()->height() / 2;
+        return {isRight ? Plot.x() + 10 : Plot.x() - size.width() - 10,
+                isBelow ? Plot.y() + 10 : Plot.y() - size.height() - 10};
     }
-    QPoint onCanvas(const QWidget *widget, const QPoint &at) const
+    QPoint Canvas(const QWidget *widget, const QPoint &at) const
     {
         return plot().canvas()->mapFrom(&plot(), widget->mapTo(&plot(), at));
     }
@@ -160,7 +160,7 @@ private slots:
             const QLabel *label = plot().findChild<QLabel *>(name);
             QVERIFY(!label->text().isEmpty());
             QCOMPARE(label->cursor().shape(), Qt::PointingHandCursor);
-            const QPoint at = onCanvas(label, label->rect().center());
+            const QPoint at = Canvas(label, label->rect().center());
             mouse().click(at, name == "pointY" ? Qt::RightButton : Qt::LeftButton);
             QCOMPARE(QGuiApplication::clipboard()->text(), label->text());
             QCOMPARE(label->styleSheet(), "color: blue");

@@ -38,7 +38,7 @@ private slots:
             const QPoint to = mouse().pixel(47, 20.1);
             const double left = mouse().point(from).x();
             mouse().drag(backwards ? to : from, backwards ? from : to);
-            QCOMPARE(told(), "onChange 0");
+            QCOMPARE(told(), "Change 0");
             QVERIFY(std::abs(plot().axisInterval(QwtPlot::xBottom).minValue() - left) < 0.2);
             QCOMPARE(seenY(), "20.05 to 20.55 by 0.05"); // around 20.3
             QVERIFY(captionText().endsWith("dX: 5 сек., dY: 0.05"));
@@ -137,7 +137,7 @@ private slots:
                 QCOMPARE(int(plot().getChScaleX()), isStored ? x : 0);
                 QCOMPARE(int(plot().getChScaleY()), isStored ? y : 0);
                 QCOMPARE(int(plot().getPrecision()), y < 19 ? (21 - y) / 3 : 0);
-                QVERIFY(isStored || told() == "onChange 0");
+                QVERIFY(isStored || told() == "Change 0");
                 const bool isMoved = seenX().startsWith("0 to"); // to begin at 0
                 QVERIFY(isMoved || std::abs(middleOfView().x() - cursor.x()) < 1e-6);
                 QVERIFY(std::abs(middleOfView().y() - cursor.y()) < 1e-9 * qMax(1.0, stepY()));
@@ -239,8 +239,8 @@ private slots:
             place(20.3);
             told();
             plot().setModeTrack(choice); // begins anew
-            QCOMPARE(told(), QString("onChange 0, onChModeChange 0 0 5, onChange 0, "
-                                     "onModeTrackChange 0 0 %1")
+            QCOMPARE(told(), QString("Change 0, ChMode 0 0 5, Change 0, "
+                                     "ModeTrack 0 0 %1")
                                  .arg(choice));
             QCOMPARE(seenLimits(), "- -");
             for (const double value : values) {

@@ -2,7 +2,6 @@
 #include "plot/frameclock.h"
 #include "plotbench.h"
 
-#include <QRegularExpression>
 #include <qwt_plot_curve.h>
 #include <qwt_scale_div.h>
 
@@ -94,36 +93,32 @@ private slots:
         };
         const Step steps[] = {
             {[&] { plot().setMeasShow(true), plot().setAverShow(true); }, "", "0.0va 0.1va"},
-            {[&] { plot().setAverShow(false); }, "onChange 0, onAverShowChange 0 0", "0.0v 0.1v"},
-            {[&] { plot().setChMain(1); },
-             "onChange 0, onChModeChange 0 1 0, onChMainChange 0 1, onChange 0", "0.1v"},
-            {[&] { plot().setChShow(true, 0, 0); }, "onChShowChange 0 0 1", "0.0v 0.1v"},
-            {[&] { plot().toggleMeasShow(); }, "onChange 0, onMeasShowChange 0 0", ""},
-            {[&] { plot().toggleAverShow(0); }, "onChange 0, onAverShowChange 0 1", "0.0a 0.1a"},
-            {[&] { plot().setChMain(); }, "onChange 0", "0.1a"},
-            {[&] { plot().setDevMain(1); },
-             "onChange 1, onChModeChange 1 0 1, onChMainChange 1 0, onDevChange 1, onChange 1",
+            {[&] { plot().setAverShow(false); }, "Change 0, AverShow 0 0", "0.0v 0.1v"},
+            {[&] { plot().setChMain(1); }, "Change 0, ChMode 0 1 0, ChMain 0 1, Change 0", "0.1v"},
+            {[&] { plot().setChShow(true, 0, 0); }, "ChShow 0 0 1", "0.0v 0.1v"},
+            {[&] { plot().toggleMeasShow(); }, "Change 0, MeasShow 0 0", ""},
+            {[&] { plot().toggleAverShow(0); }, "Change 0, AverShow 0 1", "0.0a 0.1a"},
+            {[&] { plot().setChMain(); }, "Change 0", "0.1a"},
+            {[&] { plot().setDevMain(1); }, "Change 1, ChMode 1 0 1, ChMain 1 0, Dev 1, Change 1",
              "1.0va 1.1va"},
             {[&] { plot().setDevShow(true, 0); }, "", "0.1a 1.0va 1.1va"},
-            {[&] { plot().toggleMeasShow(0); }, "onChange 0, onMeasShowChange 0 1",
-             "0.1va 1.0va 1.1va"},
+            {[&] { plot().toggleMeasShow(0); }, "Change 0, MeasShow 0 1", "0.1va 1.0va 1.1va"},
             {[&] { plot().setChMain(0, 0); }, // chosen, but not shown
-             "onChange 0, onChModeChange 0 0 0, onChMainChange 0 0, onChange 0", "1.0va 1.1va"},
+             "Change 0, ChMode 0 0 0, ChMain 0 0, Change 0", "1.0va 1.1va"},
             {[&] { plot().setDevShow(false, 0); }, "", "1.0va 1.1va"},
-            {[&] { plot().setChShow(false, 0, 1); }, "onChShowChange 0 1 0", "0.0va 1.0va 1.1va"},
-            {[&] { plot().setChColor(Qt::black, 1, 1); }, "onChange 1, onChColorChange 1 1 #000000",
+            {[&] { plot().setChShow(false, 0, 1); }, "ChShow 0 1 0", "0.0va 1.0va 1.1va"},
+            {[&] { plot().setChColor(Qt::black, 1, 1); }, "Change 1, ChColor 1 1 #000000",
              "0.0va 1.0va 1.1va"},
-            {[&] { plot().setDevMain(0); },
-             "onChange 0, onChModeChange 0 0 1, onChMainChange 0 0, onDevChange 0, onChange 0",
+            {[&] { plot().setDevMain(0); }, "Change 0, ChMode 0 0 1, ChMain 0 0, Dev 0, Change 0",
              "0.0va"},
             {[&] { // what does not exist
                  plot().setDevMain(7), plot().setChMain(3, 0), plot().setChMain(0, 7);
-                 plot().setMeasShow(false, 9), plot().setDevShow(true, 9),
-                     plot().setChShow(true, 0, 3);
+                 plot().setMeasShow(false, 9), plot().setDevShow(true, 9);
+                 plot().setChShow(true, 0, 3);
                  plot().setChColor(QColor("no colour"), 0, 1);
                  plot().setAverShow(false); // for what grows
              },
-             "onChange 0, onAverShowChange 0 0", "0.0v"}};
+             "Change 0, AverShow 0 0", "0.0v"}};
         for (const Step &step : steps) {
             step.act();
             QCOMPARE(told(), step.told);
@@ -133,10 +128,8 @@ private slots:
                      8 * plot().getChShow(9, 0) + 16 * plot().getMeasShow(9) +
                      32 * plot().getAverShow(9),
                  49);
-        plot().setChCount(3, 0);
-        plot().setChCount(3, 1);
-        plot().clear(0);
-        plot().clear(1);
+        for (const int qwtIndex : {0, 1})
+            plot().setChCount(3, qwtIndex), plot().clear(qwtIndex);
         addSteps(3);
         QCOMPARE(seen(), "0.0v 0.2v");
     }

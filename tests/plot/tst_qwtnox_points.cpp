@@ -93,7 +93,7 @@ private slots:
             add(20, 0, 1);
             told();
             QCOMPARE(add(value, time, 1), isAccepted);
-            QCOMPARE(told(), isAccepted ? "onAddPoint 0 1" : "onErrorAddPoint 0 1");
+            QCOMPARE(told(), isAccepted ? "AddPoint 0 1" : "ErrorAddPoint 0 1");
             QCOMPARE(plot().getChMeasCount(0, 1), isAccepted ? 2 : 1);
             QCOMPARE(plot().getChMeasStr(0, 1) == "--", !isAccepted);
             QCOMPARE(plot().getChAverStr(0, 1) == "--", !isAccepted);
@@ -115,8 +115,7 @@ private slots:
         plot().setChCount(2, 2);
         told();
         QVERIFY(add(20, 1, 5, 2));
-        QCOMPARE(told(),
-                 "onAddCh 2 5, onAddCh 2 4, onAddCh 2 3, onAddCh 2 2, onChange 2, onAddPoint 2 5");
+        QCOMPARE(told(), "AddCh 2 5, AddCh 2 4, AddCh 2 3, AddCh 2 2, Change 2, AddPoint 2 5");
         plot().setChMain(5, 2);
         told();
         plot().setChCount(255, 2);
@@ -125,13 +124,12 @@ private slots:
         const int curves = plot().itemList(QwtPlotItem::Rtti_PlotCurve).size();
         plot().setChCount(4, 2);
         QCOMPARE(plot().itemList(QwtPlotItem::Rtti_PlotCurve).size(), curves - 4);
-        QCOMPARE(told(),
-                 "onChange 2, onChModeChange 2 0 0, onChMainChange 2 0, onChange 2, onChange 2");
+        QCOMPARE(told(), "Change 2, ChMode 2 0 0, ChMain 2 0, Change 2, Change 2");
 
         refer(2, 0, 0, 1); // differences end with what they are against
         refer(2, 1, 0, 0);
         plot().setChCount(1, 0);
-        QCOMPARE(told(), "onChange 2, onChModeChange 2 0 1, onChange 0");
+        QCOMPARE(told(), "Change 2, ChMode 2 0 1, Change 0");
         QCOMPARE(reference(2, 0) + ", " + reference(2, 1), "none, 0 of 0");
         refer(2, 2, 0, 1); // one more than there are
         QCOMPARE(reference(2, 2), "none");
@@ -160,7 +158,7 @@ private slots:
         for (const bool prepares : {false, true}) {
             told();
             prepares ? plot().prepareMeas(0, yesterday) : plot().clear(0);
-            QCOMPARE(told(), prepares ? "onChange 0" : "");
+            QCOMPARE(told(), prepares ? "Change 0" : "");
             QCOMPARE(shown(), "nothing");
             QCOMPARE(plot().getChMeasCount(0, 0, false), 0);
             QCOMPARE(plot().getChMeasStr(0, 0) + plot().getChAverStr(0, 0), "--");
@@ -219,12 +217,12 @@ private slots:
     void manyPointsAreToldOfOnce()
     {
         const QVector<QPair<Numbers, QString>> batches = {
-            {{20, 21, 22}, "onAddPoint 0 0"},
-            {{20, 40}, "onAddPoint 0 0, onPointTrackOff 0 0"},
-            {{40, 20}, "onAddPoint 0 0, onPointTrackOff 0 0, onAddPoint 0 0"}, // back below it
-            {{20, -2000}, "onAddPoint 0 0, onErrorAddPoint 0 0"},
-            {{-2000, 20}, "onErrorAddPoint 0 0, onAddPoint 0 0"},
-            {{-2000, -2000}, "onErrorAddPoint 0 0"}};
+            {{20, 21, 22}, "AddPoint 0 0"},
+            {{20, 40}, "AddPoint 0 0, PointTrackOff 0 0"},
+            {{40, 20}, "AddPoint 0 0, PointTrackOff 0 0, AddPoint 0 0"}, // back below it
+            {{20, -2000}, "AddPoint 0 0, ErrorAddPoint 0 0"},
+            {{-2000, 20}, "ErrorAddPoint 0 0, AddPoint 0 0"},
+            {{-2000, -2000}, "ErrorAddPoint 0 0"}};
         renew();
         limit(0, TrackUpper);
         for (const auto &[values, expected] : batches) {
@@ -235,7 +233,7 @@ private slots:
             QCOMPARE(told(), expected);
         }
         plot().addPoints(0, {{1, 9, 20}, {0, 9, 20}}, {"°С", "°С"}); // in their order
-        QCOMPARE(told(), "onAddPoint 0 1, onAddPoint 0 0");
+        QCOMPARE(told(), "AddPoint 0 1, AddPoint 0 0");
     }
     void alarmsBeyondLimits()
     {
@@ -251,10 +249,10 @@ private slots:
                 for (const double value : {9.9, 10.0, 30.0, 30.1}) {
                     add(value, 1, 1);
                     const QString heard = told();
-                    if (heard == "onAddPoint 0 1, onPointTrackOff 0 1")
+                    if (heard == "AddPoint 0 1, PointTrackOff 0 1")
                         alarms += QString::number(value) + ' ';
                     else
-                        QCOMPARE(heard, "onAddPoint 0 1");
+                        QCOMPARE(heard, "AddPoint 0 1");
                 }
             }
             QCOMPARE(alarms, expected);
@@ -263,7 +261,7 @@ private slots:
     void differenceIsFormed()
     {
         withDifference();
-        QCOMPARE(told().section(", ", -2), "onChange 0, onChModeChange 0 0 1");
+        QCOMPARE(told().section(", ", -2), "Change 0, ChMode 0 0 1");
         QCOMPARE(reference(0, 0), "1 of 1");
         QCOMPARE(differences(), Numbers({90, 180, 270}));
         QCOMPARE(shown(), "3 270 180");
@@ -274,7 +272,7 @@ private slots:
 
         told();
         QVERIFY(!add(400, 4)); // the reference has nothing fresh
-        QCOMPARE(told(), "onErrorAddPoint 0 0");
+        QCOMPARE(told(), "ErrorAddPoint 0 0");
         add(30, 3, 1, 1); // no newer than the latest difference
         QVERIFY(!add(400, 4.5));
         add(30, 4.55, 1, 1);
@@ -352,7 +350,7 @@ private slots:
         const auto addPoint = [&] { QVERIFY(add(20, 1)); };
         const auto clear = [&] { plot().clear(0); };
         afterwards(&QwtNOX::onAddPoint, clear, addPoint);
-        QCOMPARE(told(), "onAddPoint 0 0");
+        QCOMPARE(told(), "AddPoint 0 0");
         const QPair<QList<int>, int> onlyOther({1}, 4);
         const auto remove = [&] { plot().removeDev(0); };
         QCOMPARE(afterwards(&QwtNOX::onAddPoint, remove, addPoint), onlyOther);
