@@ -162,6 +162,17 @@ protected:
         return plot().addPoint(value, time, "°С", qwtIndex, uchar(ch));
     }
 
+    /** What is read of a channel: count, value, average, time, unit, and the newest steps. */
+    QString row(int qwtIndex, int channel) const
+    {
+        const auto ch = uchar(channel);
+        return QStringList({QString::number(plot().getChMeasCount(qwtIndex, ch)),
+                            plot().getChMeasStr(qwtIndex, ch), plot().getChAverStr(qwtIndex, ch),
+                            plot().getChTimeStr(qwtIndex, ch), plot().getChDim(qwtIndex, ch),
+                            plot().getChDXStr(qwtIndex, ch), plot().getChDYStr(qwtIndex, ch)})
+            .join('|');
+    }
+
     // What the axes show, as "0 to 100 by 10".
     QString seenX() const { return view(QwtPlot::xBottom); }
     QString seenY() const { return view(QwtPlot::yLeft); }

@@ -180,43 +180,39 @@ private slots:
     }
     void framesStandBesideTheirPoints()
     {
-        for (const QPointF &point :
-             {QPointF(5, 20.6), QPointF(95, 20.6), QPointF(5, 19.85), QPointF(95, 19.85)}) {
+        const struct {
+            QPointF point;
+            std::function<void()> change;
+        } cases[] = {{{5, 20.6}, [this] { mouse().wheel(mouse().pixel(45, 20.3), true); }},
+                     {{95, 20.6},
+                      [this] {
+                          mouse().drag({300, 50}, {250, 250}, Qt::RightButton);
+                      }},
+                     {{5, 19.85}, [this] { plot().resize(600, 380); }},
+                     {{95, 19.85}, [this] {
+                          plot().setChMode(ModeLimits);
+                          add(2e6, 200); // which has longer labels
+                      }}};
+        for (const auto &one : cases) {
             init();
-            const QPoint at = mouse().pixel(point.x(), point.y());
+            const QPoint at = mouse().pixel(one.point.x(), one.point.y());
             mouse().click(at);
             QCOMPARE(frameOf("pointFrame")->pos(), beside(at, "pointFrame"));
-            mouse().click(at + QPoint(1, 1));
             plot().calcPrecision(1); // seven decimals
-            plot().setMeasPoint(point);
+            plot().setMeasPoint(one.point);
             const QWidget *frame = frameOf("measurementFrame");
             QCOMPARE(frame->size(), frame->sizeHint());
             QCOMPARE(frame->pos(), beside(at, "measurementFrame"));
-        }
-    }
-    void framesFollowTheAxes()
-    {
-        const std::function<void()> changes[] = {
-            [this] { mouse().wheel(mouse().pixel(45, 20.35), true); },
-            [this] {
-                mouse().drag({300, 50}, {250, 250}, Qt::RightButton);
-            },
-            [this] { plot().resize(600, 380); },
-            [this] {
-                plot().setChMode(ModeLimits);
-                add(2e6, 200); // which has longer labels
-            }};
-        for (const auto &change : changes) {
-            init();
-            measure({40, 48});
+            const QPointF clicked = mouse().point(at);
             const QVector<QPointF> crosses = seenCrosses();
-            change();
-            const auto isBeside = [&](const char *frame, const QPointF &point) {
-                const QPoint at = mouse().pixel(point.x(), point.y());
-                return frameOf(frame)->pos() == beside(at, frame);
+            one.change();
+            const auto isBeside = [&](const char *name, const QPointF &point) {
+                const QPoint now = mouse().pixel(point.x(), point.y());
+                return frameOf(name)->pos() == beside(now, name);
             };
-            QTRY_VERIFY(isBeside("pointFrame", crosses[0]));
-            QTRY_VERIFY(isBeside("measurementFrame", crosses[1]));
+            QTRY_VERIFY(isBeside("pointFrame", clicked));
+            QTRY_VERIFY(isBeside("measurementFrame", one.point));
+            QVERIFY(mouse().pixel(one.point.x(), one.point.y()) != at);
             const QString before = state();
             QVERIFY(before.endsWith(" 2 point interval"));
             plot().addDev(7, 1); // what is measured stays, its frames do not
