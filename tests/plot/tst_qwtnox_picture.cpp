@@ -290,7 +290,7 @@ private slots:
             [&] { add(20, 66); },
             [&] { add(20, 1, 1); },
             [&] {
-                plot().addPoints(0, QVector<PlotPoint>{{1, 2, 20}}, {"", ""});
+                plot().addPoints(0, {PlotPoint{1, 2, 20}}, QVector<QString>(2));
             },
             [&] { plot().setChColor(Qt::black); },
             [&] { plot().setChShow(false, 0, 1); },

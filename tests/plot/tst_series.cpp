@@ -47,10 +47,9 @@ double plainAverage(const Numbers &values, int index)
 
 ValueRange plainRange(const Numbers &values, int first, int end)
 {
-    ValueRange range;
-    for (int i = first; i < end; ++i)
-        range.include(values[i]);
-    return range;
+    const auto [least, greatest] =
+        std::minmax_element(values.begin() + first, values.begin() + end);
+    return first < end ? ValueRange{*least, *greatest} : ValueRange();
 }
 
 /** The rule word by word: all points but the newest are looked at, one after the other. */
