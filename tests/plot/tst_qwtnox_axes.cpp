@@ -54,14 +54,19 @@ private slots:
             QCOMPARE(seenY(), y);
             const int decimals = qMax(0, -int(std::floor(std::log10(stepY()) + 1e-9)));
             QCOMPARE(int(plot().getPrecision()), decimals);
-            plot().addDev(2, 1); // without points axes are as in the beginning
-            plot().setDevMain(2);
-            QCOMPARE(seenViews(), "0 to 10 by 1, 0 to 10 by 1");
-            plot().setDevMain(0);
-            plot().clear(0);
-            plot().setChMain(1);
-            QCOMPARE(seenViews(), "0 to 10 by 1, 0 to 10 by 1");
         }
+    }
+    void withoutPointsAxesAreAsInTheBeginning()
+    {
+        withRamp();
+        plot().addDev(2, 1);
+        plot().setDevMain(2);
+        QCOMPARE(seenViews(), "0 to 10 by 1, 0 to 10 by 1");
+        plot().setDevMain(0);
+        QCOMPARE(seenX(), "0 to 100 by 10");
+        plot().clear(0);
+        plot().setChMain(1);
+        QCOMPARE(seenViews(), "0 to 10 by 1, 0 to 10 by 1");
     }
     void visibleCurveDecides()
     {
@@ -149,8 +154,13 @@ private slots:
         QCOMPARE(int(plot().getChScaleX()) + 100 * plot().getChScaleX(1, 1) +
                      plot().getChModeX(9, 0),
                  503);
+    }
+    void labelsAreThoseOfTheMainChannel()
+    {
+        plot().setChModeX(ModeXRelative, 1, 1);
+        plot().changeModeX(ModeXAbsolute);
         plot().setChMain(1, 1);
-        QCOMPARE(labelX(70), "23:01");
+        QCOMPARE(labelX(70), "23:01:10");
         plot().setDevMain(1);
         QCOMPARE(labelX(70), "00:01:10");
         plot().setChMain(0);
