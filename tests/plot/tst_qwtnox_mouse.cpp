@@ -147,10 +147,16 @@ private slots:
             const QString before = seenX();
             add(20, 1e7);
             QCOMPARE(seenX() != before, isStored || mode == ModeLimits); // follows again
-            plot().setDevMain(1);                                        // which has no point yet
+        }
+    }
+    void wheelWorksWithoutPoints()
+    {
+        for (int mode = ModeAuto; mode <= ModeLimits; ++mode) {
+            plot().setDevMain(1);
             plot().changeMode(mode);
             mouse().wheel(mouse().middle(), false);
             QCOMPARE(steps(), "2 сек. 2");
+            init();
         }
     }
     void pans()

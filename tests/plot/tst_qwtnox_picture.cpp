@@ -82,48 +82,60 @@ class TestQwtNOXPicture : public PlotTest
         return labels.join('|');
     }
 
-private slots:
-    void curvesOfWhatIsOnShow()
+    struct Step {
+        std::function<void()> act;
+        QString told;
+        QString seen;
+    };
+    void walk(const QVector<Step> &steps)
     {
-        addSteps(2);
-        struct Step {
-            std::function<void()> act;
-            QString told;
-            QString seen;
-        };
-        const Step steps[] = {
+        for (const Step &step : steps) {
+            step.act();
+            QCOMPARE(told(), step.told);
+            QCOMPARE(seen(), step.seen);
+        }
+    }
+    QVector<Step> withinAnInstrument()
+    {
+        return {
             {[&] { plot().setMeasShow(true), plot().setAverShow(true); }, "", "0.0va 0.1va"},
             {[&] { plot().setAverShow(false); }, "Change 0, AverShow 0 0", "0.0v 0.1v"},
             {[&] { plot().setChMain(1); }, "Change 0, ChMode 0 1 0, ChMain 0 1, Change 0", "0.1v"},
             {[&] { plot().setChShow(true, 0, 0); }, "ChShow 0 0 1", "0.0v 0.1v"},
             {[&] { plot().toggleMeasShow(); }, "Change 0, MeasShow 0 0", ""},
             {[&] { plot().toggleAverShow(0); }, "Change 0, AverShow 0 1", "0.0a 0.1a"},
-            {[&] { plot().setChMain(); }, "Change 0", "0.1a"},
-            {[&] { plot().setDevMain(1); }, "Change 1, ChMode 1 0 1, ChMain 1 0, Dev 1, Change 1",
-             "1.0va 1.1va"},
-            {[&] { plot().setDevShow(true, 0); }, "", "0.1a 1.0va 1.1va"},
-            {[&] { plot().toggleMeasShow(0); }, "Change 0, MeasShow 0 1", "0.1va 1.0va 1.1va"},
-            {[&] { plot().setChMain(0, 0); }, // chosen, but not shown
-             "Change 0, ChMode 0 0 0, ChMain 0 0, Change 0", "1.0va 1.1va"},
-            {[&] { plot().setDevShow(false, 0); }, "", "1.0va 1.1va"},
-            {[&] { plot().setChShow(false, 0, 1); }, "ChShow 0 1 0", "0.0va 1.0va 1.1va"},
-            {[&] { plot().setChColor(Qt::black, 1, 1); }, "Change 1, ChColor 1 1 #000000",
-             "0.0va 1.0va 1.1va"},
-            {[&] { plot().setDevMain(0); }, "Change 0, ChMode 0 0 1, ChMain 0 0, Dev 0, Change 0",
-             "0.0va"},
-            {[&] { // what does not exist
-                 plot().setDevMain(7), plot().setChMain(3, 0), plot().setChMain(0, 7);
-                 plot().setMeasShow(false, 9), plot().setDevShow(true, 9);
-                 plot().setChShow(true, 0, 3);
-                 plot().setChColor(QColor("no colour"), 0, 1);
-                 plot().setAverShow(false); // for what grows
-             },
-             "Change 0, AverShow 0 0", "0.0v"}};
-        for (const Step &step : steps) {
-            step.act();
-            QCOMPARE(told(), step.told);
-            QCOMPARE(seen(), step.seen);
-        }
+            {[&] { plot().setChMain(); }, "Change 0", "0.1a"}};
+    }
+    QVector<Step> betweenInstruments()
+    {
+        return {{[&] { plot().setDevMain(1); },
+                 "Change 1, ChMode 1 0 1, ChMain 1 0, Dev 1, Change 1", "1.0va 1.1va"},
+                {[&] { plot().setDevShow(true, 0); }, "", "0.1a 1.0va 1.1va"},
+                {[&] { plot().toggleMeasShow(0); }, "Change 0, MeasShow 0 1", "0.1va 1.0va 1.1va"},
+                {[&] { plot().setChMain(0, 0); }, // chosen, but not shown
+                 "Change 0, ChMode 0 0 0, ChMain 0 0, Change 0", "1.0va 1.1va"},
+                {[&] { plot().setDevShow(false, 0); }, "", "1.0va 1.1va"},
+                {[&] { plot().setChShow(false, 0, 1); }, "ChShow 0 1 0", "0.0va 1.0va 1.1va"},
+                {[&] { plot().setChColor(Qt::black, 1, 1); }, "Change 1, ChColor 1 1 #000000",
+                 "0.0va 1.0va 1.1va"},
+                {[&] { plot().setDevMain(0); },
+                 "Change 0, ChMode 0 0 1, ChMain 0 0, Dev 0, Change 0", "0.0va"},
+                {[&] { // what does not exist
+                     plot().setDevMain(7), plot().setChMain(3, 0), plot().setChMain(0, 7);
+                     plot().setMeasShow(false, 9), plot().setDevShow(true, 9);
+                     plot().setChShow(true, 0, 3);
+                     plot().setChColor(QColor("no colour"), 0, 1);
+                     plot().setAverShow(false); // for what grows
+                 },
+                 "Change 0, AverShow 0 0", "0.0v"}};
+    }
+
+private slots:
+    void curvesOfWhatIsOnShow()
+    {
+        addSteps(2);
+        walk(withinAnInstrument());
+        walk(betweenInstruments());
         QCOMPARE(plot().getMeasShow() + 2 * plot().getAverShow() + 4 * plot().getChShow(0, 1) +
                      8 * plot().getChShow(9, 0) + 16 * plot().getMeasShow(9) +
                      32 * plot().getAverShow(9),

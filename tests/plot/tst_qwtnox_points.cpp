@@ -79,6 +79,17 @@ class TestQwtNOXPoints : public PlotTest
         plot().setChDiff(1, 1, 0, 0);
     }
 
+    /** Instruments and number of curves after an act to which a listener answers with a change. */
+    template<typename Signal, typename Change>
+    QPair<QList<int>, int> afterwards(Signal signal, Change change,
+                                      const std::function<void()> &act)
+    {
+        QObject listener;
+        connect(&plot(), signal, &listener, change);
+        act();
+        return {plot().devices().keys(), plot().itemList(QwtPlotItem::Rtti_PlotCurve).size()};
+    }
+
 private slots:
     void acceptsOrRejects()
     {
@@ -337,15 +348,8 @@ private slots:
         QCOMPARE(labelX(70), "70");
         plot().replot();
     }
-    void listenersMayChangeTheRecords()
+    void listenersMayChangeWhatComes()
     {
-        const auto curves = [this] { return plot().itemList(QwtPlotItem::Rtti_PlotCurve).size(); };
-        const auto afterwards = [&](auto signal, auto change, const std::function<void()> &act) {
-            QObject listener;
-            connect(&plot(), signal, &listener, change);
-            act();
-            return QPair<QList<int>, int>(plot().devices().keys(), curves());
-        };
         limit(0, TrackLower);
         const auto addPoint = [&] { QVERIFY(add(20, 1)); };
         const auto clear = [&] { plot().clear(0); };
@@ -363,7 +367,11 @@ private slots:
         const QVector<PlotPoint> points = {{0, 1, 20}, {1, 1, 20}, {0, 2, 20}};
         const auto addPoints = [&] { QCOMPARE(plot().addPoints(2, points, {"°С", "°С"}), 1); };
         QCOMPARE(afterwards(&QwtNOX::onAddCh, removeAtTheSecond, addPoints), onlyOther);
-
+    }
+    void listenersMayChangeWhatLeaves()
+    {
+        plot().removeDev(0);
+        const QPair<QList<int>, int> onlyOther({1}, 4);
         plot().addDev(2, 0);
         const auto addToWhoLeaves = [&](int qwtIndex) {
             if (qwtIndex == 2 && plot().getChCount(2) == 0)
