@@ -30,13 +30,13 @@ class TestQwtNOXMeasure : public PlotTest
     QPoint beside(const QPoint &at, const char *name) const
     {
         const QSize size = frameOf(name)->size();
-        const QPoint Plot = at + QPoint(plot().axisWidget(QwtPlot::yLeft)->width(), 0);
-        const bool isRight = Plot.x() <= plot().canvas()->width() / 2;
-        const bool isBelow = Plot.y() <= plot().canvas()->height() / 2;
-        return {isRight ? Plot.x() + 10 : Plot.x() - size.width() - 10,
-                isBelow ? Plot.y() + 10 : Plot.y() - size.height() - 10};
+        const QPoint onPlot = at + QPoint(plot().axisWidget(QwtPlot::yLeft)->width(), 0);
+        const bool isRight = onPlot.x() <= plot().canvas()->width() / 2;
+        const bool isBelow = onPlot.y() <= plot().canvas()->height() / 2;
+        return {isRight ? onPlot.x() + 10 : onPlot.x() - size.width() - 10,
+                isBelow ? onPlot.y() + 10 : onPlot.y() - size.height() - 10};
     }
-    QPoint Canvas(const QWidget *widget, const QPoint &at) const
+    QPoint onCanvas(const QWidget *widget, const QPoint &at) const
     {
         return plot().canvas()->mapFrom(&plot(), widget->mapTo(&plot(), at));
     }
@@ -160,7 +160,7 @@ private slots:
             const QLabel *label = plot().findChild<QLabel *>(name);
             QVERIFY(!label->text().isEmpty());
             QCOMPARE(label->cursor().shape(), Qt::PointingHandCursor);
-            const QPoint at = Canvas(label, label->rect().center());
+            const QPoint at = onCanvas(label, label->rect().center());
             mouse().click(at, name == "pointY" ? Qt::RightButton : Qt::LeftButton);
             QCOMPARE(QGuiApplication::clipboard()->text(), label->text());
             QCOMPARE(label->styleSheet(), "color: blue");
@@ -170,9 +170,12 @@ private slots:
             for (const QLabel *label : frameOf(caption)->findChildren<QLabel *>())
                 QCOMPARE(label->styleSheet().isEmpty(), label->objectName().isEmpty());
         const QWidget *frame = frameOf("measurementFrame"); // no curve shows through
-        const QRect row(frame->pos() + QPoint(4, 4), QSize(frame->width() - 8, 1));
+        const QRect row(frame->pos() + QPoint(4, 2), QSize(frame->width() - 8, 4));
         QVERIFY(inkOf(plot().grab().toImage(), row, Qt::red).isNull());
         QVERIFY(inkOf(plot().grab().toImage(), row, Qt::darkGray).isNull());
+        plot().setChMode(ModeZoom); // where a click would begin anew
+        mouse().click(onCanvas(frame, {3, 3}));
+        QCOMPARE(state(), "УВЕЛИЧЕНИЕ 2 point interval");
         plot().addMeasPointFirst({40, 20.4}, {500, 400});
         plot().setMeasPoint({50, 20});
         for (const QLabel *label : plot().findChildren<QLabel *>())

@@ -72,7 +72,7 @@ class TestQwtNOXPicture : public PlotTest
         for (const double tick : axis->scaleDraw()->scaleDiv().ticks(QwtScaleDiv::MajorTick)) {
             const QRect label = axis->scaleDraw()->boundingLabelRect(axis->font(), tick);
             const QRect middle(label.center().x() - 4, label.top(), 8, label.height());
-            const QRect ink = inkOf(image, label.adjusted(-6, 0, 6, 0), Qt::black);
+            const QRect ink = inkOf(image, label.adjusted(-8, 0, 8, 0), Qt::black);
             if (inkOf(image, middle, Qt::black).isEmpty())
                 continue;
             const bool isClear =
@@ -228,6 +228,12 @@ private slots:
         QCOMPARE(paintedLabels(),
                  "23:00|02.03.26 00:00|02.03.26 01:00|02.03.26 02:00|02.03.26 03:00|"
                  "02.03.26 04:00");
+        for (int width = 1000; width < 1400; width += 9) { // until each one has room
+            plot().resize(width, 500);
+            QVERIFY2(!paintedLabels().contains("unclear"), qPrintable(QString::number(width)));
+        }
+        QCOMPARE(paintedLabels().count('|'), 10);
+        plot().resize(800, 500);
         for (int second = 90000; second < 99000; second += 1800) { // the view moves by a step
             add(20, second);
             const QStringList labels = paintedLabels().split('|');
