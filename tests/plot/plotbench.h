@@ -14,6 +14,7 @@
 
 #include <cmath>
 #include <memory>
+#include <tuple>
 #include <utility>
 
 using Numbers = QVector<double>;

@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <tuple>
 
 // What the axes show and how it is written, as plain functions.
 
@@ -53,20 +54,18 @@ private slots:
     }
     void choosesSteps()
     {
-        const struct {
-            double first, last;
-            int timeStep, valueStep;
-        } data[] = {{5, 5, 1, 1},
-                    {0, 8.5, 1, 19}, // just fit steps of 1
-                    {0, 8.51, 2, 20},
-                    {1000, 1065, 4, 22}, // the width counts, not the place
-                    {-700, -300, 7, 24},
-                    {0.0100, 0.0137, 1, 9},
-                    {0, 86400, 15, lastY},
-                    {0, 17000, 13, lastY},
-                    {-1000, 1e9, lastX, lastY}, // beyond the tables
-                    {-1000, qInf(), lastX, lastY},
-                    {500, 100, 1, 1}}; // a clock set back
+        const QVector<std::tuple<double, double, int, int>> data = {
+            {5, 5, 1, 1},
+            {0, 8.5, 1, 19}, // just fit steps of 1
+            {0, 8.51, 2, 20},
+            {1000, 1065, 4, 22}, // the width counts, not the place
+            {-700, -300, 7, 24},
+            {0.0100, 0.0137, 1, 9},
+            {0, 86400, 15, lastY},
+            {0, 17000, 13, lastY},
+            {-1000, 1e9, lastX, lastY}, // beyond the tables
+            {-1000, qInf(), lastX, lastY},
+            {500, 100, 1, 1}}; // a clock set back
         for (const auto &[first, last, timeStep, valueStep] : data) {
             QCOMPARE(stepForTimes(first, last, 10), timeStep);
             QCOMPARE(stepForValues({first, last}, 10), valueStep);
@@ -74,10 +73,7 @@ private slots:
     }
     void showsRectangles()
     {
-        const struct {
-            QRectF rectangle;
-            const char *x, *y;
-        } data[] = {
+        const QVector<std::tuple<QRectF, QString, QString>> data = {
             {{12, 20, 35, 0.8}, "from 12 by 5", "from 19.9 by 0.1"},
             {{0, 20, 50, 0.8}, "from 0 by 5", "from 19.9 by 0.1"}, // ten steps just fit
             {{0, 20, 50.1, 0.8}, "from 0 by 10", "from 19.9 by 0.1"},
@@ -136,11 +132,7 @@ private slots:
     }
     void writesTimes()
     {
-        const struct {
-            TmcModeX mode;
-            double first, second, step;
-            const char *texts;
-        } data[] = {
+        const QVector<std::tuple<TmcModeX, double, double, double, QString>> data = {
             {ModeXSeconds, 1.26, 9e4, 1, "1.3|90000.0|89998.7"},
             {ModeXRelative, 3600.9, 7325, 60, "01:00|02:02|01:02"},
             {ModeXRelative, 61.9, 3725, 59, "00:01:01|01:02:05|01:01:03"},

@@ -13,11 +13,8 @@ class TestQwtNOXAxes : public PlotTest
 private slots:
     void followData()
     {
-        const struct {
-            int scaleX, scaleY; // 7 is a minute, 16 a tenth
-            QVector<QPointF> points;
-            const char *x, *y;
-        } data[] = {
+        // 7 is a minute, 16 a tenth
+        const QVector<std::tuple<int, int, QVector<QPointF>, QString, QString>> data = {
             {0, 0, {}, "0 to 10 by 1", "0 to 10 by 1"},
             {0, 0, {{0, 20}, {65, 20.65}}, "0 to 100 by 10", "19.8 to 20.8 by 0.1"},
             {0, 0, {{1234, 2}, {1240, 2}}, "1234 to 1244 by 1", "1.999995 to 2.000005 by 1e-06"},

@@ -69,15 +69,13 @@ private slots:
     }
     void pointsAreOrdered()
     {
-        const struct {
-            QVector<double> clicks;
-            const char *texts; // X1, Y1, X2, Y2, differences
-            bool hasPoint;     // the frame of the first one
-        } data[] = {{{30, 50}, "30 20.60 50 20.61 20 0.01", true},
-                    {{30, 10}, "10 20.61 30 20.60 20 -0.01", true},
-                    {{30, 50, 40}, "30 20.60 40 20.62 10 0.02", true},
-                    {{30, 50, 20}, "20 20.62 30 20.60 10 -0.02", true},
-                    {{30, 10, 20}, "10 20.61 20 20.62 10 0.01", false}}; // it has gone
+        // X1, Y1, X2, Y2, differences; the frame of the first one
+        const QVector<std::tuple<QVector<double>, QString, bool>> data = {
+            {{30, 50}, "30 20.60 50 20.61 20 0.01", true},
+            {{30, 10}, "10 20.61 30 20.60 20 -0.01", true},
+            {{30, 50, 40}, "30 20.60 40 20.62 10 0.02", true},
+            {{30, 50, 20}, "20 20.62 30 20.60 10 -0.02", true},
+            {{30, 10, 20}, "10 20.61 20 20.62 10 0.01", false}}; // it has gone
         for (const auto &[clicks, expected, hasPoint] : data) {
             init();
             measure(clicks);
@@ -125,13 +123,12 @@ private slots:
     }
     void writesStatistics()
     {
-        const struct {
-            double x1, x2;
-            const char *texts; // mean, deviation, count
-        } intervals[] = {{0.5, 2.5, "3.000 1.4142 2"},
-                         {0.5, 10, "4.667 3.0551 3"}, // without the newest point
-                         {0.5, 1.5, "2.000 -- 1"},
-                         {1.2, 1.8, "-- -- 0"}};
+        // mean, deviation, count
+        const QVector<std::tuple<double, double, QString>> intervals = {
+            {0.5, 2.5, "3.000 1.4142 2"},
+            {0.5, 10, "4.667 3.0551 3"}, // without the newest point
+            {0.5, 1.5, "2.000 -- 1"},
+            {1.2, 1.8, "-- -- 0"}};
         for (const bool isDifference : {false, true}) {
             renew();
             if (isDifference)

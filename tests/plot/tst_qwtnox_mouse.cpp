@@ -84,11 +84,9 @@ private slots:
     }
     void shortWaysAreClicks()
     {
-        const struct {
-            QPoint way;
-            bool zooms, pans;
-        } ways[] = {{{0, 0}, false, false},  {{9, -9}, false, false}, {{10, 2}, true, false},
-                    {{2, -10}, true, false}, {{-11, 0}, true, true},  {{3, 11}, true, true}};
+        const QVector<std::tuple<QPoint, bool, bool>> ways = {
+            {{0, 0}, false, false},  {{9, -9}, false, false}, {{10, 2}, true, false},
+            {{2, -10}, true, false}, {{-11, 0}, true, true},  {{3, 11}, true, true}};
         for (const auto &[way, zooms, pans] : ways) {
             init();
             const QPoint from(300, 200);
@@ -229,15 +227,12 @@ private slots:
     }
     void placesLimits()
     {
-        const struct {
-            TmcTrackingMode choice;
-            QVector<double> values;
-            QString limits;
-        } choices[] = {{TrackUpper, {20.4, 20.2}, "20.40 -"}, // once
-                       {TrackLower, {20.1}, "- 20.10"},
-                       {TrackRange, {20.4}, "20.40 -"},
-                       {TrackRange, {20.4, 20.1, 20.2}, "20.40 20.10"},
-                       {TrackRange, {20.1, 20.4, 20.2}, "20.40 20.10"}};
+        const QVector<std::tuple<TmcTrackingMode, QVector<double>, QString>> choices = {
+            {TrackUpper, {20.4, 20.2}, "20.40 -"}, // once
+            {TrackLower, {20.1}, "- 20.10"},
+            {TrackRange, {20.4}, "20.40 -"},
+            {TrackRange, {20.4, 20.1, 20.2}, "20.40 20.10"},
+            {TrackRange, {20.1, 20.4, 20.2}, "20.40 20.10"}};
         for (const auto &[choice, values, limits] : choices) {
             init();
             plot().setChScaleY(16);

@@ -93,17 +93,15 @@ class TestQwtNOXPoints : public PlotTest
 private slots:
     void acceptsOrRejects()
     {
-        const struct {
-            double value, time;
-            const char *row;
-        } points[] = {{-1299.9, 1, "2|-1299.90|-639.95|1|°С|1.0|-1319.90"},
-                      {20.1, 0, "2|20.10|20.05|0|°С|0.0|0.10"},
-                      {-1300, 1, "1|--|--|0|°С||"},
-                      {20.1, -0.001, "1|--|--|0|°С||"},
-                      {qInf(), 1, "1|--|--|0|°С||"},
-                      {qQNaN(), 1, "1|--|--|0|°С||"},
-                      {20.1, qInf(), "1|--|--|0|°С||"},
-                      {20.1, qQNaN(), "1|--|--|0|°С||"}};
+        const QVector<std::tuple<double, double, QString>> points = {
+            {-1299.9, 1, "2|-1299.90|-639.95|1|°С|1.0|-1319.90"},
+            {20.1, 0, "2|20.10|20.05|0|°С|0.0|0.10"},
+            {-1300, 1, "1|--|--|0|°С||"},
+            {20.1, -0.001, "1|--|--|0|°С||"},
+            {qInf(), 1, "1|--|--|0|°С||"},
+            {qQNaN(), 1, "1|--|--|0|°С||"},
+            {20.1, qInf(), "1|--|--|0|°С||"},
+            {20.1, qQNaN(), "1|--|--|0|°С||"}};
         for (const auto &[value, time, expected] : points) {
             renew();
             add(20, 0, 1);
@@ -313,10 +311,7 @@ private slots:
     }
     void differenceRequests()
     {
-        const struct {
-            int diffCh, diffQwtIndex, qwtIndex, ch;
-            const char *result;
-        } requests[] = {
+        const QVector<std::tuple<int, int, int, int, QString>> requests = {
             {0, 1, 0, 0, "0 of 1, СЛЕЖЕНИЕ"},   {1, 0, 0, 0, "1 of 0, СЛЕЖЕНИЕ"},
             {255, -1, 0, 0, "none, СЛЕЖЕНИЕ"},  {1, 9, 0, 0, "1 of 1, СЛЕЖЕНИЕ"}, // it is gone
             {1, -1, 0, 0, "1 of 1, СЛЕЖЕНИЕ"},  {2, 1, 0, 0, "1 of 1, СЛЕЖЕНИЕ"},

@@ -224,21 +224,20 @@ private slots:
     }
     void pairsByTime()
     {
-        const struct {
-            Numbers times, referenceTimes;
-            const char *pairs; // "point-reference point", counted from 0
-        } data[] = {{{1, 2, 3}, {0.5, 1.5, 2.5}, "0-0 1-1 2-2"},
-                    {{1, 2, 3}, {1.2, 2.2}, "1-0 2-1"}, // the reference begins later
-                    {{1, 2, 3}, {1, 2, 3}, "0-0 1-1 2-2"},
-                    {{2, 3}, {1, 2}, "0-0 1-1"},            // at the predecessor's time
-                    {{5, 6, 7}, {1, 2, 3, 5.5}, "0-0 1-3"}, // before it: skipped
-                    {{1, 2, 3}, {0.2, 1.1, 1.2, 1.3, 2.5}, "0-0 1-1 2-4"},
-                    {{1, 2, 3, 4}, {0.5, 3.5}, "0-0 3-1"}, // none between: the point has none
-                    {{1, 2, 3}, {0.5}, "0-0"},
-                    {{1, 2}, {5, 6}, ""},
-                    {{1, 1, 1}, {1, 1}, "0-0 1-1"}, // time stands still
-                    {{1, 2}, {}, ""},
-                    {{}, {1, 2}, ""}};
+        // "point-reference point", counted from 0
+        const QVector<std::tuple<Numbers, Numbers, QString>> data = {
+            {{1, 2, 3}, {0.5, 1.5, 2.5}, "0-0 1-1 2-2"},
+            {{1, 2, 3}, {1.2, 2.2}, "1-0 2-1"}, // the reference begins later
+            {{1, 2, 3}, {1, 2, 3}, "0-0 1-1 2-2"},
+            {{2, 3}, {1, 2}, "0-0 1-1"},            // at the predecessor's time
+            {{5, 6, 7}, {1, 2, 3, 5.5}, "0-0 1-3"}, // before it: skipped
+            {{1, 2, 3}, {0.2, 1.1, 1.2, 1.3, 2.5}, "0-0 1-1 2-4"},
+            {{1, 2, 3, 4}, {0.5, 3.5}, "0-0 3-1"}, // none between: the point has none
+            {{1, 2, 3}, {0.5}, "0-0"},
+            {{1, 2}, {5, 6}, ""},
+            {{1, 1, 1}, {1, 1}, "0-0 1-1"}, // time stands still
+            {{1, 2}, {}, ""},
+            {{}, {1, 2}, ""}};
         for (const auto &[times, referenceTimes, expected] : data) {
             QStringList pairs;
             pairDifferences(seriesOf(times), seriesOf(referenceTimes),
@@ -250,16 +249,14 @@ private slots:
     }
     void writesValues()
     {
-        const struct {
-            signed char asked;
-            uchar ofChannel, ofMainChannel;
-            const char *texts;                       // value, average, change
-        } data[] = {{0, 4, 4, "21.50 20.75 1.5000"}, // two decimals at least
-                    {5, 3, 3, "21.50000 20.75000 1.500"},
-                    {-1, 3, 6, "21.500 20.750 1.500"},
-                    {-1, 0, 6, "21.500000 20.750000 1.500000"}, // those of the main channel
-                    {-1, 0, 0, "21.50 20.75 1.50"},
-                    {-1, 1, 6, "21.50 20.75 1.5"}};
+        // value, average, change
+        const QVector<std::tuple<signed, uchar, uchar, QString>> data = {
+            {0, 4, 4, "21.50 20.75 1.5000"}, // two decimals at least
+            {5, 3, 3, "21.50000 20.75000 1.500"},
+            {-1, 3, 6, "21.500 20.750 1.500"},
+            {-1, 0, 6, "21.500000 20.750000 1.500000"}, // those of the main channel
+            {-1, 0, 0, "21.50 20.75 1.50"},
+            {-1, 1, 6, "21.50 20.75 1.5"}};
         renew();
         QCOMPARE(row(0, 1), "0|--|--||||");
         add(20, 1, 1);
