@@ -1,16 +1,41 @@
 #pragma once
 
+#include "plot/series.h"
 #include "plotmouse.h"
-#include "signallog.h"
 
 #include <QImage>
 #include <QLabel>
+#include <QMetaMethod>
+#include <QRegularExpression>
 #include <qwt_plot_marker.h>
 #include <qwt_plot_textlabel.h>
 #include <qwt_scale_draw.h>
 #include <qwt_scale_widget.h>
 
 #include <cmath>
+#include <memory>
+#include <tuple>
+#include <utility>
+
+using Numbers = QVector<double>;
+
+inline Series seriesOf(const Numbers &numbers)
+{
+    Series series;
+    for (const double number : numbers)
+        series.append(number);
+    return series;
+}
+
+/** Of a Series or of MovingAverages. */
+template<typename Values>
+Numbers numbersOf(const Values &values)
+{
+    Numbers numbers;
+    for (int i = 0; i < values.size(); ++i)
+        numbers.append(values[i]);
+    return numbers;
+}
 
 /** True where something was drawn in the colour on white, be it smoothed. */
 inline bool isInked(QRgb pixel, const QColor &color)
@@ -22,86 +47,161 @@ inline bool isInked(QRgb pixel, const QColor &color)
            isBetween(qBlue(pixel), color.blue());
 }
 
-/** Share of the pixels on a level or upright line for which `isInk` holds, of three lines the most.
+/** True when a dotted line of the colour, level or upright, was drawn there, be it a pixel beside.
  */
-template<typename IsInk>
-double inkAlong(const QPoint &from, const QPoint &to, IsInk isInk)
+inline bool isDotted(const QImage &picture, const QPoint &from, const QPoint &to,
+                     const QColor &color)
 {
     const bool isLevel = from.y() == to.y();
     const int length = isLevel ? to.x() - from.x() : to.y() - from.y();
     double best = 0;
     for (const int beside : {-1, 0, 1}) {
         int inked = 0;
-        for (int i = 0; i < length; ++i)
-            inked += isInk(from + (isLevel ? QPoint(i, beside) : QPoint(beside, i))) ? 1 : 0;
+        for (int i = 0; i < length; ++i) {
+            const QPoint at = from + (isLevel ? QPoint(i, beside) : QPoint(beside, i));
+            inked += isInked(picture.pixel(at), color);
+        }
         best = std::max(best, double(inked) / length);
     }
-    return best;
+    return best > 0.2 && best < 0.9;
 }
-inline bool isDotted(double inkShare)
+
+/** The smallest rectangle around what is drawn in the colour, of a part of a picture. */
+inline QRect inkOf(const QImage &picture, const QRect &part, const QColor &color)
 {
-    return inkShare > 0.2 && inkShare < 0.9;
+    QRect ink;
+    const QRect seen = part & picture.rect();
+    for (int y = seen.top(); y <= seen.bottom(); ++y)
+        for (int x = seen.left(); x <= seen.right(); ++x)
+            if (isInked(picture.pixel(x, y), color))
+                ink |= QRect(x, y, 1, 1);
+    return ink;
 }
 
 /**
- * A plot of two instruments with two channels each, the first one on show, a mouse on it, a clock
- * that stands still, and a log of what is announced.
+ * Writes down what a plot announces, in order, as "signal qwtIndex [channel] [value]": "Change 0"
+ * is its onChange(), "ChMode 0 1 2" its onChModeChange().
  */
-class PlotBench
+class SignalLog
 {
 public:
-    PlotBench()
+    explicit SignalLog(QwtNOX &plot)
     {
-        plot.setClock([this] { return now; });
-        plot.addDev(0, 2);
-        plot.addDev(1, 2);
-        plot.setDevMain(0);
-        plot.setChMode(ModeAuto);
-        log.take();
-        QVERIFY(mouse.isReady());
+        using Plot = QwtNOX;
+        follow(plot, &Plot::onChScaleXChange, &Plot::onChScaleYChange, &Plot::onChColorChange,
+               &Plot::onChShowChange, &Plot::onChMainChange, &Plot::onChModeXChange,
+               &Plot::onChModeChange, &Plot::onModeTrackChange, &Plot::onMeasShowChange,
+               &Plot::onAverShowChange, &Plot::onAddPoint, &Plot::onAddCh, &Plot::onChange,
+               &Plot::onDevChange, &Plot::onPointTrackOff, &Plot::onErrorAddPoint);
     }
 
+    /** What was announced since the last call, as one line. */
+    QString take() { return std::exchange(m_lines, {}).join(", "); }
+
+private:
+    static QString text(int number) { return QString::number(number); }
+    static QString text(const QColor &color) { return color.name(); }
+
+    template<typename... Signals>
+    void follow(QwtNOX &plot, Signals... signalsOfPlot)
+    {
+        (followOne(plot, signalsOfPlot), ...);
+    }
+    template<typename... Arguments>
+    void followOne(QwtNOX &plot, void (QwtNOX::*signal)(Arguments...))
+    {
+        const QString name = QString(QMetaMethod::fromSignal(signal).name().mid(2))
+                                 .remove(QRegularExpression("\\BChange$"));
+        QObject::connect(&plot, signal, &m_context, [this, name](Arguments... arguments) {
+            m_lines.append((QStringList(name) + ... + QStringList(text(arguments))).join(' '));
+        });
+    }
+
+    QStringList m_lines;
+    QObject m_context;
+};
+
+/**
+ * For each test a plot of two instruments with two channels each, the first one on show, a mouse on
+ * it, a clock that stands still, and a log of what is announced.
+ */
+class PlotTest : public QObject
+{
+    Q_OBJECT
+
+protected:
+    QwtNOX &plot() const { return *m_plot; }
+    PlotMouse &mouse() const { return *m_mouse; }
+    /** What was announced since the last call, as one line. */
+    QString told() const { return m_log->take(); }
+
+    /** Begins with another plot. */
+    void renew()
+    {
+        m_mouse.reset();
+        m_plot = std::make_unique<QwtNOX>();
+        m_log = std::make_unique<SignalLog>(plot());
+        now = QDateTime({2026, 3, 1}, {23, 0});
+        plot().setClock([this] { return now; });
+        plot().addDev(0, 2);
+        plot().addDev(1, 2);
+        plot().setDevMain(0);
+        plot().setChMode(ModeAuto);
+        told();
+        m_mouse = std::make_unique<PlotMouse>(plot());
+        QVERIFY(mouse().isReady());
+    }
     /** Points of channel 0 at 0, 1 ... `last` seconds, rising from 20 by 0.01. */
-    PlotBench &withRamp(int last = 65)
+    void withRamp(int last = 65)
     {
         for (int second = 0; second <= last; ++second)
             add(20 + second * 0.01, second);
-        log.take();
-        return *this;
+        told();
     }
     bool add(double value, double time, int ch = 0, int qwtIndex = 0)
     {
-        return plot.addPoint(value, time, "°С", qwtIndex, uchar(ch));
+        return plot().addPoint(value, time, "°С", qwtIndex, uchar(ch));
+    }
+
+    /** What is read of a channel: count, value, average, time, unit, and the newest steps. */
+    QString row(int qwtIndex, int channel) const
+    {
+        const auto ch = uchar(channel);
+        return QStringList({QString::number(plot().getChMeasCount(qwtIndex, ch)),
+                            plot().getChMeasStr(qwtIndex, ch), plot().getChAverStr(qwtIndex, ch),
+                            plot().getChTimeStr(qwtIndex, ch), plot().getChDim(qwtIndex, ch),
+                            plot().getChDXStr(qwtIndex, ch), plot().getChDYStr(qwtIndex, ch)})
+            .join('|');
     }
 
     // What the axes show, as "0 to 100 by 10".
-    QString x() const { return view(QwtPlot::xBottom); }
-    QString y() const { return view(QwtPlot::yLeft); }
-    QString views() const { return x() + ", " + y(); }
+    QString seenX() const { return view(QwtPlot::xBottom); }
+    QString seenY() const { return view(QwtPlot::yLeft); }
+    QString seenViews() const { return seenX() + ", " + seenY(); }
     /** The middle of what is shown. */
-    QPointF middle() const
+    QPointF middleOfView() const
     {
         const auto of = [](const QwtInterval &shown) {
             return (shown.minValue() + shown.maxValue()) / 2;
         };
-        return {of(plot.axisInterval(QwtPlot::xBottom)), of(plot.axisInterval(QwtPlot::yLeft))};
+        return {of(plot().axisInterval(QwtPlot::xBottom)), of(plot().axisInterval(QwtPlot::yLeft))};
     }
-    double stepX() const { return plot.axisStepSize(QwtPlot::xBottom); }
-    double stepY() const { return plot.axisStepSize(QwtPlot::yLeft); }
+    double stepX() const { return plot().axisStepSize(QwtPlot::xBottom); }
+    double stepY() const { return plot().axisStepSize(QwtPlot::yLeft); }
     QString labelX(double value) const
     {
-        return plot.axisScaleDraw(QwtPlot::xBottom)->label(value).text();
+        return plot().axisScaleDraw(QwtPlot::xBottom)->label(value).text();
     }
     QString labelY(double value) const
     {
-        return plot.axisScaleDraw(QwtPlot::yLeft)->label(value).text();
+        return plot().axisScaleDraw(QwtPlot::yLeft)->label(value).text();
     }
 
     /** The crosses of the measurement, the first one first; those that are seen, or the others. */
-    QVector<QPointF> crosses(bool areSeen = true) const
+    QVector<QPointF> seenCrosses(bool areSeen = true) const
     {
         QVector<QPointF> points;
-        for (const QwtPlotItem *item : plot.itemList(QwtPlotItem::Rtti_PlotMarker)) {
+        for (const QwtPlotItem *item : plot().itemList(QwtPlotItem::Rtti_PlotMarker)) {
             const auto *marker = static_cast<const QwtPlotMarker *>(item);
             if (marker->lineStyle() == QwtPlotMarker::Cross && marker->isVisible() == areSeen)
                 points.append(marker->value());
@@ -109,64 +209,69 @@ public:
         return points;
     }
     /** Upper and lower limit of an instrument; "-" for one that is not seen. */
-    QString limits(int qwtIndex = 0) const
+    QString seenLimits(int qwtIndex = 0) const
     {
-        const QwtNOX::_dev device = plot.devices().value(qwtIndex);
+        const QwtNOX::_dev device = plot().devices().value(qwtIndex);
         const auto text = [](const QwtPlotMarker *limit) {
             return limit->isVisible() ? QString::number(limit->yValue(), 'f', 2) : QString("-");
         };
         return text(device.upperMarker) + ' ' + text(device.lowerMarker);
     }
 
-    const QwtPlotTextLabel *caption() const
+    const QwtPlotTextLabel *captionLabel() const
     {
-        const auto items = plot.itemList(QwtPlotItem::Rtti_PlotTextLabel);
+        const auto items = plot().itemList(QwtPlotItem::Rtti_PlotTextLabel);
         return static_cast<const QwtPlotTextLabel *>(items.value(0));
     }
-    QString captionText() const { return caption()->text().text(); }
-    QWidget *frame(const char *name) const { return plot.findChild<QWidget *>(name); }
-    /** The frames of the measurement that are seen. */
-    QString frames() const
+    QString captionText() const { return captionLabel()->text().text(); }
+    QWidget *frameOf(const char *name) const { return plot().findChild<QWidget *>(name); }
+    /** What the mouse has come to: the mode, the number of crosses, and the frames on show. */
+    QString state() const
     {
-        return QString(frame("pointFrame")->isVisible() ? "point " : "") +
-               (frame("measurementFrame")->isVisible() ? "interval" : "");
+        return plot().getChModeLabel() + ' ' + QString::number(seenCrosses().size()) +
+               (frameOf("pointFrame")->isVisible() ? " point" : "") +
+               (frameOf("measurementFrame")->isVisible() ? " interval" : "");
     }
     /** What labels say. */
-    QStringList texts(const QStringList &names) const
+    QStringList textsOf(const QStringList &names) const
     {
         QStringList texts;
         for (const QString &name : names)
-            texts += plot.findChild<QLabel *>(name)->text();
+            texts += plot().findChild<QLabel *>(name)->text();
         return texts;
     }
     template<typename Picker>
     Picker *picker(const char *name) const
     {
-        return plot.findChild<Picker *>(name);
+        return plot().findChild<Picker *>(name);
     }
 
     /** What is seen on the canvas. */
-    QImage picture()
+    QImage grabbed()
     {
-        plot.updateLayout();
-        plot.replot();
-        return plot.canvas()->grab().toImage();
+        plot().updateLayout();
+        plot().replot();
+        return plot().canvas()->grab().toImage();
     }
 
-    QDateTime now{{2026, 3, 1}, {23, 0}};
-    QwtNOX plot;
-    PlotMouse mouse{plot};
-    SignalLog log{plot};
+    QDateTime now;
+
+private slots:
+    void init() { renew(); }
 
 private:
     QString view(int axis) const
     {
-        const double step = plot.axisStepSize(axis);
+        const double step = plot().axisStepSize(axis);
         const auto text = [step](double value) {
             return QString::number(std::round(value / step * 1000) * step / 1000 + 0.0, 'g', 9);
         };
-        const QwtInterval shown = plot.axisInterval(axis);
+        const QwtInterval shown = plot().axisInterval(axis);
         return QString("%1 to %2 by %3")
             .arg(text(shown.minValue()), text(shown.maxValue()), QString::number(step));
     }
+
+    std::unique_ptr<QwtNOX> m_plot;
+    std::unique_ptr<PlotMouse> m_mouse;
+    std::unique_ptr<SignalLog> m_log;
 };

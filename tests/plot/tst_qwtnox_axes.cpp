@@ -6,227 +6,202 @@
 
 // Which part of the data the axes show, by mode and scale.
 
-namespace
-{
-
-constexpr int oneMinute = 7; // of scalesX()
-constexpr int oneTenth = 16; // of scalesY()
-
-using Points = QVector<QPointF>;
-
-} // namespace
-
-class TestQwtNOXAxes : public QObject
+class TestQwtNOXAxes : public PlotTest
 {
     Q_OBJECT
 
 private slots:
     void followData()
     {
-        const struct {
-            int scaleX, scaleY;
-            Points points;
-            const char *x, *y;
-        } data[] = {
+        // 7 is a minute, 16 a tenth
+        const QVector<std::tuple<int, int, QVector<QPointF>, QString, QString>> data = {
             {0, 0, {}, "0 to 10 by 1", "0 to 10 by 1"},
             {0, 0, {{0, 20}, {65, 20.65}}, "0 to 100 by 10", "19.8 to 20.8 by 0.1"},
-            {0,
-             0,
-             {{1234, 20}, {1240, 20}},
-             "1234 to 1244 by 1",
-             "19.999995 to 20.000005 by 1e-06"},
+            {0, 0, {{1234, 2}, {1240, 2}}, "1234 to 1244 by 1", "1.999995 to 2.000005 by 1e-06"},
             // on the right edge, past it, and past it again
-            {oneMinute, oneTenth, {{0, 20}, {600, 20}}, "0 to 600 by 60", "19.5 to 20.5 by 0.1"},
-            {oneMinute, 0, {{600, 0}, {601, 2}, {660, 2}}, "60 to 660 by 60", "-1.5 to 3.5 by 0.5"},
-            {oneMinute, 19, {{601, 20}, {660.5, 20}}, "120 to 720 by 60", "15 to 25 by 1"},
+            {7, 16, {{0, 20}, {600, 20}}, "0 to 600 by 60", "19.5 to 20.5 by 0.1"},
+            {7, 0, {{600, 0}, {601, 2}, {660, 2}}, "60 to 660 by 60", "-1.5 to 3.5 by 0.5"},
+            {7, 19, {{601, 20}, {660.5, 20}}, "120 to 720 by 60", "15 to 25 by 1"},
             // on the upper edge, and past it
-            {0, oneTenth, {{0, 20}, {1, 20.5}}, "0 to 10 by 1", "19.5 to 20.5 by 0.1"},
-            {0, oneTenth, {{0, 20}, {1, 20.5}, {2, 21.4}}, "0 to 10 by 1", "20.9 to 21.9 by 0.1"},
-            // an outlier in view, and one that has left it
-            {oneMinute,
+            {0, 16, {{0, 20}, {1, 20.5}}, "0 to 10 by 1", "19.5 to 20.5 by 0.1"},
+            {0, 16, {{0, 20}, {1, 20.5}, {2, 21.4}}, "0 to 10 by 1", "20.9 to 21.9 by 0.1"},
+            // an outlier in view, on its edge, and one that has left it
+            {7, 0, {{0, 20}, {50, 1500}, {550, 20}}, "0 to 600 by 60", "-200 to 1800 by 200"},
+            {7, 0, {{0, 20}, {60, 1500}, {610, 20}}, "60 to 660 by 60", "-200 to 1800 by 200"},
+            {7,
              0,
-             {{0, 20}, {50, 1500}, {550, 20}},
-             "0 to 600 by 60",
-             "-200 to 1800 by 200"},
-            {oneMinute,
-             0,
-             {{0, 20}, {50, 1500}, {1290, 20}, {1300, 20.003}},
+             {{5, 150}, {1290, 2}, {1300, 2.003}},
              "720 to 1320 by 60",
-             "19.999 to 20.004 by 0.0005"},
+             "1.999 to 2.004 by 0.0005"},
             // a clock set back, and so far that no point is in view
-            {1, oneTenth, {{5000, 20}, {100, 20}}, "90 to 100 by 1", "19.5 to 20.5 by 0.1"},
+            {1, 16, {{5000, 20}, {100, 20}}, "90 to 100 by 1", "19.5 to 20.5 by 0.1"},
             {0, 0, {{5000, 0}, {5001, 500}, {100, 22}}, "5000 to 5010 by 1", "-200 to 800 by 100"},
             // usable again after a huge value
-            {0, oneTenth, {{1, 1.7e308}, {2, 20}}, "1 to 11 by 1", "19.5 to 20.5 by 0.1"}};
+            {0, 16, {{1, 1.7e308}, {2, 20}}, "1 to 11 by 1", "19.5 to 20.5 by 0.1"}};
         for (const auto &[scaleX, scaleY, points, x, y] : data) {
-            PlotBench bench;
-            bench.plot.changeScaleX(scaleX);
-            bench.plot.changeScaleY(scaleY);
+            renew();
+            plot().changeScaleX(scaleX);
+            plot().changeScaleY(scaleY);
             for (const QPointF &point : points) {
-                bench.add(point.y(), point.x());
-                bench.add(500, 9e5, 1);    // neither other channels
-                bench.add(500, 9e5, 0, 1); // nor other instruments count
+                add(point.y(), point.x());
+                add(500, 9e5, 1);    // neither other channels
+                add(500, 9e5, 0, 1); // nor other instruments count
             }
-            QCOMPARE(bench.x(), x);
-            QCOMPARE(bench.y(), y);
-            const int decimals = qMax(0, -int(std::floor(std::log10(bench.stepY()) + 1e-9)));
-            QCOMPARE(int(bench.plot.getPrecision()), decimals);
-            bench.plot.addDev(2, 1); // without points axes are as in the beginning
-            bench.plot.setDevMain(2);
-            QCOMPARE(bench.views(), "0 to 10 by 1, 0 to 10 by 1");
-            bench.plot.setDevMain(0);
-            bench.plot.clear(0);
-            bench.plot.setChMain(1);
-            QCOMPARE(bench.views(), "0 to 10 by 1, 0 to 10 by 1");
+            QCOMPARE(seenX(), x);
+            QCOMPARE(seenY(), y);
+            const int decimals = qMax(0, -int(std::floor(std::log10(stepY()) + 1e-9)));
+            QCOMPARE(int(plot().getPrecision()), decimals);
         }
+    }
+    void withoutPointsAxesAreAsInTheBeginning()
+    {
+        withRamp();
+        plot().addDev(2, 1);
+        plot().setDevMain(2);
+        QCOMPARE(seenViews(), "0 to 10 by 1, 0 to 10 by 1");
+        plot().setDevMain(0);
+        QCOMPARE(seenX(), "0 to 100 by 10");
+        plot().clear(0);
+        plot().setChMain(1);
+        QCOMPARE(seenViews(), "0 to 10 by 1, 0 to 10 by 1");
     }
     void visibleCurveDecides()
     {
         for (const bool isDifference : {false, true}) {
-            PlotBench bench;
-            bench.plot.setMeasShow(false);
+            renew();
+            plot().setMeasShow(false);
             if (isDifference)
-                bench.plot.setChDiff(1, 0);
+                plot().setChDiff(1, 0);
             for (int second = 0; second < 40; ++second) {
-                bench.add(50, second, 1);
-                bench.add(second % 2 ? 100 : 0, second + 0.5); // averages end at 50
+                add(50, second, 1);
+                add(second % 2 ? 100 : 0, second + 0.5); // averages end at 50
             }
-            QCOMPARE(bench.y(), isDifference ? "-80 to 20 by 10" : "-20 to 80 by 10");
-            bench.plot.setMeasShow(true);
-            QCOMPARE(bench.y(), isDifference ? "-100 to 100 by 20" : "-40 to 160 by 20");
-            bench.plot.setAverShow(false);
-            bench.plot.setMeasShow(false); // neither is seen: values
-            QCOMPARE(bench.y(), isDifference ? "-100 to 100 by 20" : "-40 to 160 by 20");
-            bench.plot.setChScaleY(oneTenth);
-            QCOMPARE(bench.y(), isDifference ? "49.5 to 50.5 by 0.1" : "99.5 to 100.5 by 0.1");
+            QCOMPARE(seenY(), isDifference ? "-80 to 20 by 10" : "-20 to 80 by 10");
+            plot().setMeasShow(true);
+            QCOMPARE(seenY(), isDifference ? "-100 to 100 by 20" : "-40 to 160 by 20");
+            plot().setAverShow(false);
+            plot().setMeasShow(false); // neither is seen: values
+            QCOMPARE(seenY(), isDifference ? "-100 to 100 by 20" : "-40 to 160 by 20");
+            plot().setChScaleY(16);
+            QCOMPARE(seenY(), isDifference ? "49.5 to 50.5 by 0.1" : "99.5 to 100.5 by 0.1");
         }
     }
     void modesDecideWhetherTheyFollow()
     {
         for (int mode = ModeAuto; mode <= ModeLimits; ++mode) {
-            PlotBench bench;
-            bench.withRamp();
-            bench.plot.changeMode(mode);
+            renew();
+            withRamp();
+            plot().changeMode(mode);
             const bool stays = mode == ModeZoom || mode == ModeMeasure || mode == ModeScroll;
-            bench.add(500, 2000);
-            QCOMPARE(bench.x(), stays ? "0 to 100 by 10" : "0 to 3000 by 300");
+            add(500, 2000);
+            QCOMPARE(seenX(), stays ? "0 to 100 by 10" : "0 to 3000 by 300");
         }
     }
     void divisionsAreSteps()
     {
-        PlotBench bench;
-        bench.withRamp();
-        bench.plot.setDivX(5); // 6.5 steps of 10 s no longer fit
-        bench.plot.setDivY(6);
-        bench.plot.applyScale();
-        QCOMPARE(bench.views(), "0 to 150 by 30, 19.8 to 21 by 0.2");
-        bench.plot.setDivX(0);
-        bench.plot.setDivY(0);
-        bench.plot.changeScaleX(oneMinute);
-        bench.plot.changeScaleY(oneTenth);
-        QCOMPARE(bench.x(), "60 to 120 by 60");
-        QVERIFY(bench.y().endsWith("by 0.1"));
+        withRamp();
+        plot().setDivX(5); // 6.5 steps of 10 s no longer fit
+        plot().setDivY(7); // of which six can lie around the middle
+        plot().applyScale();
+        QCOMPARE(seenViews(), "0 to 150 by 30, 19.8 to 21 by 0.2");
+        plot().setDivX(0);
+        plot().setDivY(0);
+        plot().changeScaleX(7);
+        plot().changeScaleY(16);
+        QCOMPARE(seenX(), "60 to 120 by 60");
+        QVERIFY(seenY().endsWith("by 0.1"));
     }
     void choicesAnnounceAndSetTheMode()
     {
-        PlotBench bench;
-        QwtNOX &plot = bench.plot;
         using Choice = std::function<void()>;
         const QVector<QPair<Choice, QString>> choices = {
-            {[&] { plot.changeScaleX(oneMinute); },
-             "onChange 0, onChModeChange 0 0 1, onChange 0, onChScaleXChange 0 0 7"},
-            {[&] { plot.changeScaleY(oneTenth); },
-             "onChange 0, onChModeChange 0 0 1, onChange 0, onChScaleYChange 0 0 16"},
-            {[&] { plot.changeScaleX(0); },
-             "onChange 0, onChModeChange 0 0 1, onChange 0, onChScaleXChange 0 0 0"},
-            {[&] { plot.changeScaleY(0); },
-             "onChange 0, onChModeChange 0 0 0, onChange 0, onChScaleYChange 0 0 0"},
-            {[&] { plot.changeModeX(ModeXAbsolute); }, "onChange 0, onChModeXChange 0 0 2"},
-            {[&] { plot.changeModeX(ModeXAbsolute); }, ""},
-            {[&] { plot.changeMode(ModeScroll); }, "onChange 0, onChModeChange 0 0 4"},
-            {[&] { plot.changeScaleX(oneMinute); }, "onChange 0, onChScaleXChange 0 0 7"},
-            {[&] { plot.changeScaleY(oneTenth); }, "onChange 0, onChScaleYChange 0 0 16"},
-            {[&] { plot.changeMode(ModeMeasure); }, "onChange 0, onChModeChange 0 0 3"},
-            {[&] { plot.changeScaleX(3); },
-             "onChange 0, onChModeChange 0 0 1, onChange 0, onChScaleXChange 0 0 3"},
+            {[&] { plot().changeScaleX(7); }, "Change 0, ChMode 0 0 1, Change 0, ChScaleX 0 0 7"},
+            {[&] { plot().changeScaleY(16); }, "Change 0, ChMode 0 0 1, Change 0, ChScaleY 0 0 16"},
+            {[&] { plot().changeScaleX(0); }, "Change 0, ChMode 0 0 1, Change 0, ChScaleX 0 0 0"},
+            {[&] { plot().changeScaleY(0); }, "Change 0, ChMode 0 0 0, Change 0, ChScaleY 0 0 0"},
+            {[&] { plot().changeModeX(ModeXAbsolute); }, "Change 0, ChModeX 0 0 2"},
+            {[&] { plot().changeModeX(ModeXAbsolute); }, ""},
+            {[&] { plot().changeMode(ModeScroll); }, "Change 0, ChMode 0 0 4"},
+            {[&] { plot().changeScaleX(7); }, "Change 0, ChScaleX 0 0 7"},
+            {[&] { plot().changeScaleY(16); }, "Change 0, ChScaleY 0 0 16"},
+            {[&] { plot().changeMode(ModeMeasure); }, "Change 0, ChMode 0 0 3"},
+            {[&] { plot().changeScaleX(3); }, "Change 0, ChMode 0 0 1, Change 0, ChScaleX 0 0 3"},
             {[&] { // of another instrument: its own
-                 plot.setChMode(ModeZoom, 1, 1);
-                 plot.setChScaleX(5, 1, 1);
-                 plot.setChModeX(ModeXRelative, 1, 1);
+                 plot().setChMode(ModeZoom, 1, 1);
+                 plot().setChScaleX(5, 1, 1);
+                 plot().setChModeX(ModeXRelative, 1, 1);
              },
-             "onChange 1, onChModeChange 1 1 2, onChange 1, onChModeChange 1 1 1, onChange 1, "
-             "onChScaleXChange 1 1 5, onChange 1, onChModeXChange 1 1 1"},
+             "Change 1, ChMode 1 1 2, Change 1, ChMode 1 1 1, Change 1, "
+             "ChScaleX 1 1 5, Change 1, ChModeX 1 1 1"},
             {[&] { // what no table has
-                 plot.setChScaleX(19);
-                 plot.setChScaleY(30);
-                 plot.changeScaleX(-1);
-                 plot.changeScaleY(256 + 5);
-                 plot.changeMode(6);
-                 plot.changeMode(-1);
-                 plot.changeModeX(-1);
-                 plot.changeModeX(3);
-                 plot.calcPrecision(30);
-                 plot.setChScaleX(3, 9, 0);
+                 plot().setChScaleX(19), plot().changeScaleX(-1), plot().setChScaleX(3, 9, 0);
+                 plot().setChScaleY(30), plot().changeScaleY(256 + 5), plot().calcPrecision(30);
+                 plot().changeMode(6), plot().changeMode(-1);
+                 plot().changeModeX(-1), plot().changeModeX(3);
              },
              ""}};
-        for (const auto &[choose, told] : choices) {
+        for (const auto &[choose, expected] : choices) {
             choose();
-            QCOMPARE(bench.log.take(), told);
+            QCOMPARE(told(), expected);
         }
-        QCOMPARE(QStringList({plot.getChModeLabel(), plot.getChModeXLabel(), plot.getScaleXLabel(),
-                              plot.getScaleYLabel()})
+        QCOMPARE(QStringList({plot().getChModeLabel(), plot().getChModeXLabel(),
+                              plot().getScaleXLabel(), plot().getScaleYLabel()})
                      .join(' '),
                  "СЛЕЖЕНИЕ АБС 5 сек. Авто");
-        QCOMPARE(int(plot.getChScaleX()) + 100 * plot.getChScaleX(1, 1) + plot.getChModeX(9, 0),
+        QCOMPARE(int(plot().getChScaleX()) + 100 * plot().getChScaleX(1, 1) +
+                     plot().getChModeX(9, 0),
                  503);
-        plot.setChMain(1, 1);
-        QCOMPARE(bench.labelX(70), "23:01");
-        plot.setDevMain(1);
-        QCOMPARE(bench.labelX(70), "00:01:10");
-        plot.setChMain(0);
-        QCOMPARE(bench.labelX(70), "70");
-        plot.removeDev(1);
-        bench.log.take();
-        plot.setDevMain(-1);
-        QCOMPARE(bench.log.take(), "onDevChange -1, onChange -1");
-        QCOMPARE(plot.getChModeLabel() + plot.getChModeXLabel() + plot.getScaleXLabel() +
-                     plot.getScaleYLabel(),
+    }
+    void labelsAreThoseOfTheMainChannel()
+    {
+        plot().setChModeX(ModeXRelative, 1, 1);
+        plot().changeModeX(ModeXAbsolute);
+        plot().setChMain(1, 1);
+        QCOMPARE(labelX(70), "23:01:10");
+        plot().setDevMain(1);
+        QCOMPARE(labelX(70), "00:01:10");
+        plot().setChMain(0);
+        QCOMPARE(labelX(70), "70");
+        plot().removeDev(1);
+        told();
+        plot().setDevMain(-1);
+        QCOMPARE(told(), "Dev -1, Change -1");
+        QCOMPARE(plot().getChModeLabel() + plot().getChModeXLabel() + plot().getScaleXLabel() +
+                     plot().getScaleYLabel(),
                  "----");
     }
     void freeViewsAreRecentred()
     {
-        PlotBench bench;
-        bench.withRamp(400);
-        QwtNOX &plot = bench.plot;
-        plot.setChMode(ModeScroll);
-        QCOMPARE(bench.views(), "0 to 600 by 60, 19.5 to 24.5 by 0.5");
-        plot.setChScaleX(4);
-        QCOMPARE(bench.x(), "250 to 350 by 10");
-        plot.setChScaleX(9);
-        QCOMPARE(bench.x(), "0 to 3000 by 300"); // -1200 to 1800, moved to begin at 0
-        plot.setChScaleY(oneTenth);
-        QCOMPARE(bench.y(), "21.5 to 22.5 by 0.1");
-        QCOMPARE(bench.labelY(22), "22.0");
-        QCOMPARE(int(plot.getChScaleX()) + plot.getChScaleY(), 0);
-        QCOMPARE(plot.getScaleXLabel() + plot.getScaleYLabel(), "5 мин.0.1");
-        QVERIFY(bench.captionText().endsWith("dX: 5 мин., dY: 0.1"));
-        plot.setChScaleX(0); // has no step of its own
-        plot.setChScaleY(0);
-        QCOMPARE(bench.views(), "0 to 3000 by 300, 21.5 to 22.5 by 0.1");
+        withRamp(400);
+        plot().setChMode(ModeScroll);
+        QCOMPARE(seenViews(), "0 to 600 by 60, 19.5 to 24.5 by 0.5");
+        plot().setChScaleX(4);
+        QCOMPARE(seenX(), "250 to 350 by 10");
+        plot().setChScaleX(9);
+        QCOMPARE(seenX(), "0 to 3000 by 300"); // -1200 to 1800, moved to begin at 0
+        plot().setChScaleY(16);
+        QCOMPARE(seenY(), "21.5 to 22.5 by 0.1");
+        QCOMPARE(labelY(22), "22.0");
+        QCOMPARE(int(plot().getChScaleX()) + plot().getChScaleY(), 0);
+        QCOMPARE(plot().getScaleXLabel() + plot().getScaleYLabel(), "5 мин.0.1");
+        QVERIFY(captionText().endsWith("dX: 5 мин., dY: 0.1"));
+        plot().setChScaleX(0); // has no step of its own
+        plot().setChScaleY(0);
+        QCOMPARE(seenViews(), "0 to 3000 by 300, 21.5 to 22.5 by 0.1");
 
-        plot.setChMode(ModeZoom);
-        plot.setZoomScale({112, 20, 35, 0.4}); // around 137 s
-        plot.changeScaleX(7);                  // would begin below 0
-        plot.changeScaleX(4);                  // what came between has not moved the centre
-        QCOMPARE(bench.x(), "87 to 187 by 10");
-        plot.changeScaleY(19);
-        QCOMPARE(bench.y(), "15.2 to 25.2 by 1");
-        plot.setChMode(ModeAuto); // the centre of a former zoom is forgotten
-        plot.setChMode(ModeZoom);
-        plot.changeScaleX(3);
-        QCOMPARE(bench.x(), "275 to 325 by 5");
-        plot.changeScaleX(3); // the scale in effect is taken for good
-        QCOMPARE(int(plot.getChScaleX()) + 10 * plot.getChMode(), 13);
+        plot().setChMode(ModeZoom);
+        plot().setZoomScale({112, 20, 35, 0.4}); // around 137 s
+        plot().changeScaleX(7);                  // would begin below 0
+        plot().changeScaleX(4);                  // what came between has not moved the centre
+        QCOMPARE(seenX(), "87 to 187 by 10");
+        plot().changeScaleY(19);
+        QCOMPARE(seenY(), "15.2 to 25.2 by 1");
+        plot().setChMode(ModeAuto); // the centre of a former zoom is forgotten
+        plot().setChMode(ModeZoom);
+        plot().changeScaleX(3);
+        QCOMPARE(seenX(), "275 to 325 by 5");
+        plot().changeScaleX(3); // the scale in effect is taken for good
+        QCOMPARE(int(plot().getChScaleX()) + 10 * plot().getChMode(), 13);
     }
     void anyInputLeavesUsableAxes()
     {
@@ -234,37 +209,28 @@ private slots:
         const auto below = [&chance](int end) { return int(chance() % unsigned(end)); };
         const double values[] = {20, -1299.9, -1300, 1e-300, 1e12, 1.7e308, qInf(), qQNaN()};
         const double times[] = {0, 0.001, 86399, 3.2e7, 1e15, 1e300, -1, qQNaN()};
-        PlotBench bench;
-        QwtNOX &plot = bench.plot;
+        renew();
+        const std::function<void()> acts[] = {
+            [&] { plot().setChScaleX(uchar(below(19))); },
+            [&] { plot().setChScaleY(uchar(below(30))); },
+            [&] { plot().setChMode(TmcMode(below(6))); },
+            [&] {
+                plot().setZoomScale({times[below(8)], values[below(8)], times[below(8)], 1});
+            },
+            [&] { plot().changeModeX(below(3)); },
+            [&] { add(values[below(8)], times[below(8)], below(2)); }};
         for (int i = 0; i < 5000; ++i) {
-            switch (below(9)) {
-            case 0:
-                plot.setChScaleX(uchar(below(19)));
-                break;
-            case 1:
-                plot.setChScaleY(uchar(below(30)));
-                break;
-            case 2:
-                plot.setChMode(TmcMode(below(6)));
-                break;
-            case 3:
-                plot.setZoomScale({times[below(8)], values[below(8)], times[below(8)], 1});
-                break;
-            case 4:
-                plot.changeModeX(below(3));
-                break;
-            default:
-                bench.add(values[below(8)], times[below(8)], below(2));
-            }
+            acts[qMin(below(9), 5)]();
             for (const int axis : {QwtPlot::xBottom, QwtPlot::yLeft}) {
-                const QwtInterval shown = plot.axisInterval(axis);
+                const QwtInterval shown = plot().axisInterval(axis);
                 QVERIFY(qIsFinite(shown.minValue()) && qIsFinite(shown.maxValue()));
-                QVERIFY(shown.minValue() < shown.maxValue() && plot.axisStepSize(axis) > 0);
-                QVERIFY(plot.axisScaleDiv(axis).ticks(QwtScaleDiv::MajorTick).size() < 20);
+                QVERIFY(shown.minValue() < shown.maxValue() && plot().axisStepSize(axis) > 0);
+                QVERIFY(plot().axisScaleDiv(axis).ticks(QwtScaleDiv::MajorTick).size() < 20);
             }
-            QVERIFY(!plot.getScaleXLabel().isEmpty() && !plot.pointText({1, 1}).contains("nan"));
+            QVERIFY(!plot().getScaleXLabel().isEmpty() &&
+                    !plot().pointText({1, 1}).contains("nan"));
             if (i % 100 == 0)
-                bench.picture();
+                grabbed();
         }
     }
 };

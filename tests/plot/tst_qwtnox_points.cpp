@@ -1,4 +1,3 @@
-#include "numbers.h"
 #include "plot/envelopecurve.h"
 #include "plotbench.h"
 
@@ -9,216 +8,193 @@
 namespace
 {
 
-/** "channel of instrument" that a channel is compared with, or "none". */
-QString reference(const PlotBench &bench, int qwtIndex, int ch)
-{
-    uchar diffCh = 77;
-    int diffQwtIndex = 77;
-    bench.plot.getChDiff(&diffCh, &diffQwtIndex, qwtIndex, uchar(ch));
-    const bool isNone = diffCh == 255 && diffQwtIndex == -1;
-    return isNone ? QString("none") : QString("%1 of %2").arg(diffCh).arg(diffQwtIndex);
-}
-
-/** Compares a channel with another one from its next points on. */
-void refer(QwtNOX &plot, int qwtIndex, int ch, int diffQwtIndex, int diffCh)
-{
-    plot.devices()[qwtIndex].ch[ch].diffQwtIndex = diffQwtIndex;
-    plot.devices()[qwtIndex].ch[ch].diffCh = uchar(diffCh);
-}
-
-/** Shows limits of 10 and 30. */
-void limit(QwtNOX &plot, int qwtIndex, TmcTrackingMode mode)
-{
-    PlotDevice &device = plot.devices()[qwtIndex];
-    device.modeTrack = mode;
-    device.upperMarker->setYValue(30);
-    device.lowerMarker->setYValue(10);
-    device.upperMarker->setVisible(true);
-    device.lowerMarker->setVisible(true);
-}
-
 /** All that a channel holds of its points. */
-QStringList contents(const PlotChannel &channel)
+QString contents(const PlotChannel &channel)
 {
-    QStringList texts(channel.dim + QString::number(channel.error));
-    for (const Numbers &numbers :
-         {numbersOf(channel.time), numbersOf(channel.meas), numbersOf(channel.aver),
-          numbersOf(channel.diffTime), numbersOf(channel.diffMeas), numbersOf(channel.diffAver),
-          Numbers{channel.averSum, channel.diffAverSum, double(channel.measCurve->dataSize())}})
-        for (const double number : numbers)
-            texts += QString::number(number, 'g', 17);
-    return texts;
+    QString all;
+    QDebug(&all) << qSetRealNumberPrecision(17) << channel.dim << channel.error
+                 << numbersOf(channel.time) << numbersOf(channel.meas) << numbersOf(channel.aver)
+                 << numbersOf(channel.diffTime) << numbersOf(channel.diffMeas)
+                 << numbersOf(channel.diffAver) << channel.averSum << channel.diffAverSum
+                 << channel.measCurve->dataSize();
+    return all;
 }
 
-/** The newest point of both curves of channel 0, as "time value average". */
-QString shown(const PlotBench &bench)
-{
-    const PlotChannel channel = bench.plot.devices().first().ch.first();
-    const int last = int(channel.measCurve->dataSize()) - 1;
-    if (last < 0 || int(channel.averCurve->dataSize()) - 1 != last)
-        return "nothing";
-    const QPointF value = channel.measCurve->sample(last);
-    return QString("%1 %2 %3")
-        .arg(value.x())
-        .arg(value.y())
-        .arg(channel.averCurve->sample(last).y());
-}
+} // namespace
 
-Numbers differences(const PlotBench &bench)
+class TestQwtNOXPoints : public PlotTest
 {
-    return numbersOf(bench.plot.devices().first().ch.first().diffMeas);
-}
+    Q_OBJECT
 
-/** Channel 0 of the first instrument at 1, 2 and 3 s; channel 1 of the other half a second ago. */
-struct DifferenceBench : PlotBench {
-    DifferenceBench()
+    /** Compares a channel with another one from its next points on. */
+    void refer(int qwtIndex, int ch, int diffQwtIndex, int diffCh)
+    {
+        plot().devices()[qwtIndex].ch[ch].diffQwtIndex = diffQwtIndex;
+        plot().devices()[qwtIndex].ch[ch].diffCh = uchar(diffCh);
+    }
+
+    /** Shows limits of 10 and 30. */
+    void limit(int qwtIndex, TmcTrackingMode mode)
+    {
+        PlotDevice &device = plot().devices()[qwtIndex];
+        device.modeTrack = mode;
+        device.upperMarker->setYValue(30);
+        device.lowerMarker->setYValue(10);
+        device.upperMarker->setVisible(true);
+        device.lowerMarker->setVisible(true);
+    }
+
+    /** "channel of instrument" that a channel is compared with, or "none". */
+    QString reference(int qwtIndex, int ch) const
+    {
+        uchar diffCh = 77;
+        int diffQwtIndex = 77;
+        plot().getChDiff(&diffCh, &diffQwtIndex, qwtIndex, uchar(ch));
+        const bool isNone = diffCh == 255 && diffQwtIndex == -1;
+        return isNone ? QString("none") : QString("%1 of %2").arg(diffCh).arg(diffQwtIndex);
+    }
+
+    /** The newest point of both curves of channel 0, as "time value average". */
+    QString shown() const
+    {
+        const PlotChannel channel = plot().devices().first().ch.first();
+        const int last = int(channel.measCurve->dataSize()) - 1;
+        if (last < 0 || int(channel.averCurve->dataSize()) - 1 != last)
+            return "nothing";
+        const QPointF value = channel.measCurve->sample(last);
+        const double average = channel.averCurve->sample(last).y();
+        return QString("%1 %2 %3").arg(value.x()).arg(value.y()).arg(average);
+    }
+
+    Numbers differences() const { return numbersOf(plot().devices().first().ch.first().diffMeas); }
+
+    /** Channel 0 of the first instrument at 1, 2 and 3 s; channel 1 of the other half a second ago.
+     */
+    void withDifference()
     {
         for (int second = 1; second <= 3; ++second) {
             add(10 * second, second - 0.5, 1, 1);
             add(100 * second, second);
         }
-        plot.setChDiff(1, 1, 0, 0);
+        plot().setChDiff(1, 1, 0, 0);
     }
-};
 
-} // namespace
-
-class TestQwtNOXPoints : public QObject
-{
-    Q_OBJECT
+    /** Instruments and number of curves after an act to which a listener answers with a change. */
+    template<typename Signal, typename Change>
+    QPair<QList<int>, int> afterwards(Signal signal, Change change,
+                                      const std::function<void()> &act)
+    {
+        QObject listener;
+        connect(&plot(), signal, &listener, change);
+        act();
+        return {plot().devices().keys(), plot().itemList(QwtPlotItem::Rtti_PlotCurve).size()};
+    }
 
 private slots:
     void acceptsOrRejects()
     {
-        const struct {
-            double value, time;
-            bool isAccepted;
-        } points[] = {{-1299.9, 1, true},    {-1300, 1, false},     {20.1, 0, true},
-                      {20.1, -0.001, false}, {qInf(), 1, false},    {qQNaN(), 1, false},
-                      {20.1, qInf(), false}, {20.1, qQNaN(), false}};
-        for (const auto &[value, time, isAccepted] : points) {
-            PlotBench bench;
-            bench.add(20, 0, 1);
-            bench.log.take();
-            QCOMPARE(bench.add(value, time, 1), isAccepted);
-            QCOMPARE(bench.log.take(), isAccepted ? "onAddPoint 0 1" : "onErrorAddPoint 0 1");
-            QCOMPARE(bench.plot.getChMeasCount(0, 1), isAccepted ? 2 : 1);
-            QCOMPARE(bench.plot.getChMeasStr(0, 1) == "--", !isAccepted);
-            QCOMPARE(bench.plot.getChAverStr(0, 1) == "--", !isAccepted);
-            bench.add(21, 2, 1); // the rejected one is forgotten
-            QCOMPARE(bench.plot.getChMeasStr(0, 1), "21.00");
+        const QVector<std::tuple<double, double, QString>> points = {
+            {-1299.9, 1, "2|-1299.90|-639.95|1|°С|1.0|-1319.90"},
+            {20.1, 0, "2|20.10|20.05|0|°С|0.0|0.10"},
+            {-1300, 1, "1|--|--|0|°С||"},
+            {20.1, -0.001, "1|--|--|0|°С||"},
+            {qInf(), 1, "1|--|--|0|°С||"},
+            {qQNaN(), 1, "1|--|--|0|°С||"},
+            {20.1, qInf(), "1|--|--|0|°С||"},
+            {20.1, qQNaN(), "1|--|--|0|°С||"}};
+        for (const auto &[value, time, expected] : points) {
+            renew();
+            add(20, 0, 1);
+            told();
+            const bool isAccepted = add(value, time, 1);
+            QCOMPARE(told(), isAccepted ? "AddPoint 0 1" : "ErrorAddPoint 0 1");
+            QCOMPARE(row(0, 1), expected);
+            add(21, 2, 1); // the rejected one is forgotten
+            QVERIFY(row(0, 1).contains("|21.00|"));
         }
     }
-    void refusesUnknownPlaces()
+    void channelsComeAndGo()
     {
-        PlotBench bench;
-        bench.plot.addDev(2, 0);
-        bench.log.take();
+        plot().addDev(2, 0);
+        told();
         for (const auto &[qwtIndex, ch] : QVector<QPair<int, int>>{
                  {7, 0}, {0, 2}, {0, 255}, {2, 255}, {2, 254}}) // 254 would be a 255th channel
-            QVERIFY(!bench.add(20, 1, ch, qwtIndex));
-        QVERIFY(!bench.plot.addPoint(20, "°С", 9, 0));
-        QCOMPARE(bench.log.take(), "");
-        QCOMPARE(int(bench.plot.getChCount(0)) + bench.plot.getChCount(2), 2);
-    }
-    void growsAndShrinks()
-    {
-        PlotBench bench;
-        QwtNOX &plot = bench.plot;
-        plot.addDev(2, 0);
-        plot.setChCount(2, 2);
-        bench.log.take();
-        QVERIFY(bench.add(20, 1, 5, 2));
-        QCOMPARE(bench.log.take(),
-                 "onAddCh 2 5, onAddCh 2 4, onAddCh 2 3, onAddCh 2 2, onChange 2, "
-                 "onAddPoint 2 5");
-        plot.setChMain(5, 2);
-        bench.log.take();
-        plot.setChCount(255, 2);
-        plot.setChCount(3, 9);
-        QCOMPARE(bench.log.take(), "");
-        const int curves = plot.itemList(QwtPlotItem::Rtti_PlotCurve).size();
-        plot.setChCount(1, 2);
-        QCOMPARE(plot.itemList(QwtPlotItem::Rtti_PlotCurve).size(), curves - 10);
-        QCOMPARE(bench.log.take(),
-                 "onChange 2, onChModeChange 2 0 0, onChMainChange 2 0, onChange 2, onChange 2");
-        plot.setChCount(0, 2);
-        QCOMPARE(plot.getChMain(2), -1);
-    }
-    void shrinkingEndsDifferences()
-    {
-        PlotBench bench;
-        bench.plot.addDev(2, 4);
-        refer(bench.plot, 2, 0, 0, 1);
-        refer(bench.plot, 2, 1, 0, 0);
-        bench.log.take();
-        bench.plot.setChCount(1, 0);
-        QCOMPARE(bench.log.take(), "onChange 2, onChModeChange 2 0 1, onChange 0");
-        QCOMPARE(reference(bench, 2, 0) + ", " + reference(bench, 2, 1), "none, 0 of 0");
-        refer(bench.plot, 2, 2, 0, 1); // one more than there are
-        QCOMPARE(reference(bench, 2, 2), "none");
+            QVERIFY(!add(20, 1, ch, qwtIndex));
+        QVERIFY(!plot().addPoint(20, "°С", 9, 0));
+        QCOMPARE(told(), "");
+        QCOMPARE(int(plot().getChCount(0)) + plot().getChCount(2), 2);
+
+        plot().setChCount(2, 2);
+        told();
+        QVERIFY(add(20, 1, 5, 2));
+        QCOMPARE(told(), "AddCh 2 5, AddCh 2 4, AddCh 2 3, AddCh 2 2, Change 2, AddPoint 2 5");
+        plot().setChMain(5, 2);
+        told();
+        plot().setChCount(255, 2);
+        plot().setChCount(3, 9);
+        QCOMPARE(told(), "");
+        const int curves = plot().itemList(QwtPlotItem::Rtti_PlotCurve).size();
+        plot().setChCount(4, 2);
+        QCOMPARE(plot().itemList(QwtPlotItem::Rtti_PlotCurve).size(), curves - 4);
+        QCOMPARE(told(), "Change 2, ChMode 2 0 0, ChMain 2 0, Change 2, Change 2");
+
+        refer(2, 0, 0, 1); // differences end with what they are against
+        refer(2, 1, 0, 0);
+        plot().setChCount(1, 0);
+        QCOMPARE(told(), "Change 2, ChMode 2 0 1, Change 0");
+        QCOMPARE(reference(2, 0) + ", " + reference(2, 1), "none, 0 of 0");
+        refer(2, 2, 0, 1); // one more than there are
+        QCOMPARE(reference(2, 2), "none");
+        plot().setChCount(0, 2);
+        QCOMPARE(plot().getChMain(2), -1);
     }
     void storesTimeValueUnitAndAverage()
     {
-        PlotBench bench;
-        QwtNOX &plot = bench.plot;
-        bench.now = bench.now.addMSecs(1234);
-        QVERIFY(plot.addPoint(10, "°С", -1, 0)); // stamped by the clock
-        QCOMPARE(shown(bench), "1.234 10 10");
-        plot.addPoint(20, 2, "Ом", 0, 0);
-        const PlotChannel copy = plot.devices()[0].ch[0];
-        plot.addPoint(60, 3, "Ом", 0, 0);
-        QCOMPARE(shown(bench), "3 60 30");
+        now = now.addMSecs(1234);
+        QVERIFY(plot().addPoint(10, "°С", -1, 0)); // stamped by the clock
+        QCOMPARE(shown(), "1.234 10 10");
+        plot().addPoint(20, 2, "Ом", 0, 0);
+        const PlotChannel copy = plot().devices()[0].ch[0];
+        plot().addPoint(60, 3, "Ом", 0, 0);
+        QCOMPARE(shown(), "3 60 30");
         QCOMPARE(numbersOf(copy.meas), Numbers({10, 20})); // goes its own way
-        QCOMPARE(copy.dims.at(0) + copy.dims.at(1) + plot.getChDim(0, 0), "°СОмОм");
-        bench.now = bench.now.addMSecs(-2000);
-        QVERIFY(!plot.addPoint(20, "°С", -1, 0)); // before the start
+        QCOMPARE(copy.dims.at(0) + copy.dims.at(1) + plot().getChDim(0, 0), "°СОмОм");
+        now = now.addMSecs(-2000);
+        QVERIFY(!plot().addPoint(20, "°С", -1, 0)); // before the start
     }
     void clearsAndBeginsAnew()
     {
-        DifferenceBench bench;
-        QwtNOX &plot = bench.plot;
-        plot.setChColor(Qt::magenta, 0, 0);
-        const QDateTime yesterday = bench.now.addDays(-1);
+        withDifference();
+        plot().setChColor(Qt::magenta, 0, 0);
+        const QDateTime yesterday = now.addDays(-1);
         for (const bool prepares : {false, true}) {
-            bench.log.take();
-            prepares ? plot.prepareMeas(0, yesterday) : plot.clear(0);
-            QCOMPARE(bench.log.take(), prepares ? "onChange 0" : "");
-            QCOMPARE(shown(bench), "nothing");
-            QCOMPARE(plot.getChMeasCount(0, 0, false), 0);
-            QCOMPARE(plot.getChMeasStr(0, 0) + plot.getChAverStr(0, 0), "--");
-            QCOMPARE(reference(bench, 0, 0), "1 of 1");
-            QCOMPARE(plot.getChColor(0, 0), QColor(Qt::magenta));
-            bench.add(5, 10 * (prepares + 1), 1, 1);
-            bench.add(9, 10 * (prepares + 1));
-            QCOMPARE(shown(bench), prepares ? "20 4 4" : "10 4 4");
+            told();
+            prepares ? plot().prepareMeas(0, yesterday) : plot().clear(0);
+            QCOMPARE(told(), prepares ? "Change 0" : "");
+            QCOMPARE(shown() + row(0, 0), "nothing0|--|||°С||");
+            QCOMPARE(plot().getChMeasCount(0, 0, false), 0);
+            QCOMPARE(reference(0, 0), "1 of 1");
+            QCOMPARE(plot().getChColor(0, 0), QColor(Qt::magenta));
+            add(5, 10 * (prepares + 1), 1, 1);
+            add(9, 10 * (prepares + 1));
+            QCOMPARE(shown(), prepares ? "20 4 4" : "10 4 4");
         }
-        QCOMPARE(plot.getStartDateTime(0), yesterday);
-        plot.addPoint(20, "°С", 0, 1);
-        QCOMPARE(plot.getChTime(0, 1), 86400.0);
-        bench.log.take();
-        plot.prepareMeas(5, yesterday);
-        QCOMPARE(bench.log.take(), "");
-        QVERIFY(!plot.getStartDateTime(5).isValid());
-        plot.addDev(5, 2); // shares the origin of the first
-        plot.addDev(5, 7);
-        plot.addDev(-1, 7);
-        QCOMPARE(plot.getStartDateTime(5), yesterday);
-        QCOMPARE(plot.devices().keys(), QList<int>({0, 1, 5}));
-        QCOMPARE(int(plot.getChCount(5)), 2);
+        QCOMPARE(plot().getStartDateTime(0), yesterday);
+        plot().addPoint(20, "°С", 0, 1);
+        QCOMPARE(plot().getChTime(0, 1), 86400.0);
+        told();
+        plot().prepareMeas(5, yesterday);
+        QCOMPARE(told(), "");
+        QVERIFY(!plot().getStartDateTime(5).isValid());
+        plot().addDev(5, 2); // shares the origin of the first
+        plot().addDev(5, 7);
+        plot().addDev(-1, 7);
+        QCOMPARE(plot().getStartDateTime(5), yesterday);
+        QCOMPARE(plot().devices().keys(), QList<int>({0, 1, 5}));
+        QCOMPARE(int(plot().getChCount(5)), 2);
     }
     void manyPointsAtOnceAreAsOneByOne()
     {
-        PlotBench single;
-        PlotBench atOnce;
-        for (QwtNOX *plot : {&single.plot, &atOnce.plot}) {
-            plot->addDev(2, 3);
-            plot->setDevMain(2);
-            plot->addPoint(20, 0, "°С", 1, 0);
-            refer(*plot, 2, 1, 2, 0); // against a channel of its own
-            refer(*plot, 2, 2, 1, 0); // whose reference soon has nothing new
-            limit(*plot, 2, TrackUpper);
-        }
         const QVector<QString> units = {"Ω", "°С", "мВ", "K"};
         QRandomGenerator random(1);
         QVector<PlotPoint> points;
@@ -227,58 +203,67 @@ private slots:
             const double value = kind == 0 ? -2000 : kind == 1 ? qQNaN() : random.bounded(100.0);
             points.append({int(random.bounded(5)), i / 10.0, value}); // two of them do not exist
         }
-        int accepted = 0;
-        for (const PlotPoint &point : qAsConst(points))
-            if (point.channel < units.size())
-                accepted += single.plot.addPoint(point.value, point.seconds,
-                                                 units.at(point.channel), 2, uchar(point.channel));
-        for (int first = 0; first < points.size(); first += 700)
-            accepted -= atOnce.plot.addPoints(2, points.mid(first, 700), units);
-        QCOMPARE(accepted, 0);
-        QCOMPARE(int(atOnce.plot.getChCount(2)), 3);
-        for (int ch = 0; ch < 3; ++ch)
-            QCOMPARE(contents(atOnce.plot.devices()[2].ch[ch]),
-                     contents(single.plot.devices()[2].ch[ch]));
+        QStringList held;
+        for (const bool isAtOnce : {false, true}) {
+            renew();
+            plot().addDev(2, 3);
+            plot().setDevMain(2);
+            plot().addPoint(20, 0, "°С", 1, 0);
+            refer(2, 1, 2, 0); // against a channel of its own
+            refer(2, 2, 1, 0); // whose reference soon has nothing new
+            limit(2, TrackUpper);
+            int accepted = 0;
+            for (int first = 0; isAtOnce && first < points.size(); first += 700)
+                accepted += plot().addPoints(2, points.mid(first, 700), units);
+            for (const PlotPoint &point : isAtOnce ? QVector<PlotPoint>() : points)
+                accepted += plot().addPoint(point.value, point.seconds, units.value(point.channel),
+                                            2, uchar(point.channel));
+            held += QString::number(accepted);
+            for (const PlotChannel &channel : qAsConst(plot().devices()[2].ch))
+                held += contents(channel);
+        }
+        QCOMPARE(held.size(), 8);
+        QCOMPARE(held.mid(4), held.mid(0, 4));
     }
     void manyPointsAreToldOfOnce()
     {
         const QVector<QPair<Numbers, QString>> batches = {
-            {{20, 21, 22}, "onAddPoint 0 0"},
-            {{20, 40}, "onAddPoint 0 0, onPointTrackOff 0 0"},
-            {{40, 20}, "onAddPoint 0 0, onPointTrackOff 0 0, onAddPoint 0 0"}, // back below it
-            {{20, -2000}, "onAddPoint 0 0, onErrorAddPoint 0 0"},
-            {{-2000, 20}, "onErrorAddPoint 0 0, onAddPoint 0 0"},
-            {{-2000, -2000}, "onErrorAddPoint 0 0"}};
-        PlotBench bench;
-        limit(bench.plot, 0, TrackUpper);
-        for (const auto &[values, told] : batches) {
+            {{20, 21, 22}, "AddPoint 0 0"},
+            {{20, 40}, "AddPoint 0 0, PointTrackOff 0 0"},
+            {{40, 20}, "AddPoint 0 0, PointTrackOff 0 0, AddPoint 0 0"}, // back below it
+            {{20, -2000}, "AddPoint 0 0, ErrorAddPoint 0 0"},
+            {{-2000, 20}, "ErrorAddPoint 0 0, AddPoint 0 0"},
+            {{-2000, -2000}, "ErrorAddPoint 0 0"}};
+        renew();
+        limit(0, TrackUpper);
+        for (const auto &[values, expected] : batches) {
             QVector<PlotPoint> points;
             for (const double value : values)
                 points.append({0, double(points.size()), value});
-            bench.plot.addPoints(0, points, {"°С"});
-            QCOMPARE(bench.log.take(), told);
+            plot().addPoints(0, points, {"°С"});
+            QCOMPARE(told(), expected);
         }
-        bench.plot.addPoints(0, {{1, 9, 20}, {0, 9, 20}}, {"°С", "°С"}); // in their order
-        QCOMPARE(bench.log.take(), "onAddPoint 0 1, onAddPoint 0 0");
+        plot().addPoints(0, {{1, 9, 20}, {0, 9, 20}}, {"°С", "°С"}); // in their order
+        QCOMPARE(told(), "AddPoint 0 1, AddPoint 0 0");
     }
     void alarmsBeyondLimits()
     {
         const QVector<QPair<TmcTrackingMode, QString>> modes = {
             {TrackOff, ""}, {TrackRange, "9.9 30.1 "}, {TrackUpper, "30.1 "}, {TrackLower, "9.9 "}};
         for (const auto &[mode, expected] : modes) {
-            PlotBench bench;
+            renew();
             QString alarms;
             for (const bool isPlaced : {true, false}) { // none of limits that are not placed
-                limit(bench.plot, 0, mode);
-                bench.plot.devices()[0].upperMarker->setVisible(isPlaced);
-                bench.plot.devices()[0].lowerMarker->setVisible(isPlaced);
+                limit(0, mode);
+                plot().devices()[0].upperMarker->setVisible(isPlaced);
+                plot().devices()[0].lowerMarker->setVisible(isPlaced);
                 for (const double value : {9.9, 10.0, 30.0, 30.1}) {
-                    bench.add(value, 1, 1);
-                    const QString told = bench.log.take();
-                    if (told == "onAddPoint 0 1, onPointTrackOff 0 1")
+                    add(value, 1, 1);
+                    const QString heard = told();
+                    if (heard == "AddPoint 0 1, PointTrackOff 0 1")
                         alarms += QString::number(value) + ' ';
                     else
-                        QCOMPARE(told, "onAddPoint 0 1");
+                        QCOMPARE(heard, "AddPoint 0 1");
                 }
             }
             QCOMPARE(alarms, expected);
@@ -286,136 +271,122 @@ private slots:
     }
     void differenceIsFormed()
     {
-        DifferenceBench bench;
-        QCOMPARE(bench.log.take().section(", ", -2), "onChange 0, onChModeChange 0 0 1");
-        QCOMPARE(reference(bench, 0, 0), "1 of 1");
-        QCOMPARE(differences(bench), Numbers({90, 180, 270}));
-        QCOMPARE(shown(bench), "3 270 180");
-        QCOMPARE(bench.plot.getChMeasStr(0, 0) + ' ' + bench.plot.getChMeasStr(0, 0, -1, -1, false),
-                 "270.00 300.00");
-        QCOMPARE(bench.plot.getChAverStr(0, 0, -1, -1, false), "180.00"); // whatever is asked for
-        QCOMPARE(bench.plot.getChMeas(0, 0, 0) + bench.plot.getChTime(0, 0, 0), 91.0);
+        withDifference();
+        QCOMPARE(told().section(", ", -2), "Change 0, ChMode 0 0 1");
+        QCOMPARE(reference(0, 0), "1 of 1");
+        QCOMPARE(differences(), Numbers({90, 180, 270}));
+        QCOMPARE(shown() + ' ' + row(0, 0), "3 270 180 3|270.00|180.00|3|°С|1.0|90.00");
+        QCOMPARE(plot().getChMeasStr(0, 0, -1, -1, false), "300.00");
+        QCOMPARE(plot().getChAverStr(0, 0, -1, -1, false), "180.00"); // whatever is asked for
+        QCOMPARE(plot().getChMeas(0, 0, 0) + plot().getChTime(0, 0, 0), 91.0);
 
-        bench.log.take();
-        QVERIFY(!bench.add(400, 4)); // the reference has nothing fresh
-        QCOMPARE(bench.log.take(), "onErrorAddPoint 0 0");
-        bench.add(30, 3, 1, 1); // no newer than the latest difference
-        QVERIFY(!bench.add(400, 4.5));
-        bench.add(30, 4.55, 1, 1);
-        bench.add(-2000, 4.6, 1, 1); // the newest was rejected
-        QVERIFY(!bench.add(400, 4.7));
-        QCOMPARE(differences(bench), Numbers({90, 180, 270}));
-        QCOMPARE(bench.plot.getChMeasCount(0, 0, false), 6);
-        bench.add(40, 4.8, 1, 1);
-        QVERIFY(bench.add(500, 5));
-        QCOMPARE(shown(bench), "5 460 250");
-        QCOMPARE(bench.plot.getChDXStr(0, 0) + ' ' + bench.plot.getChDYStr(0, 0), "2.0 190.00");
+        told();
+        QVERIFY(!add(400, 4)); // the reference has nothing fresh
+        QCOMPARE(told(), "ErrorAddPoint 0 0");
+        add(30, 3, 1, 1); // no newer than the latest difference
+        QVERIFY(!add(400, 4.5));
+        add(30, 4.55, 1, 1);
+        add(-2000, 4.6, 1, 1); // the newest was rejected
+        QVERIFY(!add(400, 4.7));
+        QCOMPARE(differences(), Numbers({90, 180, 270}));
+        QCOMPARE(plot().getChMeasCount(0, 0, false), 6);
+        add(40, 4.8, 1, 1);
+        QVERIFY(add(500, 5));
+        QCOMPARE(shown() + ' ' + row(0, 0), "5 460 250 4|460.00|250.00|5|°С|2.0|190.00");
 
-        bench.plot.setChDiff(255, -1, 0, 0); // back to the values, and once more
-        QCOMPARE(shown(bench), "5 500 328.571");
-        QCOMPARE(bench.plot.getChMeasCount(0, 0), 7);
-        bench.plot.setChDiff(1, 1); // the main channel of the main instrument
-        QCOMPARE(differences(bench), Numbers({90, 180, 270, 370, 370, 460}));
+        plot().setChDiff(255, -1, 0, 0); // back to the values, and once more
+        QCOMPARE(shown(), "5 500 328.571");
+        QCOMPARE(plot().getChMeasCount(0, 0), 7);
+        plot().setChDiff(1, 1); // the main channel of the main instrument
+        QCOMPARE(differences(), Numbers({90, 180, 270, 370, 370, 460}));
         for (int second = 6; second <= 12; ++second) { // goes on with the same window
-            bench.add(0, second - 0.5, 1, 1);
-            bench.add(second, second);
+            add(0, second - 0.5, 1, 1);
+            add(second, second);
         }
-        QCOMPARE(shown(bench), "12 12 126.3"); // of 370, 370, 460, 6 ... 12
-        bench.plot.setChDiff(1, 0, 0, 0);      // which has no points
-        QCOMPARE(shown(bench), "nothing");
-        QVERIFY(bench.add(30, 13));
-        QCOMPARE(bench.plot.getChMeasStr(0, 0), "--");
+        QCOMPARE(shown(), "12 12 126.3"); // of 370, 370, 460, 6 ... 12
+        plot().setChDiff(1, 0, 0, 0);     // which has no points
+        QCOMPARE(shown(), "nothing");
+        QVERIFY(add(30, 13));
+        QCOMPARE(plot().getChMeasStr(0, 0), "--");
     }
     void differenceRequests()
     {
-        const struct {
-            int diffCh, diffQwtIndex, qwtIndex, ch;
-            const char *result;
-        } requests[] = {
+        const QVector<std::tuple<int, int, int, int, QString>> requests = {
             {0, 1, 0, 0, "0 of 1, СЛЕЖЕНИЕ"},   {1, 0, 0, 0, "1 of 0, СЛЕЖЕНИЕ"},
             {255, -1, 0, 0, "none, СЛЕЖЕНИЕ"},  {1, 9, 0, 0, "1 of 1, СЛЕЖЕНИЕ"}, // it is gone
             {1, -1, 0, 0, "1 of 1, СЛЕЖЕНИЕ"},  {2, 1, 0, 0, "1 of 1, СЛЕЖЕНИЕ"},
             {255, 1, 0, 0, "1 of 1, СЛЕЖЕНИЕ"}, {1, 1, 9, 0, "1 of 1, УВЕЛИЧЕНИЕ"},
             {1, 1, 0, 2, "1 of 1, УВЕЛИЧЕНИЕ"}, {0, 0, 1, 1, "1 of 1, УВЕЛИЧЕНИЕ"}};
         for (const auto &[diffCh, diffQwtIndex, qwtIndex, ch, result] : requests) {
-            DifferenceBench bench;
-            bench.plot.setChMode(ModeZoom);
-            const QString views = bench.views();
-            bench.plot.setChDiff(uchar(diffCh), diffQwtIndex, qwtIndex, uchar(ch));
-            QCOMPARE(reference(bench, 0, 0) + ", " + bench.plot.getChModeLabel(), result);
-            QVERIFY(bench.plot.getChMode() == ModeFollow || bench.views() == views);
-            QCOMPARE(reference(bench, 9, 0) + reference(bench, 0, 7), "nonenone");
+            renew();
+            withDifference();
+            plot().setChMode(ModeZoom);
+            const QString views = seenViews();
+            plot().setChDiff(uchar(diffCh), diffQwtIndex, qwtIndex, uchar(ch));
+            QCOMPARE(reference(0, 0) + ", " + plot().getChModeLabel(), result);
+            QVERIFY(plot().getChMode() == ModeFollow || seenViews() == views);
+            QCOMPARE(reference(9, 0) + reference(0, 7), "nonenone");
         }
     }
     void whoLeavesIsForgotten()
     {
-        DifferenceBench bench;
-        QwtNOX &plot = bench.plot;
-        const auto count = [&plot](QwtPlotItem::RttiValues kind) {
-            return plot.itemList(kind).size();
-        };
-        const int markers = count(QwtPlotItem::Rtti_PlotMarker);
-        plot.removeDev(1);
-        QCOMPARE(count(QwtPlotItem::Rtti_PlotCurve), 4);
-        QCOMPARE(count(QwtPlotItem::Rtti_PlotMarker), markers - 2);
-        QCOMPARE(reference(bench, 0, 0) + ' ' + shown(bench), "none 3 300 200");
-        plot.addDev(1, 3); // another one in its place is no reference
-        QCOMPARE(reference(bench, 0, 0), "none");
-        plot.changeModeX(ModeXAbsolute);
-        plot.removeDev(0);
-        QCOMPARE(plot.getDevMain(), -1);
-        QCOMPARE(bench.labelX(70), "70");
-        plot.replot();
+        withDifference();
+        const int items = plot().itemList().size();
+        plot().removeDev(1);
+        QCOMPARE(plot().itemList().size(), items - 6); // four curves, two limits
+        QCOMPARE(reference(0, 0) + ' ' + shown(), "none 3 300 200");
+        plot().addDev(1, 3); // another one in its place is no reference
+        QCOMPARE(reference(0, 0), "none");
+        plot().changeModeX(ModeXAbsolute);
+        plot().removeDev(0);
+        QCOMPARE(plot().getDevMain(), -1);
+        QCOMPARE(labelX(70), "70");
+        plot().replot();
     }
-    void listenersMayChangeTheRecords()
+    void listenersMayChangeWhatComes()
     {
-        PlotBench bench;
-        QwtNOX &plot = bench.plot;
-        const auto afterwards = [&plot](auto signal, auto change, auto act) {
-            QObject listener;
-            connect(&plot, signal, &listener, change);
-            act();
-            return plot.devices().keys();
-        };
-        limit(plot, 0, TrackLower);
-        const auto addPoint = [&] { QVERIFY(bench.add(20, 1)); };
-        afterwards(
-            &QwtNOX::onAddPoint, [&] { plot.clear(0); }, addPoint);
-        QCOMPARE(bench.log.take(), "onAddPoint 0 0");
-        const QList<int> other = {1};
-        QCOMPARE(afterwards(
-                     &QwtNOX::onAddPoint, [&] { plot.removeDev(0); }, addPoint),
-                 other);
+        limit(0, TrackLower);
+        const auto addPoint = [&] { QVERIFY(add(20, 1)); };
+        const auto clear = [&] { plot().clear(0); };
+        afterwards(&QwtNOX::onAddPoint, clear, addPoint);
+        QCOMPARE(told(), "AddPoint 0 0");
+        const QPair<QList<int>, int> onlyOther({1}, 4);
+        const auto remove = [&] { plot().removeDev(0); };
+        QCOMPARE(afterwards(&QwtNOX::onAddPoint, remove, addPoint), onlyOther);
 
-        plot.addDev(2, 0);
+        plot().addDev(2, 0);
         const auto removeAtTheSecond = [&](int qwtIndex, uchar ch) {
             if (ch == 1)
-                plot.removeDev(qwtIndex);
+                plot().removeDev(qwtIndex);
         };
         const QVector<PlotPoint> points = {{0, 1, 20}, {1, 1, 20}, {0, 2, 20}};
-        const auto addPoints = [&] { QCOMPARE(plot.addPoints(2, points, {"°С", "°С"}), 1); };
-        QCOMPARE(afterwards(&QwtNOX::onAddCh, removeAtTheSecond, addPoints), other);
-
-        const int curves = plot.itemList(QwtPlotItem::Rtti_PlotCurve).size();
-        plot.addDev(2, 0);
+        const auto addPoints = [&] { QCOMPARE(plot().addPoints(2, points, {"°С", "°С"}), 1); };
+        QCOMPARE(afterwards(&QwtNOX::onAddCh, removeAtTheSecond, addPoints), onlyOther);
+    }
+    void listenersMayChangeWhatLeaves()
+    {
+        plot().removeDev(0);
+        const QPair<QList<int>, int> onlyOther({1}, 4);
+        plot().addDev(2, 0);
         const auto addToWhoLeaves = [&](int qwtIndex) {
-            if (qwtIndex == 2 && plot.getChCount(2) == 0)
-                plot.addPoint(20, 2, "°С", 2, 0);
+            if (qwtIndex == 2 && plot().getChCount(2) == 0)
+                plot().addPoint(20, 2, "°С", 2, 0);
         };
-        afterwards(&QwtNOX::onChange, addToWhoLeaves, [&] { plot.removeDev(2); });
-        QCOMPARE(plot.itemList(QwtPlotItem::Rtti_PlotCurve).size(), curves);
+        const auto removeIt = [&] { plot().removeDev(2); };
+        QCOMPARE(afterwards(&QwtNOX::onChange, addToWhoLeaves, removeIt), onlyOther);
 
         for (const int qwtIndex : {3, 4, 5}) {
-            plot.addDev(qwtIndex, 2);
+            plot().addDev(qwtIndex, 2);
             for (const int ch : {0, 1})
-                refer(plot, qwtIndex, ch, 1, 1);
+                refer(qwtIndex, ch, 1, 1);
         }
         const auto removeWhoLosesItsReference = [&](int qwtIndex) {
-            plot.removeDev(qwtIndex);
-            plot.removeDev(4);
+            plot().removeDev(qwtIndex);
+            plot().removeDev(4);
         };
-        const auto shrink = [&] { plot.setChCount(1, 1); };
-        QCOMPARE(afterwards(&QwtNOX::onChModeChange, removeWhoLosesItsReference, shrink), other);
+        const auto shrink = [&] { plot().setChCount(1, 1); };
+        QCOMPARE(afterwards(&QwtNOX::onChModeChange, removeWhoLosesItsReference, shrink),
+                 qMakePair(QList<int>{1}, 2));
     }
 };
 
