@@ -258,8 +258,11 @@ void SnapshotBox::removeInstrument()
     const QPointer<SnapshotBox> self(this);
     if (!isRemovalWanted() || !self)
         return;
-    noxList::_nox *const nox = m_registry->getNoxByImage(image);
-    if (!nox || nox->dbIndex < 0 || !m_registry->database()->removeDev(nox->dbIndex))
+    noxList::_nox *nox = m_registry->getNoxByImage(image);
+    if (!nox || nox->dbIndex < 0 || !m_registry->database()->removeDev(nox->dbIndex) || !self)
+        return;
+    nox = m_registry->getNoxByImage(image); // a receiver of the removal may have removed it
+    if (!nox)
         return;
     nox->dbIndex = -1;
     emit instrumentRemoved(nox->index);

@@ -21,9 +21,10 @@ bool provideDatabase(const QString &path);
  * The user's database: instruments met, snapshots of their configurations, calibration
  * characteristics, and properties of the program and of the instruments.
  *
- * It is the default connection, which dialogs use for statements of their own. While it is not
- * open every operation fails: ids and counts are -1, other results false or empty. Nothing is
- * shown. Each statement is a transaction; what was reported as done is on the disk.
+ * It is the default connection, of which there is one at a time, and on which the statements of
+ * storage/storeditems.h run too. While it is not open every operation fails: ids and counts are -1,
+ * other results false or empty. Nothing is shown. Each statement is a transaction; what was
+ * reported as done is on the disk.
  */
 class noxSql : public QObject
 {

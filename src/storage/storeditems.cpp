@@ -22,7 +22,7 @@ QVariant containing(const QString &text)
 
 // Snapshots
 
-/** Selects what the user reads of snapshots; snapshotOfRow() reads it. */
+/** Selects what the user reads of several snapshots; snapshotOfRow() reads it. */
 QString selectShown(const char *condition)
 {
     return QStringLiteral(
@@ -197,10 +197,15 @@ int storeSnapshot(int deviceId, const SnapshotContent &content, int snapshotId,
 
 std::optional<noxSql::noxSqlItem> storedSnapshot(int snapshotId)
 {
-    const auto row = selectOnly(selectShown(" device_snapshot.device_id=device.device_id "
-                                            " AND device_snapshot.device_snapshot_id="
-                                            ":device_snapshot_id "),
-                                {{":device_snapshot_id", snapshotId}});
+    const auto row =
+        selectOnly(" SELECT  device_snapshot.device_snapshot_id, "
+                   " device_snapshot.device_snapshot_datetime, "
+                   " device_snapshot.device_snapshot_factory, device_snapshot.device_snapshot_info,"
+                   " device.device_type,  device.device_number,  device.device_name "
+                   " FROM device, device_snapshot "
+                   " WHERE  device_snapshot.device_id=device.device_id "
+                   " AND device_snapshot.device_snapshot_id=:device_snapshot_id ",
+                   {{":device_snapshot_id", snapshotId}});
     if (!row)
         return std::nullopt;
     return snapshotOfRow(*row);
