@@ -11,14 +11,6 @@ using Row = QPair<QString, std::function<void(Image &)>>; ///< what comes of a s
 namespace
 {
 
-QString texts(const SettingChoices &choices)
-{
-    QStringList list;
-    for (const SettingChoice &choice : choices)
-        list << QString("%1 %2").arg(choice.code).arg(choice.text);
-    return list.join(", ") + "; ";
-}
-
 /** Nothing that the setters take: beyond four bits, a list or the channels of the model. */
 void setWhatItHasNot(Image &image)
 {
@@ -42,7 +34,7 @@ void setWhatItHasNot(Image &image)
 
 } // namespace
 
-/** The vocabulary, and an image that is asked, changed and given blocks. */
+/** The models, and an image that is asked, changed and given blocks. */
 class TestOptionsNox8 : public QObject
 {
     Q_OBJECT
@@ -82,31 +74,7 @@ private slots:
         QCOMPARE(answers, expected);
         QCOMPARE(QStringList(Image::getTypeList(false).values()).join(", "),
                  "--, NOX A, NOX B, NOX C, NOX CM, NOX D, NOX CM1");
-    }
-
-    void vocabulary()
-    {
-        QCOMPARE(Image::getDim('A') + Image::getDim('B') + Image::getDim('C') + Image::getDim('Z'),
-                 "Ω°СмВ-");
-        const QString choices =
-            texts(compensationChoices(0x21, 0)) + texts(compensationChoices(0x22, 0)) +
-            texts(compensationChoices(0x0970AA0F, 1)) + texts(compensationChoices(0x41, 0)) +
-            texts(compensationChoices(0x0960AA0F, 1)) + texts(roundingChoices()) +
-            texts(measurementTimeChoices()) + texts(reversalChoices()) +
-            texts(shortCircuitChoices()) + texts(measurementModeChoices());
-        QCOMPARE(choices,
-                 "0 Нет, 1 Да; 0 Нет, 1 Канал 7, 2 Все; 0 Нет, 1 Канал 8, 2 Все; "
-                 "0 Нет, 1 Канал 15, 2 Все; 0 Нет, 1 Канал 16, 2 Все; "
-                 "0 0.1, 16 0.01, 32 0.001; 0 1, 1 2, 2 3, 3 4, 4 5, 5 6, 6 7, 7 8, 8 9; "
-                 "0 Нет, 16 Да; 0 Да, 1 Нет; 0 :/resource/images/single_ch.png, "
-                 "1 :/resource/images/singleShow_ch.png, 2 :/resource/images/cyclic_ch.png; ");
-        QCOMPARE(standardResistanceThermometers().join(' '),
-                 "10M 50M 100M 10П 50П 100П 500П 1000П Pt10 Pt50 Pt100 Pt500 Pt1000");
-        QCOMPARE(standardThermocouples().join(' '),
-                 "ТНН(N) ТВР(A1) ТВР(A2) ТВР(A3) ТЖК(J) ТМК(M) ТМК(T) ТПР(B) ТПП(R) "
-                 "ТПП(S) ТХА(K) ТХК(E) ТХК(L)");
         QCOMPARE(modelsWithSameReferenceData(0x0950AA0F), (QVector<quint32>{0x21, 0x22}));
-        QCOMPARE(modelsWithSameReferenceData(0x31), QVector<quint32>());
     }
 
     void numberAndName()

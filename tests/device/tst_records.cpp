@@ -1,4 +1,3 @@
-#include "device/bword.h"
 #include "device/callendarvandusen.h"
 #include "device/featurenox8.h"
 #include "device/instrumentblocks.h"
@@ -47,29 +46,6 @@ private slots:
         }
         QCOMPARE(read, (QStringList{"12.5", "12.5", "7", "-5.775e-07", "0", "0", "0?", "0?", "0?",
                                     "0?"}));
-    }
-
-    void numbersInBlocks()
-    {
-        const QByteArray block = bytes("000041200000c1200000");
-        bFloat number;
-        bool ok = false;
-        number.setFloat(&block, 1, 2, &ok);
-        QVERIFY(ok);
-        QCOMPARE(number.getByte(), block.mid(6));
-        QCOMPARE(number.value + bFloat::getFloat(&block, 0, 2) * 2, 10.0F);
-        number.mode = bFloat::LeastSignificantFirst;
-        QCOMPARE(number.getByte(), bytes("000020c1"));
-        number.setFloat(&block, 1, 2);
-        for (const int index : {2, -1}) { // half a number, and one before the block
-            number.setFloat(&block, index, 0, &ok);
-            QVERIFY(!ok);
-            QCOMPARE(bFloat::getFloat(&block, index), 0.0F);
-        }
-        QCOMPARE(number.getByte(), block.mid(6));
-        const QByteArray word = bytes("000000000faa500900");
-        QCOMPARE(bWord::getWord(&word, 1), 0x0950AA0F);
-        QCOMPARE(bWord::getWord(&word, 2) + bWord::getWord(&word, -1), 0);
     }
 
     void textsAndMoments()

@@ -116,33 +116,6 @@ private slots:
         QCOMPARE(int(other.devChRevers), 0x10);
     }
 
-    void choicesThatAFileDoesNotKeep()
-    {
-        const struct {
-            CharacteristicSource source;
-            quint8 index;
-            QString code; ///< of the compensation; that of the characteristic is beyond all
-        } before[] = {
-            {featureThermocouple, 12, ""},         {featureThermocouple, 13, ""},
-            {featureResistanceThermometer, 5, ""}, {featureNone, 7, ""},
-            {featureThermocouple, 13, "99"},       {featureResistanceThermometer, 13, "99"},
-            {featureIndividual, 15, "99"}};
-        QStringList lines = linesOf(0x22);
-        ImageOf image(0x22);
-        for (int ch = 0; ch < 7; ++ch) {
-            const auto &[source, index, code] = before[ch];
-            image.channels[ch] = {
-                1, measResistance, {}, 0, 0, index, index, source, compensationSource(source)};
-            lines[13 + 5 * ch] = "99";
-            lines[648 + ch] = code;
-        }
-        QVERIFY(applySettings(lines, image));
-        QByteArrayList records;
-        for (int ch = 0; ch < 7; ++ch)
-            records << encodeChannel(image.channels.at(ch)).mid(2).toHex();
-        QCOMPARE(records.join(' '), QByteArray("0cac 0030 0570 07f7 0030 0030 0f0f"));
-    }
-
     void textsAreTakenAsTheyStand()
     {
         // two of the zero shifts; Callendar and Van Dusen stand in the coefficient lines alone
@@ -174,17 +147,6 @@ private slots:
         Image image; // a model of 16 channels where only 8 can stand
         QVERIFY(!applySettings(linesOf(0x22, "634=NOX CM1 rev3"), image));
         QCOMPARE(image.devType, 0x41u);
-    }
-
-    void extendedPartIsRefused()
-    {
-        for (const char *type : {"rev4|666=0", "rev4|666=rubbish", "rev4|666=-5", "rev4|666=85",
-                                 "rev4|666=4294967296", "rev4 "}) { // the last is none at all
-            Image image;
-            QCOMPARE(applySettings(linesOf(0x0950AA0F, QString("667=name|665=") + type), image),
-                     QString(type) == "rev4 ");
-            QCOMPARE(image.getDevName(true), QString("NOX CM № --"));
-        }
     }
 
     void filesWithoutAModel()
@@ -222,24 +184,6 @@ private slots:
         for (const QString &path : {directory.filePath("none/x.ust"), directory.path(), fifo})
             QVERIFY2(!image.saveToFile(path, "COM1"), qPrintable(path));
         QVERIFY(!QFileInfo(fifo).isFile());
-    }
-
-    void lineEndsInTexts()
-    {
-        ImageOf image(0x0950AA0F);
-        image.devName = "two\nlines";
-        image.features[3]->name = "a\r\nb";
-        image.features[3]->ratioStr = QStringList{"1\n"};
-        image.channels[1].measType = measTemperatureCustom;
-        image.channels[1].dimCust = "\n";
-        image.devMeasTime = 9; // as a character it would be a line end
-        const QStringList lines = settingsLines(image);
-        QCOMPARE(lines.size(), 705);
-        QCOMPARE(lines.filter(QRegularExpression("[\r\n]")), QStringList());
-        Image read;
-        QVERIFY(applySettings(lines, read));
-        QCOMPARE(read.devName + ' ' + read.features.at(3)->name, "two lines a  b");
-        QCOMPARE(int(read.devMeasTime), 8);
     }
 
     void whatCannotBeSavedLeavesTheOldFile()

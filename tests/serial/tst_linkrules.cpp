@@ -93,18 +93,6 @@ QString played(const QString &script)
     return seen;
 }
 
-/** The steps after failures: retry, open and retry, quick retry. */
-QString stepsOf(ExchangeKind kind, int mode)
-{
-    QString steps;
-    RetryStep step;
-    do {
-        step = nextRetryStep(kind, noxQueryMode(mode), step.attempts);
-        steps += QString(".qro").at(step.action);
-    } while (step.action != RetryStep::GiveUp && steps.size() < 10);
-    return steps;
-}
-
 } // namespace
 
 /** What the link decides without port and thread: its queues, its schedule, its
@@ -118,7 +106,6 @@ private slots:
         const QVector<QPair<QString, QString>> rows = {
             {"<>!?", "..|0 unused"},
             {"aaabbc", "|4aabc"},     // equal ones wait once behind the head
-            {"aAAbB", "|5aaabb"},     // or as often as they are pushed
             {"ab<<", "a.|2 outab"},   // the head is handed over once,
             {"ab<><", "aab|1 outb"},  // and the next one after its result
             {"a<>", "aa|0"},          // what was done is used
@@ -126,27 +113,12 @@ private slots:
             {"abc<?<", "ab|2 outbc"}, // or the failed one
             {"ab<-c<", "a.|1 out.c"}, // abandoned, but still to be done
             {"ab<-c><>", "a.cc|0"},   // its result is not that of the new head,
-            {"ab<-c!<", "ac|1 outc"}, // nor is its failure,
-            {"ab<-c?<", "ac|1 outc"}, // of whatever mode
+            {"ab<-c!<", "ac|1 outc"}, // nor is its failure
             {"ab-c<>", "cc|0"},       // abandoned before it began
             {"-", "|0"},              // abandoning is a use
         };
         for (const auto &[script, seen] : rows)
             QCOMPARE(script + ' ' + played(script), script + ' ' + seen);
-    }
-
-    void retries()
-    {
-        using Kind = ExchangeKind;
-        const QStringList expected = {"ror.", ".", "qq.", ".", "ror."};
-        for (int mode : {0, 1, 2, 3, 8}) {
-            QCOMPARE(stepsOf(Kind::BlockRead, mode), expected.at(qMin(mode, 4)));
-            for (Kind kind : {Kind::RecordRead, Kind::WordRead, Kind::Write})
-                QCOMPARE(stepsOf(kind, mode), expected.first());
-            for (Kind kind : {Kind::BlockRead, Kind::RecordRead, Kind::WordRead, Kind::Write})
-                QCOMPARE(deliversEmptyReply(kind, noxQueryMode(mode)),
-                         mode == noxQueryModeEmpty && kind <= Kind::RecordRead);
-        }
     }
 
     void startsAreSpread()
@@ -187,19 +159,6 @@ private slots:
         QCOMPARE(byteByByte, expected);
         // a line end between rounds is no part of a token
         QCOMPARE(tokensOf(parser, " \r\n", "4:7B "), QStringList("4:7B > 7 ch4 B"));
-    }
-
-    void tailWithoutSpaceIsBounded()
-    {
-        const auto nothing = [](const StreamToken &) {};
-        const QByteArray longest(4096, 'x');
-        StreamParser parser;
-        QVERIFY(!parser.feed(longest, nothing));
-        QCOMPARE(tokensOf(parser, " "), QStringList(longest + ' '));
-        QVERIFY(!parser.feed(longest, nothing));
-        QVERIFY(!parser.feed("x", nothing)); // one too many, and all are gone
-        QCOMPARE(tokensOf(parser, "1:20.1B "), QStringList("1:20.1B > 20.1 ch1 B"));
-        QVERIFY(parser.feed(" ", nothing));
     }
 
     void cutTokensAreNeverJoined()

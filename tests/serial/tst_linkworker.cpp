@@ -54,7 +54,6 @@ QVector<Stage> stages()
     return {
         {"idle", {}, {}, {}, E::Aborted, 0, timing},
         {"queue delay of a read", block, {}, {}, E::Aborted, 0, queued},
-        {"queue delay of a write", {}, data, {}, E::Aborted, 0, queued},
         {"echo of an address", block, {}, deaf, E::AddressIgnored, 1, timing},
         {"synchronisation", block, {}, unsynced, E::EchoSent, 1, timing},
         {"unit of a block", block, {}, mute(2), E::BlockAcknowledged, 2, timing},
@@ -182,23 +181,6 @@ private slots:
         QTest::qWait(50);
         bench.host.sendRaw("a", ":21.5432B " + second);
         QTRY_COMPARE(measured, expected);
-    }
-
-    void itemsForOthersAndSecondItemsAreDropped()
-    {
-        start("a", shortTiming(), false);
-        emit port->readyDevQuery(1, identity);
-        emit port->readyDevData(1, clockData);
-        emit port->readyDevQuery(0, block);
-        emit port->readyDevQuery(0, identity); // while one is in progress
-        emit port->readyDevData(0, clockData); // which may be beside it
-        emit port->readyDevData(0, clockData);
-        QTRY_COMPARE(bench.exchanged("a").size(), 2);
-        QTest::qWait(200);
-        QCOMPARE(bench.exchanged("a"), (QVector<int>{3, clockWrite}));
-        // the next ones are taken again
-        emit port->readyDevQuery(0, identity);
-        QTRY_COMPARE(bench.exchanged("a"), (QVector<int>{3, clockWrite, 51}));
     }
 
 private:

@@ -291,18 +291,6 @@ private slots:
         QCOMPARE(journal->linesOf("error 24").size(), 1);
     }
 
-    void removalFromWithinAResult()
-    {
-        connect(port.get(), QOverload<int, QByteArray, quint8>::of(&NOXSerialPort::readyDevReply),
-                this, [this](int index) { port->rmDev(index); });
-        read(reference);
-        read(identification);
-        QTRY_COMPARE(port->getPortName(0), QString("-"));
-        QTRY_VERIFY(port->isReadAllQuery());
-        QCOMPARE(journal->linesOf("reply"), QStringList("reply @3 72 bytes"));
-        QCOMPARE(port->addDev("a"), 0);
-    }
-
     void garbageAndPausesSpoilNoMeasurement()
     {
         QTRY_VERIFY((bench->host.sendRaw("a", firstToken), !journal->measurements.isEmpty()));

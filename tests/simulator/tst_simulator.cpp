@@ -1,9 +1,6 @@
-#include "device/optionsnox8.h"
 #include "simulator/commandline.h"
 #include "support/instrumentbench.h"
 
-#include <QSerialPort>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace
@@ -31,11 +28,6 @@ QString differences(InstrumentDialogue &dialogue, const Script &script)
             seen += QString("at %1 ms: %2").arg(atMs).arg(QString(answer.toHex()));
     }
     return seen;
-}
-
-SimulatorCommand commandOf(const QString &line)
-{
-    return readSimulatorCommand(QStringList{"nox8-sim"} + line.split(' ', Qt::SkipEmptyParts));
 }
 
 } // namespace
@@ -97,48 +89,6 @@ private slots:
         QTEST(dialogue.isBusy(), "busy");
     }
 
-    void line()
-    {
-        const QTemporaryDir directory;
-        const QString link = directory.filePath("port");
-        QVERIFY(QFile::link("/dev/pts/no-such-terminal", link)); // one that was left behind
-        SimulatedInstrumentOptions options;
-        options.portsDirectory = directory.path();
-        options.paced = true;
-        options.tokensPerSecond = 20.0;
-        {
-            InstrumentHost host;
-            const QString device = host.add(options, "port");
-            QCOMPARE(QFile::symLinkTarget(link), device);
-            QTest::qWait(200);
-            QCOMPARE(host.tokensSent("port"), 0); // while nobody listens
-            QSerialPort end(device);
-            QVERIFY(end.open(QIODevice::ReadWrite));
-            QTRY_VERIFY(end.bytesAvailable() > 11);
-            QByteArray heard = end.readAll();
-            QVERIFY2(QRegularExpression("^[1-8]:2[0-9][.][0-9]{4}B ").match(heard).hasMatch(),
-                     heard);
-            host.sendRaw("port", QByteArray(2000, 'x')); // two seconds at 9600 baud
-            QTRY_VERIFY(end.bytesAvailable() > 20);
-            heard.clear();
-            end.write("3");
-            QTRY_VERIFY((heard += end.readAll()).endsWith('3')); // cut short before the echo
-            QVERIFY2(heard.size() < 1500, heard);
-        }
-        QVERIFY(!QFileInfo(link).isSymLink());
-    }
-
-    void olderInstrumentIsKnownByItsReferences()
-    {
-        for (const char *model : {"NOX A", "NOX B", "NOX D"}) {
-            const InstrumentMemory memory({model, 5, {}, 0, false});
-            QVERIFY(!memory.isReadable(51) && !memory.isWritable(50));
-            optionsNOX8 image;
-            QVERIFY(image.setData(memory.block(3), 3));
-            QCOMPARE(image.getDevTypeStr(true), QString(model));
-        }
-    }
-
     void tokensFollowTheChannels()
     {
         const QByteArray off = QByteArray::fromHex("0000000220000000120030");
@@ -159,27 +109,14 @@ private slots:
         QCOMPARE(round, QByteArray("1:111.67292A 2:30.0000B 3:1.20450C 8:30.0000B 1:111.67292A "));
     }
 
-    void commandReachesTheInstrument()
+    void commandLine()
     {
-        const SimulatorCommand command =
-            commandOf("--serial 77 --older --rate 12.5 --paced --signal fixed-point --seed 9 "
-                      "--ignore always --wrong-sync 3 --lose 0.5 --unplug-after 1.5 "
-                      "--word-addresses 9,52");
-        const SimulatedInstrumentOptions &options = command.instrument;
-        QCOMPARE(command.kind, SimulatorCommand::Play);
-        QCOMPARE(options.identity.serialNumber, quint16(77));
-        QVERIFY(!options.identity.answersIdentification && options.paced);
-        QCOMPARE(options.tokensPerSecond, 12.5);
-        QCOMPARE(options.signal.kind, ThermometrySignal::FixedPoint);
-        QVERIFY(options.signal.seed == 9 && options.faults.seed == 9);
-        QCOMPARE(options.faults.ignoredAddressings, FaultPlan::always);
-        QCOMPARE(options.faults.wrongPatterns, 3);
-        QCOMPARE(options.faults.lossProbability, 0.5);
-        QCOMPARE(command.unplugAfterMs, 1500);
-        QCOMPARE(options.dialogue.wordAddresses, (QSet<quint8>{9, 52}));
-        for (const char *refused :
-             {"--colour red", "--model Toaster", "--serial 65536", "--lose 1.5", "--rate nan",
-              "--ignore -1", "--port ../nox", "--signal square", "--word-addresses 9,300", "nox0"})
+        const auto commandOf = [](const QString &line) {
+            return readSimulatorCommand(QStringList{"nox8-sim"} + line.split(' '));
+        };
+        QCOMPARE(commandOf("--serial 77 --rate 12.5").instrument.identity.serialNumber,
+                 quint16(77));
+        for (const char *refused : {"--colour red", "--serial 65536", "--rate nan", "--ignore -1"})
             QVERIFY2(commandOf(refused).kind == SimulatorCommand::Refuse, refused);
     }
 };
