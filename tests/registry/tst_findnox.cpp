@@ -242,10 +242,10 @@ private slots:
             const bool isOlder = number == 0;
             bench->add("A", "NOX D", 1, isOlder);
             bench->add("B", "NOX B", 2);
-            bench->add("C", "NOX B", 3, isOlder, isOlder ? 8 : 5);
+            // which answers when it is let, and is asked for long enough
+            bench->add("C", "NOX B", 3, isOlder, FaultPlan::always);
             LinkTiming timing = RegistryBench::timing();
-            // so that it answers when the others have been dealt with
-            timing.initDelay = timing.attemptDelay = 300;
+            timing.initDelay = 1000;
             bench->port.setLinkTiming(timing);
             const auto *const progress = find<QProgressBar>("progressBar");
             dialog->find(true, number ? typeB : 0, quint16(number));
@@ -255,6 +255,7 @@ private slots:
             bench->instruments.host.unplug("A");
             QTRY_COMPARE_WITH_TIMEOUT(bench->port.devices().size(), 2, patienceMs);
             QVERIFY(dialog->isVisible() && table->rowCount() == rows);
+            bench->instruments.host.setFaults("C", {});
             QVERIFY(isOlder ? lists() : closes());
             QVERIFY(only() && only()->portName == (isOlder ? "B" : "C"));
             QVERIFY(!isOlder || table->item(1, 0)->text() == "C");
