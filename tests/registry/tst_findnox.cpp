@@ -159,6 +159,7 @@ private slots:
         QVERIFY(closes());
         QVERIFY(only() && bench->isRead(only()->index));
         only()->qwtIndex = 0;
+        bench->port.setLinkTiming(shortTiming()); // nobody who is to be heard is met from now on
         SimulatedInstrumentOptions options = bench->instruments.steadyInstrument();
         options.faults.silentAfterBlocks = 1;
         QVERIFY(bench->instruments.add("silent", options));
