@@ -54,9 +54,9 @@ const QVector<Operation> writing{
      }}};
 
 const QVector<Operation> reading{
-    {"find by number device", [](noxSql &sql) { return sql.findDev(0x11, 1) == 1; }},
+    {"find device", [](noxSql &sql) { return sql.findDev(0x11, 1) == 1; }},
     {"count snapshots", [](noxSql &sql) { return sql.getSnapShotCount(1) > 0; }},
-    {"info snapshots", [](noxSql &sql) { return sql.getSnapShotInfo(1) == "factory"; }},
+    {"tell of snapshot", [](noxSql &sql) { return sql.getSnapShotInfo(1) == "factory"; }},
     {"find snapshot",
      [](noxSql &sql) { return !sql.findSnapShot(&configuration, &reference, 0).isEmpty(); }},
     {"find feature", [](noxSql &sql) { return !sql.findFeature("n").isEmpty(); }},
