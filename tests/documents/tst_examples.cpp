@@ -25,34 +25,6 @@ private slots:
         shown.sort();
         QCOMPARE(shown, exampleNames());
     }
-
-    void updating()
-    {
-        const QString mark = "<!-- made by nox8-examples serial-number -->";
-        const QStringList document{"before", mark,  "```", "old", "older", "```",  "```",
-                                   "own",    "```", mark,  "```", "```",   "after"};
-        const QStringList example = makeExample("serial-number");
-        QVERIFY(!example.isEmpty());
-        QStringList expected{"before", mark, "```"};
-        expected << example << QStringList{"```", "```", "own", "```", mark, "```"} << example
-                 << QStringList{"```", "after"};
-        QCOMPARE(withFreshExamples(document, nullptr), expected);
-        QCOMPARE(withFreshExamples(expected, nullptr), expected);
-    }
-
-    void faultyMarks()
-    {
-        const QString mark = "<!-- made by nox8-examples %1 -->\n";
-        const QString named = mark.arg("logger");
-        const QStringList documents{mark.arg("fault") + "```\n```\n", // no such example
-                                    named + "text\n", named + "\n```\n```\n", named + "```\ntext\n",
-                                    named.trimmed()};
-        for (const QString &document : documents) {
-            QString fault;
-            QCOMPARE(withFreshExamples(document.split('\n'), &fault), QStringList());
-            QVERIFY2(document.contains(fault) && !fault.isEmpty(), qPrintable(document));
-        }
-    }
 };
 
 QTEST_GUILESS_MAIN(TestExamples)

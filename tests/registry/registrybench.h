@@ -48,7 +48,11 @@ public:
     {
         LinkTiming timing = shortTiming();
         timing.startBase = timing.queueDelay = 5;
-        timing.initDelay = timing.attemptDelay = 50;
+        timing.attemptDelay = 50;
+        // a machine under load lets an instrument wait, and three attempts are all that a scan
+        // makes
+        timing.initDelay = 250;
+        timing.unitTimeout = timing.confirmTimeout = 500;
         return timing;
     }
 

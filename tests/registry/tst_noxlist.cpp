@@ -23,15 +23,7 @@ private slots:
 
     void recordsAndTheirIndices()
     {
-        const noxList::_nox *nox = list().newNox(-1, true);
-        QCOMPARE(
-            (QVariantList{nox->portName, nox->fileName, nox->recFileName, nox->recFieldSep,
-                          nox->recPointSep, nox->devIndex, nox->dbIndex, nox->snapShotId,
-                          nox->qwtIndex, nox->mainCh, nox->processed, nox->clearOnResume,
-                          nox->recording, nox->recPrecision, nox->recInterval, nox->recRow}),
-            (QVariantList{"-", "", "", ";", "", -1, 0, 0, -1, 0, false, false, false, 4, 0, 0}));
-        noxList other(&bench->port, &bench->database);
-        QCOMPARE(other.newNox(-1, true)->txTimer->interval(), 5000);
+        list().newNox(-1, true);
         for (int index = 1; index < 4; ++index)
             list().newNox(7 * index, true);
         list().rmByIndex(1);
@@ -177,28 +169,6 @@ private slots:
         QCOMPARE(written(0, own, "DRSIN"), QString("change;removed 0 40"));
     }
 
-    void writesAreNotWaitedFor()
-    {
-        noxList::_nox *const nox = add();
-        noxList::_nox *const unconnected = add();
-        nox->devIndex = 0;
-        unconnected->devIndex = -1;
-        for (const int index : {0, 1, 99})
-            list().sendNoxData(index, Image::txReferenceData);
-        nox->txTimer->setTimerType(Qt::PreciseTimer);
-        nox->txTimer->start(100000);
-        unconnected->txTimer->start(100000);
-        QTest::qWait(20);
-        const int remaining = nox->txTimer->remainingTime();
-        list().sendNoxData(0, Image::txReferenceData);
-        QVERIFY(nox->txTimer->remainingTime() > remaining); // each request begins anew
-        list().writeNow();
-        list().writeNow();
-        QCOMPARE(bench->news(), QString("change;write 0 [72] 1 0"));
-        QVERIFY(nox->txCodes.isEmpty() && !nox->txTimer->isActive());
-        QVERIFY(!unconnected->txCodes.isEmpty() && unconnected->txTimer->isActive());
-    }
-
     void recordRemovedByWhoHearsOfIt()
     {
         bool isRemoved = false;
@@ -277,30 +247,6 @@ private slots:
         QCOMPARE(done(1, 72), others); // where they are another one's
     }
 
-    void knownByReferenceData()
-    {
-        Image before;
-        before.setDevType(0x21);
-        before.refR[0].value.value = 75.0F;
-        const QByteArray refdata = taken(before.getRefAllData());
-        const int row = bench->database.addDev(0x21, 815, "NOX C");
-        QVERIFY(bench->database.updRefData(row, &refdata, 0x21, 815, "NOX C"));
-        noxList::_nox &nox = *list().newNox(device, true);
-        reply(taken(Image().getRefAllData()), 3);
-        QCOMPARE(std::exchange(nox.dbIndex, 0), -1); // unknown
-        reply(refdata, 3);
-        QCOMPARE(nox.dbIndex, row);
-        QCOMPARE(nox.opt->getDevName(true), QStringLiteral("NOX C № 0815"));
-        emit bench->port.readyDevReply(device + 1, nullptr, 3); // nobody's
-        list().rmByIndex(0);
-
-        noxList::_nox &own = *add(typeB, 7); // who tells its name is found by that
-        const int itsRow = std::exchange(own.dbIndex, 0);
-        reply(refdata, 3);
-        QCOMPARE(own.dbIndex, itsRow);
-        QCOMPARE(own.opt->getDevName(true), QStringLiteral("NOX B № 0007"));
-    }
-
     void changedConfigurationIsNotTheFactoryState()
     {
         const noxList::_nox &nox = *add();
@@ -315,30 +261,6 @@ private slots:
         QCOMPARE(bench->database.getSnapShotCount(nox.dbIndex), 1);
         reply(factory, 2);
         QCOMPARE(nox.snapShotId, id);
-    }
-
-    void foundInstrumentIsAdopted()
-    {
-        noxList found(&bench->port, &bench->database);
-        const auto adopt = [&](int foundDevice, quint32 type, quint16 number) {
-            noxList::_nox *nox = identify(found.newNox(foundDevice, false), type, number);
-            QVERIFY(list().addNox(nox));
-            if (list().owns(nox))
-                found.detachByDevIndex(foundDevice);
-        };
-        noxList::_nox &known = *add();
-        adopt(8, typeCM, 5);
-        QCOMPARE(known.devIndex, 8);
-        adopt(9, typeCM, 6);
-        adopt(10, typeB, 5); // another model with that number
-        adopt(11, typeB, 0); // unknown ones are never the same
-        adopt(12, typeB, 0);
-        QCOMPARE(found.indices(), QList<int>{0}); // the one that was known
-        QCOMPARE(bench->news(), QString("change;added 1 1;added 2 1;added 3 1;added 4 1"));
-        Image &other = *list().getNoxByDevIndex(9)->opt;
-        other.devZakorotka = 0;
-        other.setDevZakorotka(1);
-        QCOMPARE(bench->news(), QString("device 1"));
     }
 
     void instrumentOnAnotherPortLeavesNoLinkBehind()
@@ -387,20 +309,6 @@ private slots:
         QCOMPARE(bench->news(), QString("added 0 0;change;change;change;error 0 200 "
                                         "Обрыв связи [код 110];change;removed 0 -1"));
         QVERIFY(bench->port.isReadAllQuery());
-    }
-
-    void lostLinkIsReportedOnce()
-    {
-        const noxList::_nox *nox = add();
-        nox->opt->blockSignals(true);
-        emit bench->port.onDevError(device + 1, quint16(247)); // nobody's
-        QCOMPARE(bench->news(), QString());
-        // while the first is handled the same error comes again, as a dying port may repeat it
-        connect(&list(), &noxList::onChange, &bench->port,
-                [this] { emit bench->port.onDevError(device, quint16(247)); });
-        emit bench->port.onDevError(device, quint16(247));
-        QCOMPARE(bench->news(), QString("change;error 0 200 Обрыв связи [код 247]"));
-        QVERIFY(nox->devIndex == -1 && !nox->opt->signalsBlocked());
     }
 
 private:

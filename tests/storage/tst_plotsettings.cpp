@@ -170,18 +170,6 @@ private slots:
         QCOMPARE(m_program->look(0), look);
     }
 
-    void channelsOnDemand()
-    {
-        m_program->attach(0);
-        m_program->plot.addPoint(1, 1, "K", 0, 3);
-        m_program->decorate(0, 1);
-        const QVariantList look = m_program->look(0);
-        restart();
-        m_program->attach(0);
-        m_program->plot.addPoint(1, 1, "K", 0, 3);
-        QCOMPARE(m_program->look(0), look);
-    }
-
     void mainChannelIsMirrored()
     {
         const auto written = [this](int number, int mode) {

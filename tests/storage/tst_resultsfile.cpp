@@ -127,22 +127,6 @@ private slots:
         }
     }
 
-    void picture()
-    {
-        bench->plot.resize(321, 123);
-        for (const int second : {0, 1, 2})
-            bench->plot.addPoint(second % 2, second, "K", 10, 0);
-        bench->plot.setChColor(Qt::magenta, 10, 0);
-        QVERIFY(savePlotImage(&bench->plot, path("график.png")));
-        const QImage image(path("график.png"), "PNG");
-        QCOMPARE(image.size(), QSize(321, 123));
-        int ink = 0; // of the curve, which no frame has painted yet
-        for (int i = 0; i < 321 * 123; ++i)
-            ink += image.pixelColor(i % 321, i / 321) == Qt::magenta ? 1 : 0;
-        QVERIFY(ink > 20);
-        QVERIFY(!savePlotImage(&bench->plot, path("")));
-    }
-
     void roundsAreRecorded()
     {
         noxList::_nox &other = bench->addInstrument(11);
@@ -227,41 +211,6 @@ private slots:
         QVERIFY(!bench->recorder.fault(0) && faults.size() == 4); // came and went twice
         QVERIFY(recordingFaultText({RecordingProblem::DiskFull, start})
                     .endsWith(": на диске нет места"));
-
-        QVERIFY(QDir(path("")).mkdir("folder"));
-        bench->registry.getNoxByIndex(0)->recFileName = path("folder");
-        measureRounds({12});
-        QVERIFY(recordingFaultText(*bench->recorder.fault(0))
-                    .endsWith(": файл не открывается для записи"));
-        bench->registry.setRecording(0, false);
-        QVERIFY(!bench->recorder.fault(0));
-    }
-
-    void exportByKeyboard()
-    {
-        addMain(3);
-        bench->exporting.showFor("NOX B_N0001_24-11-2026");
-        QVERIFY(QTest::qWaitForWindowActive(&bench->exporting));
-        answers->file = path("результаты 1.csv");
-        QTest::keyClick(bench->exporting.focusWidget(), Qt::Key_Return); // "Файл"
-        const FileQuestion question = answers->files.at(0);
-        QCOMPARE((QVariantList{question.title, question.filter, question.directory, question.name,
-                               question.defaultSuffix, question.asksToReplace, question.mode}),
-                 (QVariantList{"Файл для сохранения результатов", "CSV (*.csv *.CSV);; * (*.*)",
-                               QDir::homePath(), "NOX B_N0001_24-11-2026", "csv", true,
-                               QFileDialog::AcceptSave}));
-        QTest::keyClick(bench->exporting.focusWidget(), Qt::Key_Return); // "Сохранить"
-        QCOMPARE(status(&bench->exporting), QString("Сохранено!"));
-        QVERIFY(content("результаты 1.csv").endsWith("3;2;2.0000;\r\n"));
-        QTest::keyClick(&bench->exporting, Qt::Key_Escape);
-        QVERIFY(!bench->exporting.isVisible() && status(&bench->exporting).isEmpty());
-
-        const auto *points = bench->exporting.findChild<QComboBox *>("dePointCB");
-        for (const auto &[field, point] :
-             {std::pair("Запятая", "Точка"), {"Пробел", "Системный"}}) {
-            bench->exporting.findChild<QComboBox *>("deFieldCB")->setCurrentText(field);
-            QCOMPARE(points->currentText(), QString(point));
-        }
     }
 
     void exportThatFails()
@@ -293,31 +242,6 @@ private slots:
             QCOMPARE(QDir(path("")).entryList({"*csv*"}), QStringList{"1.csv"});
             QVERIFY(bench->exporting.findChild<QPushButton *>("saveBtn")->isEnabled());
         }
-    }
-
-    void longExport()
-    {
-        const auto *const progress = bench->exporting.findChild<QProgressBar *>("progressBar");
-        bench->exporting.showFor("x");
-        QVERIFY(QTest::qWaitForWindowActive(&bench->exporting));
-        answers->file = path("1.csv");
-        press(&bench->exporting, "selectFileBtn");
-        for (const bool givesUp : {true, false}) {
-            addMain(200000);
-            press(&bench->exporting, "saveBtn");
-            QVERIFY(!bench->exporting.findChild<QPushButton *>("saveBtn")->isEnabled());
-            QTRY_VERIFY(progress->value() > 10);
-            bench->plot.removeDev(10); // what it has measured is exported all the same
-            if (givesUp) {
-                QTest::keyClick(bench->exporting.focusWidget(), Qt::Key_Space);
-                QCOMPARE(status(&bench->exporting), QString());
-                QCOMPARE(bench->exporting.focusWidget()->objectName(), QString("saveBtn"));
-                QCOMPARE(content("1.csv"), QByteArray("no file"));
-            }
-        }
-        QTRY_COMPARE_WITH_TIMEOUT(status(&bench->exporting), QString("Сохранено!"), 60000);
-        QVERIFY(!progress->isVisible());
-        QVERIFY(content("1.csv").endsWith("\r\n200000;199999;199999.0000;\r\n"));
     }
 
     void recordingIsSetUp()

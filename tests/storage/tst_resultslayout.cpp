@@ -245,20 +245,6 @@ private slots:
         QCOMPARE(read(first + "№;dT\n ;[c];[K];\n1;0;5;\n"), QString(" | 0 0 0"));
         QCOMPARE(read(QString(200000, ';')), QString(" | 0 0 0"));
     }
-
-    void exportedIsRead()
-    {
-        const PlotDevice instrument =
-            instrumentWith({channelAt({0, 1, 86400}, 7.125, "°С"), channelAt({}, 0, ""),
-                            channelAt({0, 2, 86400}, -3, "Ω")});
-        for (const char separator : {';', '\t', ',', ' ', ':'}) {
-            const auto format = ResultsFormat::fromTexts(QChar(separator), ".", 3, 0);
-            QCOMPARE(read(fromWindows1251(exported(instrument, format))),
-                     QString("24.11.2026 07:05:09; 0 0 7.125°С; 2 0 -3Ω; 0 1 8.125°С; 2 1 -3Ω; 0 "
-                             "86400 9.125°С; "
-                             "2 86400 -1Ω | 3 0 3"));
-        }
-    }
 };
 
 QTEST_GUILESS_MAIN(TestResultsLayout)
