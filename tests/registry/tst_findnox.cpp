@@ -72,6 +72,13 @@ private slots:
         bench->add("A", "NOX D", 1, true);
         QVERIFY(asks());
         QCOMPARE(row(1), QString("A; NOX D; --; checked, open, number!"));
+        QCOMPARE(tips(1).last(), QString("Без номера прибор не подключится"));
+        QStringList titles;
+        for (const int column : {0, 1, 2})
+            titles << table->cellWidget(0, column)->property("text").toString();
+        QCOMPARE(titles, (QStringList{"Порт", "Имя/тип прибора", "№ прибора"}));
+        for (const auto &[column, width] : {std::pair(0, 100), {2, 100}, {3, 48}})
+            QCOMPARE(table->columnWidth(column), width);
         QVERIFY(bench->list.indices().isEmpty());
         QLineEdit *const editor = startTyping(1);
         QCOMPARE(editor->placeholderText() + editor->accessibleName(), "1…65535Номер прибора");
@@ -98,10 +105,14 @@ private slots:
         QVERIFY(asks());
         auto *const models = qobject_cast<QComboBox *>(table->cellWidget(1, 1));
         QCOMPARE(row(1), QString("A; --; --; unchecked, fixed, model!"));
+        const QString chooseModel = "Выберите модель прибора";
+        QCOMPARE(tips(1), (QStringList{chooseModel, chooseModel, chooseModel}));
         QTest::keyClick(table, Qt::Key_F4);
         QTest::keyClicks(models->view(), "NOX CM1");
         QTest::keyClick(models->view(), Qt::Key_Return);
         QCOMPARE(row(1), QString("A; NOX CM1; --; unchecked, open, number!, check!"));
+        QCOMPARE(tips(1), (QStringList{"", "Введите номер прибора, от 1 до 65535",
+                                       "Отметьте прибор, чтобы подключиться к нему"}));
         for (const int column : {2, 0}) { // the list of models, which covers its cell, is left out
             QTest::keyClick(table, column == 0 ? Qt::Key_Left : Qt::Key_Right);
             QCOMPARE(table->currentColumn(), column);
@@ -111,6 +122,7 @@ private slots:
         QTRY_COMPARE(row(1), QString("A; NOX CM1; 99; unchecked, open, check!"));
         QTest::keyClick(table, Qt::Key_Space);
         QCOMPARE(row(1), QString("A; NOX CM1; 99; checked, open"));
+        QCOMPARE(tips(1).last(), QString("Прибор будет подключён"));
         QTest::keyClick(table, Qt::Key_Tab);
         QCOMPARE(dialog->focusWidget(), find<QCheckBox>("skipNoneCB"));
         QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
@@ -129,6 +141,11 @@ private slots:
             QTest::mouseClick(table->cellWidget(2, 3), Qt::LeftButton, {}, {1, 1});
             QCOMPARE(row(2), kept + "; NOX D; --; unchecked, fixed");
         }
+        QCOMPARE(
+            tips(2),
+            (QStringList{"", "", "Отметить снова можно щелчком по заголовку столбца (Ctrl+A)"}));
+        QCOMPARE(table->cellWidget(2, 1)->accessibleName() + box(2)->accessibleName(),
+                 QString("Модель прибора, порт %1Подключить прибор, порт %1").arg(kept));
         QTest::mouseClick(table->cellWidget(0, 3), Qt::LeftButton);
         QVERIFY(!box(1)->isChecked() && !box(2)->isChecked()); // the opposite of the first
         QTest::keyClick(table, Qt::Key_A, Qt::ControlModifier);
@@ -147,6 +164,19 @@ private slots:
         bench->instruments.host.unplug(kept);
         QVERIFY(closes());
         QCOMPARE(bench->port.devices(), QList<int>{only()->devIndex});
+    }
+
+    void skippedWhenUnknown()
+    {
+        bench->add("A", "NOX CM1", 1, true);
+        bench->add("B", "NOX B", 1, false, FaultPlan::always);
+        find<QCheckBox>("skipNoneCB")->setChecked(true);
+        QCOMPARE(bench->database.getAppProperty("find_skip_unknown").toBool(), true);
+        dialog->find();
+        QByteArray rubbish(8, '\x55');
+        emit bench->port.readyDevReply(bench->port.devices().last(), &rubbish, 51);
+        QVERIFY(closes());
+        QVERIFY(bench->list.indices().isEmpty() && bench->port.devices().isEmpty());
     }
 
     void deadPortsAreDroppedAndDisturbNobody()
@@ -265,7 +295,7 @@ private slots:
         }
     }
 
-    void wrongModelIsReadAgain()
+    void wrongModelIsReadAgainAndChangesReachTheMemoryOnce()
     {
         bench->add("A", "NOX CM1", 77);
         noxList::_nox *const nox = bench->list.newNox(bench->port.addDev("A"), true);
@@ -275,6 +305,30 @@ private slots:
         QVERIFY(bench->isRead(nox->index));
         QCOMPARE(image.devType, 0x41u);
         QCOMPARE(bench->database.getSnapShotCount(nox->dbIndex), 1);
+
+        InstrumentHost &host = bench->instruments.host;
+        host.clearExchanges("A");
+        image.setChCurrent(2, 2);
+        image.triggerChChange(2);
+        const auto looksExtended = QByteArray::fromHex("0FAA000A"); // but for the last byte
+        image.refT0.setFloat(&looksExtended, 0);
+        image.refR[1].value.value = 199.5F;
+        image.triggerRefChange();
+        emit image.onIdentApply();
+        image.triggerRefChange();
+        QTRY_VERIFY_WITH_TIMEOUT(nox->txCodes.isEmpty() && bench->port.isSendAllData(), patienceMs);
+        QCOMPARE(host.block("A", 2), taken(image.getData()));
+        QCOMPARE(host.block("A", 3).left(64), taken(image.getRefData(true)).left(64));
+        QVERIFY(host.block("A", 3).startsWith(looksExtended));
+        QVector<int> written;
+        for (const ExchangeEvent &event : host.exchanges("A"))
+            if (event.kind == ExchangeEvent::WriteCompleted)
+                written << event.address;
+        QCOMPARE(written, (QVector<int>{4, 1, 50}));
+        emit image.onChErrorData(); // then it is read once more
+        QVERIFY(!bench->port.isReadAllQuery());
+        QTRY_VERIFY_WITH_TIMEOUT(bench->port.isReadAllQuery(), patienceMs);
+        QVERIFY(nox->devIndex >= 0);
     }
 
 private:
@@ -337,6 +391,12 @@ private:
                  box(row)->isEnabled() ? "" : ", fixed", isOpen ? ", open" : "",
                  isMarked(2) ? ", number!" : "", isMarked(3) ? ", check!" : "",
                  isLacking ? ", model!" : "");
+    }
+    /** What is told of the model, the number and the check box of a row. */
+    QStringList tips(int row) const
+    {
+        return {table->cellWidget(row, 1)->toolTip(), table->item(row, 2)->toolTip(),
+                box(row)->toolTip()};
     }
     /** Clicks on the number of a row: its editor; null when there is none. */
     QLineEdit *startTyping(int row) const

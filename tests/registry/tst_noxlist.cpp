@@ -263,6 +263,30 @@ private slots:
         QCOMPARE(nox.snapShotId, id);
     }
 
+    void foundInstrumentIsAdopted()
+    {
+        noxList found(&bench->port, &bench->database);
+        const auto adopt = [&](int foundDevice, quint32 type, quint16 number) {
+            noxList::_nox *nox = identify(found.newNox(foundDevice, false), type, number);
+            QVERIFY(list().addNox(nox));
+            if (list().owns(nox))
+                found.detachByDevIndex(foundDevice);
+        };
+        noxList::_nox &known = *add();
+        adopt(8, typeCM, 5);
+        QCOMPARE(known.devIndex, 8);
+        adopt(9, typeCM, 6);
+        adopt(10, typeB, 5); // another model with that number
+        adopt(11, typeB, 0); // unknown ones are never the same
+        adopt(12, typeB, 0);
+        QCOMPARE(found.indices(), QList<int>{0}); // the one that was known
+        QCOMPARE(bench->news(), QString("change;added 1 1;added 2 1;added 3 1;added 4 1"));
+        Image &other = *list().getNoxByDevIndex(9)->opt;
+        other.devZakorotka = 0;
+        other.setDevZakorotka(1);
+        QCOMPARE(bench->news(), QString("device 1"));
+    }
+
     void instrumentOnAnotherPortLeavesNoLinkBehind()
     {
         const noxList::_nox *nox = identify(list().newNox(link("a"), true), typeB, 5);

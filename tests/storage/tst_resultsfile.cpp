@@ -244,6 +244,31 @@ private slots:
         }
     }
 
+    void longExport()
+    {
+        const auto *const progress = bench->exporting.findChild<QProgressBar *>("progressBar");
+        bench->exporting.showFor("x");
+        QVERIFY(QTest::qWaitForWindowActive(&bench->exporting));
+        answers->file = path("1.csv");
+        press(&bench->exporting, "selectFileBtn");
+        for (const bool givesUp : {true, false}) {
+            addMain(200000);
+            press(&bench->exporting, "saveBtn");
+            QVERIFY(!bench->exporting.findChild<QPushButton *>("saveBtn")->isEnabled());
+            QTRY_VERIFY(progress->value() > 10);
+            bench->plot.removeDev(10); // what it has measured is exported all the same
+            if (givesUp) {
+                QTest::keyClick(bench->exporting.focusWidget(), Qt::Key_Space);
+                QCOMPARE(status(&bench->exporting), QString());
+                QCOMPARE(bench->exporting.focusWidget()->objectName(), QString("saveBtn"));
+                QCOMPARE(content("1.csv"), QByteArray("no file"));
+            }
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(status(&bench->exporting), QString("Сохранено!"), 60000);
+        QVERIFY(!progress->isVisible());
+        QVERIFY(content("1.csv").endsWith("\r\n200000;199999;199999.0000;\r\n"));
+    }
+
     void recordingIsSetUp()
     {
         QVERIFY(provideDatabase(path("nox8.db")));
