@@ -173,13 +173,13 @@ PlotButtons::PlotButtons(const Buttons &buttons, QwtNOX *plot, QObject *parent)
     , m_buttons(buttons)
     , m_plot(plot)
 {
-    const auto giveMenu = [this](auto *button, auto makeChoices) {
-        m_menus.push_back(makeChoices(m_plot, button));
+    const auto giveMenu = [this](auto *button, auto makeChoices, QWidget *menuParent) {
+        m_menus.push_back(makeChoices(m_plot, menuParent));
         button->setMenu(m_menus.back().get());
     };
-    giveMenu(m_buttons.scaleX, scaleXChoices);
-    giveMenu(m_buttons.scaleY, scaleYChoices);
-    giveMenu(m_buttons.limits, limitChoices);
+    giveMenu(m_buttons.scaleX, scaleXChoices, m_buttons.scaleX);
+    giveMenu(m_buttons.scaleY, scaleYChoices, m_buttons.scaleY);
+    giveMenu(m_buttons.limits, limitChoices, m_buttons.limits->window());
     connect(m_buttons.modeX, &QPushButton::clicked, m_plot,
             [plot] { plot->setChModeX(nextModeX(plot->getChModeX())); });
     connect(m_buttons.mode, &QPushButton::clicked, this, &PlotButtons::switchMode);

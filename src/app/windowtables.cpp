@@ -135,7 +135,6 @@ void setUpTable(QTableWidget *table, const QVector<TableColumn> &columns)
 
 void readLatest(LatestValue *latest, const QwtNOX &plot, const noxList::_nox &nox, uchar ch)
 {
-    constexpr int latestPoint = -1;
     constexpr bool difference = false;
     latest->value = plot.getChMeasStr(nox.qwtIndex, ch);
     latest->unit = plot.getChDim(nox.qwtIndex, ch);

@@ -47,6 +47,7 @@ public:
     /** Marks the EMFs of these columns of pairs, and no others, as not rising. */
     void markNotRising(const QVector<int> &columns);
 
+    /** The texts of the cells in use, as showTexts() takes them. */
     CellTexts texts() const;
     /** Takes over what is being typed. */
     void endEdit();

@@ -20,6 +20,7 @@ class InstrumentFields : public QObject
 {
     Q_OBJECT
 public:
+    /** What it fills; all belong to the dialog. */
     struct Widgets {
         QLineEdit *port;
         QLabel *connection; ///< seen while there is none
@@ -39,9 +40,11 @@ public:
     /** Shows the instrument; `isChanged`: its name is still to be written. What is just being typed
      *  stays. */
     void refresh(const QString &portName, const FieldStates &states, bool isChanged);
+    /** Shows the port, and that there is no connection if there is none. */
     void showConnection(bool isConnected, const QString &portName);
     /** Shows how far a transfer is: -1 of so much if that is not known, 0 of 0 when it is over. */
     void showProgress(int progress, int maxProgress);
+    /** No transfer is under way. */
     void hideProgress();
     /** Lets model and number be changed until the next refresh. */
     void unlock();
@@ -63,6 +66,7 @@ class OperatingFields : public QObject
 {
     Q_OBJECT
 public:
+    /** What it fills; all belong to the dialog. */
     struct Lists {
         QComboBox *rounding;
         QComboBox *measurementTime;

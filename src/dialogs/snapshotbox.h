@@ -59,12 +59,13 @@ public:
     /** Applies the snapshot that is chosen among those found. */
     void choose();
 
+    /** Stores configuration and description in the snapshot that is shown. */
     void save();
+    /** Stores them as a snapshot of its own. */
     void saveAsNew();
-    // Asking first, under the title of the dialog
-
+    /** Removes the snapshot that is shown, after a question under the title of the dialog. */
     void remove();
-    /** Removes all that is stored of the instrument. */
+    /** Removes all that is stored of the instrument, after a question. */
     void removeInstrument();
 
 signals:

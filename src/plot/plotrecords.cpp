@@ -351,9 +351,9 @@ PointBatch PlotRecords::storePoints(int qwtIndex, const QVector<PlotPoint> &poin
             device = findDevice(qwtIndex);
             if (!device)
                 return batch;
+            knownChannels = device->ch.size();
             if (!hasChannel)
                 continue;
-            knownChannels = device->ch.size();
         }
         PlotChannel &channel = device->ch[ch];
         const bool isStored = storePoint(channel, point.value, point.seconds, units.at(ch));

@@ -41,7 +41,7 @@ public:
     void note(uchar ch, bool isAccepted, bool isBeyondLimit);
     /** The channels that have points, in the order of their last ones. */
     QVector<uchar> channels() const;
-    /** What there is to say of a channel: each kind of event once, and the last one last. */
+    /** What there is to say of a channel: what its last point was comes last. */
     QVector<Event> eventsOf(uchar ch) const;
     /** How many points were accepted. */
     int accepted() const { return m_accepted; }
@@ -236,7 +236,7 @@ public:
     /**
      * Stores points of one instrument in their order; `units` are those of its channels. Before the
      * first point of a channel `ensureChannel` makes sure of the channel, or refuses it; the
-     * records may be others after that. Nothing is told of an instrument that is gone at the end.
+     * records may be others after that.
      */
     PointBatch storePoints(int qwtIndex, const QVector<PlotPoint> &points,
                            const QVector<QString> &units,

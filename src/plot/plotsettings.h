@@ -14,7 +14,7 @@ struct PlotDevice;
 
 /**
  * How the instruments are looked at: which one and which of its channels in the first place, what
- * is visible in which colour, by which scales and modes. A setting is compared and stored in the
+ * is visible in which colour, by which scales and modes. A setting is stored in the
  * records, applied to axes and mouse, and announced. Numbers are those of QwtNOX, which passes its
  * calls and these signals on.
  */
@@ -46,7 +46,8 @@ public:
     void rescale();
 
 signals:
-    // As the signals of QwtNOX, in the order in which that one promises them
+    // As the signals of QwtNOX; changed() comes after those of the main instrument and channel, and
+    // before the others. What is shown of a channel changes without it.
 
     void changed(int qwtIndex);
     void mainDeviceChanged(int qwtIndex);

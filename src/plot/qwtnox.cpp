@@ -210,7 +210,9 @@ void QwtNOX::announce(int qwtIndex, const PointBatch &batch)
     const QVector<uchar> channels = batch.channels();
     bool hasMain = false;
     for (const uchar ch : channels) {
-        showSeries(*m_records.findChannel(qwtIndex, ch));
+        // a receiver of a new channel may have removed this one
+        if (_ch *const channel = m_records.findChannel(qwtIndex, ch))
+            showSeries(*channel);
         hasMain = hasMain || m_records.isMain({qwtIndex, ch});
     }
     if (hasMain)

@@ -51,8 +51,10 @@ private:
 class ResultsExport
 {
 public:
+    /** What has become of the text: some is still to be written, all is, or the device refused. */
     enum State { Unfinished, Finished, Failed };
 
+    /** Begins the text of what the instrument has measured until now. */
     ResultsExport(const PlotDevice &instrument, const ResultsFormat &format);
 
     /** Writes for some milliseconds. Failed when the device has not taken all of it, which ends the
@@ -102,6 +104,7 @@ public:
     void start(const QString &fileName, const PlotDevice &instrument, const ResultsFormat &format);
     /** Ends the export without a signal. */
     void giveUp();
+    /** A file is being written. */
     bool isRunning() const { return m_file != nullptr; }
 
 signals:

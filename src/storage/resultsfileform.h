@@ -42,6 +42,7 @@ public:
     explicit ResultsFileForm(QWidget *parent = nullptr);
     ~ResultsFileForm() override;
 
+    /** What the controls say. */
     ResultsFileChoice choice() const;
     /** Shows a choice; a separator that there is not leaves its control as it was. */
     void setChoice(const ResultsFileChoice &choice);

@@ -68,6 +68,7 @@ bool readNumber(const char *begin, const char *end, double *number);
 class ResultsText
 {
 public:
+    /** Begins empty. */
     explicit ResultsText(const ResultsFormat &format);
 
     /** The lines before the first row; `units` has one text for each channel. */
@@ -79,6 +80,7 @@ public:
     void addNoValue();
     void endRow();
 
+    /** All that was added, as the file has it. */
     const QByteArray &bytes() const { return m_bytes; }
     void clear() { m_bytes.resize(0); } // keeps the memory
 

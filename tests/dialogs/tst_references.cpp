@@ -176,6 +176,7 @@ private slots:
         image->refR[1].value.value = 8;
         emit image->onRefChange();
         emit image->onRefChange();
+        QCOMPARE(opened->text(), QString("8.0000"));
         QTest::keyClicks(opened, "9"); // over the whole text, as before the refresh
         QCOMPARE(opened->text(), QString("9"));
     }

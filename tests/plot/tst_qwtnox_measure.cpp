@@ -53,6 +53,7 @@ private slots:
             {ModeMeasure, "ИЗМЕРЕНИЕ 2 point interval"}};
         for (const auto &[mode, expected] : modes) {
             init();
+            QVERIFY(seenCrosses().isEmpty());
             plot().setMeasPoint({10, 20});
             plot().setMeasPoint({20, 20}); // a former one ends, but where it is measured
             plot().setChMode(mode);

@@ -43,6 +43,8 @@ private slots:
         const QVector<QPair<QString, QString>> seen{
             {asked(0, 0), "*--,NOX A,NOX B,NOX C,NOX CM,NOX D,NOX CM1; --; unchecked, fixed"},
             {asked(0, 0, "2"), isB + "unchecked, number open"},
+            {asked(0, 0, "1+"),
+             "--,*NOX A,NOX B,NOX C,NOX CM,NOX D,NOX CM1; --; checked, number open"},
             {asked(0, 0, "2+-"), isB + "unchecked, fixed"},
             {asked(0, 0, "2+-+"), isB + "checked, number open"}, // by the header
             {asked(0, 0, "2+0"), asked(0, 0)},

@@ -40,6 +40,21 @@ private slots:
         QCOMPARE(menus, (QList<QVariantList>{{1, 0}}));
     }
 
+    void titlesStayAboveTheirColumns()
+    {
+        HeadedTable table;
+        table.setColumnCount(2);
+        table.setRowCount(50);
+        for (const int column : {0, 1})
+            table.setCellWidget(0, column, new QLabel("title"));
+        table.show();
+        table.showRow(49);
+        QVERIFY(table.verticalScrollBar()->value() > 0);
+        for (const int column : {0, 1})
+            QCOMPARE(table.cellWidget(0, column)->pos(),
+                     QPoint(table.columnViewportPosition(column), 0));
+    }
+
     void fontsStayBetweenTheirSizes()
     {
         FittedLabel label(40);
