@@ -149,7 +149,6 @@ protected:
         plot().setChMode(ModeAuto);
         told();
         m_mouse = std::make_unique<PlotMouse>(plot());
-        QVERIFY(mouse().isReady());
     }
     /** Points of channel 0 at 0, 1 ... `last` seconds, rising from 20 by 0.01. */
     void withRamp(int last = 65)

