@@ -87,13 +87,13 @@ private slots:
                                bench->plot.getChDim(10, 0), bench->plot.getChTime(10, 0),
                                bench->plot.getChMeasCount(10, 1)}),
                  (QVariantList{start, 20.125, "°С", 2.0, 0}));
-        QVERIFY(readIntoPlot(fileWith(400000), 0));
-        QVERIFY(readIntoPlot(fileWith(200001), 0)); // in place of the first
+        QVERIFY(readIntoPlot(fileWith(1000000), 0));
+        QVERIFY(readIntoPlot(fileWith(1000001), 0)); // in place of the first
         QCOMPARE(ends.size(), 2);
         QTRY_COMPARE_WITH_TIMEOUT(ends.size(), 3, 60000);
         const auto findings = ends.at(2).at(0).value<ResultsFindings>();
-        QVERIFY(findings.isWhole && findings.points == 200001 && !steps.isEmpty());
-        QCOMPARE(bench->plot.getChMeasCount(10, 0), 200001);
+        QVERIFY(findings.isWhole && findings.points == 1000001 && !steps.isEmpty());
+        QCOMPARE(bench->plot.getChMeasCount(10, 0), 1000001);
     }
 
     void readingIsInterrupted()
@@ -117,7 +117,7 @@ private slots:
             bench->registry.setProccesed(0, true, false);
             bench->registry.setProccesed(0, false, true);
             QSignalSpy ends(&bench->reading, &ResultsReading::finished);
-            QVERIFY(readIntoPlot(fileWith(400000), 0));
+            QVERIFY(readIntoPlot(fileWith(1000000), 0));
             QCOMPARE(bench->reading.isRunning(), !removesWhenHeard);
             interruptions[what]();
             const int count = bench->plot.getChMeasCount(10, 0);
