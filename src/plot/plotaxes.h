@@ -36,6 +36,7 @@ public:
     /** How the step in effect is called. */
     QString stepLabel(int axis) const;
 
+    /** What an axis shows at present. */
     AxisView view(int axis) const;
     /** Middle of what both axes show. */
     QPointF middle() const
@@ -54,7 +55,9 @@ public:
     void showAround(int axis, const QPointF &centre, int step);
     /** Shows what was zoomed to. */
     void show(const ZoomedView &view);
+    /** The view of a rectangle in seconds and values. */
     ZoomedView viewOf(const QRectF &rectangle) const;
+    /** The view of `steps` around a point in seconds and values. */
     ZoomedView viewAround(const QPointF &centre, const ScaleSteps &steps) const;
     /** Moves the view along both axes, but not below 0 seconds. */
     void pan(const QPointF &way);

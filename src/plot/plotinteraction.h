@@ -53,8 +53,11 @@ public:
 
     // Plain events of the plot, for what no picker selects
 
+    /** Notes where a gesture begins, and whether it is one of the right button. */
     void mousePressed(const QMouseEvent *event);
+    /** Pans while the right button drags, which is ModeScroll. */
     void mouseMoved(const QMouseEvent *event);
+    /** Ends a gesture; one that did not move is a click. */
     void mouseReleased(const QMouseEvent *event);
 
 signals:
