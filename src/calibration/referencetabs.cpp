@@ -6,6 +6,7 @@
 #include "plot/qwtnox.h"
 #include "ui_referencetab.h"
 #include "ui_shifttab.h"
+#include "widgets/changemark.h"
 #include "widgets/rowdelegate.h"
 #include "widgets/userdialogs.h"
 

@@ -2,7 +2,7 @@
 
 #include "device/vocabulary.h"
 #include "dialogs/settingscontent.h"
-#include "widgets/rowdelegate.h"
+#include "widgets/changemark.h"
 
 #include <QComboBox>
 #include <QIcon>

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QColor>
 #include <QStyledItemDelegate>
-#include <QWidget>
 
 /** Role of a bool: something is still awaited for the cell, and it carries a quiet sign of that. */
 constexpr int waitingRole = Qt::UserRole + 1;
@@ -26,41 +24,3 @@ public:
 protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
 };
-
-// Marks
-
-/** Marks where the keyboard acts and what is going on; that of the style sheet. */
-QColor accentColor();
-
-/** Paints the quiet sign that something differs from the instrument: a corner at the top left. */
-void paintChange(QPainter *painter, const QRect &place);
-
-/** That sign over a field, which it follows. Shown or hidden, it takes no space and no click. */
-class ChangeMark : public QWidget
-{
-    Q_OBJECT
-public:
-    /** The field becomes the parent. */
-    explicit ChangeMark(QWidget *field);
-
-    /** Shows the sign, or not, and says the same to who cannot see it. */
-    void setChanged(bool isChanged);
-
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
-};
-
-// Whether a text can be read on its ground, by the measure of the WCAG.
-
-/** Contrast of two opaque colours: 1 (none) to 21 (black and white). */
-double contrast(const QColor &one, const QColor &other);
-
-/** What is seen of a colour that lets an opaque ground shine through. */
-QColor blended(const QColor &color, const QColor &ground);
-
-/**
- * The text colour that is nearest to `text` and can be read on the opaque `ground`, with a contrast
- * of 4.5 at least: darkened on a light ground, lightened on a dark one. A gray stays a gray.
- */
-QColor legible(const QColor &text, const QColor &ground);

@@ -1,5 +1,5 @@
 #include "dialogs/confmenu.h"
-#include "widgets/rowdelegate.h"
+#include "widgets/changemark.h"
 #include "windowfixture.h"
 
 /** The window without a mouse: where Tab leads, what keys do there, and how messages are answered.

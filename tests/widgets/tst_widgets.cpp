@@ -1,7 +1,8 @@
+#include "widgets/changemark.h"
 #include "widgets/headedtable.h"
+#include "widgets/legibility.h"
 #include "widgets/mlineedit.h"
 #include "widgets/qlabelclick.h"
-#include "widgets/rowdelegate.h"
 
 #include <QtTest>
 #include <QtWidgets>
