@@ -129,6 +129,19 @@ private slots:
         QCOMPARE(image.features.at(0)->ratioStr.join(' '), "100 3.9083e-3 -5.775e-7 0  100");
     }
 
+    void lineEndsInTextsBecomeSpaces()
+    {
+        ImageOf image(0x0950AA0F);
+        image.devName = "two\nlines";
+        image.features[3]->name = "a\r\nb";
+        image.devMeasTime = 9; // as a character it would be a line end
+        Image read;
+        QVERIFY(applySettings(settingsLines(image), read));
+        QCOMPARE(settingsLines(image).filter(QRegularExpression("[\r\n]")), QStringList());
+        QCOMPARE(read.devName + read.features.at(3)->name, "two linesa  b");
+        QCOMPARE(int(read.devMeasTime), 8);
+    }
+
     void filesThatEndEarly()
     {
         for (const quint32 type : {0x11u, 0x22u, 0x0960AA0Fu}) {
@@ -143,6 +156,13 @@ private slots:
                          qPrintable(QString("%1 lines of type %2").arg(count).arg(type)));
                 QCOMPARE(image.devType == 0, count <= (channels == 8 ? 634 : 1218));
             }
+        }
+        for (const char *size :
+             {"0", "rubbish", "-5", "85", "4294967296"}) { // of the extended part
+            Image image;
+            QVERIFY2(!applySettings(linesOf(0x0950AA0F, QString("667=name|666=") + size), image),
+                     size);
+            QCOMPARE(image.getDevName(true), QString("NOX CM № --"));
         }
         Image image; // a model of 16 channels where only 8 can stand
         QVERIFY(!applySettings(linesOf(0x22, "634=NOX CM1 rev3"), image));

@@ -47,6 +47,9 @@ private slots:
             QCOMPARE(zoomer()->property("center").toPointF(), middleOfView());
         }
         plot().setZoomScale({12, 20, 35, 4});
+        for (const double bad : {qInf(), qQNaN()})
+            for (const QRectF &none : {QRectF(bad, 20, 35, 4), {12, bad, 35, 4}, {12, 20, bad, 4}})
+                plot().setZoomScale(none);
         QCOMPARE(seenViews(), "12 to 62 by 5, 19.5 to 24.5 by 0.5");
         for (int i = 0; i < 12; ++i) // down to the finest scales: no rectangle is refused
             mouse().drag({300, 200}, {315, 215});
@@ -56,6 +59,10 @@ private slots:
             add(second, second);
         for (const int key : {Qt::Key_Escape, Qt::Key_Home, Qt::Key_Plus, Qt::Key_Minus})
             QTest::keyClick(plot().canvas(), Qt::Key(key));
+        mouse().click({300, 200}, Qt::MiddleButton);
+        mouse().pull({200, 100}, {400, 300});
+        QTest::keyClick(plot().canvas(), Qt::Key_Escape); // a rectangle given up is none
+        mouse().release({400, 300});
         QCOMPARE(seenViews(), views);
     }
     void shortWaysAreClicks()
@@ -223,6 +230,21 @@ private slots:
             plot().setDevMain(0);
             QCOMPARE(seenLimits(0) + ' ' + seenLimits(1), limits + " - -");
         }
+    }
+    void limitsOfOthersLeaveTheMouse()
+    {
+        plot().setModeTrack(TrackUpper, 1);
+        QCOMPARE(plot().getChMode(), ModeAuto);
+        plot().setModeTrack(TrackUpper);
+        told();
+        plot().setModeTrack(TrackLower, 9);
+        plot().setModeTrack(TmcTrackingMode(4));
+        mouse().click(mouse().middle(), Qt::RightButton); // means nothing here
+        QCOMPARE(told(), "");
+        plot().setModeTrack(TrackOff, 1);
+        QVERIFY(isPlacing());
+        plot().setModeTrack(TrackOff);
+        QVERIFY(!isPlacing());
     }
     void placingGoesWithTheView()
     {

@@ -169,6 +169,26 @@ private slots:
         QCOMPARE(written(0, own, "DRSIN"), QString("change;removed 0 40"));
     }
 
+    void eachRequestBeginsTheWaitAnew()
+    {
+        const noxList::_nox *nox = add();
+        const noxList::_nox *unconnected = list().newNox(-1, true);
+        for (const int index : {0, 1, 99})
+            list().sendNoxData(index, Image::txReferenceData);
+        for (QTimer *wait : {nox->txTimer.get(), unconnected->txTimer.get()}) {
+            wait->setTimerType(Qt::PreciseTimer);
+            wait->start(100000);
+        }
+        QTest::qWait(20);
+        const int remaining = nox->txTimer->remainingTime();
+        list().sendNoxData(0, Image::txReferenceData);
+        QVERIFY(nox->txTimer->remainingTime() > remaining);
+        list().writeNow();
+        list().writeNow();
+        QCOMPARE(bench->news(), QString("added 1 0;change;write 3 [72] 1 0"));
+        QVERIFY(!nox->txTimer->isActive() && unconnected->txTimer->isActive());
+    }
+
     void recordRemovedByWhoHearsOfIt()
     {
         bool isRemoved = false;
@@ -310,6 +330,18 @@ private slots:
         found.detachByIndex(0);
         delete same;
         cleanup(); // the write would begin while the link is ending
+    }
+
+    void lostLinkIsReportedOnce()
+    {
+        const noxList::_nox *nox = add();
+        nox->opt->blockSignals(true);
+        // while the first is handled the same error comes again, as a dying port may repeat it
+        connect(&list(), &noxList::onChange, &bench->port,
+                [this] { emit bench->port.onDevError(device, quint16(247)); });
+        emit bench->port.onDevError(device, quint16(247));
+        QCOMPARE(bench->news(), QString("change;error 0 200 Обрыв связи [код 247]"));
+        QVERIFY(nox->devIndex == -1 && !nox->opt->signalsBlocked());
     }
 
     void linksComeGoAndFail()

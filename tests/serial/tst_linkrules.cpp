@@ -185,6 +185,10 @@ private slots:
         tokensOf(parser, "1");
         parser.restart();
         QCOMPARE(tokensOf(parser, "1:20.1B "), QStringList("1:20.1B > 20.1 ch1 B"));
+        // a tail without an end is kept up to a length; one byte more, and all is gone
+        const QByteArray longest(4096, 'x');
+        QCOMPARE(tokensOf(parser, longest, " "), QStringList(longest + ' '));
+        QCOMPARE(tokensOf(parser, longest, "x", "1:20.1B "), QStringList("1:20.1B > 20.1 ch1 B"));
     }
 };
 

@@ -274,6 +274,16 @@ private slots:
         QVERIFY(port->isReadAllQuery());
     }
 
+    void removalFromWithinAResult()
+    {
+        connect(port.get(), QOverload<int, QByteArray, quint8>::of(&NOXSerialPort::readyDevReply),
+                this, [this](int index) { port->rmDev(index); });
+        read(reference);
+        read(identification);
+        QTRY_VERIFY(port->devices().isEmpty() && port->isReadAllQuery());
+        QCOMPARE(journal->linesOf("reply"), QStringList("reply @3 72 bytes"));
+    }
+
     void removalFromWithinAnErrorIsPrompt()
     {
         bench->host.setStreaming("a", true);

@@ -279,11 +279,17 @@ private slots:
 
     void useless()
     {
+        prepare();
         m_sql.reset();
+        QVERIFY(QFile::copy(path(), m_directory->filePath("damaged")));
+        QFile damaged(m_directory->filePath("damaged")); // but for its first page
+        QVERIFY(damaged.open(QIODevice::ReadWrite) && damaged.seek(4096) &&
+                damaged.write(QByteArray(int(damaged.size()) - 4096, 'x')) > 0);
+        damaged.close();
         QFile noise(m_directory->filePath("noise"));
         QVERIFY(noise.open(QIODevice::WriteOnly) && noise.write(QByteArray(5000, 'x')) == 5000);
         noise.close();
-        for (const QString file : {"", ".", "none/nox8.db", "noise", "empty"}) {
+        for (const QString file : {"", ".", "none/nox8.db", "noise", "damaged", "empty"}) {
             m_sql = std::make_unique<noxSql>(file.isEmpty() ? "" : m_directory->filePath(file));
             QCOMPARE(failed(*m_sql), namesOf(writing + reading));
             QVERIFY(!m_sql->canStore() && !m_sql->removeDev(1) && !removeStoredCharacteristic(1) &&
