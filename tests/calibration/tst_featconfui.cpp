@@ -193,6 +193,8 @@ private slots:
         }));
         QCOMPARE(record(), recordOf(2, "ТС 1/2", its90, recordOf(1, "", platinum)));
         QCOMPARE(answers->files.at(1).directory, directory->path());
+        QCOMPARE(answers->files.at(0).title + '|' + answers->files.at(1).title,
+                 QString("Сохранение градуировки в файл|Загрузка градуировки из файла"));
 
         answers->file = directory->path(); // a folder cannot be written
         edit([&] { click("pushButton_4"); });
@@ -270,6 +272,9 @@ private slots:
             press("dbFindCB", {Qt::Key_Down});
             QCOMPARE(see("featName ratioTable searchEdit"),
                      QString("Эталон | 5|2|3|4|5/6|7|8|9|10 | "));
+            type(0, 0, "1");
+            emit find<QComboBox>("dbFindCB")->activated(0); // the same one again
+            QCOMPARE(see("ratioTable"), QString("5|2|3|4|5/6|7|8|9|10"));
             click("rmDBBtn"); // No
             QCOMPARE(told(),
                      QString("2 [Ввод статической характеристики] Вы уверены? 14000/10000"));
