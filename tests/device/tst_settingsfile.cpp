@@ -156,6 +156,12 @@ private slots:
                          qPrintable(QString("%1 lines of type %2").arg(count).arg(type)));
                 QCOMPARE(image.devType == 0, count <= (channels == 8 ? 634 : 1218));
             }
+            // behind the last end of a line nothing begins
+            const QString text = whole.mid(0, extendedPart - channels).join('\n') + '\n';
+            QByteArray content = text.toUtf8();
+            QBuffer device(&content);
+            ImageOf image(0x41);
+            QVERIFY(device.open(QIODevice::ReadOnly) && readSettings(device, image));
         }
         for (const char *size :
              {"0", "rubbish", "-5", "85", "4294967296"}) { // of the extended part

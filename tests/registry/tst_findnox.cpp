@@ -183,6 +183,7 @@ private slots:
     {
         dialog->find(true);
         QCOMPARE(message(), QString("Нет доступных портов"));
+        QVERIFY(!table->isEnabled());
         QVERIFY(!find<QPushButton>("connectBtn")->isEnabled());
         bench->add("B", "NOX B", 2);
         press("scanBtn");
@@ -282,6 +283,7 @@ private slots:
             dialog->find(true, number ? typeB : 0, quint16(number));
             QTRY_COMPARE_WITH_TIMEOUT(progress->value(), 2, patienceMs);
             QCOMPARE(progress->toolTip(), QStringLiteral("Ожидается ответ: C"));
+            QVERIFY(progress->isVisible() && !find<QPushButton>("scanBtn")->isEnabled());
             const int rows = table->rowCount();
             bench->instruments.host.unplug("A");
             QTRY_COMPARE_WITH_TIMEOUT(bench->port.devices().size(), 2, patienceMs);
