@@ -171,6 +171,20 @@ private slots:
         QTRY_VERIFY(!journal->measurements.isEmpty());
     }
 
+    void exchangesCarryTheCommandByteOfTheModel()
+    {
+        port->setDevType(0, 7);
+        emit port->onSetDevType(1, 5); // of another
+        read(reference);
+        setClock('x');
+        QTRY_VERIFY(port->isReadAllQuery() && port->isSendAllData());
+        QByteArray commands;
+        for (const ExchangeEvent &event : bench->host.exchanges("a"))
+            if (event.kind == ExchangeEvent::CommandReceived)
+                commands += char(event.value);
+        QCOMPARE(commands.toHex(), QByteArray("0707"));
+    }
+
     void wordWritesReachTheInstrument()
     {
         // the confirming word is the last that is sent: nothing after it may take it back

@@ -213,6 +213,25 @@ private slots:
                     .endsWith(": на диске нет места"));
     }
 
+    void exportIsSetUp()
+    {
+        bench->exporting.showFor("NOX B_N0001_24-11-2026");
+        QVERIFY(QTest::qWaitForWindowActive(&bench->exporting));
+        QTest::keyClick(bench->exporting.focusWidget(), Qt::Key_Return); // "Файл"
+        const FileQuestion question = answers->files.at(0);
+        QCOMPARE((QVariantList{question.title, question.filter, question.directory, question.name,
+                               question.defaultSuffix, question.asksToReplace, question.mode}),
+                 (QVariantList{"Файл для сохранения результатов", "CSV (*.csv *.CSV);; * (*.*)",
+                               QDir::homePath(), "NOX B_N0001_24-11-2026", "csv", true,
+                               QFileDialog::AcceptSave}));
+        for (const auto &[field, point] :
+             {std::pair("Запятая", "Точка"), {"Пробел", "Системный"}}) {
+            bench->exporting.findChild<QComboBox *>("deFieldCB")->setCurrentText(field);
+            QCOMPARE(bench->exporting.findChild<QComboBox *>("dePointCB")->currentText(),
+                     QString(point));
+        }
+    }
+
     void exportThatFails()
     {
         const QString failed = "Ошибка записи в файл!\nВозможно файл занят другим приложением или "
