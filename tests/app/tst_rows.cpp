@@ -12,16 +12,20 @@ class TestRows : public QObject
     /** In what the state differs from the ordinary one; the row; its tool tips. */
     using Case = std::tuple<const char *, const char *, const char *>;
 
-    static void setLatest(LatestValue *latest, const QString &words)
+    template<typename State>
+    static State stateOf(const QString &words)
     {
-        latest->value = "21.50";
-        latest->unit = words.contains("markup") ? "<i>" : "°С"; // the user's own
-        latest->mark = words.contains("alarm")      ? ValueMark::Alarm
-                       : words.contains("rejected") ? ValueMark::Rejected
-                       : words.contains("accepted") ? ValueMark::Accepted
-                                                    : ValueMark::None;
+        State state;
+        state.value = "21.50";
+        state.unit = words.contains("markup") ? "<i>" : "°С"; // the user's own
+        state.mark = words.contains("alarm")      ? ValueMark::Alarm
+                     : words.contains("rejected") ? ValueMark::Rejected
+                     : words.contains("accepted") ? ValueMark::Accepted
+                                                  : ValueMark::None;
         if (words.contains("received"))
-            latest->received = 21.512345678;
+            state.received = 21.512345678;
+        state.hovered = words.contains("hovered");
+        return state;
     }
     /** The cells as they are seen, and their tool tips: with a star where something is awaited. */
     static QStringList described(const RowContent &row)
@@ -70,14 +74,12 @@ private slots:
              "после него|"}};
         for (const auto &[differences, cells, tips] : cases) {
             const QString words = differences;
-            InstrumentState state;
-            setLatest(&state, words);
+            auto state = stateOf<InstrumentState>(words);
             state.name = words.contains("markup") ? "<b>" : "NOX B";
             state.number = "1234";
             state.channel = words.contains("empty") ? -1 : 2;
             state.connected = !words.contains("unlinked");
             state.current = words.contains("current");
-            state.hovered = words.contains("hovered");
             state.exchanging = words.contains("exchanging");
             QCOMPARE(described(instrumentRow(state)),
                      (QStringList{cells, tips, "Показать или скрыть графики прибора (Пробел)"}));
@@ -100,8 +102,7 @@ private slots:
              off}};
         for (const auto &[differences, cells, tips] : cases) {
             const QString words = differences;
-            ChannelState state;
-            setLatest(&state, words);
+            auto state = stateOf<ChannelState>(words);
             state.number = 4;
             state.color = Qt::blue;
             state.shown = !words.contains("hidden");
@@ -112,7 +113,6 @@ private slots:
             state.referenceInstrument = "NOX B №1234";
             state.inactive = words.contains("inactive");
             state.main = words.contains("main");
-            state.hovered = words.contains("hovered");
             const RowContent row = channelRow(state);
             QCOMPARE(described(row).mid(0, 2), (QStringList{cells, tips}));
             QVERIFY(described(row).last().startsWith("Левая кнопка мыши (Пробел)"));
@@ -164,24 +164,22 @@ private slots:
 
     void framesTheColourInWhite()
     {
-        const auto look = [this](const QColor &color) { // along the middle of the icon
+        const auto icon = [this](const QColor &color) {
             row[0].swatch = color;
             paint();
-            const QImage icon = table->item(1, 0)->icon().pixmap(16, 16).toImage();
-            QStringList colors;
-            for (const int x : {0, 1, 2, 8, 13, 14, 15})
-                colors << (icon.isNull() ? "-" : icon.pixelColor(x, 8).name(QColor::HexArgb));
-            return colors.join(' ').remove("#ff") +
-                   (icon.copy(8, 0, 1, 16) ==
-                            icon.copy(0, 8, 16, 1).transformed(QTransform().rotate(90))
-                        ? ""
-                        : " oblong");
+            const QPixmap picture = table->item(1, 0)->icon().pixmap(16, 16);
+            return picture.toImage().convertToFormat(QImage::Format_ARGB32);
         };
+        QImage framed(16, 16, QImage::Format_ARGB32);
+        framed.fill(Qt::white);
+        QPainter(&framed).fillRect(2, 2, 12, 12, Qt::red);
+        QImage empty(framed.size(), framed.format());
+        empty.fill(Qt::transparent);
         for (int twice = 0; twice < 2; ++twice) {
-            QCOMPARE(look(Qt::red), "ffffff ffffff ff0000 ff0000 ff0000 ffffff ffffff");
-            QCOMPARE(look(Qt::transparent), QString("#00000000 ").repeated(7).trimmed());
+            QCOMPARE(icon(Qt::red), framed);
+            QCOMPARE(icon(Qt::transparent), empty);
         }
-        QCOMPARE(look({}), "- - - - - - -");
+        QVERIFY(icon({}).isNull());
     }
 
     void textsCanBeRead()
@@ -213,7 +211,6 @@ private slots:
         const auto title = [this](int column) {
             return qobject_cast<QLabel *>(table->cellWidget(0, column));
         };
-        QCOMPARE(table->columnWidth(0) + table->columnWidth(6), 100);
         const int needed = title(1)->fontMetrics().horizontalAdvance(title(1)->text());
         QVERIFY2(needed <= 46 && needed > 30, qPrintable(QString::number(needed)));
         QCOMPARE(title(0)->font(), title(3)->font());

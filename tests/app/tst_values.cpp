@@ -17,39 +17,6 @@ class TestValues : public WindowTest
         device.upperMarker->setYValue(highest);
         device.upperMarker->setVisible(true);
     }
-    /**
-     * What channel 4 and the row of the instrument (value and channel) show after some events, and
-     * how often the alarm was heard. A measurement is "channel:value"; "lost" is the link, "main"
-     * chosen again.
-     */
-    QString shownAfter(const QString &events)
-    {
-        add(0x11, 1);
-        record(0).devIndex = 0; // as if it were connected
-        window->updUI();
-        limitFirst(30);
-        soundsPlayed = 0;
-        for (const QString &event : events.split(' ')) {
-            if (event.contains(':')) {
-                deliver(0, event.mid(2).toDouble(), quint8(event.left(1).toInt()));
-                continue;
-            }
-            showFrame();
-            record(0).devIndex = event == "lost" ? -1 : 0;
-            event == "main" ? plot().setDevMain(0) : window->updUI();
-        }
-        showFrame();
-        record(0).devIndex = -1;
-        const QStringList row = cells(instruments(), 1);
-        const QString shown =
-            QString("%1, %2 %3, %4")
-                .arg(cells(channels(), 4).at(ChannelColumn::Value), row.at(InstrumentColumn::Value),
-                     row.at(InstrumentColumn::Channel))
-                .arg(soundsPlayed);
-        registry().rmByIndex(0);
-        return shown;
-    }
-
 private slots:
     void showsPoints()
     {
@@ -85,27 +52,42 @@ private slots:
 
     void keepsTheOrderOfWhatCame()
     {
+        // measurements ("channel:value"), "lost": the link, "main": chosen again; then channel 4
+        // and the row of the instrument (value, unit and channel), and how often the alarm sounded
         const QPair<QString, QString> cases[] = {
-            {"3:21", "21.00[fresh], 21.00 4, 0"},
-            {"3:21 refresh", "21.00[fresh], 21.00[current] 4[current], 0"},
-            {"3:21 4:21", "21.00, 21.00 5, 0"},
-            {"3:-1300", "--[yellow], --[yellow] 4[yellow], 0"},
-            {"3:21 3:-1300", "--[yellow], --[yellow] 4[yellow], 0"},
-            {"3:-1300 4:21", "--[yellow], 21.00 5, 0"},
-            {"3:-1300 3:21", "21.00[fresh], 21.00 4, 0"},
-            {"3:-1300 refresh", "--[yellow], --[yellow] 4[yellow], 0"},
-            {"3:-1300 lost", "--, --[gray current] 4[gray current], 0"},
-            {"3:-1300 main", "--, --[yellow] 4[yellow], 0"},
-            {"3:31", "31.00[red fresh], 31.00[red] 4 (!)[red], 1"},
-            {"3:31 4:21", "31.00[red], 21.00 5, 1"},
-            {"3:31 refresh", "31.00[red fresh], 31.00[red] 4 (!)[red], 1"},
-            {"3:31 lost", "31.00, 31.00[gray current] 4[gray current], 1"},
-            {"3:31 main", "31.00[red], 31.00[red] 4 (!)[red], 1"},
-            {"3:31 3:31 3:31", "31.00[red fresh], 31.00[red] 4 (!)[red], 1"},
-            {"3:31 3:21", "21.00[fresh], 21.00 4, 1"},
-            {"3:31 3:-1300", "--[yellow], --[yellow] 4[yellow], 1"}};
-        for (const auto &[events, shown] : cases)
-            QCOMPARE(events + " shows " + shownAfter(events), events + " shows " + shown);
+            {"3:21 refresh", "21.00[fresh], 21.00[current]|°С[current]|4[current], 0"},
+            {"3:-1300 refresh", "--[yellow], --[yellow]|Ω[yellow]|4[yellow], 0"},
+            {"3:-1300 lost", "--, --[gray current]|Ω[gray current]|4[gray current], 0"},
+            {"3:-1300 main", "--, --[yellow]|Ω[yellow]|4[yellow], 0"},
+            {"3:31 4:21", "31.00[red], 21.00|°С|5, 1"},
+            {"3:31 refresh", "31.00[red fresh], 31.00[red]|°С[red]|4 (!)[red], 1"},
+            {"3:31 lost", "31.00, 31.00[gray current]|°С[gray current]|4[gray current], 1"},
+            {"3:31 main", "31.00[red], 31.00[red]|°С[red]|4 (!)[red], 1"},
+            {"3:31 3:31 3:31", "31.00[red fresh], 31.00[red]|°С[red]|4 (!)[red], 1"},
+            {"3:31 3:21", "21.00[fresh], 21.00|°С|4, 1"},
+            {"3:31 3:-1300", "--[yellow], --[yellow]|°С[yellow]|4[yellow], 1"}};
+        for (const auto &[events, shown] : cases) {
+            add(0x11, 1);
+            record(0).devIndex = 0; // as if it were connected
+            window->updUI();
+            limitFirst(30);
+            soundsPlayed = 0;
+            for (const QString &event : events.split(' ')) {
+                if (event.contains(':')) {
+                    deliver(0, event.mid(2).toDouble(), quint8(event.left(1).toInt()));
+                    continue;
+                }
+                showFrame();
+                record(0).devIndex = event == "lost" ? -1 : 0;
+                event == "main" ? plot().setDevMain(0) : window->updUI();
+            }
+            showFrame();
+            record(0).devIndex = -1;
+            QCOMPARE(events + ": " + channel(3).section('|', 1, 1) + ", " +
+                         instrument(1).section('|', 3, 5) + QString(", %1").arg(soundsPlayed),
+                     events + ": " + shown);
+            registry().rmByIndex(0);
+        }
     }
 
     void touchesEachRowOnceAFrame()
@@ -114,15 +96,15 @@ private slots:
         showFrame();
         QStringList written; // row and text of each change of a value
         int changes = 0;
-        for (const QTableWidget *table : {channels(), instruments()}) {
-            const int values =
-                table == channels() ? int(ChannelColumn::Value) : int(InstrumentColumn::Value);
-            connect(table, &QTableWidget::itemChanged, this, [&, values](QTableWidgetItem *item) {
-                ++changes;
-                if (item->column() == values)
-                    written << words({item->row(), item->text()});
-            });
-        }
+        const QPair<QTableWidget *, int> values[] = {{channels(), ChannelColumn::Value},
+                                                     {instruments(), InstrumentColumn::Value}};
+        for (const auto &[table, valueColumn] : values)
+            connect(table, &QTableWidget::itemChanged, this,
+                    [&, valueColumn = valueColumn](QTableWidgetItem *item) {
+                        ++changes;
+                        if (item->column() == valueColumn)
+                            written << words({item->row(), item->text()});
+                    });
         for (int i = 0; i < 1000; ++i)
             deliver(i % 2, 20 + i * 0.01, quint8(i % 8));
         QCOMPARE(changes, 0);

@@ -31,11 +31,6 @@ class TestWorkingDay : public WindowTest
     }
     optionsNOX8 &image() const { return *record(0).opt; }
     QByteArray held() { return bench->host.block("SIM1", configurationAddress); }
-    /** Changes a byte of what the instrument has to hold. */
-    void expect(int position, int kept, int set)
-    {
-        expected[position] = char((expected.at(position) & kept) | set);
-    }
     void begin()
     {
         start();
@@ -67,7 +62,6 @@ private slots:
     {
         QTRY_VERIFY_WITH_TIMEOUT(measures(bath), patienceMs);
         QVERIFY(instrument(bath).startsWith("[current]|NOX CM[current]|1234[current]|"));
-        QCOMPARE(title(), "NOX CM № 1234");
         QCOMPARE(channels()->rowCount(), 9);
         QCOMPARE(taken(image().getData()), expected);
         QVERIFY(answers->told.isEmpty() && answers->asked.isEmpty());
@@ -99,11 +93,11 @@ private slots:
         QTest::keyClick(card->findChild<QWidget *>("devMeasRoundCB"), Qt::Key_Home); // "0.1"
         QCOMPARE(held(), expected); // nothing is written before it is applied
         pressIn(card, {"applyBtn"});
-        expect(1, 0x0F, 0);
+        expected[1] = char(expected.at(1) & 0x0F);
         QTRY_COMPARE_WITH_TIMEOUT(held(), expected, patienceMs);
         click(channels(), 5, ChannelColumn::Menu);
         pressIn(window->channelCard(), {"switchLabel"});
-        expect(4 + 4 * 4, 0, 0);
+        expected[4 + 4 * 4] = 0;
         QTRY_COMPARE_WITH_TIMEOUT(held(), expected, patienceMs);
         QVERIFY(channel(4).contains("[gray"));
     }
@@ -159,7 +153,7 @@ private slots:
         confMenu *const card = openCard(bath);
         QTest::keyClick(card->findChild<QWidget *>("devMeasTimeCB"), Qt::Key_End); // "9"
         pressIn(card, {"applyBtn"});
-        expect(0, 0x0F, 0x80);
+        expected[0] = char((expected.at(0) & 0x0F) | 0x80);
         answers->answer = QMessageBox::Yes;
         press("exitBtm");
         QVERIFY(window->isVisible() && !find("centralwidget")->isEnabled());

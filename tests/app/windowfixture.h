@@ -14,20 +14,10 @@
 
 /** A list of ports that a test has made up. */
 struct ListedPorts : PortCatalog {
-    explicit ListedPorts(QVector<SerialPortEntry> listed)
-        : entries(std::move(listed))
-    {
-    }
     QVector<SerialPortEntry> ports() const override { return entries; }
 
-    const QVector<SerialPortEntry> entries;
+    QVector<SerialPortEntry> entries;
 };
-
-/** Values as one text. */
-inline QString words(const QVariantList &values)
-{
-    return QVariant(values).toStringList().join(' ');
-}
 
 /** What is seen of a cell: its text, and in brackets what its colours mean, as in "21.50[fresh]".
  */
@@ -38,8 +28,7 @@ inline QString seenCell(const QString &text, const QColor &textColor, const QCol
                                               {"#8090ee90", "fresh "}, {"#ffffff00", "yellow "}};
     QString meaning;
     for (const QColor &color : {textColor, ground})
-        if (color.isValid())
-            meaning += meanings.value(color.name(QColor::HexArgb), color.name(QColor::HexArgb));
+        meaning += meanings.value(color.name(QColor::HexArgb), color.name(QColor::HexArgb));
     return meaning.isEmpty() ? text : text + '[' + meaning.trimmed() + ']';
 }
 
@@ -57,12 +46,18 @@ protected:
         data = std::make_unique<QTemporaryDir>();
         qputenv("XDG_DATA_HOME", QFile::encodeName(data->path()));
         usePorts({});
-        soundsPlayed = 0;
         answers = std::make_unique<UserAnswers>();
+    }
+    /** Values as one text. */
+    static QString words(const QVariantList &list)
+    {
+        return QVariant(list).toStringList().join(' ');
     }
     static void usePorts(const QVector<SerialPortEntry> &entries)
     {
-        PortCatalog::setCurrent(std::make_unique<ListedPorts>(entries));
+        auto listed = std::make_unique<ListedPorts>();
+        listed->entries = entries;
+        PortCatalog::setCurrent(std::move(listed));
     }
     void start()
     {
@@ -145,13 +140,10 @@ protected:
         }
         return entries.join(", ");
     }
-    QString label(const QString &name) const { return find<QLabel>(name)->text(); }
+    QString see(const QString &names) const { return seen(window.get(), names).join('|'); }
     QString title() const { return find<QGroupBox>("lcdGroupBox")->title(); }
     /** Value, average and unit of the panels. */
-    QString panels() const
-    {
-        return seen(window.get(), "mainMeasLabel mainAverLabel mainDimLabel").join('|');
-    }
+    QString panels() const { return see("mainMeasLabel mainAverLabel mainDimLabel"); }
 
     QTableWidget *channels() const { return find<QTableWidget>("chTable"); }
     QTableWidget *instruments() const { return find<QTableWidget>("devTable"); }
@@ -161,9 +153,7 @@ protected:
         QStringList seen;
         for (int column = 0; column < table->columnCount(); ++column) {
             const QTableWidgetItem *item = table->item(row, column);
-            const QBrush ground = item->background();
-            seen << seenCell(item->text(), item->foreground().color(),
-                             ground.style() == Qt::NoBrush ? QColor() : ground.color());
+            seen << seenCell(item->text(), item->foreground().color(), item->background().color());
         }
         return seen;
     }
@@ -187,7 +177,7 @@ protected:
 
     QDateTime now; ///< what the plot's clock shows
     std::unique_ptr<UserAnswers> answers;
-    int soundsPlayed; ///< how often the alarm was heard
+    int soundsPlayed = 0; ///< how often the alarm was heard
     std::unique_ptr<QTemporaryDir> data;
     std::unique_ptr<MainWindow> window;
 
