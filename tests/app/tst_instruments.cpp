@@ -1,7 +1,4 @@
-#include "dialogs/confchmenu.h"
-#include "dialogs/confmenu.h"
 #include "dialogs/devconfui.h"
-#include "serial/noxserialport.h"
 #include "windowfixture.h"
 
 /** Instruments come, go, become current, exchange and fail; the window finds space for them. */
@@ -145,7 +142,8 @@ private slots:
                 QTest::mouseClick(showBox(row), Qt::LeftButton);
                 QVERIFY(isShown != before && isShown == showBox(row)->isChecked());
             }
-            removeAll();
+            for (const int index : registry().indices())
+                registry().rmByIndex(index);
             QCOMPARE(shown(), "0 0 -1 -1 - --|--| X: -");
         }
     }

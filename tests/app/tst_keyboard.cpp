@@ -1,4 +1,3 @@
-#include "dialogs/confmenu.h"
 #include "widgets/rowdelegate.h"
 #include "windowfixture.h"
 

@@ -289,7 +289,7 @@ private slots:
             entry->trigger();
             for (const QwtNOX::_dev &device : plot().devices())
                 QVERIFY(!device.ch.at(1).hasDifference());
-            removeAll();
+            start();
         }
         answers->answer = QMessageBox::Yes;
         answers->color = Qt::green;

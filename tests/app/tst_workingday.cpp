@@ -1,8 +1,5 @@
 #include "device/featurenox8.h"
 #include "device/instrumentblocks.h"
-#include "dialogs/confchmenu.h"
-#include "dialogs/confmenu.h"
-#include "serial/noxserialport.h"
 #include "support/instrumentbench.h"
 #include "windowfixture.h"
 

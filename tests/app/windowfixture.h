@@ -3,7 +3,10 @@
 #include "app/alarmsound.h"
 #include "app/mainwindow.h"
 #include "app/rowcontent.h"
+#include "dialogs/confchmenu.h"
+#include "dialogs/confmenu.h"
 #include "plot/qwtnox.h"
+#include "serial/noxserialport.h"
 #include "serial/portcatalog.h"
 #include "support/menukeys.h"
 #include "support/seenform.h"
@@ -49,10 +52,7 @@ protected:
         answers = std::make_unique<UserAnswers>();
     }
     /** Values as one text. */
-    static QString words(const QVariantList &list)
-    {
-        return QVariant(list).toStringList().join(' ');
-    }
+    static QString words(const QVariantList &all) { return QVariant(all).toStringList().join(' '); }
     static void usePorts(const QVector<SerialPortEntry> &entries)
     {
         auto listed = std::make_unique<ListedPorts>();
@@ -85,11 +85,6 @@ protected:
     {
         for (int number = 1; number <= count; ++number)
             add(0x11, quint16(number));
-    }
-    void removeAll() const
-    {
-        for (const int index : registry().indices())
-            registry().rmByIndex(index);
     }
     /** A measurement comes in; the frame that shows it is still to come. */
     void deliver(int index, double value, quint8 ch) const

@@ -1,5 +1,4 @@
 #include "widgets/mlineedit.h"
-#include "widgets/qlabelclick.h"
 #include "widgets/rowdelegate.h"
 
 #include <QtTest>
@@ -20,23 +19,6 @@ private slots:
         for (const Qt::Key key : {Qt::Key_A, Qt::Key_Return, Qt::Key_Enter})
             QTest::keyClick(&line, key);
         QCOMPARE(journal.join(' '), "clicked a a");
-    }
-
-    void fontsStayBetweenTheirSizes()
-    {
-        FittedLabel label(40);
-        label.resize(300, 80);
-        label.show();
-        const auto points = [&label](const QString &text) {
-            label.showText(text);
-            return label.font().pointSize();
-        };
-        QCOMPARE(points("x"), 40);
-        QCOMPARE(points(QString(80, '0')), 10);
-        QVERIFY(points("-1234.123456789") > 13);
-        QVERIFY(label.fontMetrics().horizontalAdvance(label.text()) <= label.width());
-        label.resize(900, 80);
-        QCOMPARE(label.font().pointSize(), 40);
     }
 
     void changedFieldIsMarked()
