@@ -39,15 +39,20 @@ private slots:
         QTRY_VERIFY(window->discovery()->isVisible());
     }
 
-    void settingsAreKept()
+    void settingsAndTheCurrentInstrumentAreKept()
     {
+        addSome(3);
+        choose(2);
         menuOf("settingsBtn")->popup({});
         QTest::mouseClick(boxes()[0], Qt::LeftButton, {}, {8, 8});
         QVERIFY(!menuOf("settingsBtn")->isVisible());
         boxes()[1]->click();
         start();
-        QCOMPARE(checked(), "Автоподключение {hidden}, Запрос при выходе {hidden, on}");
-        QTest::qWait(700); // longer than a search would wait for
+        addSome(3);
+        QCOMPARE(title() + checked(),
+                 "NOX B № 0002Автоподключение {hidden}, Запрос при выходе {hidden, on}");
+        registry().rmByIndex(1); // the newest of the others is current, now and later
+        QTest::qWait(700);       // longer than a search would wait for
         QVERIFY(!window->discovery()->isVisible());
         press("findDevBtn");
         QVERIFY(window->discovery()->isVisible());
@@ -58,6 +63,8 @@ private slots:
         answers->answer = QMessageBox::Yes;
         QVERIFY(window->close());
         start();
+        addSome(3);
+        QCOMPARE(title(), "NOX B № 0003");
         boxes()[1]->click();
         press("exitBtm");
         QVERIFY(!window->isVisible() && answers->asked.size() == 2);
@@ -105,56 +112,52 @@ private slots:
     void uselessDatabaseIsTold()
     {
         QVERIFY(!find("databaseHint")->isVisible());
-        for (const QByteArray &content : {QByteArray(), QByteArray(4096, 'x')}) {
-            window.reset();
-            QFile file(database());
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
-            file.close();
-            start();
-            const QString told = see("databaseHint").remove(QChar(0x200b)); // may be wrapped there
-            QVERIFY(find("databaseHint")->isVisible());
-            QVERIFY(told.startsWith("Настройки не сохраняются: ") &&
-                    told.endsWith(file.fileName()));
-        }
+        window.reset();
+        QFile file(database());
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("no database") > 0);
+        file.close();
+        start();
+        const QString told = see("databaseHint").remove(QChar(0x200b)); // may be wrapped there
+        QVERIFY(find("databaseHint")->isVisible());
+        QVERIFY(told.startsWith("Настройки не сохраняются: ") && told.endsWith(file.fileName()));
     }
 
     void recordsAndTellsOfLostRows()
     {
         addSome(2);
         auto *button = find<QToolButton>("recBtn");
-        const auto isMarked = [button] {
+        const auto shown = [button] { // a star for its mark, and what it says
             const QImage picture = button->grab().toImage();
-            return picture.pixelColor(picture.width() / 2, 0) == QColor("#c62828");
+            const bool isMarked = picture.pixelColor(picture.width() / 2, 0) == QColor("#c62828");
+            return (isMarked ? "*" : "") + button->toolTip();
         };
         press("recBtn");
         QVERIFY(!button->isChecked()); // before the dialog has begun it
         answers->file = folder.filePath("запись/1.csv");
         pressIn(find("recmeas"), {"selectFileBtn", "saveBtn", "closeBtn"});
-        for (const int row : {2, 1}) { // the button speaks of the current instrument
-            choose(row);
-            QCOMPARE(button->isChecked(), row == 1);
-        }
         const auto measureRound = [this] {
             now = now.addSecs(1);
             measure(0, now.time().second(), 0);
             measure(0, 2, 1);
         };
         measureRound();
-        measureRound(); // there is no folder yet
-        QCOMPARE(button->toolTip(), "Запись в файл\nNOX B № 0001: Запись не ведётся с 24.11.2026 "
-                                    "07:05:11: файл не открывается для записи");
+        measureRound();                // there is no folder yet
+        for (const int row : {1, 2}) { // it is down for the current instrument, but speaks of all
+            choose(row);
+            QCOMPARE(button->isChecked(), row == 1);
+        }
+        QCOMPARE(shown(), "*Запись в файл\nNOX B № 0001: Запись не ведётся с 24.11.2026 07:05:11: "
+                          "файл не открывается для записи");
         QCOMPARE(button->accessibleDescription(), button->toolTip());
-        choose(2); // but its mark of all
-        QVERIFY(isMarked() && QDir(folder.path()).mkdir("запись"));
+        QVERIFY(QDir(folder.path()).mkdir("запись"));
         measureRound();
-        QVERIFY(!isMarked());
+        QCOMPARE(shown(), "Запись в файл");
         QCOMPARE(linesOf(answers->file).last(), "1;2;11.0000;2.0000;--;--;--;--;--;--;\r");
-        QCOMPARE(button->toolTip(), "Запись в файл");
         QVERIFY(QDir(folder.filePath("запись")).removeRecursively());
         measureRound();
-        QVERIFY(isMarked());
+        QVERIFY(shown().startsWith('*'));
         registry().rmByIndex(0);
-        QVERIFY(!isMarked());
+        QCOMPARE(shown(), "Запись в файл");
     }
 
     void filesAreAskedForWhereTheLastOneWas()
@@ -215,19 +218,6 @@ private slots:
         press("stopReadingBtn");
         QTRY_VERIFY(find("readingBar")->isHidden());
         QVERIFY(plot().getChMeasCount(0, 0) < rows);
-    }
-
-    void remembersTheCurrentInstrument()
-    {
-        addSome(3);
-        choose(2);
-        start();
-        addSome(3);
-        QCOMPARE(title(), "NOX B № 0002");
-        registry().rmByIndex(1); // the newest of the others is current, now and later
-        start();
-        addSome(3);
-        QCOMPARE(title(), "NOX B № 0003");
     }
 };
 

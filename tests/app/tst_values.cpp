@@ -31,7 +31,6 @@ private slots:
         QCOMPARE(panels(), "21.50|21.00|°С");
         QCOMPARE(instrument(1), "[gray current]|NOX B[gray current]|1234[gray current]|23.25|°С|3|"
                                 "<[gray current]");
-        QCOMPARE(channel(0), "1[current]|21.50|°С|1.5|1.0|-|<[current]");
         QCOMPARE(channel(2), "3|23.25[gray fresh]|°С[gray fresh]|[gray fresh]|[gray fresh]|"
                              "-[gray fresh]|");
         QCOMPARE(channels()->item(3, ChannelColumn::Value)->toolTip(), "Принято: 23.25 °С");
