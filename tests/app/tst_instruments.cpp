@@ -230,11 +230,8 @@ private slots:
         };
         addSome(8);
         QTRY_VERIFY(isSeen(1) && isSeen(8));
-        for (int row = 9; row <= 30; ++row) {
-            addSome(1);
-            QCoreApplication::processEvents();
-            QVERIFY(isSeen(row));
-        }
+        addSome(22);
+        QTRY_VERIFY(isSeen(30));
         table->verticalScrollBar()->setValue(table->rowHeight(0)); // a box lies below the title
         const QWidget *title = table->cellWidget(0, InstrumentColumn::Show);
         QCOMPARE(table->viewport()->childAt(title->geometry().center()), title);

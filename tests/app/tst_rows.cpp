@@ -9,7 +9,7 @@ class TestRows : public QObject
 {
     Q_OBJECT
     /** In what the state differs from the ordinary one; the row; its tool tips. */
-    using Case = std::tuple<const char *, const char *, const char *>;
+    using Case = std::tuple<QString, const char *, const char *>;
 
     template<typename State>
     static State stateOf(const QString &words)
@@ -71,8 +71,7 @@ private slots:
              "&lt;b&gt;||Идёт обмен с прибором, измерения появятся после него*|Идёт обмен с "
              "прибором, измерения появятся после него|Идёт обмен с прибором, измерения появятся "
              "после него|"}};
-        for (const auto &[differences, cells, tips] : cases) {
-            const QString words = differences;
+        for (const auto &[words, cells, tips] : cases) {
             auto state = stateOf<InstrumentState>(words);
             state.name = words.contains("markup") ? "<b>" : "NOX B";
             state.number = "1234";
@@ -99,8 +98,7 @@ private slots:
             {"inactive alarm", "5|21.50[red]|°С[red]|2.0[red]|0.01[red]|-[red]|", off},
             {"fresh rejected received", "5|--[yellow]|--[yellow]|--[yellow]|--[yellow]|-[yellow]|",
              off}};
-        for (const auto &[differences, cells, tips] : cases) {
-            const QString words = differences;
+        for (const auto &[words, cells, tips] : cases) {
             auto state = stateOf<ChannelState>(words);
             state.number = 4;
             state.color = Qt::blue;

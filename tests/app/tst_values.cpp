@@ -195,8 +195,7 @@ private slots:
         QCOMPARE(header.left(4) + header.mid(8, 8) + header.mid(36, 4), "RIFFWAVEfmt data");
         QCOMPARE(header.mid(20, 4).toHex() + header.mid(34, 2).toHex(), "010001001000"); // 16 bits
         const auto number = [&](int at) { return qFromLittleEndian<qint32>(&header.data()[at]); };
-        QCOMPARE(number(4), samples.size() + 36);
-        QCOMPARE(number(40), samples.size());
+        QVERIFY(number(4) == samples.size() + 36 && number(40) == samples.size());
         QVector<int> loudest; // of each hundredth of a second
         int steepest = 0;
         int before = 0;
