@@ -123,7 +123,6 @@ private slots:
     void choosesTheNextCurrentInstrument()
     {
         const std::tuple<int, int, const char *> cases[] = {
-            {1, 2, "2 8 1 1 NOX B № 0002 --|--| X: Авто"},
             {0, 0, "2 8 2 2 NOX B № 0003 --|--| X: Авто"},
             {2, 2, "2 8 1 1 NOX B № 0002 --|--| X: Авто"},
             {0, 1, "2 8 0 0 NOX B № 0001 --|--| X: Авто"}};

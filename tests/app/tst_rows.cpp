@@ -164,14 +164,11 @@ private slots:
             const QPixmap picture = table->item(1, 0)->icon().pixmap(16, 16);
             return picture.toImage().convertToFormat(QImage::Format_ARGB32);
         };
-        QImage framed(16, 16, QImage::Format_ARGB32);
-        framed.fill(Qt::white);
-        QPainter(&framed).fillRect(2, 2, 12, 12, Qt::red);
-        QImage empty(framed.size(), framed.format());
-        empty.fill(Qt::transparent);
-        for (int twice = 0; twice < 2; ++twice) {
-            QCOMPARE(icon(Qt::red), framed);
-            QCOMPARE(icon(Qt::transparent), empty);
+        for (const QColor color : {Qt::red, Qt::transparent, Qt::red, Qt::transparent}) {
+            QImage expected(16, 16, QImage::Format_ARGB32);
+            expected.fill(color == Qt::red ? Qt::white : Qt::transparent);
+            QPainter(&expected).fillRect(2, 2, 12, 12, color);
+            QCOMPARE(icon(color), expected);
         }
         QVERIFY(icon({}).isNull());
     }

@@ -87,20 +87,18 @@ private slots:
 
     void emptyWindowTellsWhatToDo()
     {
-        const SerialPortEntry busy{"1", {}, true};
-        const SerialPortEntry free{"2", {}, false};
-        const QVector<QPair<QVector<SerialPortEntry>, QString>> advices = {
-            {{}, "подключите прибор"},
-            {{busy, busy}, "освободите порт"},
-            {{busy, free}, "опрашивает все свободные порты"}};
+        const QStringList advices = {"подключите прибор", "освободите порт",
+                                     "опрашивает все свободные порты"};
+        QVector<SerialPortEntry> ports;
         const auto *const hint = find<QLabel>("instrumentHint");
         window->resize(window->minimumSizeHint());
-        for (const auto &advice : advices) {
-            usePorts(advice.first);
+        for (const QString &advice : advices) {
+            usePorts(ports);
             QEvent activation(QEvent::WindowActivate);
             QCoreApplication::sendEvent(window.get(), &activation);
-            QVERIFY2(hint->text().contains(advice.second), qPrintable(hint->text()));
+            QVERIFY2(hint->text().contains(advice), qPrintable(hint->text()));
             QVERIFY(hint->isVisible() && hint->height() >= hint->heightForWidth(hint->width()));
+            ports.prepend({"1", {}, ports.isEmpty()}); // one that is busy, then one that is free
         }
         add();
         QVERIFY(!hint->isVisible());
@@ -187,7 +185,7 @@ private slots:
         showFrame();
         QCOMPARE(column(channels(), ChannelColumn::Value), "21.75 101.25");
         QCOMPARE(column(channels(), ChannelColumn::Unit), "°С Ω");
-        QVERIFY(find("readingBar")->isHidden());
+        QTRY_VERIFY(find("readingBar")->isHidden()); // a slow machine needs a second slice
         QCOMPARE(see("readingLabel"), "Чтение: results.csv");
 
         // once more the same, and nothing else is left; what the instrument measures stays away

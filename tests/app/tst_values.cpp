@@ -31,6 +31,7 @@ private slots:
         QCOMPARE(panels(), "21.50|21.00|°С");
         QCOMPARE(instrument(1), "[gray current]|NOX B[gray current]|1234[gray current]|23.25|°С|3|"
                                 "<[gray current]");
+        QCOMPARE(channel(0), "1[current]|21.50|°С|1.5|1.0|-|<[current]");
         QCOMPARE(channel(2), "3|23.25[gray fresh]|°С[gray fresh]|[gray fresh]|[gray fresh]|"
                              "-[gray fresh]|");
         QCOMPARE(channels()->item(3, ChannelColumn::Value)->toolTip(), "Принято: 23.25 °С");
@@ -93,23 +94,15 @@ private slots:
     {
         addSome(2);
         showFrame();
-        QStringList written; // row and text of each change of a value
         int changes = 0;
-        const QPair<QTableWidget *, int> values[] = {{channels(), ChannelColumn::Value},
-                                                     {instruments(), InstrumentColumn::Value}};
-        for (const auto &[table, valueColumn] : values)
-            connect(table, &QTableWidget::itemChanged, this,
-                    [&, valueColumn = valueColumn](QTableWidgetItem *item) {
-                        ++changes;
-                        if (item->column() == valueColumn)
-                            written << words({item->row(), item->text()});
-                    });
+        for (const QTableWidget *table : {channels(), instruments()})
+            connect(table, &QTableWidget::itemChanged, this, [&] { ++changes; });
         for (int i = 0; i < 1000; ++i)
             deliver(i % 2, 20 + i * 0.01, quint8(i % 8));
         QCOMPARE(changes, 0);
         QTRY_VERIFY(changes > 0); // by itself; the current one has the even channels
-        written.removeDuplicates();
-        QCOMPARE(written.join(", "), "1 29.98, 2 29.99, 1 29.92, 3 29.94, 5 29.96, 7 29.98");
+        QCOMPARE(column(channels(), ChannelColumn::Value), "29.92 -- 29.94 -- 29.96 -- 29.98 --");
+        QCOMPARE(column(instruments(), InstrumentColumn::Value), "29.98 29.99");
         QCOMPARE(panels(), "29.92|29.56|°С");
         const int before = changes;
         showFrame();
@@ -143,11 +136,10 @@ private slots:
         for (const quint8 ch : {1, 2})
             measure(0, 1, ch);
         const QDateTime start({2024, 3, 5}, {12, 0});
+        const QMap<quint8, QVector<optionsNOX8::_recItem>> records = {
+            {0, {{0, 20, "°С"}, {10, -2000, "°С"}, {20, 22, "°С"}}}, {3, {{5, 19, "мВ"}}}};
         for (const int index : {0, 7}) // nobody has the second one
-            emit registry().onReadRec(
-                index,
-                {{0, {{0, 20, "°С"}, {10, -2000, "°С"}, {20, 22, "°С"}}}, {3, {{5, 19, "мВ"}}}},
-                start);
+            emit registry().onReadRec(index, records, start);
         showFrame();
         QCOMPARE(plot().getStartDateTime(0), start);
         QCOMPARE(channel(0), "1[current]|22.00|°С|20.0|2.0|-|<[current]");
