@@ -97,6 +97,7 @@ private slots:
             {1, DeltaY, Qt::Key_Menu, "confChMenu false 2 #ff00ff"},
             {1, Reference, Qt::SHIFT + Qt::Key_F10, "DifferenceMenu false 2 #ff00ff"},
             {1, Reference, Qt::Key_F10, "- false 2 #ff00ff"},
+            {1, Reference, Qt::SHIFT + Qt::Key_A, "- false 2 #ff00ff"},
             {1, Reference, Qt::Key_Return, "DifferenceMenu false 2 #ff00ff"},
             {1, ChannelColumn::Menu, Qt::Key_Return, "confChMenu false 2 #ff00ff"}};
         for (const auto &[row, column, key, effect] : cases) {

@@ -18,14 +18,13 @@ class TestStart : public WindowTest
     /** Chooses a results file of one's own, which begins at six, and lets the window read it. */
     void read(const QString &name, const QString &content)
     {
-        answers->file = folder.filePath(name);
+        answers->file = data->filePath(name);
         QFile file(answers->file);
         const QString start = "Начало измерений. Дата 23.11.2026 Время 06:00:00;\r\n\r\n";
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(toWindows1251(start + content)) > 0);
         file.close();
         press("toolButton_3");
     }
-    QTemporaryDir folder;
 
 private slots:
     void firstStartMakesTheDatabaseAndSearches()
@@ -131,7 +130,7 @@ private slots:
         };
         press("recBtn");
         QVERIFY(!button->isChecked()); // before the dialog has begun it
-        answers->file = folder.filePath("запись/1.csv");
+        answers->file = data->filePath("запись/1.csv");
         pressIn(find("recmeas"), {"selectFileBtn", "saveBtn", "closeBtn"});
         const auto measureRound = [this] {
             now = now.addSecs(1);
@@ -147,11 +146,11 @@ private slots:
         QCOMPARE(shown(), "*Запись в файл\nNOX B № 0001: Запись не ведётся с 24.11.2026 07:05:11: "
                           "файл не открывается для записи");
         QCOMPARE(button->accessibleDescription(), button->toolTip());
-        QVERIFY(QDir(folder.path()).mkdir("запись"));
+        QVERIFY(QDir(data->path()).mkdir("запись"));
         measureRound();
         QCOMPARE(shown(), "Запись в файл");
         QCOMPARE(linesOf(answers->file).last(), "1;2;11.0000;2.0000;--;--;--;--;--;--;\r");
-        QVERIFY(QDir(folder.filePath("запись")).removeRecursively());
+        QVERIFY(QDir(data->filePath("запись")).removeRecursively());
         measureRound();
         QVERIFY(shown().startsWith('*'));
         registry().rmByIndex(0);
@@ -162,11 +161,11 @@ private slots:
     {
         add(0x0970AA0F, 7);
         press("toolButton"); // nothing is chosen
-        answers->file = folder.filePath("plot.png");
+        answers->file = data->filePath("plot.png");
         press("toolButton");
         QVERIFY(!QImage(answers->file).isNull() && answers->told.isEmpty());
         start();
-        answers->file = folder.filePath("none/plot.png");
+        answers->file = data->filePath("none/plot.png");
         press("toolButton");
         QCOMPARE(answers->told.size(), 1);
         press("toolButton_3");
@@ -175,7 +174,7 @@ private slots:
             places << question.directory + ' ' + question.name;
         const QString first = QDir::homePath() + " NOX D rev_4_N0007_24-11-2026";
         QCOMPARE(places,
-                 (QStringList{first, first, folder.path() + ' ', folder.filePath("none") + ' '}));
+                 (QStringList{first, first, data->path() + ' ', data->filePath("none") + ' '}));
     }
 
     void readsIntoAnEmptyRegistry()

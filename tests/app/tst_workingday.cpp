@@ -35,7 +35,6 @@ class TestWorkingDay : public WindowTest
         registry().setWriteDelay(300);
     }
 
-    QTemporaryDir folder;
     std::unique_ptr<InstrumentBench> bench;
     QByteArray expected; ///< configuration block that the instrument has to hold
 
@@ -105,10 +104,10 @@ private slots:
         const QDateTime recorded({2023, 5, 17}, {9, 30});
         QTRY_COMPARE_WITH_TIMEOUT(plot().getStartDateTime(), recorded, patienceMs);
         QVERIFY(plot().getChMeasCount(0, 0) >= 20);
-        const QString record = answers->file = folder.filePath("record.csv");
+        const QString record = answers->file = data->filePath("record.csv");
         press("recBtn");
         pressIn(find("recmeas"), {"selectFileBtn", "saveBtn", "closeBtn"});
-        answers->file = folder.filePath("table.csv");
+        answers->file = data->filePath("table.csv");
         press("toolButton_2");
         pressIn(find("savemeas"), {"selectFileBtn", "saveBtn"});
         QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(answers->file).size() > 1000, patienceMs);
