@@ -1,7 +1,6 @@
 #include "app/numericpanels.h"
 #include "app/windowtables.h"
 #include "widgets/legibility.h"
-#include "widgets/qlabelclick.h"
 #include "windowfixture.h"
 
 /** What the rows of the tables show in every state, how they are painted, and what the panels do
@@ -10,18 +9,22 @@ class TestRows : public QObject
 {
     Q_OBJECT
     /** In what the state differs from the ordinary one; the row; its tool tips. */
-    using Case = std::tuple<const char *, const char *, const char *>;
+    using Case = std::tuple<QString, const char *, const char *>;
 
-    static void setLatest(LatestValue *latest, const QString &words)
+    template<typename State>
+    static State stateOf(const QString &words)
     {
-        latest->value = "21.50";
-        latest->unit = words.contains("markup") ? "<i>" : "°С"; // the user's own
-        latest->mark = words.contains("alarm")      ? ValueMark::Alarm
-                       : words.contains("rejected") ? ValueMark::Rejected
-                       : words.contains("accepted") ? ValueMark::Accepted
-                                                    : ValueMark::None;
+        State state;
+        state.value = "21.50";
+        state.unit = words.contains("markup") ? "<i>" : "°С"; // the user's own
+        state.mark = words.contains("alarm")      ? ValueMark::Alarm
+                     : words.contains("rejected") ? ValueMark::Rejected
+                     : words.contains("accepted") ? ValueMark::Accepted
+                                                  : ValueMark::None;
         if (words.contains("received"))
-            latest->received = 21.512345678;
+            state.received = 21.512345678;
+        state.hovered = words.contains("hovered");
+        return state;
     }
     /** The cells as they are seen, and their tool tips: with a star where something is awaited. */
     static QStringList described(const RowContent &row)
@@ -52,9 +55,7 @@ private slots:
     {
         const char *const name = "NOX B|||||";
         const Case cases[] = {
-            {"", "|NOX B|1234|21.50|°С|3|", name},
-            {"hovered", "|NOX B|1234|21.50|°С|3|☰", name},
-            {"empty", "|NOX B|1234|21.50|°С|-|", name},
+            {"hovered empty", "|NOX B|1234|21.50|°С|-|☰", name},
             {"alarm received", "|NOX B|1234|21.50[red]|°С[red]|3 (!)[red]|",
              "NOX B||Принято: 21.51234568 °С|||"},
             {"rejected received", "|NOX B|1234|--[yellow]|°С[yellow]|3[yellow]|", name},
@@ -68,16 +69,13 @@ private slots:
              "&lt;b&gt;||Идёт обмен с прибором, измерения появятся после него*|Идёт обмен с "
              "прибором, измерения появятся после него|Идёт обмен с прибором, измерения появятся "
              "после него|"}};
-        for (const auto &[differences, cells, tips] : cases) {
-            const QString words = differences;
-            InstrumentState state;
-            setLatest(&state, words);
+        for (const auto &[words, cells, tips] : cases) {
+            auto state = stateOf<InstrumentState>(words);
             state.name = words.contains("markup") ? "<b>" : "NOX B";
             state.number = "1234";
             state.channel = words.contains("empty") ? -1 : 2;
             state.connected = !words.contains("unlinked");
             state.current = words.contains("current");
-            state.hovered = words.contains("hovered");
             state.exchanging = words.contains("exchanging");
             QCOMPARE(described(instrumentRow(state)),
                      (QStringList{cells, tips, "Показать или скрыть графики прибора (Пробел)"}));
@@ -88,7 +86,6 @@ private slots:
     {
         const char *const off = "||||Измерение разности выключено|";
         const Case cases[] = {
-            {"", "5|21.50|°С|2.0|0.01|-|", off},
             {"hidden hovered", "5|21.50|°С|2.0|0.01|-|☰", off},
             {"main hovered", "5[current]|21.50|°С|2.0|0.01|-|<[current]", off},
             {"difference received markup", "5|21.50|<i>|2.0|0.01|2|",
@@ -98,10 +95,8 @@ private slots:
             {"inactive alarm", "5|21.50[red]|°С[red]|2.0[red]|0.01[red]|-[red]|", off},
             {"fresh rejected received", "5|--[yellow]|--[yellow]|--[yellow]|--[yellow]|-[yellow]|",
              off}};
-        for (const auto &[differences, cells, tips] : cases) {
-            const QString words = differences;
-            ChannelState state;
-            setLatest(&state, words);
+        for (const auto &[words, cells, tips] : cases) {
+            auto state = stateOf<ChannelState>(words);
             state.number = 4;
             state.color = Qt::blue;
             state.shown = !words.contains("hidden");
@@ -112,10 +107,10 @@ private slots:
             state.referenceInstrument = "NOX B №1234";
             state.inactive = words.contains("inactive");
             state.main = words.contains("main");
-            state.hovered = words.contains("hovered");
             const RowContent row = channelRow(state);
-            QCOMPARE(described(row).mid(0, 2), (QStringList{cells, tips}));
-            QVERIFY(described(row).last().startsWith("Левая кнопка мыши (Пробел)"));
+            QCOMPARE(described(row),
+                     (QStringList{cells, tips,
+                                  "Левая кнопка мыши (Пробел): показать или скрыть график"}));
             QCOMPARE(row[0].swatch, state.shown ? QColor(Qt::blue) : QColor(Qt::transparent));
         }
     }
@@ -139,7 +134,6 @@ private slots:
         for (int column = 0; column < tableColumns; ++column)
             QCOMPARE(table->item(1, column) != nullptr, column == 1 || column == 2);
         paint();
-        QCOMPARE(table->item(1, 1)->toolTip(), "tip");
         QCOMPARE(table->item(1, 1)->textAlignment(), int(Qt::AlignCenter));
         const QColor plain = ground(3);
         selectTableRow(table.get(), 1);
@@ -164,24 +158,19 @@ private slots:
 
     void framesTheColourInWhite()
     {
-        const auto look = [this](const QColor &color) { // along the middle of the icon
+        const auto icon = [this](const QColor &color) {
             row[0].swatch = color;
             paint();
-            const QImage icon = table->item(1, 0)->icon().pixmap(16, 16).toImage();
-            QStringList colors;
-            for (const int x : {0, 1, 2, 8, 13, 14, 15})
-                colors << (icon.isNull() ? "-" : icon.pixelColor(x, 8).name(QColor::HexArgb));
-            return colors.join(' ').remove("#ff") +
-                   (icon.copy(8, 0, 1, 16) ==
-                            icon.copy(0, 8, 16, 1).transformed(QTransform().rotate(90))
-                        ? ""
-                        : " oblong");
+            const QPixmap picture = table->item(1, 0)->icon().pixmap(16, 16);
+            return picture.toImage().convertToFormat(QImage::Format_ARGB32);
         };
-        for (int twice = 0; twice < 2; ++twice) {
-            QCOMPARE(look(Qt::red), "ffffff ffffff ff0000 ff0000 ff0000 ffffff ffffff");
-            QCOMPARE(look(Qt::transparent), QString("#00000000 ").repeated(7).trimmed());
+        for (const QColor color : {Qt::red, Qt::transparent, Qt::red, Qt::transparent}) {
+            QImage expected(16, 16, QImage::Format_ARGB32);
+            expected.fill(color == Qt::red ? Qt::white : Qt::transparent);
+            QPainter(&expected).fillRect(2, 2, 12, 12, color);
+            QCOMPARE(icon(color), expected);
         }
-        QCOMPARE(look({}), "- - - - - - -");
+        QVERIFY(icon({}).isNull());
     }
 
     void textsCanBeRead()
@@ -213,7 +202,6 @@ private slots:
         const auto title = [this](int column) {
             return qobject_cast<QLabel *>(table->cellWidget(0, column));
         };
-        QCOMPARE(table->columnWidth(0) + table->columnWidth(6), 100);
         const int needed = title(1)->fontMetrics().horizontalAdvance(title(1)->text());
         QVERIFY2(needed <= 46 && needed > 30, qPrintable(QString::number(needed)));
         QCOMPARE(title(0)->font(), title(3)->font());
@@ -233,10 +221,9 @@ private slots:
         const auto *number = value.findChild<QLabel *>("mainMeasLabel");
         const auto *below = average.findChild<QLabel *>("mainAverLabel");
         const auto *unit = value.findChild<QLabel *>("mainDimLabel");
-        QCOMPARE(number->text() + below->text() + unit->styleSheet(), "----font: 32pt;");
-        const QVector<QPair<QString, int>> points = {
+        const QVector<QPair<QString, int>> units = {
             {"мВ", 32}, {"кОм", 27}, {"м/сек", 25}, {"<b>6789ab</b>", 17}, {QString(30, 'x'), 6}};
-        for (const auto &[text, size] : points) {
+        for (const auto &[text, size] : units) {
             panels.showNumbers("-21.123456", "21.1", text);
             QCOMPARE(unit->text(), text); // as it is, and not as markup
             QCOMPARE(unit->textFormat(), Qt::PlainText);
@@ -247,11 +234,19 @@ private slots:
         QCOMPARE(below->geometry().right(), number->geometry().right());
         QCOMPARE(value.accessibleName() + ", " + average.accessibleName(),
                  "Значение: -21.123456, Среднее: 21.1");
-        panels.showNumbers("1", "1", "мВ");
+        const auto pointsOf = [&](const QString &text) {
+            panels.showNumbers(text, "1", "мВ");
+            return number->font().pointSize();
+        };
+        QCOMPARE(pointsOf(QString(80, '0')), 10);
+        QVERIFY(pointsOf("-1234.123456789") > 13);
+        QVERIFY(number->fontMetrics().horizontalAdvance(number->text()) <= number->width());
+        value.resize(900, 80);
+        QCOMPARE(number->font().pointSize(), 42);
+        QCOMPARE(below->font().pointSize(), 28);
         for (const QLabel *one : {number, below}) {
             QCOMPARE(one->alignment(), Qt::AlignRight | Qt::AlignVCenter);
             QCOMPARE(one->cursor().shape(), Qt::PointingHandCursor);
-            QCOMPARE(one->font().pointSize(), one == number ? 42 : 28);
         }
     }
 };

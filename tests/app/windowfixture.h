@@ -3,7 +3,10 @@
 #include "app/alarmsound.h"
 #include "app/mainwindow.h"
 #include "app/rowcontent.h"
+#include "dialogs/confchmenu.h"
+#include "dialogs/confmenu.h"
 #include "plot/qwtnox.h"
+#include "serial/noxserialport.h"
 #include "serial/portcatalog.h"
 #include "support/menukeys.h"
 #include "support/seenform.h"
@@ -14,20 +17,10 @@
 
 /** A list of ports that a test has made up. */
 struct ListedPorts : PortCatalog {
-    explicit ListedPorts(QVector<SerialPortEntry> listed)
-        : entries(std::move(listed))
-    {
-    }
     QVector<SerialPortEntry> ports() const override { return entries; }
 
-    const QVector<SerialPortEntry> entries;
+    QVector<SerialPortEntry> entries;
 };
-
-/** Values as one text. */
-inline QString words(const QVariantList &values)
-{
-    return QVariant(values).toStringList().join(' ');
-}
 
 /** What is seen of a cell: its text, and in brackets what its colours mean, as in "21.50[fresh]".
  */
@@ -38,8 +31,7 @@ inline QString seenCell(const QString &text, const QColor &textColor, const QCol
                                               {"#8090ee90", "fresh "}, {"#ffffff00", "yellow "}};
     QString meaning;
     for (const QColor &color : {textColor, ground})
-        if (color.isValid())
-            meaning += meanings.value(color.name(QColor::HexArgb), color.name(QColor::HexArgb));
+        meaning += meanings.value(color.name(QColor::HexArgb), color.name(QColor::HexArgb));
     return meaning.isEmpty() ? text : text + '[' + meaning.trimmed() + ']';
 }
 
@@ -57,12 +49,15 @@ protected:
         data = std::make_unique<QTemporaryDir>();
         qputenv("XDG_DATA_HOME", QFile::encodeName(data->path()));
         usePorts({});
-        soundsPlayed = 0;
         answers = std::make_unique<UserAnswers>();
     }
+    /** Values as one text. */
+    static QString words(const QVariantList &all) { return QVariant(all).toStringList().join(' '); }
     static void usePorts(const QVector<SerialPortEntry> &entries)
     {
-        PortCatalog::setCurrent(std::make_unique<ListedPorts>(entries));
+        auto listed = std::make_unique<ListedPorts>();
+        listed->entries = entries;
+        PortCatalog::setCurrent(std::move(listed));
     }
     void start()
     {
@@ -90,11 +85,6 @@ protected:
     {
         for (int number = 1; number <= count; ++number)
             add(0x11, quint16(number));
-    }
-    void removeAll() const
-    {
-        for (const int index : registry().indices())
-            registry().rmByIndex(index);
     }
     /** A measurement comes in; the frame that shows it is still to come. */
     void deliver(int index, double value, quint8 ch) const
@@ -145,13 +135,10 @@ protected:
         }
         return entries.join(", ");
     }
-    QString label(const QString &name) const { return find<QLabel>(name)->text(); }
+    QString see(const QString &names) const { return seen(window.get(), names).join('|'); }
     QString title() const { return find<QGroupBox>("lcdGroupBox")->title(); }
     /** Value, average and unit of the panels. */
-    QString panels() const
-    {
-        return seen(window.get(), "mainMeasLabel mainAverLabel mainDimLabel").join('|');
-    }
+    QString panels() const { return see("mainMeasLabel mainAverLabel mainDimLabel"); }
 
     QTableWidget *channels() const { return find<QTableWidget>("chTable"); }
     QTableWidget *instruments() const { return find<QTableWidget>("devTable"); }
@@ -161,9 +148,7 @@ protected:
         QStringList seen;
         for (int column = 0; column < table->columnCount(); ++column) {
             const QTableWidgetItem *item = table->item(row, column);
-            const QBrush ground = item->background();
-            seen << seenCell(item->text(), item->foreground().color(),
-                             ground.style() == Qt::NoBrush ? QColor() : ground.color());
+            seen << seenCell(item->text(), item->foreground().color(), item->background().color());
         }
         return seen;
     }
@@ -187,7 +172,7 @@ protected:
 
     QDateTime now; ///< what the plot's clock shows
     std::unique_ptr<UserAnswers> answers;
-    int soundsPlayed; ///< how often the alarm was heard
+    int soundsPlayed = 0; ///< how often the alarm was heard
     std::unique_ptr<QTemporaryDir> data;
     std::unique_ptr<MainWindow> window;
 
