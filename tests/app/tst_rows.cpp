@@ -1,5 +1,6 @@
 #include "app/numericpanels.h"
 #include "app/windowtables.h"
+#include "widgets/changemark.h"
 #include "widgets/legibility.h"
 #include "windowfixture.h"
 
@@ -45,6 +46,16 @@ class TestRows : public QObject
         return picture().pixelColor(cell.topLeft() + QPoint(3, 3));
     }
     QImage picture() const { return table->viewport()->grab().toImage(); }
+    /** The smallest rectangle around what has a colour. */
+    static QRect inkOf(const QImage &picture, const QColor &color)
+    {
+        QRect ink;
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                if (picture.pixelColor(x, y) == color)
+                    ink |= QRect(x, y, 1, 1);
+        return ink;
+    }
     void paint() { paintRow(table.get(), 1, row); }
 
     std::unique_ptr<QTableWidget> table;
@@ -173,6 +184,29 @@ private slots:
         QVERIFY(icon({}).isNull());
     }
 
+    void numbersStandBesideTheColour()
+    {
+        row[0] = {"16", Qt::black, {}, Qt::red, {}, false};
+        const auto number = [this](int width) { // its leftmost digit, with what follows
+            table->setColumnWidth(0, width);
+            const QRect cell = table->visualItemRect(table->item(1, 0));
+            const QRect ink = inkOf(picture().copy(cell), Qt::black);
+            return picture().copy(ink.translated(cell.topLeft()));
+        };
+        paint();
+        QCOMPARE(number(50), number(150)); // whole, and not "1..."
+    }
+
+    void currentCellIsFramed()
+    {
+        paint();
+        table->show();
+        QVERIFY(QTest::qWaitForWindowActive(table.get()));
+        table->setFocus();
+        table->setCurrentCell(1, 2);
+        QCOMPARE(inkOf(picture(), accentColor()), table->visualItemRect(table->item(1, 2)));
+    }
+
     void textsCanBeRead()
     {
         const QColor gray(Qt::lightGray);
@@ -244,6 +278,7 @@ private slots:
         value.resize(900, 80);
         QCOMPARE(number->font().pointSize(), 42);
         QCOMPARE(below->font().pointSize(), 28);
+        QCOMPARE(unit->alignment(), number->alignment());
         for (const QLabel *one : {number, below}) {
             QCOMPARE(one->alignment(), Qt::AlignRight | Qt::AlignVCenter);
             QCOMPARE(one->cursor().shape(), Qt::PointingHandCursor);
