@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QStyledItemDelegate>
 
 /** Role of a bool: something is still awaited for the cell, and it carries a quiet sign of that. */
@@ -24,3 +25,17 @@ public:
 protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
 };
+
+// Whether a text can be read on its ground, by the measure of the WCAG.
+
+/** Contrast of two opaque colours: 1 (none) to 21 (black and white). */
+double contrast(const QColor &one, const QColor &other);
+
+/** What is seen of a colour that lets an opaque ground shine through. */
+QColor blended(const QColor &color, const QColor &ground);
+
+/**
+ * The text colour that is nearest to `text` and can be read on the opaque `ground`, with a contrast
+ * of 4.5 at least: darkened on a light ground, lightened on a dark one. A gray stays a gray.
+ */
+QColor legible(const QColor &text, const QColor &ground);

@@ -1,7 +1,7 @@
 #include "app/numericpanels.h"
 #include "app/windowtables.h"
 #include "widgets/changemark.h"
-#include "widgets/legibility.h"
+#include "widgets/rowdelegate.h"
 #include "windowfixture.h"
 
 /** What the rows of the tables show in every state, how they are painted, and what the panels do

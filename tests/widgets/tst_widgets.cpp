@@ -1,6 +1,6 @@
 #include "widgets/changemark.h"
-#include "widgets/legibility.h"
 #include "widgets/mlineedit.h"
+#include "widgets/rowdelegate.h"
 
 #include <QtTest>
 #include <QtWidgets>
