@@ -355,6 +355,17 @@ private slots:
         QCOMPARE(journal->foreignMeasurements(), QVector<ChannelValue>());
     }
 
+    void silenceIsBorneForAsLongAsAsked()
+    {
+        QVERIFY(bench->add("silent", options));
+        QElapsedTimer borne;
+        borne.start();
+        QSignalSpy reopenings(port.get(), &NOXSerialPort::onMeasTimeOut);
+        QCOMPARE(port->addDev("silent", 0, 9600, 1), 1);
+        QTRY_COMPARE(reopenings, (QList<QVariantList>{{1, true}}));
+        QVERIFY(borne.elapsed() >= 950); // a coarse timer may be a twentieth early
+    }
+
     void neighbourLosesNothing()
     {
         options.streaming = true;
