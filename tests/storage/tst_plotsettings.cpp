@@ -195,11 +195,12 @@ private slots:
             for (const char *key : {"qwt-ch_main", "qwt_ch_0-dX", "qwt_ch_1-dY", "qwt_ch_2-modeX"})
                 m_sql->setDevProperty(1, key, value);
             m_sql->setDevProperty(1, "qwt_ch_0-color", "nonsense");
-            m_sql->setDevProperty(1, "ch_7-dim", "мм");
-            m_sql->setDevProperty(1, "ch_8-dim", "beyond");
+            for (const auto &[key, unit] :
+                 {std::pair("ch_0-dim", "м"), {"ch_7-dim", "мм"}, {"ch_8-dim", "beyond"}})
+                m_sql->setDevProperty(1, key, unit);
             restart();
-            const int index = m_program->attach(1);
-            QCOMPARE(m_program->nox(index).opt->getChDimCust(7), QString("мм"));
+            const optionsNOX8 &image = *m_program->nox(m_program->attach(1)).opt;
+            QCOMPARE(image.getChDimCust(0) + '|' + image.getChDimCust(7), QString("м|мм"));
             Program fresh(m_sql.get());
             fresh.plot.addDev(0, 8);
             QCOMPARE(m_program->look(0), fresh.look(0));
