@@ -8,8 +8,8 @@
  * rows; the keyboard does in it what the mouse does.
  *
  * The arrow keys move the current cell, which never lies in the header and is scrolled to when Tab
- * leads to the table. Space, Return and the Menu
- * key (or Shift+F10) are announced with the place where they were pressed.
+ * leads to the table. Space, Return and the Menu key (or Shift+F10) are announced with the place
+ * where they were pressed.
  */
 class HeadedTable : public QTableWidget
 {
