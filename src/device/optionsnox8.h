@@ -68,8 +68,8 @@ public:
     void setChResist(quint8 ch, quint8 index);
     void setChFeature(quint8 ch, _chFeatureType type, quint8 index);
     void setChFeatureCompesTP(quint8 ch, _chFeatureTypeCompensTP type, quint8 index);
-    /** The channel's own characteristic as entered, announced before and after; false when it is
-     *  rejected (see featureNOX8::setFeature()). */
+    /** The channel's own characteristic as entered, announced before and, if it is taken, after;
+     *  false when it is rejected (see featureNOX8::setFeature()). */
     bool setIndividualFeature(quint8 ch, FeatureRecord::_featureIndType type, const QString &name,
                               const QStringList &values);
 
@@ -89,9 +89,9 @@ public slots:
 signals:
     /** Type, settings, or any characteristic changed or was read. */
     void onDevChange();
-    /** The reference data were read or loaded, or the model is another. */
+    /** The reference data were set, read or loaded, or the model is another. */
     void onRefChange();
-    /** The zero shifts were read. */
+    /** The zero shifts were set or read. */
     void onRefShiftChange();
     /** The settings of a channel (from 0) changed. */
     void onChChange(quint8 ch);

@@ -36,7 +36,9 @@ bool readSettings(QIODevice &device, optionsNOX8 &image);
  * says in no code of the format leaves the image as it is, and so does a line that is not there.
  * True only when nothing of all this happened; zero shifts that do not parse do not count.
  *
- * A channel never keeps a characteristic that its standard list does not have.
+ * Taken without a word are: another text for a switch that is on, as off; a unit that is unknown;
+ * a code beyond the standard lists, as the channel's own characteristic, since a channel never
+ * keeps one that its list does not have.
  *
  * Without a line that names a model the image's type becomes unknown, and nothing else is taken.
  */

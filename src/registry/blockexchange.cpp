@@ -4,6 +4,10 @@
 #include "device/instrumentblocks.h"
 #include "serial/noxserialport.h"
 
+#include <QPointer>
+
+#include <utility>
+
 QByteArray pendingBlock(const optionsNOX8 &image, optionsNOX8::tx_code code)
 {
     const bool isExtended = image.getDevRev() != 0;
@@ -29,7 +33,7 @@ void BlockExchange::follow(noxList::_nox *nox)
     using Image = optionsNOX8;
     const Image *const image = nox->opt.get();
     connect(image, &Image::onChApply, this, [this, nox](quint8 ch) {
-        writeBlock(*nox, nox->opt->channelBlock(ch), channelWriteAddress);
+        writeBlock(nox->devIndex, nox->opt->channelBlock(ch), channelWriteAddress);
     });
     connect(image, &Image::onIdentApply, this, [nox] {
         if (nox->opt->isIdentified() && nox->opt->identValid)
@@ -109,14 +113,17 @@ void BlockExchange::request(noxList::_nox *nox, optionsNOX8::tx_code code)
 
 void BlockExchange::writeWaiting(noxList::_nox *nox)
 {
-    const QVector<optionsNOX8::tx_code> codes = nox->txCodes;
+    // a receiver of a write may ask for another one, and may remove the instrument
+    const QPointer<optionsNOX8> image = nox->opt.get();
+    const int devIndex = nox->devIndex;
+    const auto codes = std::exchange(nox->txCodes, {});
     for (const optionsNOX8::tx_code code : codes)
-        writeBlock(*nox, pendingBlock(*nox->opt, code), code);
-    nox->txCodes.clear();
+        if (image)
+            writeBlock(devIndex, pendingBlock(*image, code), code);
 }
 
-void BlockExchange::writeBlock(const noxList::_nox &nox, QByteArray block, quint8 address)
+void BlockExchange::writeBlock(int devIndex, QByteArray block, quint8 address)
 {
     if (!block.isEmpty())
-        emit write(nox.devIndex, &block, address);
+        emit write(devIndex, &block, address);
 }

@@ -48,7 +48,7 @@ private:
     void read(const noxList::_nox &nox, quint8 address, int size,
               noxQueryMode mode = noxQueryModeNormal) const;
     void readAgain(const noxList::_nox &nox) const;
-    void writeBlock(const noxList::_nox &nox, QByteArray block, quint8 address);
+    void writeBlock(int devIndex, QByteArray block, quint8 address);
 
     NOXSerialPort *m_serialPort;
 };

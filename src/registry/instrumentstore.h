@@ -23,13 +23,13 @@ public:
     bool recognise(noxList::_nox *nox) const;
     /** Finds the row of type and number, or adds one; `dbIndex` is -1 when the database refuses. */
     void provide(noxList::_nox *nox) const;
-    /** The same, with the reference data in the row; nothing is changed when the database
-     *  refuses. */
+    /** The same, with the reference data in the row. */
     void provideWithReferences(noxList::_nox *nox) const;
 
     /** Brings the row up to the image. */
     void updateReferences(const noxList::_nox &nox) const;
-    /** The same after the instrument has taken reference data, unless they are another one's. */
+    /** The same after the instrument has taken reference data; those of one that has not told who
+     *  it is only where the row that holds them already is of another type and number. */
     void noteWrittenReferences(const noxList::_nox &nox) const;
     /** Keeps the user's unit of a channel, or that there is none. */
     void keepUnit(const noxList::_nox &nox, quint8 ch) const;

@@ -5,6 +5,8 @@
 #include "registry/instrumentstore.h"
 #include "serial/noxserialport.h"
 
+#include <QPointer>
+
 #include <utility>
 
 namespace
@@ -135,11 +137,12 @@ void noxList::rmByIndex(int index)
 {
     if (!m_records.contains(index))
         return;
+    const QPointer<optionsNOX8> image = m_records.value(index)->opt.get();
     disConnByIndex(index);
-    // while the worker was ending, the record may have been removed by somebody else
-    std::unique_ptr<_nox> nox(m_records.take(index));
-    if (!nox)
+    // while the worker was ending, somebody else may have removed the record and made another
+    if (!image || !getNoxByImage(image))
         return;
+    std::unique_ptr<_nox> nox(m_records.take(index));
     leave(nox.get());
     const int qwtIndex = nox->qwtIndex;
     nox.reset(); // with its timer, before anybody hears of it and lets other events in
@@ -172,7 +175,7 @@ void noxList::disConnByIndex(int index)
 void noxList::connByIndex(int index)
 {
     _nox *nox = getNoxByIndex(index);
-    if (!nox)
+    if (!nox || nox->isConnected())
         return;
     nox->devIndex = m_serialPort->addDev(nox->portName, nox->opt->getDevFamily());
     emit onChange();
@@ -434,7 +437,9 @@ void noxList::onLinkError(int devIndex, quint16 code)
     if (!nox)
         return;
     const int index = nox->index;
-    nox->opt->blockSignals(false);
+    const QPointer<optionsNOX8> image = nox->opt.get();
+    image->blockSignals(false);
     disConnByIndex(index);
-    emit onDevError(index, connectionLostCode, tr("Обрыв связи [код %1]").arg(code));
+    if (image) // else it was removed while its worker was ending
+        emit onDevError(index, connectionLostCode, tr("Обрыв связи [код %1]").arg(code));
 }

@@ -42,7 +42,7 @@ public:
         int qwtIndex = -1;  ///< on the plot; -1 while it is not there
         quint8 mainCh = 0;  ///< main channel last written to the instrument
         std::unique_ptr<optionsNOX8> opt;
-        QString portName;           ///< as given when the record was made; "-" if it had no port
+        QString portName;           ///< where it is or was connected; "-" if it had no port
         QString fileName;           ///< last settings file
         bool processed = true;      ///< its measurements are passed on
         bool clearOnResume = false; ///< clear the plot when they are again
@@ -111,7 +111,7 @@ public:
     /** All registry indices, ascending. */
     QList<int> indices() const;
 
-    /** Starts all writes that still wait, instead of collecting on. */
+    /** Starts all writes to connected instruments that still wait, instead of collecting on. */
     void writeNow();
     /** How long records made from now on collect writes; 5 s unless a test has set it. */
     void setWriteDelay(int milliseconds) { m_writeDelayMs = milliseconds; }

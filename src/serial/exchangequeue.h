@@ -10,7 +10,8 @@
 
 /**
  * The reads, or the writes, that one instrument still has to do. The head is the one in progress
- * once it has been handed over; each is handed over once, and is done when its result has come.
+ * once it has been handed over, unless it was abandoned since; each is handed over once, and is
+ * done when its result has come.
  */
 template<typename Item>
 class ExchangeQueue

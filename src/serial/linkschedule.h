@@ -9,10 +9,12 @@ constexpr quint8 defaultMeasTimeout = 15;
 
 /** The waits of one link, in milliseconds. Tests shorten them; the program keeps the defaults. */
 struct LinkTiming {
-    quint16 initDelay = 2000;     ///< each write, the echo of an address, the first pattern
+    quint16 initDelay = 2000;     ///< each write, the echo of an address, the first
+                                  ///< pattern, the byte after a written block
     quint16 queueDelay = 5000;    ///< from accepting an exchange to starting it
     quint16 attemptDelay = 3000;  ///< from a failed attempt to the next
-    quint16 unitTimeout = 500;    ///< 4 bytes of a block, 8 of a record
+    quint16 unitTimeout = 500;    ///< 4 bytes, be they sent, echoed or of a pattern
+                                  ///< again; 8 of a record
     quint16 confirmTimeout = 250; ///< the confirmation of a block that was read
     quint16 commandPause = 50;    ///< after the command byte of a write, and after a bad block
     quint16 startBase = 400;      ///< added to every scheduled start
@@ -23,14 +25,14 @@ struct LinkTiming {
 /** `baseDelay` + `startBase` + a random part, in milliseconds: when a scheduled start is due. */
 int startDelay(const LinkTiming &timing, int baseDelay);
 
-/** The kinds of exchange between which the retry schedule tells apart. */
+/** The kinds of exchange that the retry schedule and its end tell apart. */
 enum class ExchangeKind { BlockRead, RecordRead, WordRead, Write };
 
 /** What follows a failed attempt. */
 struct RetryStep {
     enum Action {
         GiveUp,         ///< the failure is final
-        RetryQuickly,   ///< at once, save for the spread of starts
+        RetryQuickly,   ///< without a delay but that of every start
         Retry,          ///< after the attempt delay
         ReopenAndRetry, ///< reopen the port, then after twice the attempt delay
     };

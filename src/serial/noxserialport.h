@@ -12,7 +12,7 @@
  * It keeps a worker per connected instrument under a `devIndex` (the smallest free number from 0),
  * queues reads and writes per instrument, hands them to the worker one at a time with writes
  * first, and passes on what the workers report. It lives in the GUI thread. Its signals to workers
- * reach every worker; each acts on its own `devIndex` alone.
+ * carry a `devIndex`, and reach the worker of that index alone.
  */
 class NOXSerialPort : public QObject
 {
@@ -35,9 +35,9 @@ public:
     QString getPortName(int devIndex) const;
     /** The `devIndex` of every worker. */
     QList<int> devices() const { return m_devices.indices(); }
-    /** True only if the device has had a read and none is queued now. */
+    /** True if the device has had a read, or its queues were emptied, and none is queued now. */
     bool isEmptyQueryQueue(int devIndex) const;
-    /** A read or a write of the device is queued, the one in progress included. */
+    /** A read or a write of the device is queued, or in progress and not forgotten. */
     bool hasExchanges(int devIndex) const
     {
         return m_devices.hasQueries(devIndex) || m_devices.hasWrites(devIndex);
@@ -52,12 +52,12 @@ public:
     /** The waits of workers added from now on. */
     void setLinkTiming(const LinkTiming &newTiming) { m_timing = newTiming; }
 
-    /** True only if the device has had a write and none is queued now. */
+    /** True if the device has had a write, or its queues were emptied, and none is queued now. */
     bool isEmptyDataQueue(int devIndex) const;
     /**
      * Forgets a device's queued reads, writes and held replies, for an instrument that moves to
-     * another record. An exchange that its worker has begun is finished and changes no queue; what
-     * is queued meanwhile waits for it.
+     * another record. An exchange that its worker has begun is finished and announced, but changes
+     * no queue; what is queued meanwhile waits for it.
      */
     void emptyQueues(int devIndex);
 
@@ -135,7 +135,7 @@ signals:
     void readyDevData(int devIndex, noxSerialPortDataItem data);
     /** Progress of one device's exchange, as its worker gives it. */
     void setProgress(int devIndex, int progress, int maxProgress, quint8 address);
-    /** Overall progress in exchanges; 0 of 0 when all are done. */
+    /** Overall progress in exchanges; 0 of 0 when a first one is queued, and when all are done. */
     void setProgress(int progress, int maxProgress);
     // five that nothing fires
     void stopEvent();

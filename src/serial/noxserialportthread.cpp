@@ -272,7 +272,7 @@ void noxSerialPortThread::finishData(LinkResult result)
     settle(m_data, result, ExchangeKind::Write, &noxSerialPortThread::sendNextData, announce);
 }
 
-/** What follows an attempt: another one, or the result is announced and the stream goes on. */
+/** What follows an attempt: nothing on a stop, another one, or the result, which is announced. */
 template<typename Item, typename Announce>
 void noxSerialPortThread::settle(Current<Item> &current, LinkResult result, ExchangeKind kind,
                                  Start start, Announce announce)

@@ -19,8 +19,9 @@
  * one at a time with retries, and watches the port.
  *
  * The object is moved to the thread that it is itself, so its slots run in the worker thread and
- * its port and timers live there. Only the constructor, setTiming(), requestStop() and the
- * inherited thread control may be called from outside; the rest is reached by queued signals.
+ * its port and timers live there. Only the constructor and destructor, setTiming(),
+ * requestStop(), index(), name() and the inherited thread control may be called from outside; the
+ * rest is reached by queued signals.
  * Every slot but rm() ignores calls for another device.
  */
 class noxSerialPortThread : public QThread

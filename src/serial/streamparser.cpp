@@ -1,6 +1,7 @@
 #include "serial/streamparser.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstring>
 
 namespace
@@ -11,9 +12,9 @@ constexpr int longestTail = 4096;
 /** The number that the bytes spell in full, as QString::toDouble() reads them; false if none. */
 bool toNumber(const char *begin, const char *end, double *number)
 {
-    // the plain case, ten times as fast; what it refuses (blanks, a plus sign) Qt decides
+    // the plain case, ten times as fast; on the rest (blanks, a plus sign, "inf") Qt decides
     const auto [stop, error] = std::from_chars(begin, end, *number);
-    if (error == std::errc() && stop == end)
+    if (error == std::errc() && stop == end && std::isfinite(*number))
         return true;
     bool ok = false;
     *number = QString::fromLatin1(begin, int(end - begin)).toDouble(&ok);

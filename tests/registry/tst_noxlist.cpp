@@ -332,6 +332,18 @@ private slots:
         cleanup(); // the write would begin while the link is ending
     }
 
+    void anotherThatTakesTheIndexIsNotRemoved()
+    {
+        list().newNox(link("a"), true);
+        QTimer::singleShot(0, &list(), [this] { // while its worker is ending
+            list().rmByIndex(0);
+            list().newNox(-1, true);
+        });
+        list().rmByIndex(0);
+        QCOMPARE(list().indices(), QList<int>{0});
+        QCOMPARE(bench->news(), QString("added 0 0;change;removed 0 -1;added 0 0;change"));
+    }
+
     void lostLinkIsReportedOnce()
     {
         const noxList::_nox *nox = add();

@@ -35,6 +35,7 @@ const QVector<QPair<QByteArray, QString>> tokenRows = {
     {"7:9:2:20.1B ", "> 20.1 ch2 B"}, // the last channel counts
     {"255:1B ", "> 1 ch255 B"},
     {"1:infB ", "> inf ch1 B"}, // for the plot to refuse
+    {"1:infinityB ", ""},
     {"2:#E1#E2X ", "> E1|E2"},
     {"##E7##X ", "> E7"},
     {"257:1.5B ", ""},
