@@ -109,6 +109,7 @@ private slots:
     void findsStepsAndStrides()
     {
         QVERIFY(neighbouringSteps({9, 1}, false) == (ScaleSteps{9, 1})); // both stay
+        QVERIFY(neighbouringSteps({lastX, 9}, true) == (ScaleSteps{lastX, 9}));
         QVERIFY(neighbouringSteps({9, lastY}, true) == (ScaleSteps{9, lastY}));
         // the next finer one; below and beyond the table
         QCOMPARE(QVector<int>({stepOfSizeX(70), stepOfSizeY(0), stepOfSizeY(1e9)}),
