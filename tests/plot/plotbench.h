@@ -52,18 +52,16 @@ inline bool isInked(QRgb pixel, const QColor &color)
 inline bool isDotted(const QImage &picture, const QPoint &from, const QPoint &to,
                      const QColor &color)
 {
-    const bool isLevel = from.y() == to.y();
-    const int length = isLevel ? to.x() - from.x() : to.y() - from.y();
-    double best = 0;
+    const QPoint along = from.y() == to.y() ? QPoint(1, 0) : QPoint(0, 1);
+    const int length = (to - from).manhattanLength();
+    int best = 0;
     for (const int beside : {-1, 0, 1}) {
         int inked = 0;
-        for (int i = 0; i < length; ++i) {
-            const QPoint at = from + (isLevel ? QPoint(i, beside) : QPoint(beside, i));
-            inked += isInked(picture.pixel(at), color);
-        }
-        best = std::max(best, double(inked) / length);
+        for (int i = 0; i < length; ++i)
+            inked += isInked(picture.pixel(from + i * along + beside * along.transposed()), color);
+        best = std::max(best, inked);
     }
-    return best > 0.2 && best < 0.9;
+    return best > 0.2 * length && best < 0.9 * length;
 }
 
 /** The smallest rectangle around what is drawn in the colour, of a part of a picture. */
@@ -79,51 +77,8 @@ inline QRect inkOf(const QImage &picture, const QRect &part, const QColor &color
 }
 
 /**
- * Writes down what a plot announces, in order, as "signal qwtIndex [channel] [value]": "Change 0"
- * is its onChange(), "ChMode 0 1 2" its onChModeChange().
- */
-class SignalLog
-{
-public:
-    explicit SignalLog(QwtNOX &plot)
-    {
-        using Plot = QwtNOX;
-        follow(plot, &Plot::onChScaleXChange, &Plot::onChScaleYChange, &Plot::onChColorChange,
-               &Plot::onChShowChange, &Plot::onChMainChange, &Plot::onChModeXChange,
-               &Plot::onChModeChange, &Plot::onModeTrackChange, &Plot::onMeasShowChange,
-               &Plot::onAverShowChange, &Plot::onAddPoint, &Plot::onAddCh, &Plot::onChange,
-               &Plot::onDevChange, &Plot::onPointTrackOff, &Plot::onErrorAddPoint);
-    }
-
-    /** What was announced since the last call, as one line. */
-    QString take() { return std::exchange(m_lines, {}).join(", "); }
-
-private:
-    static QString text(int number) { return QString::number(number); }
-    static QString text(const QColor &color) { return color.name(); }
-
-    template<typename... Signals>
-    void follow(QwtNOX &plot, Signals... signalsOfPlot)
-    {
-        (followOne(plot, signalsOfPlot), ...);
-    }
-    template<typename... Arguments>
-    void followOne(QwtNOX &plot, void (QwtNOX::*signal)(Arguments...))
-    {
-        const QString name = QString(QMetaMethod::fromSignal(signal).name().mid(2))
-                                 .remove(QRegularExpression("\\BChange$"));
-        QObject::connect(&plot, signal, &m_context, [this, name](Arguments... arguments) {
-            m_lines.append((QStringList(name) + ... + QStringList(text(arguments))).join(' '));
-        });
-    }
-
-    QStringList m_lines;
-    QObject m_context;
-};
-
-/**
  * For each test a plot of two instruments with two channels each, the first one on show, a mouse on
- * it, a clock that stands still, and a log of what is announced.
+ * it, and a clock that stands still.
  */
 class PlotTest : public QObject
 {
@@ -132,15 +87,23 @@ class PlotTest : public QObject
 protected:
     QwtNOX &plot() const { return *m_plot; }
     PlotMouse &mouse() const { return *m_mouse; }
-    /** What was announced since the last call, as one line. */
-    QString told() const { return m_log->take(); }
+    /**
+     * What was announced since the last call, in order, as "signal qwtIndex [channel] [value]":
+     * "Change 0" is onChange(), "ChMode 0 1 2" onChModeChange().
+     */
+    QString told() { return std::exchange(m_told, {}).join(", "); }
 
     /** Begins with another plot. */
     void renew()
     {
         m_mouse.reset();
         m_plot = std::make_unique<QwtNOX>();
-        m_log = std::make_unique<SignalLog>(plot());
+        using Plot = QwtNOX;
+        follow(&Plot::onChScaleXChange, &Plot::onChScaleYChange, &Plot::onChColorChange,
+               &Plot::onChShowChange, &Plot::onChMainChange, &Plot::onChModeXChange,
+               &Plot::onChModeChange, &Plot::onModeTrackChange, &Plot::onMeasShowChange,
+               &Plot::onAverShowChange, &Plot::onAddPoint, &Plot::onAddCh, &Plot::onChange,
+               &Plot::onDevChange, &Plot::onPointTrackOff, &Plot::onErrorAddPoint);
         now = QDateTime({2026, 3, 1}, {23, 0});
         plot().setClock([this] { return now; });
         plot().addDev(0, 2);
@@ -191,10 +154,6 @@ protected:
     {
         return plot().axisScaleDraw(QwtPlot::xBottom)->label(value).text();
     }
-    QString labelY(double value) const
-    {
-        return plot().axisScaleDraw(QwtPlot::yLeft)->label(value).text();
-    }
 
     /** The crosses of the measurement, the first one first; those that are seen, or the others. */
     QVector<QPointF> seenCrosses(bool areSeen = true) const
@@ -217,12 +176,11 @@ protected:
         return text(device.upperMarker) + ' ' + text(device.lowerMarker);
     }
 
-    const QwtPlotTextLabel *captionLabel() const
+    QwtText caption() const
     {
         const auto items = plot().itemList(QwtPlotItem::Rtti_PlotTextLabel);
-        return static_cast<const QwtPlotTextLabel *>(items.value(0));
+        return static_cast<const QwtPlotTextLabel *>(items.value(0))->text();
     }
-    QString captionText() const { return captionLabel()->text().text(); }
     QWidget *frameOf(const char *name) const { return plot().findChild<QWidget *>(name); }
     /** What the mouse has come to: the mode, the number of crosses, and the frames on show. */
     QString state() const
@@ -239,11 +197,6 @@ protected:
             texts += plot().findChild<QLabel *>(name)->text();
         return texts;
     }
-    template<typename Picker>
-    Picker *picker(const char *name) const
-    {
-        return plot().findChild<Picker *>(name);
-    }
 
     /** What is seen on the canvas. */
     QImage grabbed()
@@ -259,6 +212,23 @@ private slots:
     void init() { renew(); }
 
 private:
+    static QString text(int number) { return QString::number(number); }
+    static QString text(const QColor &color) { return color.name(); }
+
+    template<typename... Signals>
+    void follow(Signals... signalsOfPlot)
+    {
+        (followOne(signalsOfPlot), ...);
+    }
+    template<typename... Arguments>
+    void followOne(void (QwtNOX::*signal)(Arguments...))
+    {
+        const QString name = QString(QMetaMethod::fromSignal(signal).name().mid(2))
+                                 .remove(QRegularExpression("\\BChange$"));
+        connect(&plot(), signal, this, [this, name](Arguments... arguments) {
+            m_told.append((QStringList(name) + ... + QStringList(text(arguments))).join(' '));
+        });
+    }
     QString view(int axis) const
     {
         const double step = plot().axisStepSize(axis);
@@ -270,7 +240,7 @@ private:
             .arg(text(shown.minValue()), text(shown.maxValue()), QString::number(step));
     }
 
+    QStringList m_told;
     std::unique_ptr<QwtNOX> m_plot;
     std::unique_ptr<PlotMouse> m_mouse;
-    std::unique_ptr<SignalLog> m_log;
 };

@@ -17,11 +17,9 @@ public:
     explicit PlotMouse(QwtNOX &plot)
         : m_plot(plot)
     {
-        if (plot.isWindow()) {
-            plot.resize(800, 500);
-            plot.show();
-        }
-        QVERIFY(QTest::qWaitForWindowExposed(plot.window()));
+        plot.resize(800, 500);
+        plot.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&plot));
     }
 
     /** Where a point of the axes is seen. */

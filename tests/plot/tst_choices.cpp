@@ -48,6 +48,8 @@ private slots:
             QCOMPARE(scalesY()[step].label.toDouble(), scalesY()[step].step);
             const int zeros = scalesY()[step].label.section('.', 1).size(); // decimals that show it
             QCOMPARE(decimalsForStep(step), zeros);
+            QCOMPARE(stepOfSizeX(scalesX()[qMin(step, lastX)].step), qMin(step, lastX));
+            QCOMPARE(stepOfSizeY(scalesY()[step].step), step);
         }
         QCOMPARE(decimalsForStep(0), 0);
     }
@@ -61,7 +63,6 @@ private slots:
             {-700, -300, 7, 24},
             {0.0100, 0.0137, 1, 9},
             {0, 86400, 15, lastY},
-            {0, 17000, 13, lastY},
             {-1000, 1e9, lastX, lastY}, // beyond the tables
             {-1000, qInf(), lastX, lastY},
             {500, 100, 1, 1}}; // a clock set back
@@ -70,7 +71,7 @@ private slots:
             QCOMPARE(stepForValues({first, last}, 10), valueStep);
         }
     }
-    void showsRectangles()
+    void showsRectanglesAndSurroundings()
     {
         const QVector<std::tuple<QRectF, QString, QString>> data = {
             {{12, 20, 35, 0.8}, "from 12 by 5", "from 19.9 by 0.1"},
@@ -99,9 +100,6 @@ private slots:
             QVERIFY(qAbs(odd.centre.y() - odd.y.lower - 2.5 * odd.y.step) < odd.y.step * 1e-3);
             QCOMPARE(odd.centre.x(), odd.x.lower + 3.5 * odd.x.step);
         }
-    }
-    void showsASurrounding()
-    {
         const ZoomedView view = viewAround({100, -5}, {4, 16}, 10, 10); // 10 s and 0.1
         QCOMPARE(text(view.x) + text(view.y), "from 50 by 10from -5.5 by 0.1");
         QCOMPARE(view.centre, QPointF(100, -5));
@@ -110,12 +108,7 @@ private slots:
     }
     void findsStepsAndStrides()
     {
-        for (int step = 1; step <= lastY; ++step) {
-            QCOMPARE(stepOfSizeX(scalesX()[qMin(step, lastX)].step), qMin(step, lastX));
-            QCOMPARE(stepOfSizeY(scalesY()[step].step), step);
-        }
-        QVERIFY(neighbouringSteps({1, 9}, false) == (ScaleSteps{1, 9})); // both stay
-        QVERIFY(neighbouringSteps({9, 1}, false) == (ScaleSteps{9, 1}));
+        QVERIFY(neighbouringSteps({9, 1}, false) == (ScaleSteps{9, 1})); // both stay
         QVERIFY(neighbouringSteps({lastX, 9}, true) == (ScaleSteps{lastX, 9}));
         QVERIFY(neighbouringSteps({9, lastY}, true) == (ScaleSteps{9, lastY}));
         // the next finer one; below and beyond the table
@@ -126,7 +119,7 @@ private slots:
                                labelStride(130, 50, 10), labelStride(130, 0, 10)}),
                  QVector<int>({1, 2, 3, 100}));
     }
-    void writesTimes()
+    void writesTimesAndNumbers()
     {
         const QVector<std::tuple<TmcModeX, double, double, double, QString>> data = {
             {ModeXSeconds, 1.26, 9e4, 1, "1.3|90000.0|89998.7"},
@@ -139,7 +132,8 @@ private slots:
             {ModeXAbsolute, 0, 3600, 60, "22:45|23:45|01:00"},
             {ModeXAbsolute, 0, 7200, 15, "31.12.26 22:45:30|01.01.27 00:45:30|02:00:00"},
             {ModeXAbsolute, -9e4, 0, 60, "30.12.26 21:45|31.12.26 22:45|01:00"}, // into today
-            {ModeXAbsolute, 1.9, 2.1, 1, "22:45:31|22:45:32|00:00:00"}};
+            {ModeXAbsolute, 1.9, 2.1, 1, "22:45:31|22:45:32|00:00:00"},
+            {ModeXAbsolute, 1.9, 2.1, 0.5, "22:45:31:250|22:45:32:250|00:00:00:000"}};
         const QDateTime start({2026, 12, 31}, {22, 45, 30, 250});
         for (const auto &[mode, first, second, step, expected] : data) {
             const TimeFormat format{mode, start, start.date(), step};
@@ -147,19 +141,9 @@ private slots:
             QCOMPARE(QStringList({texts.first, texts.second, texts.between}).join('|'), expected);
             QCOMPARE(timeText(format, second), timeSpanTexts(format, second, second).first);
         }
-    }
-    void writesLabels()
-    {
-        const QDateTime start({2026, 12, 31}, {23, 45, 30, 250});
-        const auto moment = [&](double seconds, double step, bool withDate) {
-            return momentText(momentAfter(start, seconds), step, withDate);
-        };
         QCOMPARE(secondsText(0) + '|' + secondsText(12.5) + '|' + secondsText(1e5) + '|' +
-                     secondsText(1.2e6) + '|' + durationText(9e4, 60, needsDay(9e4)) + '|' +
-                     durationText(86400, 60, needsDay(86400)) + '|' + moment(600.9, 60, false) +
-                     '|' + moment(1200, 60, true) + '|' + moment(1, 15, false) + '|' +
-                     moment(1.9, 0.5, false),
-                 "0|12.5|100000|1.2e+06|02 01:00|00:00|23:55|01.01.27 00:05|23:45:31|23:45:31:250");
+                     secondsText(1.2e6),
+                 "0|12.5|100000|1.2e+06");
         QCOMPARE(numberText(-0.004, 2) + '|' + numberText(-0.006, 2) + '|' + numberText(-0.0, 0) +
                      '|' + numberText(-20, 0),
                  "0.00|-0.01|0|-20");

@@ -93,10 +93,13 @@ QString plainText(const History &history, const Values &values, const PixelColum
 constexpr int canvasWidth = 200;
 constexpr int canvasHeight = 100;
 
-/** Draws a curve as Qwt does, on a canvas of 200 x 100 pixels. */
-void draw(const QwtPlotCurve &curve, const QRectF &view, QPaintDevice *device)
+/** A curve drawn as Qwt does, on a canvas of 200 x 100 pixels, `scale` device pixels to a pixel. */
+QImage painted(const QwtPlotCurve &curve, const QRectF &view, int scale)
 {
-    QPainter painter(device);
+    QImage image(canvasWidth * scale, canvasHeight * scale, QImage::Format_RGB32);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::white);
+    QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(static_cast<QPainter::RenderHint>(8)); // deprecated, yet Qwt sets it, too
     QwtScaleMap x;
@@ -108,34 +111,8 @@ void draw(const QwtPlotCurve &curve, const QRectF &view, QPaintDevice *device)
     const QRectF canvas(0, 0, canvasWidth, canvasHeight);
     painter.setClipRect(canvas);
     curve.drawSeries(&painter, x, y, canvas, 0, static_cast<int>(curve.dataSize()) - 1);
-}
-
-/** What it looks like, `scale` device pixels to a pixel. */
-QImage painted(const QwtPlotCurve &curve, const QRectF &view, int scale = 1)
-{
-    QImage image(canvasWidth * scale, canvasHeight * scale, QImage::Format_RGB32);
-    image.setDevicePixelRatio(scale);
-    image.fill(Qt::white);
-    draw(curve, view, &image);
+    painter.end();
     return image;
-}
-
-/** The same points drawn by the plain curve, one by one. */
-QImage paintedPlainly(const EnvelopeCurve &shown, const QRectF &view, int scale)
-{
-    QVector<QPointF> points;
-    for (std::size_t i = 0; i < shown.dataSize(); ++i)
-        points.append(shown.sample(int(i)));
-    QwtPlotCurve curve;
-    curve.setPen(shown.pen());
-    curve.setSamples(points);
-    return painted(curve, view, scale);
-}
-
-/** Half covered counts: a line on the border of two pixels inks both. */
-bool isBlack(const QImage &image, int x, int y)
-{
-    return qGray(image.pixel(x, y)) < 130;
 }
 
 /** Ink counts from a quarter on: a line of short pieces spreads over more pixels than a long one.
@@ -156,7 +133,8 @@ QString inkMissing(const QImage &from, const QImage &in, int edge)
     QString missing;
     for (int y = edge; y < from.height() - edge; ++y)
         for (int x = edge; x < from.width() - edge; ++x)
-            if (isBlack(from, x, y) && !hasInkAround(in, x, y))
+            // half covered counts: a line on the border of two pixels inks both
+            if (qGray(from.pixel(x, y)) < 130 && !hasInkAround(in, x, y))
                 missing += QStringLiteral(" %1,%2").arg(x).arg(y);
     return missing;
 }
@@ -165,6 +143,12 @@ QString inkMissing(const QImage &from, const QImage &in, int edge)
 QString wrongInk(const EnvelopeCurve &curve, const QRectF &view, int scale)
 {
     const QImage image = painted(curve, view, scale);
+    QVector<QPointF> points;
+    for (std::size_t i = 0; i < curve.dataSize(); ++i)
+        points.append(curve.sample(int(i)));
+    QwtPlotCurve plainCurve;
+    plainCurve.setPen(curve.pen());
+    plainCurve.setSamples(points);
     QString wrong;
     // The plain curve rounds to pixels, not to device pixels, and begins a new line, with caps,
     // every few points: on a fine screen only without that does it show where the points are.
@@ -173,7 +157,7 @@ QString wrongInk(const EnvelopeCurve &curve, const QRectF &view, int scale)
             continue;
         QwtPainter::setRoundingAlignment(isRounding);
         QwtPainter::setPolylineSplitting(isRounding);
-        const QImage plain = paintedPlainly(curve, view, scale);
+        const QImage plain = painted(plainCurve, view, scale);
         const int edge = curve.pen().width() * scale;
         wrong += inkMissing(plain, image, edge) + inkMissing(image, plain, edge);
     }

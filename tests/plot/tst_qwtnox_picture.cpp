@@ -7,23 +7,19 @@
 
 // What is seen of the plot, and how often it is painted.
 
-namespace
-{
-
-/** Counts how often the curves are painted: an item of the plot is drawn with them. */
-struct PaintCounter : QwtPlotItem {
-    void draw(QPainter *, const QwtScaleMap &, const QwtScaleMap &, const QRectF &) const override
-    {
-        ++count;
-    }
-    mutable int count = 0;
-};
-
-} // namespace
-
 class TestQwtNOXPicture : public PlotTest
 {
     Q_OBJECT
+
+    /** Counts how often the curves are painted: an item of the plot is drawn with them. */
+    struct PaintCounter : QwtPlotItem {
+        void draw(QPainter *, const QwtScaleMap &, const QwtScaleMap &,
+                  const QRectF &) const override
+        {
+            ++count;
+        }
+        mutable int count = 0;
+    };
 
     /**
      * Points of every channel, each at another height: a step of 100 after 19 s, which the average
@@ -87,15 +83,8 @@ class TestQwtNOXPicture : public PlotTest
         QString told;
         QString seen;
     };
-    void walk(const QVector<Step> &steps)
-    {
-        for (const Step &step : steps) {
-            step.act();
-            QCOMPARE(told(), step.told);
-            QCOMPARE(seen(), step.seen);
-        }
-    }
-    QVector<Step> withinAnInstrument()
+    /** Within an instrument, then between instruments. */
+    QVector<Step> steps()
     {
         return {
             {[&] { plot().setMeasShow(true), plot().setAverShow(true); }, "", "0.0va 0.1va"},
@@ -104,38 +93,38 @@ class TestQwtNOXPicture : public PlotTest
             {[&] { plot().setChShow(true, 0, 0); }, "ChShow 0 0 1", "0.0v 0.1v"},
             {[&] { plot().toggleMeasShow(); }, "Change 0, MeasShow 0 0", ""},
             {[&] { plot().toggleAverShow(0); }, "Change 0, AverShow 0 1", "0.0a 0.1a"},
-            {[&] { plot().setChMain(); }, "Change 0", "0.1a"}};
-    }
-    QVector<Step> betweenInstruments()
-    {
-        return {{[&] { plot().setDevMain(1); },
-                 "Change 1, ChMode 1 0 1, ChMain 1 0, Dev 1, Change 1", "1.0va 1.1va"},
-                {[&] { plot().setDevShow(true, 0); }, "", "0.1a 1.0va 1.1va"},
-                {[&] { plot().toggleMeasShow(0); }, "Change 0, MeasShow 0 1", "0.1va 1.0va 1.1va"},
-                {[&] { plot().setChMain(0, 0); }, // chosen, but not shown
-                 "Change 0, ChMode 0 0 0, ChMain 0 0, Change 0", "1.0va 1.1va"},
-                {[&] { plot().setDevShow(false, 0); }, "", "1.0va 1.1va"},
-                {[&] { plot().setChShow(false, 0, 1); }, "ChShow 0 1 0", "0.0va 1.0va 1.1va"},
-                {[&] { plot().setChColor(Qt::black, 1, 1); }, "Change 1, ChColor 1 1 #000000",
-                 "0.0va 1.0va 1.1va"},
-                {[&] { plot().setDevMain(0); },
-                 "Change 0, ChMode 0 0 1, ChMain 0 0, Dev 0, Change 0", "0.0va"},
-                {[&] { // what does not exist
-                     plot().setDevMain(7), plot().setChMain(3, 0), plot().setChMain(0, 7);
-                     plot().setMeasShow(false, 9), plot().setDevShow(true, 9);
-                     plot().setChShow(true, 0, 3);
-                     plot().setChColor(QColor("no colour"), 0, 1);
-                     plot().setAverShow(false); // for what grows
-                 },
-                 "Change 0, AverShow 0 0", "0.0v"}};
+            {[&] { plot().setChMain(); }, "Change 0", "0.1a"},
+            {[&] { plot().setDevMain(1); }, "Change 1, ChMode 1 0 1, ChMain 1 0, Dev 1, Change 1",
+             "1.0va 1.1va"},
+            {[&] { plot().setDevShow(true, 0); }, "", "0.1a 1.0va 1.1va"},
+            {[&] { plot().toggleMeasShow(0); }, "Change 0, MeasShow 0 1", "0.1va 1.0va 1.1va"},
+            {[&] { plot().setChMain(0, 0); }, // chosen, but not shown
+             "Change 0, ChMode 0 0 0, ChMain 0 0, Change 0", "1.0va 1.1va"},
+            {[&] { plot().setDevShow(false, 0); }, "", "1.0va 1.1va"},
+            {[&] { plot().setChShow(false, 0, 1); }, "ChShow 0 1 0", "0.0va 1.0va 1.1va"},
+            {[&] { plot().setChColor(Qt::black, 1, 1); }, "Change 1, ChColor 1 1 #000000",
+             "0.0va 1.0va 1.1va"},
+            {[&] { plot().setDevMain(0); }, "Change 0, ChMode 0 0 1, ChMain 0 0, Dev 0, Change 0",
+             "0.0va"},
+            {[&] { // what does not exist
+                 plot().setDevMain(7), plot().setChMain(3, 0), plot().setChMain(0, 7);
+                 plot().setMeasShow(false, 9), plot().setDevShow(true, 9);
+                 plot().setChShow(true, 0, 3);
+                 plot().setChColor(QColor("no colour"), 0, 1);
+                 plot().setAverShow(false); // for what grows
+             },
+             "Change 0, AverShow 0 0", "0.0v"}};
     }
 
 private slots:
     void curvesOfWhatIsOnShow()
     {
         addSteps(2);
-        walk(withinAnInstrument());
-        walk(betweenInstruments());
+        for (const Step &step : steps()) {
+            step.act();
+            QCOMPARE(told(), step.told);
+            QCOMPARE(seen(), step.seen);
+        }
         QCOMPARE(plot().getMeasShow() + 2 * plot().getAverShow() + 4 * plot().getChShow(0, 1) +
                      8 * plot().getChShow(9, 0) + 16 * plot().getMeasShow(9) +
                      32 * plot().getAverShow(9),
@@ -249,44 +238,43 @@ private slots:
     }
     void captionAboveTheCurves()
     {
-        const QwtPlotTextLabel *caption = captionLabel();
         plot().setChScaleX(7);
         for (int i = 0; i <= 2400; ++i) // fills all of the canvas
             plot().addPoint(i % 2 ? 1 : -1, i / 4.0, "Ом", 0, 1);
         plot().setChMain(1);
         plot().setChScaleX(7);
         plot().setChScaleY(16);
-        QCOMPARE(captionText(), "Кн. № 2 [Ом], dX: 1 мин., dY: 0.1");
-        QCOMPARE(caption->text().font().pointSize(), 15);
+        QCOMPARE(caption().text(), "Кн. № 2 [Ом], dX: 1 мин., dY: 0.1");
+        QCOMPARE(caption().font().pointSize(), 15);
         plot().setAxisScale(QwtPlot::yLeft, -0.5, 0.5, 0.1);
         const QImage picture = grabbed();
         const QRect canvas = picture.rect().adjusted(3, 0, -3, 0);
-        const QSizeF size = caption->text().textSize();
+        const QSizeF size = caption().textSize();
         const QRect ink = inkOf(picture, canvas, Qt::black);
         QVERIFY(ink.right() > canvas.right() - 9 && ink.top() < 12);
         QVERIFY(ink.width() > size.width() - 20 && ink.height() < 30);
         QVERIFY(inkOf(picture, {ink.left() + 8, 9, ink.width() - 16, 11}, Qt::blue).isNull());
         QVERIFY(isInked(picture.pixel(50, 10), Qt::blue));
         plot().removeDev(0);
-        QCOMPARE(captionText(), "");
+        QCOMPARE(caption().text(), "");
     }
     void paintsOnceForManyChanges()
     {
         const QPoint at(300, 200);
-        const std::function<void()> changes[] = {[&] { add(20, 1, 1); },
-                                                 [&] {
-                                                     plot().addPoints(0, {{1, 2, 20}}, {"", "°С"});
-                                                 },
-                                                 [&] { plot().setChColor(Qt::black); },
-                                                 [&] { plot().setChShow(false, 0, 1); },
-                                                 [&] { plot().setAverShow(false); },
-                                                 [&] { plot().changeModeX(ModeXRelative); },
-                                                 [&] { mouse().click(at); },
-                                                 [&] { plot().setModeTrack(TrackUpper); },
-                                                 [&] { mouse().drag(at, at / 2); },
-                                                 [&] { plot().changeScaleX(3); },
-                                                 [&] { mouse().wheel(at, true); },
-                                                 [&] { plot().clear(); }};
+        const QVector<PlotPoint> points = {{1, 2, 20}};
+        const std::function<void()> changes[] = {
+            [&] { add(20, 1, 1); },
+            [&] { plot().addPoints(0, points, QVector<QString>(2, "°С")); },
+            [&] { plot().setChColor(Qt::black); },
+            [&] { plot().setChShow(false, 0, 1); },
+            [&] { plot().setAverShow(false); },
+            [&] { plot().changeModeX(ModeXRelative); },
+            [&] { mouse().click(at); },
+            [&] { plot().setModeTrack(TrackUpper); },
+            [&] { mouse().drag(at, at / 2); },
+            [&] { plot().changeScaleX(3); },
+            [&] { mouse().wheel(at, true); },
+            [&] { plot().clear(); }};
         auto *paints = new PaintCounter;
         paints->attach(&plot()); // which owns it
         withRamp();

@@ -5,26 +5,21 @@
 
 // The road of a point into the series, differences, alarms, and what is read of the series.
 
-namespace
-{
-
-/** All that a channel holds of its points. */
-QString contents(const PlotChannel &channel)
-{
-    QString all;
-    QDebug(&all) << qSetRealNumberPrecision(17) << channel.dim << channel.error
-                 << numbersOf(channel.time) << numbersOf(channel.meas) << numbersOf(channel.aver)
-                 << numbersOf(channel.diffTime) << numbersOf(channel.diffMeas)
-                 << numbersOf(channel.diffAver) << channel.averSum << channel.diffAverSum
-                 << channel.measCurve->dataSize();
-    return all;
-}
-
-} // namespace
-
 class TestQwtNOXPoints : public PlotTest
 {
     Q_OBJECT
+
+    /** All that a channel holds of its points. */
+    static QString contents(const PlotChannel &channel)
+    {
+        QString all;
+        QDebug(&all) << qSetRealNumberPrecision(17) << channel.dim << channel.error
+                     << numbersOf(channel.time) << numbersOf(channel.meas)
+                     << numbersOf(channel.aver) << numbersOf(channel.diffTime)
+                     << numbersOf(channel.diffMeas) << numbersOf(channel.diffAver)
+                     << channel.averSum << channel.diffAverSum << channel.measCurve->dataSize();
+        return all;
+    }
 
     /** Compares a channel with another one from its next points on. */
     void refer(int qwtIndex, int ch, int diffQwtIndex, int diffCh)
@@ -33,15 +28,15 @@ class TestQwtNOXPoints : public PlotTest
         plot().devices()[qwtIndex].ch[ch].diffCh = uchar(diffCh);
     }
 
-    /** Shows limits of 10 and 30. */
-    void limit(int qwtIndex, TmcTrackingMode mode)
+    /** Sets limits of 10 and 30. */
+    void limit(int qwtIndex, TmcTrackingMode mode, bool isPlaced = true)
     {
         PlotDevice &device = plot().devices()[qwtIndex];
         device.modeTrack = mode;
         device.upperMarker->setYValue(30);
         device.lowerMarker->setYValue(10);
-        device.upperMarker->setVisible(true);
-        device.lowerMarker->setVisible(true);
+        device.upperMarker->setVisible(isPlaced);
+        device.lowerMarker->setVisible(isPlaced);
     }
 
     /** "channel of instrument" that a channel is compared with, or "none". */
@@ -223,7 +218,6 @@ private slots:
             {{20, -2000}, "AddPoint 0 0, ErrorAddPoint 0 0"},
             {{-2000, 20}, "ErrorAddPoint 0 0, AddPoint 0 0"},
             {{-2000, -2000}, "ErrorAddPoint 0 0"}};
-        renew();
         limit(0, TrackUpper);
         for (const auto &[values, expected] : batches) {
             QVector<PlotPoint> points;
@@ -243,9 +237,7 @@ private slots:
             renew();
             QString alarms;
             for (const bool isPlaced : {true, false}) { // none of limits that are not placed
-                limit(0, mode);
-                plot().devices()[0].upperMarker->setVisible(isPlaced);
-                plot().devices()[0].lowerMarker->setVisible(isPlaced);
+                limit(0, mode, isPlaced);
                 for (const double value : {9.9, 10.0, 30.0, 30.1}) {
                     add(value, 1, 1);
                     const QString heard = told();

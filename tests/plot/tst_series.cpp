@@ -231,7 +231,6 @@ private slots:
             {-1, 0, 6, "21.500000 20.750000 1.500000"}, // those of the main channel
             {-1, 0, 0, "21.50 20.75 1.50"},
             {-1, 1, 6, "21.50 20.75 1.5"}};
-        renew();
         QCOMPARE(row(0, 1), "0|--|--||||");
         add(20, 1, 1);
         QCOMPARE(row(0, 1), "1|20.00|20.00|1|°С||");
@@ -247,6 +246,12 @@ private slots:
     }
     void readsByIndex()
     {
+        plot().addDev(2, 0);
+        for (const int qwtIndex : {2, 9}) { // without channels, and not on the plot
+            QCOMPARE(row(qwtIndex, 0) + row(qwtIndex, 255), "0|--|||-||0|--|||-||");
+            QCOMPARE(plot().getChMeas(qwtIndex) + plot().getChTime(qwtIndex, 0), 0.0);
+            QCOMPARE(int(plot().getPrecision(qwtIndex, 0)), 0);
+        }
         for (const double time : {12.499, 12.5, 1e6})
             add(10 + time, time);
         QStringList read;
@@ -262,16 +267,6 @@ private slots:
         const QString newest = "1000010 1000000 1000010.00 333351.67 1e+06";
         QCOMPARE(read, QStringList({"22.499 12.499 22.50 22.50 12", "22.5 12.5 22.50 22.50 13",
                                     newest, newest, newest, newest}));
-    }
-    void keepsSilentAboutTheUnknown()
-    {
-        plot().addDev(2, 0);
-        QCOMPARE(row(0, 0), "0|--|--||||"); // no points yet
-        for (const int qwtIndex : {2, 9}) { // without channels, and not on the plot
-            QCOMPARE(row(qwtIndex, 0) + row(qwtIndex, 255), "0|--|||-||0|--|||-||");
-            QCOMPARE(plot().getChMeas(qwtIndex) + plot().getChTime(qwtIndex, 0), 0.0);
-            QCOMPARE(int(plot().getPrecision(qwtIndex, 0)), 0);
-        }
     }
 };
 

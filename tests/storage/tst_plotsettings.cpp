@@ -49,10 +49,9 @@ struct Program {
 
     void identify(int index, int number)
     {
-        {
-            const QSignalBlocker half(nox(index).opt.get());
-            nox(index).opt->setDevType(typeB);
-        }
+        QSignalBlocker half(nox(index).opt.get());
+        nox(index).opt->setDevType(typeB);
+        half.unblock();
         nox(index).opt->setDevNumber(quint16(number));
     }
 
@@ -102,16 +101,12 @@ class TestPlotSettings : public QObject
 private slots:
     void init()
     {
+        m_program.reset();
+        m_sql.reset();
         m_directory = std::make_unique<QTemporaryDir>();
         QVERIFY(provideDatabase(m_directory->filePath("nox8.db")));
         m_sql = std::make_unique<noxSql>(m_directory->filePath("nox8.db"));
         restart();
-    }
-
-    void cleanup()
-    {
-        m_program.reset();
-        m_sql.reset();
     }
 
     void storedProperties()

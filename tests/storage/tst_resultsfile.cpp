@@ -64,13 +64,10 @@ class TestResultsFile : public QObject
 private slots:
     void init()
     {
-        bench = std::make_unique<Bench>();
-        answers = std::make_unique<UserAnswers>();
-    }
-    void cleanup()
-    {
         answers.reset();
         bench.reset();
+        bench = std::make_unique<Bench>();
+        answers = std::make_unique<UserAnswers>();
     }
 
     void fileIsReadIntoThePlot()
@@ -181,7 +178,6 @@ private slots:
                                                            {"9;1;2.3", "9;1;2.3\r\n" + row},
                                                            {"9;1;2.3;\r", "9;1;2.3;\r\n" + row}};
         for (const auto &[before, after] : files) {
-            cleanup();
             init();
             setContent("0.csv", before);
             measureRounds({0, 1});
@@ -244,7 +240,6 @@ private slots:
             {"1.csv", 3, 20, failed}, // a full disk, as in the next
             {"1.csv", 50000, 500000, failed}};
         for (const auto &[fileName, points, room, told] : cases) {
-            cleanup();
             init();
             setContent("1.csv", "before");
             addMain(points);

@@ -66,11 +66,8 @@ public:
     bool take(const QVector<PlotPoint> &points, const QVector<QString> &units) override
     {
         for (const PlotPoint &point : points)
-            lines << QString("%1 %2 %3%4")
-                         .arg(point.channel)
-                         .arg(point.seconds)
-                         .arg(point.value)
-                         .arg(units[point.channel]);
+            lines << QString::number(point.channel) + ' ' + QString::number(point.seconds) + ' ' +
+                         QString::number(point.value) + units[point.channel];
         return true;
     }
 
