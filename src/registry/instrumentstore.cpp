@@ -42,8 +42,10 @@ void InstrumentStore::provideWithReferences(noxList::_nox *nox) const
 {
     const optionsNOX8 &image = *nox->opt;
     const QByteArray refdata = taken(image.getRefData(true));
-    nox->dbIndex =
+    const int row =
         m_database->provideDev(&refdata, image.devType, image.devNumber, image.getDevName(true));
+    if (row >= 1)
+        nox->dbIndex = row;
 }
 
 // What is learnt of it
