@@ -1,5 +1,6 @@
 #include "app/appconf.h"
 
+#include "app/guide.h"
 #include "storage/noxsql.h"
 #include "ui_appconf.h"
 
@@ -50,6 +51,8 @@ appconf::appconf(noxSql *database, QWidget *parent)
     m_ui->qtLabel->setText(QString::fromLatin1(qVersion()));
     // the library has no function that tells its version
     m_ui->qwtLabel->setText(QStringLiteral(QWT_VERSION_STR));
+    connect(m_ui->guideBtn, &QPushButton::clicked, this,
+            [this] { openGuide(this, QStringLiteral("index")); });
     connect(m_ui->closeBtn, &QPushButton::clicked, this, &QDialog::accept);
 }
 

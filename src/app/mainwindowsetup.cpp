@@ -1,9 +1,11 @@
 #include "app/alarmsound.h"
 #include "app/appconf.h"
 #include "app/channeltable.h"
+#include "app/guide.h"
 #include "app/instrumenttable.h"
 #include "app/mainwindow.h"
 #include "app/numericpanels.h"
+#include "app/plothint.h"
 #include "app/plotinstruments.h"
 #include "app/plottools.h"
 #include "app/resultstools.h"
@@ -115,6 +117,7 @@ void MainWindow::buildAbout()
 {
     m_about = std::make_unique<appconf>(m_database.get(), this);
     m_about->setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    new GuideKey(this);
 }
 
 void MainWindow::buildAlarm()
@@ -135,6 +138,7 @@ void MainWindow::buildPlot()
     m_plot->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     showFocusOf(m_plot->canvas());
     m_plot->canvas()->setAccessibleName(tr("График"));
+    m_ui->qwtFrameLayout->insertWidget(1, new PlotHint(m_plot.get(), m_ui->qwtFrame));
     m_plot->setDivX(plotDivisions);
     m_plot->setDivY(plotDivisions);
     m_plot->applyScale();

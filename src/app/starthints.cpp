@@ -1,6 +1,7 @@
 #include "app/starthints.h"
 
 #include "registry/noxlist.h"
+#include "registry/portaccess.h"
 #include "serial/portcatalog.h"
 #include "storage/noxsql.h"
 
@@ -23,18 +24,21 @@ QString breakablePath(const QString &path)
     return QString(path).replace(QLatin1Char('/'), QLatin1Char('/') + QString(zeroWidthSpace));
 }
 
-/** What can be done while there is no instrument, given how many serial ports there are and how
- *  many of them no program has open. */
-QString instrumentHint(int ports, int freePorts)
+/** What can be done while there is no instrument, given the serial ports that there are. */
+QString instrumentHint(const QVector<SerialPortEntry> &ports)
 {
-    if (ports == 0)
+    if (ports.isEmpty())
         return StartHints::tr("Приборов нет, портов тоже: подключите прибор и нажмите «Поиск "
                               "приборов». Без порта — «Ручное подключение».");
-    if (freePorts == 0)
-        return StartHints::tr("Приборов нет, все порты заняты: освободите порт и нажмите «Поиск "
-                              "приборов». Без порта — «Ручное подключение».");
-    return StartHints::tr("Приборов пока нет. «Поиск приборов» опрашивает все свободные порты, "
-                          "«Ручное подключение» открывает выбранный.");
+    const QString denied = deniedPortsText(ports);
+    if (std::any_of(ports.begin(), ports.end(), isConnectable))
+        return StartHints::tr("Приборов пока нет. «Поиск приборов» опрашивает все свободные порты, "
+                              "«Ручное подключение» открывает выбранный.") +
+               (denied.isEmpty() ? QString() : QLatin1Char('\n') + denied);
+    if (!denied.isEmpty())
+        return denied;
+    return StartHints::tr("Приборов нет, все порты заняты: освободите порт и нажмите «Поиск "
+                          "приборов». Без порта — «Ручное подключение».");
 }
 
 /** That settings are lost, and what can be done about it; the path is that of the database. */
@@ -87,12 +91,8 @@ void StartHints::refresh()
 {
     const bool isEmpty = m_registry->indices().isEmpty();
     m_label->setVisible(isEmpty);
-    if (isEmpty) {
-        const QVector<SerialPortEntry> ports = PortCatalog::current().ports();
-        const auto isFree = [](const SerialPortEntry &port) { return !port.busy; };
-        m_label->setText(
-            instrumentHint(ports.size(), int(std::count_if(ports.begin(), ports.end(), isFree))));
-    }
+    if (isEmpty)
+        m_label->setText(instrumentHint(PortCatalog::current().ports()));
     m_table->setMinimumHeight(isEmpty ? qMax(m_leastHeight, neededHeight()) : m_leastHeight);
 }
 

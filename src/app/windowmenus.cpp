@@ -1,9 +1,11 @@
 #include "app/windowmenus.h"
 
+#include "registry/portaccess.h"
 #include "serial/portcatalog.h"
 #include "storage/noxsql.h"
 
 #include <QCheckBox>
+#include <QLabel>
 #include <QWidgetAction>
 
 ConnectMenu::ConnectMenu(QWidget *parent)
@@ -25,9 +27,30 @@ void ConnectMenu::refill()
         QAction *action =
             addAction(QString(port.name).replace(QLatin1Char('&'), QLatin1String("&&")));
         action->setData(port.name);
+        action->setEnabled(isConnectable(port));
         connect(action, &QAction::triggered, this,
                 [this, name = port.name] { emit portChosen(name); });
     }
+    addNote(deniedPortsText(ports));
+}
+
+/** Adds a text below the entries, unless it is empty. */
+void ConnectMenu::addNote(const QString &text)
+{
+    if (text.isEmpty())
+        return;
+    constexpr int width = 280;
+    constexpr int margin = 8;
+    addSeparator();
+    auto *const label = new QLabel(text);
+    label->setObjectName(QStringLiteral("accessHint"));
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setMargin(margin);
+    label->setFixedSize(width, label->heightForWidth(width));
+    auto *const note = new QWidgetAction(this);
+    note->setDefaultWidget(label);
+    addAction(note);
 }
 
 SettingsMenu::SettingsMenu(noxSql *database, QWidget *parent)

@@ -22,6 +22,7 @@ signals:
 
 private:
     void refill();
+    void addNote(const QString &text);
 };
 
 /** The menu of the program's settings, which it keeps in the database. */

@@ -14,11 +14,6 @@ int placeBeside(int point, int frame, int canvas)
     return point > canvas / 2 ? point - (frame + distance) : point + distance;
 }
 
-QString bold(const QString &caption)
-{
-    return QStringLiteral("<b>") + caption + QStringLiteral("</b>");
-}
-
 } // namespace
 
 QPoint placeBeside(const QPoint &point, const QSize &frame, const QSize &canvas)
@@ -44,8 +39,17 @@ void ValueFrame::addValue(const QString &caption, const QString &name)
 {
     auto *value = new QwtLabelClick;
     value->setObjectName(name);
+    value->setAccessibleDescription(tr("Пробел копирует значение"));
     m_layout->addRow(caption, value);
     m_values.append(value);
+    m_names.append(caption);
+}
+
+void ValueFrame::addStatistic(const QString &caption, const QString &name)
+{
+    addValue(caption, name);
+    auto *label = static_cast<QLabel *>(m_layout->labelForField(m_values.last()));
+    label->setText(QStringLiteral("<b>") + caption + QStringLiteral("</b>"));
 }
 
 void ValueFrame::addGap()
@@ -57,6 +61,7 @@ void ValueFrame::setTexts(const QStringList &texts)
 {
     for (int i = 0; i < m_values.size(); ++i) {
         m_values[i]->setText(texts.value(i));
+        m_values[i]->setAccessibleName(m_names[i] + QLatin1Char(' ') + texts.value(i));
         m_values[i]->setStyleSheet(QString());
     }
     adjustSize();
@@ -87,9 +92,9 @@ MeasurementFrame::MeasurementFrame(QWidget *plot)
     addValue(tr("ΔX:"), QStringLiteral("measurementDeltaX"));
     addValue(tr("ΔY:"), QStringLiteral("measurementDeltaY"));
     addGap();
-    addValue(bold(tr("Среднее:")), QStringLiteral("measurementMean"));
-    addValue(bold(tr("СКО:")), QStringLiteral("measurementDeviation"));
-    addValue(bold(tr("Точек:")), QStringLiteral("measurementCount"));
+    addStatistic(tr("Среднее:"), QStringLiteral("measurementMean"));
+    addStatistic(tr("СКО:"), QStringLiteral("measurementDeviation"));
+    addStatistic(tr("Точек:"), QStringLiteral("measurementCount"));
 }
 
 void MeasurementFrame::setTexts(const MeasurementTexts &texts)

@@ -19,6 +19,7 @@ QPoint placeBeside(const QPoint &point, const QSize &frame, const QSize &canvas)
 /** A panel of named values that stands on the plot beside a point of it. */
 class ValueFrame : public QFrame
 {
+    Q_OBJECT
 public:
     /** The frame is hidden until it is shown beside a point. */
     explicit ValueFrame(QWidget *plot);
@@ -33,6 +34,8 @@ public:
 protected:
     /** Adds a value below the others; `name` becomes its object name. */
     void addValue(const QString &caption, const QString &name);
+    /** The same with a bold caption: what is computed of many values. */
+    void addStatistic(const QString &caption, const QString &name);
     void addGap();
     /** Sets the texts from top to bottom, unmarks all and fits the frame to them. */
     void setTexts(const QStringList &texts);
@@ -40,6 +43,7 @@ protected:
 private:
     QFormLayout *m_layout;
     QVector<QwtLabelClick *> m_values;
+    QStringList m_names; ///< of the values, as a screen reader says them
     QPointF m_anchor;
 };
 

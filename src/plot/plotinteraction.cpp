@@ -28,11 +28,14 @@ PlotInteraction::PlotInteraction(QwtNOX *plot, PlotRecords &records, PlotAxes &a
     , m_measurement(plot)
     , m_crossHair(new QwtNoxQwtPlotPicker(plot))
     , m_pickers(plot->canvas(), limitLinePen())
+    , m_keys(plot, *this)
 {
     for (const ValueFrame *frame : std::initializer_list<ValueFrame *>{
              m_measurement.pointFrame(), m_measurement.measurementFrame()})
-        for (const QwtLabelClick *value : frame->values())
+        for (QwtLabelClick *value : frame->values()) {
             connect(value, &QwtLabelClick::clicked, plot, &QwtNOX::copyToClipboard);
+            m_keys.listenTo(value);
+        }
     for (const int axis : {QwtPlot::xBottom, QwtPlot::yLeft})
         connect(plot->axisWidget(axis), &QwtScaleWidget::scaleDivChanged, this,
                 &PlotInteraction::followAxes);
@@ -53,7 +56,8 @@ void PlotInteraction::connectPickers()
 
     auto *wheel = new QwtNoxPlotPickerWheele(m_plot->canvas());
     wheel->setObjectName(QStringLiteral("wheelPicker"));
-    connect(wheel, &QwtNoxPlotPickerWheele::zoomed, this, &PlotInteraction::zoomByWheel);
+    connect(wheel, &QwtNoxPlotPickerWheele::zoomed, this,
+            [this](bool coarser) { zoom(coarser, cursor()); });
 }
 
 void PlotInteraction::applyMode(TmcMode mode)
@@ -143,13 +147,13 @@ void PlotInteraction::zoomTo(const QRectF &rectangle)
     emit viewChosen();
 }
 
-void PlotInteraction::zoomByWheel(bool coarser)
+void PlotInteraction::zoom(bool coarser, const QPointF &centre)
 {
     PlotChannel *channel = m_records.findMainChannel();
     const ScaleSteps next = neighbouringSteps(m_axes.stepsInEffect(), coarser);
     if (!channel || next == m_axes.chosenSteps())
         return;
-    const ZoomedView view = m_axes.viewAround(cursor(), next);
+    const ZoomedView view = m_axes.viewAround(centre, next);
     if (channel->mode == ModeAuto || channel->mode == ModeFollow) {
         channel->scaleY = static_cast<uchar>(next.y); // both at once: no Y chosen by data between
         m_plot->setChScaleX(static_cast<uchar>(next.x));
@@ -180,13 +184,23 @@ void PlotInteraction::panTo(const QPointF &point)
     m_plot->frameClock().request();
 }
 
+void PlotInteraction::panBySteps(int stepsX, int stepsY)
+{
+    if (!m_records.findMainChannel())
+        return;
+    if (mode() != ModeScroll)
+        m_plot->setChMode(ModeScroll);
+    m_axes.pan(
+        {stepsX * m_axes.view(QwtPlot::xBottom).step, stepsY * m_axes.view(QwtPlot::yLeft).step});
+    m_plot->frameClock().request();
+}
+
 QPointF PlotInteraction::middleOfView() const
 {
     const QVariant zoomed = m_pickers.zoomer()->property("center");
     return mode() == ModeZoom && zoomed.isValid() ? zoomed.toPointF() : m_axes.middle();
 }
 
-/** Where on the plot the mouse was last; the middle when it never was. */
 QPointF PlotInteraction::cursor() const
 {
     const QVariant position = m_crossHair->property("pos");
@@ -225,7 +239,7 @@ void PlotInteraction::mouseReleased(const QMouseEvent *event)
     if (event->button() == Qt::LeftButton && m_plot->childAt(m_pressed) == m_plot->canvas())
         clickLeft(pointUnder(event->pos()));
     else if (event->button() == Qt::RightButton)
-        clickRight();
+        stepBack();
 }
 
 void PlotInteraction::clickLeft(const QPointF &point)
@@ -234,10 +248,11 @@ void PlotInteraction::clickLeft(const QPointF &point)
         startMeasurement(point);
 }
 
-/** Leads out of what the mode shows, step by step. */
-void PlotInteraction::clickRight()
+void PlotInteraction::stepBack()
 {
-    if (mode() == ModeMeasure && m_measurement.hasFirst())
+    if (m_pickers.zoomer()->isActive())
+        m_pickers.zoomer()->reset(); // a rectangle given up is none
+    else if (mode() == ModeMeasure && m_measurement.hasFirst())
         resetMeasurement();
     else if (mode() == ModeMeasure || mode() == ModeZoom || mode() == ModeScroll)
         m_plot->setChMode(ModeFollow);

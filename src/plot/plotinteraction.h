@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plot/plotkeys.h"
 #include "plot/plotmeasurement.h"
 #include "plot/plotpickers.h"
 
@@ -13,9 +14,10 @@ class QwtNoxQwtPlotPicker;
 struct ZoomedView;
 
 /**
- * What the user does with the mouse on the plot: measuring, zooming, panning, placing limits and
- * reading values off. It acts on the main channel of the main instrument, as that channel's mode
- * says; a gesture that means another mode asks the plot for it. Points are in seconds and values.
+ * What the user does on the plot, by mouse and by keys: measuring, zooming, panning, placing limits
+ * and reading values off. It acts on the main channel of the main instrument, as that channel's
+ * mode says; a gesture that means another mode asks the plot for it. Points are in seconds and
+ * values.
  */
 class PlotInteraction : public QObject
 {
@@ -47,9 +49,20 @@ public:
     void zoomTo(const QRectF &rectangle);
     /** Brings the point last under the mouse to `point`, while the right button is held. */
     void panTo(const QPointF &point);
+    /** Moves the view by steps of the axes, to later times and higher values, which is ModeScroll.
+     */
+    void panBySteps(int stepsX, int stepsY);
+    /** Makes both scales one step coarser or finer, around a point. */
+    void zoom(bool coarser, const QPointF &centre);
+    /** Leads out of what the mode shows, step by step, as a click with the right button does. */
+    void stepBack();
     /** Middle of a view in which a chosen scale takes effect: in the zoom mode, of the last zoom.
      */
     QPointF middleOfView() const;
+    /** Where on the plot the mouse was last; the middle when it never was. */
+    QPointF cursor() const;
+    /** Where on the canvas a point is, in pixels. */
+    QPoint placeOf(const QPointF &point) const { return m_measurement.placeOf(point); }
 
     // Plain events of the plot, for what no picker selects
 
@@ -68,13 +81,10 @@ private:
     void connectPickers();
     void startMeasurement(const QPointF &point);
     void resetMeasurement();
-    void zoomByWheel(bool coarser);
     void show(const ZoomedView &view);
     void placeLimit(const QPointF &point);
     void clickLeft(const QPointF &point);
-    void clickRight();
     TmcMode mode() const;
-    QPointF cursor() const;
     QPointF pointUnder(const QPoint &position) const;
     TimeFormat timeFormat() const;
 
@@ -83,7 +93,8 @@ private:
     PlotAxes &m_axes;
     PlotMeasurement m_measurement;
     QwtNoxQwtPlotPicker *m_crossHair; ///< owned by the canvas
-    PlotPickers m_pickers;            ///< made last: they see each event before the cross-hair
+    PlotPickers m_pickers;            ///< made after the cross-hair: they see each event before it
+    PlotKeys m_keys;                  ///< made last: pickers know keys of their own
     QPoint m_pressed;                 ///< where a button went down, in pixels of the plot
     bool m_isRightHeld = false;       ///< the right button is down, and no other
 };

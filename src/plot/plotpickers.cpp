@@ -16,6 +16,7 @@ CanvasPicker *addPicker(QWidget *canvas, const char *name, QwtPickerMachine *mac
                         QwtPicker::RubberBand rubberBand, const QPen &pen)
 {
     auto *picker = new CanvasPicker(canvas);
+    takeKeysFrom(picker);
     picker->setObjectName(QLatin1String(name));
     picker->setStateMachine(machine);
     picker->setRubberBand(rubberBand);
@@ -44,9 +45,17 @@ bool isDrag(const QPoint &pressed, const QPoint &now)
     return std::abs(way.x()) > clickPixels || std::abs(way.y()) > clickPixels;
 }
 
+void takeKeysFrom(QwtPicker *picker)
+{
+    constexpr int noKey = -1;
+    for (int code = 0; code < QwtEventPattern::KeyPatternCount; ++code)
+        picker->setKeyPattern(QwtEventPattern::KeyPatternCode(code), noKey);
+}
+
 PlotZoomer::PlotZoomer(QWidget *canvas, const QPen &pen)
     : QwtPlotZoomer(canvas, false)
 {
+    takeKeysFrom(this);
     setRubberBandPen(pen);
     setTrackerMode(AlwaysOff);
 }
@@ -73,6 +82,7 @@ QwtNoxQwtPlotPicker::QwtNoxQwtPlotPicker(QwtNOX *plot)
     : QwtPlotPicker(QwtPlot::xBottom, QwtPlot::yLeft, NoRubberBand, AlwaysOn, plot->canvas())
     , m_plot(plot)
 {
+    takeKeysFrom(this);
     setStateMachine(new QwtPickerTrackerMachine);
     const auto remember = [this](const QPointF &point) { setProperty("pos", point); };
     connect(this, &QwtPlotPicker::appended, this, remember); // the mouse enters

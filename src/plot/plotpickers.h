@@ -20,6 +20,9 @@ bool isClick(const QPoint &pressed, const QPoint &released);
 /** True when the mouse has been dragged away from where it was pressed. */
 bool isDrag(const QPoint &pressed, const QPoint &now);
 
+/** Leaves the keys to PlotKeys: those of a picker would move the pointer of the user's mouse. */
+void takeKeysFrom(QwtPicker *picker);
+
 /** A picker that can be stopped in the middle of a selection. */
 class CanvasPicker : public QwtPlotPicker
 {
@@ -77,6 +80,7 @@ public:
     explicit QwtNoxPlotPickerWheele(QWidget *canvas)
         : QwtPlotPicker(canvas)
     {
+        takeKeysFrom(this);
     }
 
 signals:

@@ -1,9 +1,18 @@
 #pragma once
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
+#include <QPainter>
 
-/** A label on the plot that can be clicked; it shows the pointing hand. */
+/** Colour of what the keyboard acts on. */
+inline QColor keyboardColor()
+{
+    return {0x1b, 0x74, 0x88};
+}
+
+/** A label on the plot that is clicked by the mouse, under a pointing hand, or by Space and Return,
+ *  in a frame. */
 class QwtLabelClick : public QLabel
 {
     Q_OBJECT
@@ -13,10 +22,11 @@ public:
     {
         setCursor(Qt::PointingHandCursor);
         setTextFormat(Qt::PlainText);
+        setFocusPolicy(Qt::TabFocus);
     }
 
 signals:
-    /** A mouse button was pressed on the label. */
+    /** A mouse button, Space or Return went down on the label. */
     void clicked();
 
 protected:
@@ -26,4 +36,21 @@ protected:
         emit clicked();
     }
     void mouseReleaseEvent(QMouseEvent *event) override { event->accept(); }
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        const int key = event->key();
+        if (key != Qt::Key_Space && key != Qt::Key_Return && key != Qt::Key_Enter)
+            return QLabel::keyPressEvent(event);
+        if (!event->isAutoRepeat())
+            emit clicked();
+    }
+    void paintEvent(QPaintEvent *event) override
+    {
+        QLabel::paintEvent(event);
+        if (!hasFocus())
+            return;
+        QPainter painter(this);
+        painter.setPen(keyboardColor());
+        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    }
 };

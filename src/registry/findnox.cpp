@@ -3,6 +3,7 @@
 #include "device/instrumentblocks.h"
 #include "registry/blockexchange.h"
 #include "registry/instrumentstore.h"
+#include "registry/portaccess.h"
 #include "serial/noxserialport.h"
 #include "serial/portcatalog.h"
 #include "storage/noxsql.h"
@@ -81,7 +82,10 @@ void findNox::runScan()
     forgetFound();
     if (!m_isSearching) // ... and they may have closed the dialog
         return;
-    if (PortCatalog::current().ports().isEmpty())
+    const auto ports = PortCatalog::current().ports();
+    m_ui->accessHint->setText(deniedPortsText(ports));
+    m_ui->accessHint->setHidden(m_ui->accessHint->text().isEmpty());
+    if (ports.isEmpty())
         return showIdle(tr("Нет доступных портов"));
 
     m_ui->newDevTable->setEnabled(false);
@@ -103,7 +107,7 @@ int findNox::openFreePorts()
     NOXSerialPort *const serialPort = m_registry->serialPort();
     const auto ports = PortCatalog::current().ports();
     for (const SerialPortEntry &port : ports) {
-        const int devIndex = port.busy ? -1 : serialPort->addDev(port.name);
+        const int devIndex = isConnectable(port) ? serialPort->addDev(port.name) : -1;
         if (devIndex < 0)
             continue;
         m_awaited.insert(devIndex);

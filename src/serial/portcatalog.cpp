@@ -38,18 +38,29 @@ bool isLockedByName(const QString &device)
     return false;
 }
 
+/** The group of users that a device is left to; empty when this user may open it. */
+QString groupNeededFor(const QString &device)
+{
+    const QFileInfo file(device);
+    if (!file.exists() || (file.isReadable() && file.isWritable()))
+        return {};
+    const QString group = file.group();
+    return group.isEmpty() || group == QLatin1String("root") ? QStringLiteral("dialout") : group;
+}
+
 /** The port that a link is; one with an empty name when its target is not there. */
 SerialPortEntry portOf(const QFileInfo &link)
 {
     if (!link.isSymLink() || !link.exists() || link.isDir())
         return {};
     const QString device = link.canonicalFilePath();
-    return {link.fileName(), device, isLockedByName(device)};
+    return {link.fileName(), device, isLockedByName(device), groupNeededFor(device)};
 }
 
 SerialPortEntry portOf(const QSerialPortInfo &port)
 {
-    return {port.portName(), port.systemLocation(), port.isBusy()};
+    const QString device = port.systemLocation();
+    return {port.portName(), device, port.isBusy(), groupNeededFor(device)};
 }
 
 } // namespace

@@ -106,6 +106,33 @@ private slots:
         QVERIFY(hint->isVisible() && hint->text().contains("подключите прибор"));
     }
 
+    void deniedPortsAreNamedWhereTheyAreLookedFor()
+    {
+        usePorts({{"ttyUSB0", {}, false, "serial"}, {"ttyS1", {}}});
+        const QString told = "Нет доступа к порту ttyUSB0: вступите в группу serial (sudo usermod "
+                             "-aG serial $USER) и войдите в систему заново.";
+        QEvent activation(QEvent::WindowActivate);
+        QCoreApplication::sendEvent(window.get(), &activation);
+        QCOMPARE(find<QLabel>("instrumentHint")->text().section('\n', 1), told);
+
+        QMenu *const menu = menuOf("addDevBtn");
+        QCOMPARE(entriesOf(menu), "без подключния, |, ttyUSB0, ttyS1, |, ");
+        QCOMPARE(words({menu->actions()[2]->isEnabled(), menu->actions()[3]->isEnabled()}),
+                 "false true");
+        QCOMPARE(menu->findChild<QLabel *>("accessHint")->text(), told);
+
+        usePorts({{"ttyUSB0", {}, false, "serial"}, {"a", {}, true, "serial"}});
+        press("findDevBtn");
+        const auto *const dialog = find<QDialog>("findNox");
+        const auto *const hint = dialog->findChild<QLabel *>("accessHint");
+        QVERIFY(hint->isVisible() && hint->text().startsWith("Нет доступа к портам ttyUSB0, a: "));
+        QVERIFY(hint->height() >= hint->heightForWidth(hint->width()));
+        QVERIFY(window->registry()->serialPort()->devices().isEmpty());
+        usePorts({});
+        pressIn(dialog, {"scanBtn"});
+        QVERIFY(dialog->isVisible() && !hint->isVisible());
+    }
+
     void uselessDatabaseIsTold()
     {
         QVERIFY(!find("databaseHint")->isVisible());

@@ -60,8 +60,6 @@ private slots:
         const QString views = seenViews();
         for (int second = 66; second < 300; ++second)
             add(second, second);
-        for (const int key : {Qt::Key_Escape, Qt::Key_Home, Qt::Key_Plus, Qt::Key_Minus})
-            QTest::keyClick(plot().canvas(), Qt::Key(key));
         mouse().click({300, 200}, Qt::MiddleButton);
         mouse().pull({200, 100}, {400, 300});
         QTest::keyClick(plot().canvas(), Qt::Key_Escape); // a rectangle given up is none
