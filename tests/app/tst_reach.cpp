@@ -85,9 +85,12 @@ class TestReach : public WindowTest
         look(find<QDialog>("appconf"));
         find<QDialog>("appconf")->reject();
 
-        window->instrumentCard()->show(index, {20, 20});
-        look(window->instrumentCard()->findChild<QFrame *>("confMenu"));
-        window->instrumentCard()->hide();
+        for (const int device : {7, -1}) { // connected, and not
+            record(index).devIndex = device;
+            window->instrumentCard()->show(index, {20, 20});
+            look(window->instrumentCard()->findChild<QFrame *>("confMenu"));
+            window->instrumentCard()->hide();
+        }
         auto *const channelCard = window->findChild<confChMenu *>();
         channelCard->show(index, {20, 20}, 0);
         look(channelCard->findChild<QFrame *>("confChMenu"));
@@ -111,8 +114,141 @@ class TestReach : public WindowTest
         settings->reject();
     }
 
+    /** True when a label or a control is smaller than what it says. */
+    static bool isCut(const QWidget *widget)
+    {
+        const auto *const label = qobject_cast<const QLabel *>(widget);
+        if (label && label->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored)
+            return false; // it fits its text itself
+        if (label && label->wordWrap())
+            return label->heightForWidth(label->width()) > label->height();
+        const QStringList asked = {"QLabel", "QAbstractButton", "QComboBox", "QAbstractSpinBox"};
+        const bool isAsked = std::any_of(asked.begin(), asked.end(), [widget](const QString &name) {
+            return widget->inherits(name.toLatin1());
+        });
+        const QSize needed = widget->minimumSizeHint();
+        return isAsked && (needed.width() > widget->width() || needed.height() > widget->height());
+    }
+    /** Adds what menus, tables and lists of a window show, and the texts of its controls. */
+    static void addCaptions(QWidget *shown, QSet<QString> *captions)
+    {
+        const auto add = [captions](const QVariant &text) {
+            captions->insert(
+                QTextDocumentFragment::fromHtml(text.toString()).toPlainText().simplified());
+            captions->insert(text.toString().simplified());
+        };
+        const auto menus = shown->window()->findChildren<QMenu *>();
+        const QVector<QPointer<QMenu>> kept(menus.begin(), menus.end());
+        for (const QPointer<QMenu> &menu : kept)
+            if (menu) // no other has made its menus anew
+                emit menu->aboutToShow();
+        for (const QAction *action : shown->window()->findChildren<QAction *>())
+            add(action->text());
+        for (const QObject *object : shown->window()->findChildren<QObject *>())
+            for (const char *name : {"text", "title", "toolTip", "windowTitle", "accessibleName"})
+                add(object->property(name));
+        add(shown->windowTitle());
+        for (const QTabBar *bar : shown->findChildren<QTabBar *>())
+            for (int tab = 0; tab < bar->count(); ++tab)
+                add(bar->tabText(tab));
+        for (const QAbstractItemView *view : shown->findChildren<QAbstractItemView *>())
+            for (int row = 0; row < view->model()->rowCount(); ++row)
+                for (int column = 0; column < view->model()->columnCount(); ++column) {
+                    add(view->model()->index(row, column).data());
+                    add(view->model()->headerData(column, Qt::Horizontal));
+                    add(view->model()->headerData(row, Qt::Vertical));
+                }
+        for (const QComboBox *list : shown->findChildren<QComboBox *>())
+            for (int place = 0; place < list->count(); ++place)
+                for (const int role : {Qt::DisplayRole, Qt::AccessibleTextRole})
+                    add(list->itemData(place, role));
+    }
+
+    QStringList opened; ///< pages of the guide
+
+public slots:
+    void openGuide(const QUrl &url) { opened << QFileInfo(url.path()).baseName(); }
+
 private slots:
     void initTestCase() { QAccessible::setActive(true); }
+
+    void guideNamesWhatIsShown()
+    {
+        QSet<QString> captions;
+        inEachWindow([&captions](QWidget *shown) { addCaptions(shown, &captions); });
+        for (int mode = ModeAuto; mode <= ModeLimits; ++mode) {
+            plot().changeMode(mode);
+            plot().changeModeX(mode % 3);
+            addCaptions(find("qwtFrame"), &captions);
+        }
+        static const QRegularExpression bold("\\*\\*([^*]+)\\*\\*");
+        QStringList unknown;
+        const QDir guide(QFileInfo(QFINDTESTDATA("../../docs/guide/index.md")).path());
+        for (const QString &page : guide.entryList({"*.md"})) {
+            QFile file(guide.filePath(page));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            auto names = bold.globalMatch(QString::fromUtf8(file.readAll()));
+            while (names.hasNext()) {
+                const QString name = names.next().captured(1).remove('\\').simplified();
+                if (!captions.contains(name))
+                    unknown << page + ": " + name;
+            }
+        }
+        QVERIFY2(unknown.isEmpty(), qPrintable(unknown.join("\n")));
+    }
+
+    void tabReachesAllAndGoesRound()
+    {
+        QStringList missed;
+        inEachWindow([&missed](QWidget *shown) {
+            QApplication::setActiveWindow(shown->window());
+            QStringList stops;
+            for (QWidget *widget : shown->findChildren<QWidget *>())
+                if (widget->isVisible() && widget->isEnabled() && !widget->focusProxy() &&
+                    widget->window() == shown->window() && (widget->focusPolicy() & Qt::TabFocus))
+                    stops << widget->objectName();
+            const int most = stops.size() + 2; // radio buttons and the like would need less
+            for (int presses = 0; presses < most; ++presses) {
+                QWidget *const at = shown->window()->focusWidget();
+                QTest::keyClick(at ? at : shown, Qt::Key_Tab);
+                stops.removeAll(shown->window()->focusWidget()->objectName());
+            }
+            if (!stops.isEmpty())
+                missed << shown->objectName() + ": " + stops.join(' ');
+        });
+        QVERIFY2(missed.isEmpty(), qPrintable(missed.join("; ")));
+    }
+
+    void noTextIsCut()
+    {
+        window->resize(940, 490);
+        QStringList cut;
+        inEachWindow([&cut](QWidget *shown) {
+            for (const QWidget *widget : shown->findChildren<QWidget *>())
+                if (widget->isVisible() && isCut(widget))
+                    cut << shown->objectName() + ' ' + widget->objectName();
+        });
+        QCOMPARE(window->size(), QSize(940, 490));
+        QVERIFY2(cut.isEmpty(), qPrintable(cut.join("; ")));
+    }
+
+    void f1OpensTheGuideThere()
+    {
+        QDesktopServices::setUrlHandler("file", this, "openGuide");
+        inEachWindow([](QWidget *shown) {
+            QTest::keyClick(shown, Qt::Key_F1);
+            QTest::keyClick(shown, Qt::Key_F1, Qt::ShiftModifier);
+        });
+        find<QDialog>("appconf")->show();
+        pressIn(find("appconf"), {"guideBtn"});
+        QDesktopServices::unsetUrlHandler("file");
+        QCOMPARE(opened.join(' '),
+                 "index connect export record index configure configure configure configure "
+                 "configure configure configure characteristics characteristics index");
+        QVERIFY(answers->told.isEmpty());
+        pressIn(find("appconf"), {"guideBtn"}); // no browser is at hand
+        QVERIFY(answers->told.value(0).text.endsWith("share/nox8/guide/index.html"));
+    }
 
     void everythingIsSaid()
     {
