@@ -5,6 +5,7 @@
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QSplashScreen>
+#include <QStyle>
 #include <QStyleFactory>
 #include <QTimer>
 #include <QTranslator>
@@ -57,11 +58,15 @@ int main(int argc, char *argv[])
     leaveOpenGlOut();
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     // without it each dialog takes the button off by itself, which styles all its widgets anew
     QApplication::setAttribute(Qt::AA_DisableWindowContextHelpButton);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
 
     const QApplication application(argc, argv);
+    // the colours of tables, panels and plot are made for a light ground, whatever the desktop has
+    QApplication::setPalette(QApplication::style()->standardPalette());
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/resource/images/nox8.svg")));
 
     QSplashScreen splash(QPixmap(QStringLiteral(":/resource/images/splash3.png")));

@@ -14,6 +14,7 @@
 #include "dialogs/confchmenu.h"
 #include "dialogs/confmenu.h"
 #include "dialogs/devconfui.h"
+#include "plot/qwtlabelclick.h"
 #include "plot/qwtnox.h"
 #include "registry/findnox.h"
 #include "serial/noxserialport.h"
@@ -349,31 +350,15 @@ void MainWindow::buildHints()
 /** Tab goes the way of the eye: down the left column, down the plot's tools, along its buttons. */
 void MainWindow::orderFocus()
 {
-    const QList<QWidget *> order = {m_ui->frameMainLCDMeas,
-                                    m_ui->frameMainLCDAver,
-                                    m_ui->chTable,
-                                    m_ui->devTable,
-                                    m_ui->addDevBtn,
-                                    m_ui->findDevBtn,
-                                    m_ui->exitBtm,
-                                    m_ui->settingsBtn,
-                                    m_plot->canvas(),
-                                    m_ui->qwtMeasBtn,
-                                    m_ui->qwtZoomBtn,
-                                    m_ui->qwtScrollBtn,
-                                    m_ui->trackBtn,
-                                    m_ui->recBtn,
-                                    m_ui->clearBtn,
-                                    m_ui->toolButton,
-                                    m_ui->toolButton_2,
-                                    m_ui->toolButton_3,
-                                    m_ui->stopReadingBtn,
-                                    m_ui->wideViewBtn,
-                                    m_ui->setQwtBtn,
-                                    m_ui->dXBtn,
-                                    m_ui->dYBtn,
-                                    m_ui->modeXBtn,
-                                    m_ui->modeBtn};
+    QList<QWidget *> order = {m_ui->frameMainLCDMeas, m_ui->frameMainLCDAver, m_ui->chTable,
+                              m_ui->devTable,         m_ui->addDevBtn,        m_ui->findDevBtn,
+                              m_ui->exitBtm,          m_ui->settingsBtn,      m_plot->canvas()};
+    for (QwtLabelClick *value : m_plot->findChildren<QwtLabelClick *>())
+        order << value; // what was measured, while it is shown
+    order += {m_ui->qwtMeasBtn,   m_ui->qwtZoomBtn,     m_ui->qwtScrollBtn, m_ui->trackBtn,
+              m_ui->recBtn,       m_ui->clearBtn,       m_ui->toolButton,   m_ui->toolButton_2,
+              m_ui->toolButton_3, m_ui->stopReadingBtn, m_ui->wideViewBtn,  m_ui->setQwtBtn,
+              m_ui->dXBtn,        m_ui->dYBtn,          m_ui->modeXBtn,     m_ui->modeBtn};
     for (int next = 1; next < order.size(); ++next)
         setTabOrder(order.at(next - 1), order.at(next));
     m_ui->devTable->setFocus();

@@ -31,21 +31,21 @@ QString mouseHint(TmcMode mode)
 
 QString keyHint(TmcMode mode)
 {
-    const QString moving = PlotHint::tr("Стрелки — сдвиг, + и − — масштаб, Home — слежение, ");
+    const QString view = PlotHint::tr("стрелки — сдвиг, + и − — масштаб, Home — слежение");
     switch (mode) {
     case ModeAuto:
     case ModeFollow:
-        return moving + PlotHint::tr("Ctrl+стрелки и Enter — измерение");
+        return PlotHint::tr("Ctrl+стрелки, Enter — измерение, ") + view;
     case ModeMeasure:
-        return moving + PlotHint::tr("Ctrl+стрелки и Enter — точка, Tab — к числам, Esc — назад");
+        return PlotHint::tr("Ctrl+стрелки, Enter — точка, Tab — к числам, Esc — назад, ") + view;
     case ModeZoom:
-        return moving + PlotHint::tr("Ctrl+стрелки и Enter — углы рамки, Esc — назад");
+        return PlotHint::tr("Ctrl+стрелки, Enter — углы рамки, Esc — назад, ") + view;
     case ModeScroll:
-        return moving + PlotHint::tr("Esc — назад");
+        return PlotHint::tr("Esc — назад, ") + view;
     case ModeLimits:
         break;
     }
-    return moving + PlotHint::tr("Ctrl+стрелки и Enter — предел");
+    return PlotHint::tr("Ctrl+стрелки, Enter — предел, ") + view;
 }
 
 PlotHint::PlotHint(QwtNOX *plot, QWidget *parent)

@@ -26,7 +26,9 @@ void HeadedTable::setPreferredHeight(int height)
 
 QSize HeadedTable::sizeHint() const
 {
-    return {QTableWidget::sizeHint().width(), qMax(minimumHeight(), m_preferredHeight)};
+    const bool isBounded = maximumWidth() < QWIDGETSIZE_MAX;
+    return {isBounded ? maximumWidth() : QTableWidget::sizeHint().width(),
+            qMax(minimumHeight(), m_preferredHeight)};
 }
 
 void HeadedTable::showRow(int row)

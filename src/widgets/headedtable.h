@@ -24,6 +24,7 @@ public:
     int neededHeight() const;
     /** The height for which it asks its layout; at first the smallest that it may have. */
     void setPreferredHeight(int height);
+    /** As wide as it may be, where it may not be wider at will. */
     QSize sizeHint() const override;
 
     /** Scrolls until a row is seen, one just added included. */
