@@ -10,6 +10,7 @@ buildPackages=(
 )
 testPackages=(clang-format-14 clang-tidy-14 imagemagick desktop-file-utils appstream man-db)
 packagingPackages=(dpkg-dev file)
+packageCheckPackages=(lintian debootstrap openbox xdotool tesseract-ocr)
 fuzzPackages=(clang-14 libclang-rt-14-dev)
 
 say() { printf '%s\n' "$*" >&2; }
