@@ -6,7 +6,7 @@ buildPackages=(
     build-essential cmake ninja-build
     qtbase5-dev qttools5-dev libqt5serialport5-dev libqt5svg5-dev qtmultimedia5-dev
     libqt5sql5-sqlite libqwt-qt5-dev qttranslations5-l10n
-    librsvg2-bin sqlite3 xvfb fonts-dejavu-core
+    librsvg2-bin sqlite3 cmark-gfm xvfb fonts-dejavu-core
 )
 testPackages=(clang-format-14 clang-tidy-14 imagemagick desktop-file-utils appstream man-db)
 packagingPackages=(dpkg-dev file)

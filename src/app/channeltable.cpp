@@ -69,8 +69,10 @@ void ChannelTable::refresh(int index)
     forgetMarks(m_rows);
     m_main = onPlot ? m_plot->getChMain(m_qwtIndex) : -1;
     setRowCount(isOther);
-    for (int ch = 0; ch < m_rows; ++ch)
+    for (int ch = 0; ch < m_rows; ++ch) {
         paint(ch);
+        sayRow(m_table, ch + 1, tr("Канал %1").arg(ch + 1));
+    }
     m_touched.reset();
     selectTableRow(m_table, m_main + 1);
 }

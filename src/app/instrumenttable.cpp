@@ -49,8 +49,8 @@ InstrumentTable::InstrumentTable(HeadedTable *table, const noxList *registry, co
     setUpTable(m_table, columns());
     m_table->setMenuColumns({InstrumentColumn::Menu});
     connect(&m_hover, &RowHover::moved, this, [this](int from, int to) {
-        paintMark(from);
-        paintMark(to);
+        for (const int row : {from, to})
+            paintCells(row, InstrumentColumn::Menu, InstrumentColumn::Menu);
     });
 }
 
@@ -69,7 +69,9 @@ void InstrumentTable::refresh(int currentIndex)
         if (!nox.isConnected())
             m_table->removeCellWidget(row, InstrumentColumn::Menu); // its transfer is over
         bindShowBox(row, nox);
-        paintRow(m_table, row, instrumentRow(stateOf(nox)));
+        const InstrumentState state = stateOf(nox);
+        paintRow(m_table, row, instrumentRow(state));
+        sayRow(m_table, row, state.name + QStringLiteral(" № ") + state.number);
     }
     selectTableRow(m_table, rowOf(m_current));
     if (isOther && m_rows.size() <= before)
@@ -199,8 +201,9 @@ void InstrumentTable::addShowBox(int row)
     layout->addWidget(box, 0, Qt::AlignCenter);
     for (QWidget *cell : {holder, static_cast<QWidget *>(box)})
         cell->setMouseTracking(true); // so that the table hears of the mouse over it
-    connect(box, &QCheckBox::toggled, this, [this, box](bool shown) {
+    connect(box, &QCheckBox::toggled, this, [this, box, row](bool shown) {
         emit showToggled(box->property(indexProperty).toInt(), shown);
+        paintCells(row, InstrumentColumn::Show, InstrumentColumn::Show);
     });
     m_table->setCellWidget(row, InstrumentColumn::Show, holder);
 }
@@ -217,12 +220,11 @@ void InstrumentTable::bindShowBox(int row, const noxList::_nox &nox)
     box->setChecked(onPlot && device->devShow);
 }
 
-void InstrumentTable::paintMark(int row)
+void InstrumentTable::paintCells(int row, int first, int last)
 {
     const noxList::_nox *nox = m_registry->getNoxByIndex(indexAt(row));
     if (nox)
-        paintRow(m_table, row, instrumentRow(stateOf(*nox)), InstrumentColumn::Menu,
-                 InstrumentColumn::Menu);
+        paintRow(m_table, row, instrumentRow(stateOf(*nox)), first, last);
 }
 
 InstrumentState InstrumentTable::stateOf(const noxList::_nox &nox) const
@@ -237,6 +239,8 @@ InstrumentState InstrumentTable::stateOf(const noxList::_nox &nox) const
     state.value = missingValue();
     state.unit = QStringLiteral("-"); // as the channels and the panel have it without a channel
     state.connected = nox.isConnected();
+    const auto device = m_plot->devices().constFind(nox.qwtIndex);
+    state.shown = device != m_plot->devices().constEnd() && device->devShow;
     state.exchanging = state.connected && m_registry->serialPort()->hasExchanges(nox.devIndex);
     state.current = nox.index == m_current;
     state.hovered = indexAt(m_hover.row()) == nox.index;

@@ -65,7 +65,7 @@ private:
     void setRowCount(int instruments);
     void addShowBox(int row);
     void bindShowBox(int row, const noxList::_nox &nox);
-    void paintMark(int row);
+    void paintCells(int row, int first, int last);
     InstrumentState stateOf(const noxList::_nox &nox) const;
 
     HeadedTable *m_table;

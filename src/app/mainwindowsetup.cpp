@@ -20,6 +20,7 @@
 #include "storage/noxsql.h"
 #include "storage/plotsettingsstore.h"
 #include "ui_mainwindow.h"
+#include "widgets/accessiblerole.h"
 
 #include <QApplication>
 #include <QFile>
@@ -100,6 +101,7 @@ MainWindow::~MainWindow()
 
 void MainWindow::buildForm()
 {
+    installAccessibleRoles();
     m_ui->setupUi(this);
     QLocale::setDefault(QLocale(QLocale::English, QLocale::AnyCountry));
     setStyleSheet(readStyleSheet(QStringLiteral(":/resource/nox8.css")));
@@ -137,6 +139,7 @@ void MainWindow::buildPlot()
     m_ui->qwtWidgetLayout->insertWidget(0, m_plot.get(), 1);
     m_plot->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     showFocusOf(m_plot->canvas());
+    setAccessibleRole(m_plot->canvas(), QAccessible::Chart);
     m_plot->canvas()->setAccessibleName(tr("График"));
     m_ui->qwtFrameLayout->insertWidget(1, new PlotHint(m_plot.get(), m_ui->qwtFrame));
     m_plot->setDivX(plotDivisions);

@@ -1,6 +1,7 @@
 #include "app/numericpanels.h"
 
 #include "app/rowcontent.h"
+#include "widgets/accessiblerole.h"
 #include "widgets/qlabelclick.h"
 
 #include <QFrame>
@@ -70,6 +71,21 @@ void showNumber(FittedLabel *label, const QString &title, const QString &text)
     panel->setAccessibleName(title + QStringLiteral(": ") + text);
 }
 
+/** Says at the edge of a panel that the curve of its number is not on the plot. */
+QLabel *addHiddenSign(QFrame *frame)
+{
+    constexpr int points = 8;
+    auto *sign = new QLabel(NumericPanels::tr("график скрыт"), frame);
+    sign->setObjectName(QStringLiteral("hiddenSign"));
+    QFont font = sign->font();
+    font.setPointSize(points);
+    sign->setFont(font);
+    sign->setAttribute(Qt::WA_TransparentForMouseEvents);
+    sign->adjustSize();
+    sign->move(sideMargin, 2);
+    return sign;
+}
+
 QString numberStyle(bool shown)
 {
     return shown ? QStringLiteral("color: #215767;") : QStringLiteral("color: gray;");
@@ -86,7 +102,9 @@ NumericPanels::NumericPanels(QFrame *valueFrame, QFrame *averageFrame, QObject *
         row->setContentsMargins(sideMargin, 0, sideMargin, 0);
         // not the label: QLabel makes a slow document of a text that can have the focus
         frame->setFocusPolicy(Qt::TabFocus);
+        setAccessibleRole(frame, QAccessible::Button);
         frame->installEventFilter(this);
+        m_hiddenSigns << addHiddenSign(frame);
     }
     m_value = addNumber(valueFrame, QStringLiteral("mainMeasLabel"), valuePoints, true);
     m_unit = addUnit(valueFrame, QStringLiteral("mainDimLabel"));
@@ -116,6 +134,9 @@ void NumericPanels::showCurveKinds(bool values, bool averages)
 {
     setStyle(m_value, numberStyle(values));
     setStyle(m_average, numberStyle(averages));
+    m_hiddenSigns.first()->setHidden(values);
+    m_hiddenSigns.last()->setHidden(averages);
+    describe();
 }
 
 void NumericPanels::showConnection(bool connected)
@@ -128,6 +149,20 @@ void NumericPanels::showConnection(bool connected)
         frame->setToolTip(connected ? QString() : tr("Нет связи с прибором: значения старые"));
         frame->style()->unpolish(frame); // the style sheet looks at the property
         frame->style()->polish(frame);
+    }
+    describe();
+}
+
+/** Says of each panel what else is seen of it, and what a key does. */
+void NumericPanels::describe()
+{
+    for (int i = 0; i < m_frames.size(); ++i) {
+        const QString shown = m_hiddenSigns.at(i)->isHidden()
+                                  ? tr("График показан, Пробел скрывает")
+                                  : tr("График скрыт, Пробел показывает");
+        const QString connection = m_frames.at(i)->toolTip();
+        m_frames.at(i)->setAccessibleDescription(
+            connection.isEmpty() ? shown : connection + QStringLiteral(". ") + shown);
     }
 }
 

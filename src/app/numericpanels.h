@@ -35,7 +35,10 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void describe();
+
     QList<QFrame *> m_frames;
+    QList<QLabel *> m_hiddenSigns; ///< of the frames
     FittedLabel *m_value;
     QLabel *m_unit;
     FittedLabel *m_average;

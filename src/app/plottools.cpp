@@ -123,6 +123,16 @@ TmcMode nextMode(TmcMode mode, bool fixedScale)
     return mode != ModeFollow && fixedScale ? ModeFollow : ModeAuto;
 }
 
+/** Shows a caption whole. A button that was wide enough for a longer one stays so: those beside it
+ *  keep their places. */
+void showCaption(QPushButton *button, const QString &caption)
+{
+    if (button->text() == caption)
+        return;
+    button->setText(caption);
+    button->setMinimumWidth(qMax(button->minimumWidth(), button->sizeHint().width()));
+}
+
 } // namespace
 
 ChoiceMenu::ChoiceMenu(std::function<int()> current, QWidget *parent)
@@ -192,10 +202,10 @@ PlotButtons::~PlotButtons() = default;
 
 void PlotButtons::refresh()
 {
-    m_buttons.scaleX->setText(tr("X: ") + m_plot->getScaleXLabel());
-    m_buttons.scaleY->setText(tr("Y: ") + m_plot->getScaleYLabel());
-    m_buttons.modeX->setText(m_plot->getChModeXLabel());
-    m_buttons.mode->setText(m_plot->getChModeLabel());
+    showCaption(m_buttons.scaleX, tr("X: ") + m_plot->getScaleXLabel());
+    showCaption(m_buttons.scaleY, tr("Y: ") + m_plot->getScaleYLabel());
+    showCaption(m_buttons.modeX, m_plot->getChModeXLabel());
+    showCaption(m_buttons.mode, m_plot->getChModeLabel());
 
     const TmcMode mode = m_plot->getChMode();
     m_buttons.zoom->setChecked(mode == ModeZoom);

@@ -16,11 +16,22 @@ struct RowTexts {
 };
 
 /** The mark of the last column: the current row, or the row whose menu a click would open. */
-QString menuMark(bool current, bool hovered)
+void markMenu(CellContent &cell, bool current, bool hovered)
 {
     if (current)
-        return QStringLiteral("<");
-    return hovered ? QStringLiteral("☰") : QString();
+        cell.text = QStringLiteral("<");
+    else if (hovered)
+        cell.text = QStringLiteral("☰");
+    cell.spoken = current ? RowTexts::tr("выбран, меню") : RowTexts::tr("меню");
+}
+
+/** A value beyond a limit carries a sign, and says so. */
+void markAlarm(CellContent &cell, ValueMark mark)
+{
+    if (mark != ValueMark::Alarm)
+        return;
+    cell.sign = CellSign::Alarm;
+    cell.spoken = RowTexts::tr("%1, за пределом").arg(cell.text);
 }
 
 /** The latest value in the digits in which it came. */
@@ -61,7 +72,7 @@ void markInstrumentValue(CellContent &cell, ValueMark mark)
 void showExchange(RowContent &row)
 {
     using namespace InstrumentColumn;
-    row[Value].waiting = true;
+    row[Value].sign = CellSign::Waiting;
     for (const int column : {Value, Unit, Channel})
         row[column].toolTip = RowTexts::tr("Идёт обмен с прибором, измерения появятся после него");
 }
@@ -119,6 +130,7 @@ RowContent instrumentRow(const InstrumentState &state)
         cell.background = state.current ? currentColor() : QColor();
     }
     row[Show].toolTip = RowTexts::tr("Показать или скрыть графики прибора (Пробел)");
+    row[Show].spoken = state.shown ? RowTexts::tr("показаны") : RowTexts::tr("скрыты");
     row[Name].text = state.name;
     row[Name].toolTip = asToolTip(state.name); // the column may be too narrow for it
     row[Number].text = state.number;
@@ -126,7 +138,8 @@ RowContent instrumentRow(const InstrumentState &state)
     row[Value].toolTip = receivedTip(state);
     row[Unit].text = state.unit;
     row[Channel].text = sourceText(state);
-    row[Menu].text = menuMark(state.current, state.hovered);
+    markMenu(row[Menu], state.current, state.hovered);
+    markAlarm(row[Value], state.mark);
     for (const int column : {Value, Unit, Channel})
         markInstrumentValue(row[column], state.mark);
     if (state.exchanging)
@@ -139,6 +152,9 @@ RowContent channelRow(const ChannelState &state)
     using namespace ChannelColumn;
     RowContent row;
     row[Number].text = QString::number(state.number + 1);
+    row[Number].spoken =
+        RowTexts::tr("%1, график %2")
+            .arg(row[Number].text, state.shown ? RowTexts::tr("показан") : RowTexts::tr("скрыт"));
     row[Number].swatch = state.shown ? state.color : QColor(Qt::transparent);
     row[Number].toolTip = RowTexts::tr("Левая кнопка мыши (Пробел): показать или скрыть график\n"
                                        "Правая кнопка мыши (Menu): выбрать цвет графика");
@@ -148,8 +164,10 @@ RowContent channelRow(const ChannelState &state)
     row[DeltaX].text = state.deltaX;
     row[DeltaY].text = state.deltaY;
     describeReference(row[Reference], state);
-    row[Menu].text = menuMark(state.main, state.hovered);
-
+    markMenu(row[Menu], state.main, state.hovered);
+    if (state.fresh && state.mark != ValueMark::Rejected)
+        row[Value].sign = CellSign::Fresh;
+    markAlarm(row[Value], state.mark);
     for (const int column : {Value, Unit, DeltaX, DeltaY, Reference})
         markChannelCell(row[column], state);
     if (state.mark == ValueMark::Rejected)

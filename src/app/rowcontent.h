@@ -1,5 +1,7 @@
 #pragma once
 
+#include "widgets/cellsigns.h"
+
 #include <QColor>
 #include <QString>
 
@@ -29,7 +31,8 @@ struct CellContent {
     QColor background; ///< invalid: that of the table
     QColor swatch;     ///< colour of the cell's icon; transparent: an empty icon; invalid: none
     QString toolTip;
-    bool waiting = false; ///< it carries the sign that something is awaited
+    QString spoken; ///< what a screen reader says in place of the text; empty: the text
+    CellSign sign = CellSign::None;
 };
 
 using RowContent = std::array<CellContent, tableColumns>;
@@ -56,6 +59,7 @@ struct InstrumentState : LatestValue {
     QString number;
     int channel = -1; ///< where the value came from, from 0; -1: there is no channel
     bool connected = false;
+    bool shown = true; ///< its curves are on the plot
     bool current = false;
     bool hovered = false;    ///< the mouse is over the row
     bool exchanging = false; ///< blocks are still to be read or written; it does not measure

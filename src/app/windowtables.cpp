@@ -6,6 +6,7 @@
 #include "widgets/rowdelegate.h"
 
 #include <QEvent>
+#include <QFont>
 #include <QHeaderView>
 #include <QIcon>
 #include <QPainter>
@@ -99,6 +100,13 @@ void paintSwatch(QTableWidgetItem *item, const QColor &color)
     item->setIcon(color.isValid() ? swatchIcon(color) : QIcon());
 }
 
+QVariant italic()
+{
+    QFont font;
+    font.setItalic(true);
+    return font;
+}
+
 // An item reports a change, and its cell is painted again, only where the new content differs.
 void paintCell(QTableWidgetItem *item, const CellContent &content)
 {
@@ -106,7 +114,10 @@ void paintCell(QTableWidgetItem *item, const CellContent &content)
     item->setToolTip(content.toolTip);
     item->setForeground(content.textColor);
     item->setBackground(content.background.isValid() ? QBrush(content.background) : QBrush());
-    item->setData(waitingRole, content.waiting);
+    item->setData(signRole, int(content.sign));
+    item->setData(Qt::AccessibleTextRole, content.spoken.isEmpty() ? content.text : content.spoken);
+    // a faint colour alone would not tell
+    item->setData(Qt::FontRole, content.textColor == Qt::lightGray ? italic() : QVariant());
     paintSwatch(item, content.swatch);
 }
 
@@ -125,6 +136,9 @@ void setUpTable(QTableWidget *table, const QVector<TableColumn> &columns)
     table->setColumnCount(columns.size());
     table->setRowCount(1);
     for (int column = 0; column < columns.size(); ++column) {
+        // not seen, but said of each cell
+        table->setHorizontalHeaderItem(
+            column, new QTableWidgetItem(columns.at(column).title.section(QLatin1Char(':'), 0, 0)));
         setWidth(table->horizontalHeader(), column, columns.at(column).width);
         table->setCellWidget(0, column, headerCell(columns.at(column), column == 0));
     }
@@ -148,6 +162,13 @@ void paintRow(QTableWidget *table, int row, const RowContent &content, int first
 {
     for (int column = first; column <= last; ++column)
         paintCell(itemAt(table, row, column), content[size_t(column)]);
+}
+
+void sayRow(QTableWidget *table, int row, const QString &name)
+{
+    if (!table->verticalHeaderItem(row))
+        table->setVerticalHeaderItem(row, new QTableWidgetItem);
+    table->verticalHeaderItem(row)->setText(name);
 }
 
 QIcon swatchIcon(const QColor &color)

@@ -39,6 +39,9 @@ void readLatest(LatestValue *latest, const QwtNOX &plot, const noxList::_nox &no
 void paintRow(QTableWidget *table, int row, const RowContent &content, int first = 0,
               int last = tableColumns - 1);
 
+/** Names a row for whoever hears the table read; equal names change nothing. */
+void sayRow(QTableWidget *table, int row, const QString &name);
+
 /** A square of 16x16 pixels in a colour with a white frame of 2; transparent: an empty square. */
 QIcon swatchIcon(const QColor &color);
 

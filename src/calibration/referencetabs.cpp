@@ -91,6 +91,7 @@ ReferenceTab::ReferenceTab(QWidget *parent)
     keepReadableWhileLocked(this);
     prepareEntryTable(m_ui->refTable);
     m_t0Mark = new ChangeMark(m_ui->t0Edit);
+    lock(); // only now: Qt gives no role to fields that are made in a locked group
 }
 
 ReferenceTab::~ReferenceTab() = default;
@@ -221,6 +222,7 @@ ShiftTab::ShiftTab(QWidget *parent)
         prepareEntryTable(table);
     setServiceVisible(false);
     followModel();
+    lock(); // only now: Qt gives no role to fields that are made in a locked group
 }
 
 ShiftTab::~ShiftTab() = default;

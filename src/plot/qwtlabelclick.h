@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
@@ -23,6 +24,7 @@ public:
         setCursor(Qt::PointingHandCursor);
         setTextFormat(Qt::PlainText);
         setFocusPolicy(Qt::TabFocus);
+        setProperty("accessibleRole", int(QAccessible::Button));
     }
 
 signals:

@@ -59,6 +59,8 @@ void FoundTable::addTitles()
     connectAll->setCursor(Qt::PointingHandCursor);
     connectAll->setToolTip(tr("Отметить все приборы или снять отметки (Ctrl+A)"));
     m_table->setCellWidget(0, ConnectColumn, connectAll);
+    // not seen, but said of each cell
+    m_table->setHorizontalHeaderLabels(titles + QStringList(tr("Подключить")));
     connect(connectAll, &QLabelClick::clicked, this, &FoundTable::toggleAll);
 }
 

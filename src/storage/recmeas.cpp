@@ -44,7 +44,7 @@ void recmeas::showFor(int index, const QString &proposedName)
                                nox->recPrecision, nox->recInterval});
     showRecording(nox->recording);
     open();
-    m_ui->fileForm->setFocus();
+    m_ui->fileForm->focusFileButton();
 }
 
 void recmeas::showRecording(bool isRecording)

@@ -76,7 +76,6 @@ ResultsFileForm::ResultsFileForm(QWidget *parent)
     , m_directory(QDir::homePath())
 {
     m_ui->setupUi(this);
-    setFocusProxy(m_ui->selectFileBtn);
     QComboBox *const fields = m_ui->deFieldCB;
     fields->addItem(tr("Точка с запятой"), QStringLiteral(";"));
     fields->addItem(tr("Табуляция"), QStringLiteral("\t"));
@@ -90,6 +89,11 @@ ResultsFileForm::ResultsFileForm(QWidget *parent)
 }
 
 ResultsFileForm::~ResultsFileForm() = default;
+
+void ResultsFileForm::focusFileButton()
+{
+    m_ui->selectFileBtn->setFocus();
+}
 
 ResultsFileChoice ResultsFileForm::choice() const
 {

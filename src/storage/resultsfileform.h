@@ -42,6 +42,9 @@ public:
     explicit ResultsFileForm(QWidget *parent = nullptr);
     ~ResultsFileForm() override;
 
+    /** Leads the keyboard to the button that chooses the file. */
+    void focusFileButton();
+
     /** What the controls say. */
     ResultsFileChoice choice() const;
     /** Shows a choice; a separator that there is not leaves its control as it was. */

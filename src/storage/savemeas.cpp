@@ -40,7 +40,7 @@ void savemeas::showFor(const QString &proposedName)
     m_proposedName = proposedName;
     m_ui->statusLabel->clear();
     open();
-    m_ui->fileForm->setFocus();
+    m_ui->fileForm->focusFileButton();
 }
 
 void savemeas::on_selectFileBtn_clicked()

@@ -21,6 +21,7 @@ void paintChange(QPainter *painter, const QRect &place)
 
 ChangeMark::ChangeMark(QWidget *field)
     : QWidget(field)
+    , m_description(field->accessibleDescription())
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     field->installEventFilter(this);
@@ -31,8 +32,8 @@ ChangeMark::ChangeMark(QWidget *field)
 void ChangeMark::setChanged(bool isChanged)
 {
     setVisible(isChanged);
-    parentWidget()->setAccessibleDescription(isChanged ? tr("Отличается от настройки прибора")
-                                                       : QString());
+    parentWidget()->setAccessibleDescription(
+        isChanged ? tr("Отличается от настройки прибора. ") + m_description : m_description);
 }
 
 bool ChangeMark::eventFilter(QObject *watched, QEvent *event)

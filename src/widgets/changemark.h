@@ -23,4 +23,7 @@ public:
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+
+private:
+    const QString m_description; ///< of the field, for who cannot see it
 };

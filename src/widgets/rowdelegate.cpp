@@ -27,15 +27,41 @@ void paintFocus(QPainter *painter, const QRect &cell)
     painter->drawRect(cell.adjusted(width / 2, width / 2, -width / 2, -width / 2));
 }
 
-/** Three dots at the left of the cell. */
-void paintWaiting(QPainter *painter, const QRect &cell)
+/** As many dots at the left of the cell as there are places for one. */
+void paintDots(QPainter *painter, const QRect &cell, std::initializer_list<int> places)
 {
     constexpr int dot = 3;
     constexpr int pitch = 5;
-    QRect place(0, 0, dot, dot);
-    place.moveCenter({cell.left() + 2 * pitch, cell.center().y()});
-    for (const int shift : {-pitch, 0, pitch})
-        painter->fillRect(place.translated(shift, 0), accentColor());
+    QRect dotAt(0, 0, dot, dot);
+    dotAt.moveCenter({cell.left() + 2 * pitch, cell.center().y()});
+    for (const int place : places)
+        painter->fillRect(dotAt.translated(place * pitch, 0), accentColor());
+}
+
+/** An exclamation mark at the left of the cell. */
+void paintAlarm(QPainter *painter, const QRect &cell)
+{
+    constexpr int width = 20;
+    QFont font = painter->font();
+    font.setBold(true);
+    painter->setFont(font);
+    painter->setPen(QColor(198, 40, 40));
+    painter->drawText(QRect(cell.topLeft(), QSize(width, cell.height())), Qt::AlignCenter,
+                      QStringLiteral("!"));
+}
+
+void paintSign(QPainter *painter, const QRect &cell, CellSign sign)
+{
+    switch (sign) {
+    case CellSign::None:
+        break;
+    case CellSign::Waiting:
+        return paintDots(painter, cell, {-1, 0, 1});
+    case CellSign::Fresh:
+        return paintDots(painter, cell, {0});
+    case CellSign::Alarm:
+        return paintAlarm(painter, cell);
+    }
 }
 
 } // namespace
@@ -45,8 +71,7 @@ void RowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
 {
     QStyledItemDelegate::paint(painter, option, index);
     painter->save();
-    if (index.data(waitingRole).toBool())
-        paintWaiting(painter, option.rect);
+    paintSign(painter, option.rect, CellSign(index.data(signRole).toInt()));
     if (index.data(changedRole).toBool())
         paintChange(painter, option.rect);
     if (option.state & QStyle::State_HasFocus)

@@ -10,7 +10,7 @@ class TestRows : public QObject
 {
     Q_OBJECT
     /** In what the state differs from the ordinary one; the row; its tool tips. */
-    using Case = std::tuple<QString, const char *, const char *>;
+    using Case = std::tuple<QString, const char *, QString>;
 
     template<typename State>
     static State stateOf(const QString &words)
@@ -34,7 +34,8 @@ class TestRows : public QObject
         QStringList tips;
         for (const CellContent &cell : row) {
             cells << seenCell(cell.text, cell.textColor, cell.background);
-            tips << cell.toolTip.section('\n', 0, 0) + (cell.waiting ? "*" : "");
+            tips << cell.toolTip.section('\n', 0, 0) +
+                        QStringList{"", "*", " .", " !"}[int(cell.sign)];
         }
         return {cells.join('|'), tips.mid(1).join('|'), tips.first()};
     }
@@ -68,7 +69,7 @@ private slots:
         const Case cases[] = {
             {"hovered empty", "|NOX B|1234|21.50|°С|-|☰", name},
             {"alarm received", "|NOX B|1234|21.50[red]|°С[red]|3 (!)[red]|",
-             "NOX B||Принято: 21.51234568 °С|||"},
+             "NOX B||Принято: 21.51234568 °С !|||"},
             {"rejected received", "|NOX B|1234|--[yellow]|°С[yellow]|3[yellow]|", name},
             {"hovered current",
              "[current]|NOX B[current]|1234[current]|21.50[current]|°С[current]|3[current]|"
@@ -95,15 +96,16 @@ private slots:
 
     void channels()
     {
-        const char *const off = "||||Измерение разности выключено|";
+        const QString off = "||||Измерение разности выключено|";
         const Case cases[] = {
             {"hidden hovered", "5|21.50|°С|2.0|0.01|-|☰", off},
             {"main hovered", "5[current]|21.50|°С|2.0|0.01|-|<[current]", off},
             {"difference received markup", "5|21.50|<i>|2.0|0.01|2|",
              "Принято: 21.51234568 &lt;i&gt;||||Разность с NOX B №1234, канал №2|"},
-            {"fresh accepted", "5|21.50[fresh]|°С[fresh]|2.0[fresh]|0.01[fresh]|-[fresh]|", off},
+            {"fresh accepted", "5|21.50[fresh]|°С[fresh]|2.0[fresh]|0.01[fresh]|-[fresh]|",
+             " ." + off},
             {"inactive", "5|21.50[gray]|°С[gray]|2.0[gray]|0.01[gray]|-[gray]|", off},
-            {"inactive alarm", "5|21.50[red]|°С[red]|2.0[red]|0.01[red]|-[red]|", off},
+            {"inactive alarm", "5|21.50[red]|°С[red]|2.0[red]|0.01[red]|-[red]|", " !" + off},
             {"fresh rejected received", "5|--[yellow]|--[yellow]|--[yellow]|--[yellow]|-[yellow]|",
              off}};
         for (const auto &[words, cells, tips] : cases) {
@@ -140,7 +142,7 @@ private slots:
 
     void touchesOnlyWhatChanged()
     {
-        row[1] = {"21.50", Qt::black, Qt::yellow, {}, "tip", false};
+        row[1] = {"21.50", Qt::black, Qt::yellow, {}, "tip", {}, {}};
         paintRow(table.get(), 1, row, 1, 2);
         for (int column = 0; column < tableColumns; ++column)
             QCOMPARE(table->item(1, column) != nullptr, column == 1 || column == 2);
@@ -162,7 +164,7 @@ private slots:
         QCOMPARE(changes, (QList<QVariantList>{{1, 1}}));
         QCOMPARE(ground(1), plain);
         row[1].background = Qt::yellow;
-        row[1].waiting = true;
+        row[1].sign = CellSign::Waiting;
         paint();
         QVERIFY(picture() != quiet); // it carries a sign
     }
@@ -186,7 +188,7 @@ private slots:
 
     void numbersStandBesideTheColour()
     {
-        row[0] = {"16", Qt::black, {}, Qt::red, {}, false};
+        row[0] = {"16", Qt::black, {}, Qt::red, {}, {}, {}};
         const auto number = [this](int width) { // its leftmost digit, with what follows
             table->setColumnWidth(0, width);
             const QRect cell = table->visualItemRect(table->item(1, 0));
@@ -218,7 +220,7 @@ private slots:
                                                          {gray, fresh, 1},
                                                          {Qt::red, fresh, 0}};
         for (const auto &[text, onGround, selected] : cases) {
-            row[1] = {QString(3, QChar(0x2588)), text, onGround, {}, {}, false}; // all text
+            row[1] = {QString(3, QChar(0x2588)), text, onGround, {}, {}, {}, {}}; // all text
             row[2].background = onGround;
             paint();
             selectTableRow(table.get(), selected);

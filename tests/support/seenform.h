@@ -72,7 +72,7 @@ inline QString seen(const QWidget *control)
         states << "on";
     if (control->property("readOnly").toBool())
         states << "read only";
-    if (!control->accessibleDescription().isEmpty())
+    if (control->accessibleDescription().startsWith("Отличается"))
         states << "changed";
     return states.isEmpty() ? text : text + " {" + states.join(", ") + '}';
 }
