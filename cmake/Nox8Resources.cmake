@@ -49,30 +49,33 @@ function(nox8_make_sound name)
         VERBATIM)
 endfunction()
 
+# nox8_render(<drawing> <picture> <width> <height>)
+#
+# Renders an SVG file to a PNG file of the given size in pixels.
+function(nox8_render drawing picture width height)
+    cmake_path(GET picture PARENT_PATH folder)
+    cmake_path(GET picture FILENAME name)
+    file(MAKE_DIRECTORY ${folder})
+    add_custom_command(
+        OUTPUT ${picture}
+        COMMAND ${NOX8_RSVG_CONVERT} --width ${width} --height ${height}
+                --output ${picture} ${drawing}
+        DEPENDS ${drawing}
+        COMMENT "Rendering ${name}"
+        VERBATIM)
+endfunction()
+
 # nox8_render_picture(<name> <width> <height>)
 #
 # Renders images/<name>.svg of the current source directory to images/<name>.png of the current
 # build directory, at the given size in pixels, and to images/<name>@2x.png at twice that size.
 function(nox8_render_picture name width height)
     set(drawing ${CMAKE_CURRENT_SOURCE_DIR}/images/${name}.svg)
-    set(folder ${CMAKE_CURRENT_BINARY_DIR}/images)
-    file(MAKE_DIRECTORY ${folder})
+    set(picture ${CMAKE_CURRENT_BINARY_DIR}/images/${name})
     math(EXPR doubleWidth "2 * ${width}")
     math(EXPR doubleHeight "2 * ${height}")
-    add_custom_command(
-        OUTPUT ${folder}/${name}.png
-        COMMAND ${NOX8_RSVG_CONVERT} --width ${width} --height ${height}
-                --output ${folder}/${name}.png ${drawing}
-        DEPENDS ${drawing}
-        COMMENT "Rendering ${name}.png"
-        VERBATIM)
-    add_custom_command(
-        OUTPUT ${folder}/${name}@2x.png
-        COMMAND ${NOX8_RSVG_CONVERT} --width ${doubleWidth} --height ${doubleHeight}
-                --output ${folder}/${name}@2x.png ${drawing}
-        DEPENDS ${drawing}
-        COMMENT "Rendering ${name}@2x.png"
-        VERBATIM)
+    nox8_render(${drawing} ${picture}.png ${width} ${height})
+    nox8_render(${drawing} ${picture}@2x.png ${doubleWidth} ${doubleHeight})
 endfunction()
 
 # nox8_list_picture(<variable> <folder> <name>)

@@ -1,4 +1,5 @@
-# The three kinds of target of this project: a library of the product, a test program, a plain program.
+# The kinds of target of this project: a library of the product, a test program, a plain program; and
+# what is built to be installed.
 
 add_library(nox8_flags INTERFACE)
 target_compile_options(nox8_flags INTERFACE
@@ -68,6 +69,15 @@ function(nox8_add_program name)
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE ${arg_LINKS} nox8_flags)
     nox8_reuse_widget_headers(${name} ${arg_LINKS})
+endfunction()
+
+# Builds all that is installed, and nothing else.
+add_custom_target(nox8_installed)
+
+# nox8_install_program(<name>)
+function(nox8_install_program name)
+    add_dependencies(nox8_installed ${name})
+    install(TARGETS ${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endfunction()
 
 # Builds all test programs, and what they need.

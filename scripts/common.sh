@@ -1,4 +1,4 @@
-# What scripts/run, scripts/test, scripts/fuzz and scripts/pictures share; sourced, not run.
+# What the scripts of this folder share; sourced, not run.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
@@ -8,7 +8,9 @@ buildPackages=(
     libqt5sql5-sqlite libqwt-qt5-dev qttranslations5-l10n
     librsvg2-bin sqlite3 cmark-gfm xvfb fonts-dejavu-core
 )
-testPackages=(clang-format-14 clang-tidy-14 imagemagick)
+testPackages=(clang-format-14 clang-tidy-14 imagemagick desktop-file-utils appstream man-db)
+packagingPackages=(dpkg-dev file)
+packageCheckPackages=(lintian debootstrap openbox xdotool tesseract-ocr)
 fuzzPackages=(clang-14 libclang-rt-14-dev)
 
 say() { printf '%s\n' "$*" >&2; }
