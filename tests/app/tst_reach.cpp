@@ -114,6 +114,14 @@ class TestReach : public WindowTest
         settings->reject();
     }
 
+    /** What is seen of a widget and closely around it. */
+    static QImage surroundings(const QWidget *widget)
+    {
+        if (!widget)
+            return {};
+        const QRect place(widget->mapTo(widget->window(), QPoint()), widget->size());
+        return widget->window()->grab(place.adjusted(-2, -2, 2, 2)).toImage();
+    }
     /** True when a label or a control is smaller than what it says. */
     static bool isCut(const QWidget *widget)
     {
@@ -210,7 +218,10 @@ private slots:
             const int most = stops.size() + 2; // radio buttons and the like would need less
             for (int presses = 0; presses < most; ++presses) {
                 QWidget *const at = shown->window()->focusWidget();
+                const QImage focused = surroundings(at);
                 QTest::keyClick(at ? at : shown, Qt::Key_Tab);
+                if (at && surroundings(at) == focused)
+                    missed << shown->objectName() + ": no focus is seen on " + at->objectName();
                 stops.removeAll(shown->window()->focusWidget()->objectName());
             }
             if (!stops.isEmpty())
