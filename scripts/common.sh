@@ -55,7 +55,7 @@ build() {
     local log=$root/build/$preset.log
     if ! (cd "$root" && cmake --preset "$preset" &&
           cmake --build --preset "$preset" "${targets[@]}") >"$log" 2>&1; then
-        grep -E 'error|Error|FAILED|CMake' -A3 "$log" | head -n 60 >&2
+        grep -E 'error:|Error|FAILED' -A3 "$log" | head -n 60 >&2
         say "The whole log: ${log#"$root"/}"
         return 1
     fi
