@@ -75,7 +75,10 @@ endfunction()
 add_custom_target(nox8_installed)
 
 # nox8_install_program(<name>)
+#
+# It finds all functions of its libraries when it starts; their table is read-only from then on.
 function(nox8_install_program name)
+    target_link_options(${name} PRIVATE LINKER:-z,relro,-z,now)
     add_dependencies(nox8_installed ${name})
     install(TARGETS ${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endfunction()
