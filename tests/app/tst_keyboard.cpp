@@ -74,7 +74,10 @@ private slots:
                           plot().getAverShow(), window->currentIndex()});
         };
         QCOMPARE(pressed("frameMainLCDMeas", {Qt::Key_Space}), "true false false true 0");
+        const auto *const sign = find("frameMainLCDMeas")->findChild<QLabel *>("hiddenSign");
+        QVERIFY(sign->isVisible());
         QCOMPARE(pressed("frameMainLCDMeas", {Qt::Key_Return}), "true false true true 0");
+        QVERIFY(!sign->isVisible());
         QCOMPARE(pressed("frameMainLCDMeas", {Qt::Key_X}), "true false true true 0");
         QCOMPARE(pressed("frameMainLCDAver", {Qt::Key_Enter}), "true false true false 0");
         QCOMPARE(pressed("devTable", {Qt::Key_Space}), "false false true false 0");

@@ -271,6 +271,30 @@ private slots:
         QCOMPARE(openDifferences()->findChildren<QMenu *>().size(), 1); // nothing of the former
     }
 
+    void lineBelowThePlotTellsWhatToDo()
+    {
+        addSome(1);
+        const auto *const line = find<QLabel>("plotHint");
+        const auto told = [this, line] {
+            QStringList texts;
+            for (int mode = ModeAuto; mode <= ModeLimits; ++mode) {
+                plot().changeMode(mode);
+                texts << line->toolTip();
+            }
+            return texts;
+        };
+        const QStringList byMouse = told();
+        QCOMPARE(QSet<QString>(byMouse.begin(), byMouse.end()).size(), 5); // two follow
+        QVERIFY(byMouse[ModeZoom].contains("рамку") && byMouse[ModeLimits].contains("предел"));
+        QApplication::setActiveWindow(window.get());
+        plot().canvas()->setFocus(Qt::TabFocusReason);
+        const QStringList byKeys = told();
+        QVERIFY(byKeys[ModeZoom].startsWith("Ctrl+стрелки, Enter — углы"));
+        QVERIFY(line->text().startsWith("Ctrl+"));
+        instruments()->setFocus();
+        QCOMPARE(told(), byMouse);
+    }
+
     void whoTookAnIndexIsSpared()
     {
         for (const int leaving : {0, 1}) {

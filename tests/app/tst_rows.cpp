@@ -164,9 +164,18 @@ private slots:
         QCOMPARE(changes, (QList<QVariantList>{{1, 1}}));
         QCOMPARE(ground(1), plain);
         row[1].background = Qt::yellow;
-        row[1].sign = CellSign::Waiting;
+        QVector<QImage> seen = {quiet};
+        for (const CellSign sign : {CellSign::Waiting, CellSign::Fresh, CellSign::Alarm}) {
+            row[1].sign = sign;
+            paint();
+            QVERIFY(!seen.contains(picture())); // each is another
+            seen << picture();
+        }
+        row[1].textColor = Qt::lightGray;
+        row[1].spoken = "aloud";
         paint();
-        QVERIFY(picture() != quiet); // it carries a sign
+        QVERIFY(table->item(1, 1)->font().italic());
+        QCOMPARE(table->item(1, 1)->data(Qt::AccessibleTextRole).toString(), "aloud");
     }
 
     void framesTheColourInWhite()
