@@ -63,7 +63,7 @@ build() {
 startVirtualDisplay() {
     local numberFile
     numberFile=$(mktemp)
-    Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp 3>"$numberFile" >/dev/null 2>&1 &
+    Xvfb -displayfd 3 -screen 0 "$1x24" -dpi 96 -nolisten tcp 3>"$numberFile" >/dev/null 2>&1 &
     displayProcess=$!
     local waited=0
     until [ -s "$numberFile" ]; do

@@ -8,17 +8,19 @@
 struct PictureOrder {
     QString output; ///< file name of the PNG
     QSize size = QSize(1280, 800);
-    int instruments = 1;    ///< how many the program has to find by itself
+    int instruments = 1;    ///< how many the program has to find by itself; 0: it shall not search
     int patience = 120;     ///< seconds until they have to measure
     int seconds = 45;       ///< how long they measure before the picture is taken
     QString portsDirectory; ///< the only place of ports; empty: the ports of the user
-    bool showAll = false;   ///< the curves of all instruments, not those of the first alone
+    QString window;         ///< one of windowScenes(), to be taken; empty: none
     QString plot;           ///< one of plotScenes(), to be seen on the plot; empty: none
     QString results;        ///< one of resultsScenes(), to be taken instead; empty: none
     QString settings;       ///< one of settingsScenes(), to be taken instead; empty: none
-    bool discovery = false; ///< the discovery dialog that waits for the operator, not the window
     QString error;          ///< not empty: the command line makes no sense
 };
+
+/** What can be taken of the window as a whole, and of what opens over it. */
+QStringList windowScenes();
 
 /** What can be done on the plot before the picture is taken. */
 QStringList plotScenes();

@@ -10,6 +10,8 @@
 #include <QComboBox>
 #include <QGroupBox>
 #include <QKeyEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTableWidget>
 #include <QTabWidget>
 #include <QTimer>
@@ -75,15 +77,35 @@ bool SettingsDriver::play(const QString &scene, const Take &take)
     auto *const tabs = find<QTabWidget>(m_dialog, "tabWidget");
     if (scene == QLatin1String("channels"))
         change();
+    else if (scene == QLatin1String("snapshots"))
+        searchSnapshots();
     else if (scene == QLatin1String("references"))
         tabs->setCurrentIndex(2);
     else if (scene == QLatin1String("shifts"))
         tabs->setCurrentIndex(3);
     else if (scene == QLatin1String("service"))
         unlock();
-    else
+    else if (scene != QLatin1String("general"))
         return edit(scene, take);
     return take(m_dialog);
+}
+
+/** Two configurations are stored beside the factory's and found again; what was set after that is
+ *  in none of them. */
+void SettingsDriver::searchSnapshots()
+{
+    auto *const description = find<QPlainTextEdit>(m_dialog, "infoText");
+    auto *const rounding = find<QComboBox>(m_dialog, "devMeasRoundCB");
+    const QStringList descriptions = {QStringLiteral("Градуировка, вода 25 °С"),
+                                      QStringLiteral("Поверка, до 0.01 °С")};
+    for (const QString &text : descriptions) {
+        rounding->setCurrentIndex(rounding->currentIndex() == 1 ? 2 : 1);
+        description->setPlainText(text);
+        find<QAbstractButton>(m_dialog, "addDBBtn")->click();
+    }
+    find<QComboBox>(m_dialog, "devMeasTimeCB")->setCurrentIndex(2);
+    find<QLineEdit>(m_dialog, "dbSearchEdit")->setText(firstImage(m_window).getDevName(false));
+    find<QComboBox>(m_dialog, "dbFindCB")->showPopup();
 }
 
 /** What Apply would change is marked. */

@@ -22,6 +22,7 @@ public:
 
 private:
     void change();
+    void searchSnapshots();
     void unlock();
     bool edit(const QString &scene, const Take &take);
 
