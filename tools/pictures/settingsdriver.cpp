@@ -12,6 +12,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QSqlQuery>
 #include <QTableWidget>
 #include <QTabWidget>
 #include <QTimer>
@@ -90,20 +91,22 @@ bool SettingsDriver::play(const QString &scene, const Take &take)
     return take(m_dialog);
 }
 
-/** Two configurations are stored beside the factory's and found again; what was set after that is
- *  in none of them. */
+/** Two configurations are stored beside the factory's, a month apart, and found again; what has
+ *  been set after that is in none of them. */
 void SettingsDriver::searchSnapshots()
 {
     auto *const description = find<QPlainTextEdit>(m_dialog, "infoText");
-    auto *const rounding = find<QComboBox>(m_dialog, "devMeasRoundCB");
-    const QStringList descriptions = {QStringLiteral("Градуировка, вода 25 °С"),
-                                      QStringLiteral("Поверка, до 0.01 °С")};
+    auto *const time = find<QComboBox>(m_dialog, "devMeasTimeCB");
+    const QStringList descriptions = {QStringLiteral("Градуировка термопар"),
+                                      QStringLiteral("Поверка термометров")};
     for (const QString &text : descriptions) {
-        rounding->setCurrentIndex(rounding->currentIndex() == 1 ? 2 : 1);
+        QSqlQuery(QStringLiteral("UPDATE device_snapshot SET device_snapshot_datetime = strftime("
+                                 "'%Y-%m-%dT%H:%M:%S', device_snapshot_datetime, '-1 month')"));
+        time->setCurrentIndex(time->currentIndex() + 1);
         description->setPlainText(text);
         find<QAbstractButton>(m_dialog, "addDBBtn")->click();
     }
-    find<QComboBox>(m_dialog, "devMeasTimeCB")->setCurrentIndex(2);
+    time->setCurrentIndex(time->currentIndex() + 1);
     find<QLineEdit>(m_dialog, "dbSearchEdit")->setText(firstImage(m_window).getDevName(false));
     find<QComboBox>(m_dialog, "dbFindCB")->showPopup();
 }

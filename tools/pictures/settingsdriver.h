@@ -16,8 +16,8 @@ public:
     /** Takes the picture of a widget; false when it cannot. */
     using Take = std::function<bool(QWidget *)>;
 
-    /** Opens the settings, plays one of settingsScenes() and has a picture taken of what there is
-     *  to see. */
+    /** Opens the settings, plays a scene of PictureOrder::settings and has a picture taken of what
+     * there is to see. */
     bool play(const QString &scene, const Take &take);
 
 private:

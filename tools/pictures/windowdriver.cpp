@@ -84,7 +84,7 @@ QList<int> WindowDriver::rowsByNumber() const
 
 QString WindowDriver::numberAt(int row) const
 {
-    return table("devTable")->item(row, InstrumentColumn::Number)->text();
+    return table("devTable")->model()->index(row, InstrumentColumn::Number).data().toString();
 }
 
 void WindowDriver::clickInstrument(int row, int column)
@@ -106,15 +106,19 @@ void WindowDriver::showAllInstruments()
 }
 
 /** The menu of a button runs an event loop of its own. */
-bool WindowDriver::withMenu(const char *buttonName, const std::function<bool(QMenu *)> &use)
+bool WindowDriver::withMenu(const char *buttonName, const std::function<void(QMenu *)> &use)
 {
     constexpr int openingMs = 300;
     auto *const button = m_window->findChild<QPushButton *>(QLatin1String(buttonName));
-    bool isDone = false;
-    QTimer::singleShot(openingMs, this, [&isDone, &use, button] {
-        isDone = button->menu()->isVisible() && use(button->menu());
+    bool isOpen = false;
+    QTimer whenOpen;
+    whenOpen.setSingleShot(true);
+    connect(&whenOpen, &QTimer::timeout, this, [&isOpen, &use, button] {
+        isOpen = button->menu()->isVisible();
+        use(button->menu());
         button->menu()->close();
     });
+    whenOpen.start(openingMs);
     button->click();
-    return isDone;
+    return isOpen;
 }

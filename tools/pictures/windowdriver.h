@@ -26,7 +26,7 @@ public:
 
     /** The instruments by their rows in the table, from the lowest number to the highest. */
     QList<int> rowsByNumber() const;
-    /** The number of the instrument in a row, as a text. */
+    /** The number of the instrument in a row, as a text; empty for the header. */
     QString numberAt(int row) const;
     /** Clicks a cell of the table of the instruments, or of the channels. */
     void clickInstrument(int row, int column);
@@ -34,9 +34,9 @@ public:
     /** Ticks the box of every instrument. */
     void showAllInstruments();
 
-    /** Presses a button whose menu stays open meanwhile, and closes the menu; false when none
-     *  opens, or when that is the answer. */
-    bool withMenu(const char *buttonName, const std::function<bool(QMenu *)> &use);
+    /** Presses a button, lets its menu be used while it is open, and closes it; false when it does
+     *  not open. */
+    bool withMenu(const char *buttonName, const std::function<void(QMenu *)> &use);
 
 private:
     QTableWidget *table(const char *name) const;

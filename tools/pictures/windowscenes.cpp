@@ -13,6 +13,8 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QHash>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
@@ -24,7 +26,6 @@ namespace
 
 constexpr int settlingMs = 3000; ///< until the plot follows what was chosen
 constexpr int openingMs = 300;   ///< until a menu is open
-constexpr int differenceRow = 3; ///< of the channel whose difference is shown
 
 void clickEntry(QMenu *menu, const QAction *entry)
 {
@@ -49,21 +50,22 @@ WindowScenes::WindowScenes(MainWindow *window, WindowDriver *driver, const Pictu
 
 bool WindowScenes::play(const QString &scene)
 {
-    if (scene == QLatin1String("instruments"))
-        return playInstruments();
-    if (scene == QLatin1String("manual"))
-        return playManual();
-    if (scene == QLatin1String("discovery"))
-        return playDiscovery();
-    if (scene == QLatin1String("difference"))
-        return playDifference();
-    if (scene == QLatin1String("lost"))
-        return playLost();
-    if (scene == QLatin1String("logger"))
-        return playLogger();
-    if (scene == QLatin1String("about"))
-        return playAbout();
-    return take(m_window); // empty
+    const QHash<QString, bool (WindowScenes::*)()> plays = {
+        {QStringLiteral("empty"), &WindowScenes::playEmpty},
+        {QStringLiteral("instruments"), &WindowScenes::playInstruments},
+        {QStringLiteral("manual"), &WindowScenes::playManual},
+        {QStringLiteral("discovery"), &WindowScenes::playDiscovery},
+        {QStringLiteral("difference"), &WindowScenes::playDifference},
+        {QStringLiteral("lost"), &WindowScenes::playLost},
+        {QStringLiteral("logger"), &WindowScenes::playLogger},
+        {QStringLiteral("about"), &WindowScenes::playAbout}};
+    return (this->*plays.value(scene))();
+}
+
+bool WindowScenes::playEmpty()
+{
+    const auto *const hint = m_window->findChild<QLabel *>(QStringLiteral("instrumentHint"));
+    return hint->isVisible() ? take(m_window) : complain("The hint about instruments");
 }
 
 bool WindowScenes::playInstruments()
@@ -75,7 +77,10 @@ bool WindowScenes::playInstruments()
 
 bool WindowScenes::playManual()
 {
-    return m_driver->withMenu("addDevBtn", [this](const QMenu *) { return take(m_window); });
+    bool isTaken = false;
+    const bool isOpen = m_driver->withMenu(
+        "addDevBtn", [this, &isTaken](const QMenu *) { isTaken = take(m_window); });
+    return isOpen ? isTaken : complain("The menu of ports");
 }
 
 bool WindowScenes::playDiscovery()
@@ -86,20 +91,17 @@ bool WindowScenes::playDiscovery()
 /** A channel against the first one of another instrument, with the menu that chooses it. */
 bool WindowScenes::playDifference()
 {
-    for (const bool isChosen : {false, true}) {
-        QMenu *const channels = openReferences(differenceRow);
-        if (!channels)
-            return complain("The menu of references");
-        if (isChosen)
-            break;
-        clickEntry(channels, channels->actions().first());
-        m_driver->clickChannel(differenceRow, ChannelColumn::Value);
-        waitMs(settlingMs);
-    }
-    return take(m_window);
+    constexpr int row = 3;
+    QMenu *const channels = openReferences(row);
+    if (!channels)
+        return complain("The menu of references");
+    clickEntry(channels, channels->actions().first());
+    m_driver->clickChannel(row, ChannelColumn::Value);
+    waitMs(settlingMs);
+    return openReferences(row) ? take(m_window) : complain("The menu of references");
 }
 
-/** Opens the menu of references of a channel, and in it the instrument with the highest number. */
+/** Opens the menu of references of a channel, and in it the instrument with the second number. */
 QMenu *WindowScenes::openReferences(int row) const
 {
     m_driver->clickChannel(row, ChannelColumn::Reference);
@@ -107,11 +109,10 @@ QMenu *WindowScenes::openReferences(int row) const
     auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
     if (!menu)
         return nullptr;
-    const QString reference =
-        m_driver->numberAt(m_driver->rowsByNumber().last()); // as the titles of the entries end
+    const QString number = m_driver->numberAt(m_driver->rowsByNumber().value(1));
     const auto entries = menu->actions();
     for (const QAction *entry : entries) {
-        if (!entry->menu() || !entry->text().endsWith(reference))
+        if (!entry->menu() || !entry->text().endsWith(number))
             continue;
         clickEntry(menu, entry);
         return entry->menu()->isVisible() ? entry->menu() : nullptr;
@@ -147,10 +148,13 @@ bool WindowScenes::playLogger()
     }
     if (!waitUntil([&isRead] { return isRead; }, QStringLiteral("The logger"), m_order.patience))
         return false;
-    PlotDriver(m_window).showAllChannels();
+    PlotDriver plot(m_window);
+    plot.showAllChannels();
+    for (const char *button : {"modeBtn", "modeXBtn"}) // all of it, by the clock
+        plot.press(button);
     waitMs(settlingMs);
     openCard();
-    return take(m_window);
+    return m_window->instrumentCard()->isVisible() ? take(m_window) : complain("The card");
 }
 
 void WindowScenes::openCard() const
@@ -161,10 +165,8 @@ void WindowScenes::openCard() const
 
 bool WindowScenes::playAbout()
 {
-    m_driver->withMenu("settingsBtn", [](QMenu *menu) {
-        clickEntry(menu, menu->actions().last());
-        return true;
-    });
+    m_driver->withMenu("settingsBtn",
+                       [](QMenu *menu) { clickEntry(menu, menu->actions().last()); });
     auto *const about = m_window->findChild<QDialog *>(QStringLiteral("appconf"));
     if (!about->isVisible())
         return complain("The about dialog");
@@ -173,7 +175,7 @@ bool WindowScenes::playAbout()
     database->setText(database->text().replace(
         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation),
         QStringLiteral("/home/user/.local/share")));
-    about->resize(about->width() + 40, about->height()); // which is read whole then
+    about->resize(about->width() + 60, about->height()); // which is read whole then
     return take(about);
 }
 

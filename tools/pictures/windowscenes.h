@@ -19,10 +19,11 @@ class WindowScenes
 public:
     WindowScenes(MainWindow *window, WindowDriver *driver, const PictureOrder &order);
 
-    /** Plays one of windowScenes(). */
+    /** Plays a scene of PictureOrder::window. */
     bool play(const QString &scene);
 
 private:
+    bool playEmpty();
     bool playInstruments();
     bool playManual();
     bool playDiscovery();
