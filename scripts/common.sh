@@ -65,7 +65,7 @@ build() {
 startVirtualDisplay() {
     local numberFile
     numberFile=$(mktemp)
-    Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp 3>"$numberFile" >/dev/null 2>&1 &
+    Xvfb -displayfd 3 -screen 0 "$1x24" -dpi 96 -nolisten tcp 3>"$numberFile" >/dev/null 2>&1 &
     displayProcess=$!
     local waited=0
     until [ -s "$numberFile" ]; do
@@ -111,4 +111,15 @@ simulate() {
         waited=$((waited + 1))
         [ $waited -lt 100 ] || { say "The simulated instrument $name did not start."; return 1; }
     done
+}
+
+# simulateThree <option>... : three instruments whose sensors stand in neighbouring baths that settle;
+# the options are those of the third.
+simulateThree() {
+    simulate SIM1 --model "NOX B" --serial 1234 --seed 1 --rate 8 \
+        --start 23.50 --set-point 25.00 --settling 30 --noise 3
+    simulate SIM2 --model "NOX CM1 rev.4" --serial 4071 --own-name "Bath 2" --seed 2 --rate 16 \
+        --start 23.35 --set-point 24.85 --settling 32 --noise 3
+    simulate SIM3 --model "NOX D" --serial 2218 --seed 3 --rate 8 \
+        --start 23.65 --set-point 25.15 --settling 28 --noise 3 "$@"
 }

@@ -2,32 +2,22 @@
 
 #include <QSize>
 #include <QString>
-#include <QStringList>
 
 /** What the command line asks for. */
 struct PictureOrder {
     QString output; ///< file name of the PNG
     QSize size = QSize(1280, 800);
-    int instruments = 1;    ///< how many the program has to find by itself
-    int patience = 120;     ///< seconds until they have to measure
+    int instruments = 1;    ///< how many the program has to find by itself; 0: it shall not search
+    int patience = 120;     ///< seconds until what is waited for has to come
     int seconds = 45;       ///< how long they measure before the picture is taken
     QString portsDirectory; ///< the only place of ports; empty: the ports of the user
-    bool showAll = false;   ///< the curves of all instruments, not those of the first alone
-    QString plot;           ///< one of plotScenes(), to be seen on the plot; empty: none
-    QString results;        ///< one of resultsScenes(), to be taken instead; empty: none
-    QString settings;       ///< one of settingsScenes(), to be taken instead; empty: none
-    bool discovery = false; ///< the discovery dialog that waits for the operator, not the window
-    QString error;          ///< not empty: the command line makes no sense
+    // One of these says what is to be seen; the window as it is when all are empty.
+    QString window;   ///< a scene of the window as a whole, and of what opens over it
+    QString plot;     ///< what is done on the plot
+    QString results;  ///< of results on their way into files and back
+    QString settings; ///< of the settings of an instrument
+    QString error;    ///< not empty: the command line makes no sense
 };
-
-/** What can be done on the plot before the picture is taken. */
-QStringList plotScenes();
-
-/** What can be taken of results on their way into files and back. */
-QStringList resultsScenes();
-
-/** What can be taken of the settings of an instrument. */
-QStringList settingsScenes();
 
 /** Reads the command line of the application; ends the program for --help. */
 PictureOrder readPictureOrder();

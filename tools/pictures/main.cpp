@@ -1,73 +1,37 @@
 #include "app/mainwindow.h"
+#include "app/rowcontent.h"
 #include "commandline.h"
+#include "picture.h"
 #include "plotdriver.h"
-#include "registry/findnox.h"
 #include "resultsdriver.h"
 #include "serial/portcatalog.h"
 #include "settingsdriver.h"
+#include "waiting.h"
 #include "windowdriver.h"
+#include "windowscenes.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QDir>
-#include <QElapsedTimer>
-#include <QEventLoop>
 #include <QFile>
-#include <QPixmap>
+#include <QFont>
+#include <QIcon>
 #include <QStyleFactory>
 #include <QTemporaryDir>
 #include <QTextStream>
-#include <QTimer>
 
-#include <functional>
 #include <memory>
 
 namespace
 {
 
 constexpr int settlingSeconds = 3; ///< for the curves that are switched on at the end
-constexpr int placingMs = 200;
 
-void waitMs(int milliseconds)
-{
-    QEventLoop loop;
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
-    loop.exec();
-}
+// as the program tells them
+constexpr int buildNumber = 110;
+constexpr char buildDate[] = "Mar  5 2024";
 
-/** Waits until there are so many; false when they do not come in time. */
-bool waitFor(int expected, const std::function<int()> &count, int patienceSeconds)
-{
-    constexpr int periodMs = 100;
-    QElapsedTimer waited;
-    waited.start();
-    while (count() < expected && waited.elapsed() < patienceSeconds * 1000)
-        waitMs(periodMs);
-    if (count() >= expected)
-        return true;
-    QTextStream(stderr) << count() << " of " << expected << " instruments came within "
-                        << patienceSeconds << " s\n";
-    return false;
-}
-
-/** What has just been shown gets its place first. */
-bool save(QWidget *widget, const QString &fileName)
-{
-    waitMs(placingMs);
-    if (widget && widget->grab().save(fileName, "PNG"))
-        return true;
-    QTextStream(stderr) << fileName << ": cannot be written\n";
-    return false;
-}
-
-bool takeDiscovery(const PictureOrder &order, MainWindow &window, const WindowDriver &driver)
-{
-    return waitFor(
-               order.instruments, [&driver] { return driver.waitingInstruments(); },
-               order.patience) &&
-           save(window.discovery(), order.output);
-}
-
-void playScene(const QString &scene, PlotDriver &plot)
+void playPlot(const QString &scene, PlotDriver &plot)
 {
     if (scene == QLatin1String("measure"))
         plot.measure({0.08, 0.55}, {0.36, 0.3});
@@ -84,27 +48,34 @@ QWidget *playResults(const QString &scene, ResultsDriver &results)
     return scene == QLatin1String("export") ? results.exportTable() : results.readBack();
 }
 
-bool takeWindow(const PictureOrder &order, MainWindow &window, WindowDriver &driver)
+/** Waits until the instruments have measured for a while, the first of them the current one. */
+bool awaitInstruments(const PictureOrder &order, WindowDriver &driver)
 {
-    if (!waitFor(
-            order.instruments, [&driver] { return driver.measuringInstruments(); }, order.patience))
+    if (order.instruments == 0)
+        return driver.dismissSearch(order.patience);
+    if (!driver.awaitMeasuring(order.instruments, order.patience))
         return false;
     waitMs(qMax(0, order.seconds - settlingSeconds) * 1000);
-    driver.clickFirstInstrument();
-    if (order.showAll)
-        driver.showAllInstruments();
+    driver.clickInstrument(driver.rowsByNumber().first(), InstrumentColumn::Name);
+    return true;
+}
+
+bool takeScene(const PictureOrder &order, MainWindow &window, WindowDriver &driver)
+{
+    if (!order.window.isEmpty())
+        return WindowScenes(&window, &driver, order).play(order.window);
     PlotDriver plot(&window);
     if (!order.plot.isEmpty())
         plot.showAllChannels();
-    playScene(order.plot, plot);
+    playPlot(order.plot, plot);
     waitMs(qMin(order.seconds, settlingSeconds) * 1000);
+    const auto take = [&order](QWidget *seen) { return seen && savePicture(seen, order.output); };
     if (!order.settings.isEmpty())
-        return SettingsDriver(&window).play(
-            order.settings, [&order](QWidget *seen) { return save(seen, order.output); });
+        return SettingsDriver(&window).play(order.settings, take);
     if (order.results.isEmpty())
-        return save(&window, order.output);
+        return take(&window);
     ResultsDriver results(&window);
-    return save(playResults(order.results, results), order.output);
+    return take(playResults(order.results, results));
 }
 
 bool takePicture(const PictureOrder &order)
@@ -112,17 +83,38 @@ bool takePicture(const PictureOrder &order)
     if (!order.portsDirectory.isEmpty())
         PortCatalog::setCurrent(std::make_unique<VirtualPortCatalog>(order.portsDirectory));
     MainWindow window;
+    window.setProperty("BUILD_NUMBER", buildNumber);
+    window.setProperty("BUILD_DATE", QString::fromLatin1(buildDate));
     window.resize(order.size);
     window.show();
+    window.activateWindow();
+    QCursor::setPos(window.rect().bottomRight()); // off the plot, which would tell its place
     WindowDriver driver(&window);
-    return order.discovery ? takeDiscovery(order, window, driver)
-                           : takeWindow(order, window, driver);
+    return awaitInstruments(order, driver) && takeScene(order, window, driver);
+}
+
+/** That of the program. */
+void setIdentity()
+{
+    QCoreApplication::setOrganizationName(QStringLiteral("Tavrel"));
+    QCoreApplication::setApplicationName(QStringLiteral("nox8"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(NOX8_VERSION));
+}
+
+/** Where no desktop says how large texts are, the letters are smaller than on most desktops. */
+void setTextSize()
+{
+    constexpr int points = 12;
+    QFont font = QApplication::font();
+    font.setPointSize(points);
+    QApplication::setFont(font);
 }
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
+    setIdentity();
     // a database of its own, made anew: a picture shows nothing that the user has stored
     const QTemporaryDir dataFolder;
     qputenv("XDG_DATA_HOME", QFile::encodeName(dataFolder.path()));
@@ -131,6 +123,8 @@ int main(int argc, char *argv[])
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     const QApplication application(argc, argv);
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/resource/images/nox8.svg")));
+    setTextSize();
 
     const PictureOrder order = readPictureOrder();
     QDir::setCurrent(dataFolder.path()); // files of results go with it

@@ -22,8 +22,10 @@ public:
     /** Places an upper and a lower limit. */
     void placeLimits(double upper, double lower);
 
-private:
+    /** Presses a button of the window. */
     void press(const char *buttonName);
+
+private:
     QPoint place(const QPointF &share) const;
 
     MainWindow *m_window;

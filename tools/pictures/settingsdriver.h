@@ -16,12 +16,13 @@ public:
     /** Takes the picture of a widget; false when it cannot. */
     using Take = std::function<bool(QWidget *)>;
 
-    /** Opens the settings, plays one of settingsScenes() and has a picture taken of what there is
-     *  to see. */
+    /** Opens the settings, plays a scene of PictureOrder::settings and has a picture taken of what
+     * there is to see. */
     bool play(const QString &scene, const Take &take);
 
 private:
     void change();
+    void searchSnapshots();
     void unlock();
     bool edit(const QString &scene, const Take &take);
 
