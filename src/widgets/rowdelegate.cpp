@@ -45,7 +45,7 @@ void paintAlarm(QPainter *painter, const QRect &cell)
     QFont font = painter->font();
     font.setBold(true);
     painter->setFont(font);
-    painter->setPen(QColor(198, 40, 40));
+    painter->setPen(QColor(163, 21, 21));
     painter->drawText(QRect(cell.topLeft(), QSize(width, cell.height())), Qt::AlignCenter,
                       QStringLiteral("!"));
 }
