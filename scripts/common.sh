@@ -119,7 +119,7 @@ simulateThree() {
     simulate SIM1 --model "NOX B" --serial 1234 --seed 1 --rate 8 \
         --start 23.50 --set-point 25.00 --settling 30 --noise 3
     simulate SIM2 --model "NOX CM1 rev.4" --serial 4071 --own-name "Bath 2" --seed 2 --rate 16 \
-        --start 23.35 --set-point 24.85 --settling 32 --noise 3
+        --start 23.38 --set-point 24.88 --settling 32 --noise 3
     simulate SIM3 --model "NOX D" --serial 2218 --seed 3 --rate 8 \
-        --start 23.65 --set-point 25.15 --settling 28 --noise 3 "$@"
+        --start 23.58 --set-point 25.06 --settling 28 --noise 3 "$@"
 }
