@@ -250,8 +250,8 @@ void PlotInteraction::clickLeft(const QPointF &point)
 
 void PlotInteraction::stepBack()
 {
-    if (m_pickers.zoomer()->isActive())
-        m_pickers.zoomer()->reset(); // a rectangle given up is none
+    if (isPullingRectangle())
+        giveUpRectangle();
     else if (mode() == ModeMeasure && m_measurement.hasFirst())
         resetMeasurement();
     else if (mode() == ModeMeasure || mode() == ModeZoom || mode() == ModeScroll)

@@ -56,6 +56,10 @@ public:
     void zoom(bool coarser, const QPointF &centre);
     /** Leads out of what the mode shows, step by step, as a click with the right button does. */
     void stepBack();
+    /** True from the first corner of a rectangle to the second. */
+    bool isPullingRectangle() const { return m_pickers.zoomer()->isActive(); }
+    /** Forgets a rectangle of which one corner is set. */
+    void giveUpRectangle() { m_pickers.zoomer()->reset(); }
     /** Middle of a view in which a chosen scale takes effect: in the zoom mode, of the last zoom.
      */
     QPointF middleOfView() const;

@@ -22,10 +22,12 @@ public:
     }
 
     QPoint place() const { return m_place; }
+    /** Moves to a place, or to the edge of the canvas nearest to it. */
     void moveTo(const QPoint &place)
     {
-        m_place = place;
-        resize(parentWidget()->size());
+        const QSize size = parentWidget()->size();
+        m_place = {qBound(0, place.x(), size.width() - 1), qBound(0, place.y(), size.height() - 1)};
+        resize(size);
         updateOverlay();
     }
 
@@ -90,9 +92,12 @@ bool PlotKeys::eventFilter(QObject *watched, QEvent *event)
     case QEvent::MouseMove:
     case QEvent::MouseButtonPress:
     case QEvent::FocusOut:
-    case QEvent::Resize:
         if (watched == m_plot->canvas() && !m_isSending)
             takeCrossAway();
+        return false;
+    case QEvent::Resize:
+        if (m_cross->isVisible()) // moving shows it
+            m_cross->moveTo(m_cross->place());
         return false;
     default:
         return false;
@@ -101,6 +106,8 @@ bool PlotKeys::eventFilter(QObject *watched, QEvent *event)
 
 bool PlotKeys::press(const QKeyEvent *event)
 {
+    if (event->modifiers() & (Qt::AltModifier | Qt::MetaModifier))
+        return false; // of the desktop
     switch (event->key()) {
     case Qt::Key_Plus:
     case Qt::Key_Equal: // the same key without Shift
@@ -158,7 +165,6 @@ void PlotKeys::zoom(bool coarser)
 
 void PlotKeys::stepBack()
 {
-    m_isHolding = false;
     m_plot->canvas()->setFocus(); // the values beside a point may go
     m_interaction.stepBack();
 }
@@ -177,8 +183,7 @@ void PlotKeys::showCrossAt(const QPoint &place)
     QWidget *const canvas = m_plot->canvas();
     if (!m_cross->isVisible())
         m_canvasName = canvas->accessibleName();
-    m_cross->moveTo(
-        {qBound(0, place.x(), canvas->width() - 1), qBound(0, place.y(), canvas->height() - 1)});
+    m_cross->moveTo(place);
     m_cross->show();
     send(QEvent::MouseMove, Qt::NoButton);
     canvas->setAccessibleName(m_canvasName + QStringLiteral(": ") +
@@ -190,7 +195,7 @@ void PlotKeys::takeCrossAway()
     if (!m_cross->isVisible())
         return;
     QWidget *const canvas = m_plot->canvas();
-    m_isHolding = false;
+    m_interaction.giveUpRectangle();
     m_cross->hide();
     canvas->setAccessibleName(m_canvasName);
     if (canvas->underMouse())
@@ -204,11 +209,10 @@ void PlotKeys::click()
 {
     if (!m_cross->isVisible())
         return moveCross({}); // so that it is seen where a click will be
-    const bool pulls = m_plot->getChMode() == ModeZoom && !m_isHolding;
-    if (!m_isHolding)
+    const bool isSecond = m_interaction.isPullingRectangle();
+    if (!isSecond)
         send(QEvent::MouseButtonPress, Qt::LeftButton);
-    m_isHolding = pulls;
-    if (!pulls)
+    if (isSecond || !m_interaction.isPullingRectangle())
         send(QEvent::MouseButtonRelease, Qt::LeftButton);
 }
 
@@ -217,8 +221,8 @@ void PlotKeys::send(QEvent::Type type, Qt::MouseButton button)
     const QScopedValueRollback<bool> sending(m_isSending, true);
     QWidget *const canvas = m_plot->canvas();
     const QPoint place = m_cross->place();
-    const bool isDown =
-        type == QEvent::MouseButtonPress || (m_isHolding && type == QEvent::MouseMove);
+    const bool isDown = type == QEvent::MouseButtonPress ||
+                        (type == QEvent::MouseMove && m_interaction.isPullingRectangle());
     QMouseEvent event(type, place, canvas->mapTo(canvas->window(), place),
                       canvas->mapToGlobal(place), button, isDown ? Qt::LeftButton : Qt::NoButton,
                       Qt::NoModifier);

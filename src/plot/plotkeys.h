@@ -44,6 +44,5 @@ private:
     PlotInteraction &m_interaction;
     KeyCross *m_cross;        ///< owned by the canvas
     QString m_canvasName;     ///< accessible name of the canvas while no cross is on it
-    bool m_isHolding = false; ///< the first corner of a rectangle is set
     bool m_isSending = false; ///< an event on the canvas is one of ours
 };

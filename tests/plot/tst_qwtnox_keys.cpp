@@ -132,6 +132,17 @@ private slots:
         press(Qt::Key_Up, ctrl, 10);
         press(Qt::Key_Return);
         QVERIFY(stepX() < 10);
+        const QString zoomed = seenViews();
+        press(Qt::Key_Return);
+        plot().setChMode(ModeMeasure); // while one corner is set
+        plot().setChMode(ModeZoom);
+        press(Qt::Key_Left, ctrl, 5);
+        press(Qt::Key_Return); // is the first again
+        press(Qt::Key_Left, ctrl, 5);
+        plot().canvas()->clearFocus(); // away from a pulled rectangle
+        plot().canvas()->setFocus();
+        press(Qt::Key_Left, Qt::AltModifier);
+        QCOMPARE(seenViews() + plot().getChModeLabel(), zoomed + "УВЕЛИЧЕНИЕ");
         QCOMPARE(plot().axisInterval(QwtPlot::xBottom).minValue(), left);
 
         plot().setModeTrack(TrackUpper);
