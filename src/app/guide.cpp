@@ -21,8 +21,8 @@ QString pathOf(const QString &page)
                            QStringLiteral(".html"));
 }
 
-/** The page that tells of a window. */
-QString pageOf(const QWidget *window)
+/** The page that tells of a widget, or of the window over which it has opened. */
+QString pageOf(const QWidget *widget)
 {
     struct Subject {
         const char *windowClass;
@@ -36,9 +36,10 @@ QString pageOf(const QWidget *window)
                                     {"devConfUI", "configure"},
                                     {"featconfui", "characteristics"},
                                     {"tpReperUI", "characteristics"}};
-    for (const Subject &subject : subjects)
-        if (window->inherits(subject.windowClass))
-            return QString::fromLatin1(subject.page);
+    for (; widget; widget = widget->parentWidget())
+        for (const Subject &subject : subjects)
+            if (widget->inherits(subject.windowClass))
+                return QString::fromLatin1(subject.page);
     return QStringLiteral("index");
 }
 
@@ -72,8 +73,8 @@ bool GuideKey::eventFilter(QObject *watched, QEvent *event)
     const auto *const key = static_cast<QKeyEvent *>(event);
     if (!key->matches(QKeySequence::HelpContents))
         return false;
-    QWidget *const window = static_cast<QWidget *>(watched)->window();
+    auto *const widget = static_cast<QWidget *>(watched);
     if (!key->isAutoRepeat())
-        openGuide(window, pageOf(window));
+        openGuide(widget->window(), pageOf(widget));
     return true;
 }

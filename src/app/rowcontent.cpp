@@ -73,6 +73,7 @@ void showExchange(RowContent &row)
 {
     using namespace InstrumentColumn;
     row[Value].sign = CellSign::Waiting;
+    row[Value].spoken = RowTexts::tr("%1, идёт обмен").arg(row[Value].text);
     for (const int column : {Value, Unit, Channel})
         row[column].toolTip = RowTexts::tr("Идёт обмен с прибором, измерения появятся после него");
 }
@@ -132,6 +133,8 @@ RowContent instrumentRow(const InstrumentState &state)
     row[Show].toolTip = RowTexts::tr("Показать или скрыть графики прибора (Пробел)");
     row[Show].spoken = state.shown ? RowTexts::tr("показаны") : RowTexts::tr("скрыты");
     row[Name].text = state.name;
+    if (!state.connected)
+        row[Name].spoken = RowTexts::tr("%1, нет связи").arg(state.name);
     row[Name].toolTip = asToolTip(state.name); // the column may be too narrow for it
     row[Number].text = state.number;
     row[Value].text = state.mark == ValueMark::Rejected ? missingValue() : state.value;
@@ -155,6 +158,8 @@ RowContent channelRow(const ChannelState &state)
     row[Number].spoken =
         RowTexts::tr("%1, график %2")
             .arg(row[Number].text, state.shown ? RowTexts::tr("показан") : RowTexts::tr("скрыт"));
+    if (state.inactive)
+        row[Number].spoken += RowTexts::tr(", канал выключен");
     row[Number].swatch = state.shown ? state.color : QColor(Qt::transparent);
     row[Number].toolTip = RowTexts::tr("Левая кнопка мыши (Пробел): показать или скрыть график\n"
                                        "Правая кнопка мыши (Menu): выбрать цвет графика");

@@ -49,6 +49,7 @@ void ConnectMenu::addNote(const QString &text)
     label->setMargin(margin);
     label->setFixedSize(width, label->heightForWidth(width));
     auto *const note = new QWidgetAction(this);
+    note->setText(text); // not seen, but said
     note->setDefaultWidget(label);
     addAction(note);
 }
@@ -80,6 +81,7 @@ QCheckBox *SettingsMenu::addSwitch(const QString &title, const QString &key)
         m_database->setAppProperty(key, checked);
     });
     auto *const action = new QWidgetAction(this);
+    action->setText(title); // not seen, but said
     action->setDefaultWidget(box);
     addAction(action);
     return box;

@@ -82,11 +82,22 @@ QPixmap swatchPixmap(const QColor &color, int scale)
     return pixmap;
 }
 
+/** A cell whose tool tip is said too. */
+class SpokenItem : public QTableWidgetItem
+{
+public:
+    QVariant data(int role) const override
+    {
+        const bool isDescription = role == Qt::AccessibleDescriptionRole;
+        return QTableWidgetItem::data(isDescription ? int(Qt::ToolTipRole) : role);
+    }
+};
+
 QTableWidgetItem *itemAt(QTableWidget *table, int row, int column)
 {
     if (QTableWidgetItem *item = table->item(row, column))
         return item;
-    auto *item = new QTableWidgetItem;
+    auto *item = new SpokenItem;
     item->setTextAlignment(Qt::AlignCenter);
     table->setItem(row, column, item);
     return item;
@@ -115,7 +126,7 @@ void paintCell(QTableWidgetItem *item, const CellContent &content)
     item->setForeground(content.textColor);
     item->setBackground(content.background.isValid() ? QBrush(content.background) : QBrush());
     item->setData(signRole, int(content.sign));
-    item->setData(Qt::AccessibleTextRole, content.spoken.isEmpty() ? content.text : content.spoken);
+    item->setData(Qt::AccessibleTextRole, content.spoken);
     // a faint colour alone would not tell
     item->setData(Qt::FontRole, content.textColor == Qt::lightGray ? italic() : QVariant());
     paintSwatch(item, content.swatch);

@@ -250,9 +250,7 @@ void PlotInteraction::clickLeft(const QPointF &point)
 
 void PlotInteraction::stepBack()
 {
-    if (isPullingRectangle())
-        giveUpRectangle();
-    else if (mode() == ModeMeasure && m_measurement.hasFirst())
+    if (mode() == ModeMeasure && m_measurement.hasFirst())
         resetMeasurement();
     else if (mode() == ModeMeasure || mode() == ModeZoom || mode() == ModeScroll)
         m_plot->setChMode(ModeFollow);

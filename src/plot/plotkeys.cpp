@@ -166,12 +166,16 @@ void PlotKeys::zoom(bool coarser)
 void PlotKeys::stepBack()
 {
     m_plot->canvas()->setFocus(); // the values beside a point may go
-    m_interaction.stepBack();
+    if (m_interaction.isPullingRectangle())
+        m_interaction.giveUpRectangle();
+    else
+        m_interaction.stepBack();
 }
 
 void PlotKeys::moveCross(const QPoint &way)
 {
-    const QWidget *const canvas = m_plot->canvas();
+    QWidget *const canvas = m_plot->canvas();
+    canvas->setFocus(); // from a value beside a point: the cross goes when the canvas loses it
     if (m_cross->isVisible())
         return showCrossAt(m_cross->place() + way);
     showCrossAt(canvas->underMouse() ? canvas->mapFromGlobal(QCursor::pos())

@@ -3,6 +3,7 @@
 #include "serial/portcatalog.h"
 
 #include <QCoreApplication>
+#include <QMap>
 
 namespace
 {
@@ -10,6 +11,16 @@ namespace
 struct AccessTexts {
     Q_DECLARE_TR_FUNCTIONS(PortAccess)
 };
+
+QString deniedText(const QStringList &names, const QString &group)
+{
+    const QString which = names.size() == 1 ? AccessTexts::tr("Нет доступа к порту %1")
+                                            : AccessTexts::tr("Нет доступа к портам %1");
+    return which.arg(names.join(QStringLiteral(", "))) +
+           AccessTexts::tr(": вступите в группу %1 (sudo usermod -aG %1 $USER) и войдите в систему "
+                           "заново.")
+               .arg(group);
+}
 
 } // namespace
 
@@ -20,20 +31,12 @@ bool isConnectable(const SerialPortEntry &port)
 
 QString deniedPortsText(const QVector<SerialPortEntry> &ports)
 {
-    QStringList names;
-    QString group;
-    for (const SerialPortEntry &port : ports) {
-        if (port.neededGroup.isEmpty())
-            continue;
-        names << port.name;
-        group = port.neededGroup;
-    }
-    if (names.isEmpty())
-        return {};
-    const QString which = names.size() == 1 ? AccessTexts::tr("Нет доступа к порту %1")
-                                            : AccessTexts::tr("Нет доступа к портам %1");
-    return which.arg(names.join(QStringLiteral(", "))) +
-           AccessTexts::tr(": вступите в группу %1 (sudo usermod -aG %1 $USER) и войдите в систему "
-                           "заново.")
-               .arg(group);
+    QMap<QString, QStringList> namesOfGroups;
+    for (const SerialPortEntry &port : ports)
+        if (!port.neededGroup.isEmpty())
+            namesOfGroups[port.neededGroup] << port.name;
+    QStringList texts;
+    for (auto group = namesOfGroups.cbegin(); group != namesOfGroups.cend(); ++group)
+        texts << deniedText(group.value(), group.key());
+    return texts.join(QLatin1Char('\n'));
 }

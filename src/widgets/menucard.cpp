@@ -1,5 +1,6 @@
 #include "widgets/menucard.h"
 
+#include "widgets/accessiblerole.h"
 #include "widgets/wheelguard.h"
 
 #include <QAbstractButton>
@@ -19,6 +20,7 @@ void MenuCard::place()
     auto *const entry = new QWidgetAction(m_menu);
     entry->setDefaultWidget(this);
     m_menu->addAction(entry);
+    setAccessibleRole(m_menu, QAccessible::Dialog); // a menu would tell of no control in it
     guardFromWheel(this);
     connect(m_menu, &QMenu::aboutToShow, this, [this] { setFocus(); });
 }
@@ -26,7 +28,8 @@ void MenuCard::place()
 void MenuCard::showTitle(QLabel *label, const QString &text)
 {
     label->setText(text);
-    setAccessibleName(text);
+    for (QWidget *widget : {static_cast<QWidget *>(this), static_cast<QWidget *>(m_menu)})
+        widget->setAccessibleName(text);
 }
 
 bool MenuCard::takesFocus(const QWidget *widget) const

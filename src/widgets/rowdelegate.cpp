@@ -27,26 +27,28 @@ void paintFocus(QPainter *painter, const QRect &cell)
     painter->drawRect(cell.adjusted(width / 2, width / 2, -width / 2, -width / 2));
 }
 
-/** As many dots at the left of the cell as there are places for one. */
+/** As many dots at the left of the cell as there are places for one, above its text, which may take
+ *  all its width. */
 void paintDots(QPainter *painter, const QRect &cell, std::initializer_list<int> places)
 {
     constexpr int dot = 3;
     constexpr int pitch = 5;
+    constexpr int fromTop = 5;
     QRect dotAt(0, 0, dot, dot);
-    dotAt.moveCenter({cell.left() + 2 * pitch, cell.center().y()});
+    dotAt.moveCenter({cell.left() + 2 * pitch, cell.top() + fromTop});
     for (const int place : places)
         painter->fillRect(dotAt.translated(place * pitch, 0), accentColor());
 }
 
-/** An exclamation mark at the left of the cell. */
+/** An exclamation mark at the left edge of the cell, where a long text leaves some room. */
 void paintAlarm(QPainter *painter, const QRect &cell)
 {
-    constexpr int width = 20;
+    constexpr int margin = 3;
     QFont font = painter->font();
     font.setBold(true);
     painter->setFont(font);
     painter->setPen(QColor(163, 21, 21));
-    painter->drawText(QRect(cell.topLeft(), QSize(width, cell.height())), Qt::AlignCenter,
+    painter->drawText(cell.adjusted(margin, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
                       QStringLiteral("!"));
 }
 

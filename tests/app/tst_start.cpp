@@ -116,16 +116,19 @@ private slots:
         QCOMPARE(find<QLabel>("instrumentHint")->text().section('\n', 1), told);
 
         QMenu *const menu = menuOf("addDevBtn");
-        QCOMPARE(entriesOf(menu), "без подключния, |, ttyUSB0, ttyS1, |, ");
+        QCOMPARE(entriesOf(menu), "без подключния, |, ttyUSB0, ttyS1, |, " + told);
         QCOMPARE(words({menu->actions()[2]->isEnabled(), menu->actions()[3]->isEnabled()}),
                  "false true");
         QCOMPARE(menu->findChild<QLabel *>("accessHint")->text(), told);
 
-        usePorts({{"ttyUSB0", {}, false, "serial"}, {"a", {}, true, "serial"}});
+        usePorts(
+            {{"ttyUSB0", {}, false, "serial"}, {"a", {}, true, "serial"}, {"b", {}, false, "c"}});
         press("findDevBtn");
         const auto *const dialog = find<QDialog>("findNox");
         const auto *const hint = dialog->findChild<QLabel *>("accessHint");
-        QVERIFY(hint->isVisible() && hint->text().startsWith("Нет доступа к портам ttyUSB0, a: "));
+        QVERIFY(hint->isVisible() &&
+                hint->text().contains("к портам ttyUSB0, a: вступите в группу serial"));
+        QVERIFY(hint->text().startsWith("Нет доступа к порту b: вступите в группу c "));
         QVERIFY(hint->height() >= hint->heightForWidth(hint->width()));
         QVERIFY(window->registry()->serialPort()->devices().isEmpty());
         usePorts({});

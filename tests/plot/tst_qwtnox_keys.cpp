@@ -109,6 +109,10 @@ private slots:
         QCOMPARE(value->accessibleName(), "X: " + value->text());
         QCOMPARE(seenCross(), QPoint(-1, -1));
         QCOMPARE(said(), "plot");
+        press(Qt::Key_Up, ctrl); // leads back to the canvas
+        press(Qt::Key_Tab);
+        QVERIFY(qobject_cast<QLabel *>(QApplication::focusWidget()));
+        QCOMPARE(said(), "plot");
         press(Qt::Key_Escape);
         QCOMPARE(state(), "ИЗМЕРЕНИЕ 0");
         QVERIFY(plot().canvas()->hasFocus());

@@ -65,6 +65,11 @@ private slots:
         QTest::keyClick(plot().canvas(), Qt::Key_Escape); // a rectangle given up is none
         mouse().release({400, 300});
         QCOMPARE(seenViews(), views);
+        mouse().pull({200, 100}, {400, 300});
+        mouse().click({400, 300}, Qt::RightButton); // leads out of the mode all the same
+        QCOMPARE(plot().getChModeLabel(), "СЛЕЖЕНИЕ");
+        mouse().release({400, 300});
+        QCOMPARE(plot().getChModeLabel(), "СЛЕЖЕНИЕ");
     }
     void shortWaysAreClicks()
     {
