@@ -8,7 +8,7 @@ buildPackages=(
     libqt5sql5-sqlite libqwt-qt5-dev qttranslations5-l10n
     librsvg2-bin sqlite3 cmark-gfm xvfb fonts-dejavu-core
 )
-testPackages=(clang-format-14 clang-tidy-14 lld imagemagick desktop-file-utils appstream man-db)
+testPackages=(clang-format-14 clang-tidy-14 imagemagick desktop-file-utils appstream man-db)
 packagingPackages=(dpkg-dev file)
 packageCheckPackages=(lintian debootstrap openbox xdotool tesseract-ocr)
 fuzzPackages=(clang-14 libclang-rt-14-dev)
