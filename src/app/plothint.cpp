@@ -1,7 +1,9 @@
 #include "app/plothint.h"
 
+#include "plot/qwtlabelclick.h"
 #include "plot/qwtnox.h"
 
+#include <QApplication>
 #include <QFocusEvent>
 
 QString mouseHint(TmcMode mode)
@@ -56,6 +58,8 @@ PlotHint::PlotHint(QwtNOX *plot, QWidget *parent)
     setTextFormat(Qt::PlainText);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     plot->canvas()->installEventFilter(this);
+    for (QwtLabelClick *value : plot->findChildren<QwtLabelClick *>())
+        value->installEventFilter(this);
     connect(plot, &QwtNOX::onChange, this, &PlotHint::refresh);
     connect(plot, &QwtNOX::onDevChange, this, &PlotHint::refresh);
     refresh();
@@ -87,8 +91,10 @@ bool PlotHint::eventFilter(QObject *, QEvent *event)
         showForKeys(reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason);
     } else if (type == QEvent::KeyPress) {
         showForKeys(true);
-    } else if (type == QEvent::FocusOut || type == QEvent::Enter ||
-               (type == QEvent::MouseMove && event->spontaneous())) {
+    } else if (type == QEvent::FocusOut) {
+        if (!m_plot->isAncestorOf(QApplication::focusWidget()))
+            showForKeys(false);
+    } else if (type == QEvent::Enter || (type == QEvent::MouseMove && event->spontaneous())) {
         showForKeys(false);
     }
     return false;

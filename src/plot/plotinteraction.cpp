@@ -71,6 +71,7 @@ void PlotInteraction::reset()
 {
     m_measurement.reset();
     m_pickers.enableFor(ModeAuto);
+    m_keys.takeCrossAway(); // it would tell of nothing
 }
 
 void PlotInteraction::startMeasurement(const QPointF &point)

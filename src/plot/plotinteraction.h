@@ -98,7 +98,7 @@ private:
     PlotMeasurement m_measurement;
     QwtNoxQwtPlotPicker *m_crossHair; ///< owned by the canvas
     PlotPickers m_pickers;            ///< made after the cross-hair: they see each event before it
-    PlotKeys m_keys;                  ///< made last: pickers know keys of their own
+    PlotKeys m_keys;                  ///< uses the pickers
     QPoint m_pressed;                 ///< where a button went down, in pixels of the plot
     bool m_isRightHeld = false;       ///< the right button is down, and no other
 };

@@ -108,6 +108,13 @@ bool PlotKeys::press(const QKeyEvent *event)
 {
     if (event->modifiers() & (Qt::AltModifier | Qt::MetaModifier))
         return false; // of the desktop
+    const QPoint direction = directionOf(event->key());
+    if (!direction.isNull()) {
+        pressArrow(direction, event->modifiers());
+        return true;
+    }
+    if (event->modifiers() & Qt::ControlModifier)
+        return false; // of whoever gives it a meaning
     switch (event->key()) {
     case Qt::Key_Plus:
     case Qt::Key_Equal: // the same key without Shift
@@ -132,31 +139,29 @@ bool PlotKeys::press(const QKeyEvent *event)
             click();
         return true;
     default:
-        return pressArrow(event->key(), event->modifiers());
+        return false;
     }
 }
 
-bool PlotKeys::pressArrow(int key, Qt::KeyboardModifiers modifiers)
+void PlotKeys::pressArrow(const QPoint &direction, Qt::KeyboardModifiers modifiers)
 {
-    const QPoint direction = directionOf(key);
-    if (direction.isNull())
-        return false;
     if (!modifiers.testFlag(Qt::ControlModifier)) {
         m_interaction.panBySteps(direction.x(), -direction.y());
         if (m_cross->isVisible())
             showCrossAt(m_cross->place()); // which is another point now
-        return true;
+        return;
     }
     const QSize size = m_plot->canvas()->size();
     const bool isFine = modifiers.testFlag(Qt::ShiftModifier);
     moveCross({direction.x() * (isFine ? 1 : qMax(1, size.width() / waysAcross)),
                direction.y() * (isFine ? 1 : qMax(1, size.height() / waysAcross))});
-    return true;
 }
 
 /** Zooms around the cross, where there is one, or else around the mouse. */
 void PlotKeys::zoom(bool coarser)
 {
+    if (m_cross->isVisible())
+        showCrossAt(m_cross->place()); // the data may have moved below it
     const bool isPointed = m_cross->isVisible() || m_plot->canvas()->underMouse();
     m_interaction.zoom(coarser, isPointed ? m_interaction.cursor() : m_interaction.middleOfView());
     if (m_cross->isVisible())
@@ -165,7 +170,7 @@ void PlotKeys::zoom(bool coarser)
 
 void PlotKeys::stepBack()
 {
-    m_plot->canvas()->setFocus(); // the values beside a point may go
+    m_plot->canvas()->setFocus(Qt::TabFocusReason); // the values beside a point may go
     if (m_interaction.isPullingRectangle())
         m_interaction.giveUpRectangle();
     else
@@ -175,7 +180,8 @@ void PlotKeys::stepBack()
 void PlotKeys::moveCross(const QPoint &way)
 {
     QWidget *const canvas = m_plot->canvas();
-    canvas->setFocus(); // from a value beside a point: the cross goes when the canvas loses it
+    canvas->setFocus(
+        Qt::TabFocusReason); // from a value beside a point: the cross goes when the canvas loses it
     if (m_cross->isVisible())
         return showCrossAt(m_cross->place() + way);
     showCrossAt(canvas->underMouse() ? canvas->mapFromGlobal(QCursor::pos())

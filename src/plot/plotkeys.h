@@ -25,18 +25,19 @@ public:
 
     /** Takes the keys of a widget of the plot, before they come to it. */
     void listenTo(QWidget *widget);
+    /** Takes the cross away, with what it has begun. */
+    void takeCrossAway();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     bool press(const QKeyEvent *event);
-    bool pressArrow(int key, Qt::KeyboardModifiers modifiers);
+    void pressArrow(const QPoint &direction, Qt::KeyboardModifiers modifiers);
     void zoom(bool coarser);
     void stepBack();
     void moveCross(const QPoint &way);
     void showCrossAt(const QPoint &place);
-    void takeCrossAway();
     void click();
     void send(QEvent::Type type, Qt::MouseButton button);
 
