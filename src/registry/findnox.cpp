@@ -93,7 +93,7 @@ void findNox::runScan()
     m_ui->scanBtn->setEnabled(false);
     m_ui->progressBar->setRange(0, 0);
     m_ui->progressStack->setCurrentWidget(m_ui->progressBar);
-    const int opened = openFreePorts();
+    const int opened = openFreePorts(ports);
     m_ui->progressBar->setValue(0);
     m_ui->progressBar->setProperty("max", opened);
     tellWhoIsAwaited();
@@ -102,10 +102,9 @@ void findNox::runScan()
 }
 
 /** Opens every free port and asks who is there; how many could be opened. */
-int findNox::openFreePorts()
+int findNox::openFreePorts(const QVector<SerialPortEntry> &ports)
 {
     NOXSerialPort *const serialPort = m_registry->serialPort();
-    const auto ports = PortCatalog::current().ports();
     for (const SerialPortEntry &port : ports) {
         const int devIndex = isConnectable(port) ? serialPort->addDev(port.name) : -1;
         if (devIndex < 0)

@@ -10,6 +10,7 @@
 
 class InstrumentStore;
 class QLabel;
+struct SerialPortEntry;
 
 namespace Ui
 {
@@ -54,7 +55,7 @@ private:
     bool isSearched(const optionsNOX8 &image) const;
 
     void runScan();
-    int openFreePorts();
+    int openFreePorts(const QVector<SerialPortEntry> &ports);
     void tellWhoIsAwaited();
     void showMessage(const QString &text);
     void showIdle(const QString &message);

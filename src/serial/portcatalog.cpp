@@ -38,14 +38,15 @@ bool isLockedByName(const QString &device)
     return false;
 }
 
-/** The group of users that a device is left to; empty when this user may open it. */
-QString groupNeededFor(const QString &device)
+/** A port as far as its device file tells who may open it. */
+SerialPortEntry portOf(const QString &name, const QString &device, bool busy)
 {
+    SerialPortEntry port{name, device, busy};
     const QFileInfo file(device);
-    if (!file.exists() || (file.isReadable() && file.isWritable()))
-        return {};
-    const QString group = file.group();
-    return group.isEmpty() || group == QLatin1String("root") ? QStringLiteral("dialout") : group;
+    port.denied = file.exists() && !(file.isReadable() && file.isWritable());
+    if (port.denied && file.permission(QFile::ReadGroup | QFile::WriteGroup))
+        port.group = file.group();
+    return port;
 }
 
 /** The port that a link is; one with an empty name when its target is not there. */
@@ -54,13 +55,12 @@ SerialPortEntry portOf(const QFileInfo &link)
     if (!link.isSymLink() || !link.exists() || link.isDir())
         return {};
     const QString device = link.canonicalFilePath();
-    return {link.fileName(), device, isLockedByName(device), groupNeededFor(device)};
+    return portOf(link.fileName(), device, isLockedByName(device));
 }
 
 SerialPortEntry portOf(const QSerialPortInfo &port)
 {
-    const QString device = port.systemLocation();
-    return {port.portName(), device, port.isBusy(), groupNeededFor(device)};
+    return portOf(port.portName(), port.systemLocation(), port.isBusy());
 }
 
 } // namespace

@@ -7,10 +7,11 @@
 
 /** One serial port that a user can choose. */
 struct SerialPortEntry {
-    QString name;             ///< what menus and tables show and what callers pass around
-    QString device;           ///< what QSerialPort opens: a system name or the path of a terminal
-    bool busy = false;        ///< another program (or this one) has it open
-    QString neededGroup = {}; ///< whose members may open it; empty when the user may
+    QString name;        ///< what menus and tables show and what callers pass around
+    QString device;      ///< what QSerialPort opens: a system name or the path of a terminal
+    bool busy = false;   ///< another program (or this one) has it open
+    bool denied = false; ///< the user may not open it
+    QString group = {};  ///< whose members may, of one that is denied; empty: none does
 };
 
 /**
