@@ -15,12 +15,13 @@ namespace
 
 constexpr int sideMargin = 8;
 constexpr int unitWidth = 75;
+constexpr int smallestPoints = 10;
 constexpr int valuePoints = 42;
 constexpr int averagePoints = 28;
 
 FittedLabel *addNumber(QFrame *frame, const QString &name, int points, bool bold)
 {
-    auto *label = new FittedLabel(points);
+    auto *label = new FittedLabel(smallestPoints, points);
     label->setObjectName(name);
     QFont font = label->font();
     font.setBold(bold);

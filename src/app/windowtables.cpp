@@ -5,6 +5,7 @@
 #include "widgets/qlabelclick.h"
 #include "widgets/rowdelegate.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QFont>
 #include <QHeaderView>
@@ -20,43 +21,34 @@ namespace
 
 constexpr QSize pictureSize(20, 20);
 constexpr int titleMargin = 2;
+constexpr int smallestPoints = 6;
 constexpr int swatchSize = 16;
 constexpr int swatchFrame = 2;
 constexpr int swatchRole = Qt::UserRole;
 
-/** Makes the title as small as it must be to be read whole. */
-void fitTitle(QLabel *label, int width)
+/** A picture with the title as its tool tip, or the title, as small as it must be to be read. */
+QLabel *titleLabel(const TableColumn &column)
 {
-    const int needed = label->fontMetrics().horizontalAdvance(label->text());
-    const int available = width - 2 * titleMargin;
-    if (width == 0 || needed <= available)
-        return;
-    QFont font = label->font();
-    font.setPointSizeF(font.pointSizeF() * available / needed);
-    label->setFont(font);
+    if (column.picture.isEmpty()) {
+        auto *const title = new FittedLabel(smallestPoints, QApplication::font().pointSize());
+        title->setContentsMargins(titleMargin, 0, titleMargin, 0);
+        title->showText(column.title);
+        return title;
+    }
+    auto *const picture = new QLabelClick;
+    picture->setToolTip(column.title);
+    picture->setAccessibleName(column.title);
+    picture->setPixmap(QIcon(column.picture).pixmap(pictureSize));
+    return picture;
 }
 
 QLabel *headerCell(const TableColumn &column, bool clickable)
 {
-    QLabel *label = nullptr;
-    if (clickable) {
-        label = new QLabelClick;
-        label->setCursor(Qt::PointingHandCursor);
-    } else {
-        label = new QLabel;
-        label->setCursor(Qt::ArrowCursor);
-    }
+    QLabel *const label = titleLabel(column);
+    label->setCursor(clickable ? Qt::PointingHandCursor : Qt::ArrowCursor);
     label->setAlignment(Qt::AlignCenter);
     label->setAutoFillBackground(true);
     label->setAttribute(Qt::WA_NoMousePropagation); // the rows may lie below it
-    if (!column.picture.isEmpty()) {
-        label->setToolTip(column.title);
-        label->setAccessibleName(column.title);
-        label->setPixmap(QIcon(column.picture).pixmap(pictureSize));
-        return label;
-    }
-    label->setText(column.title);
-    fitTitle(label, column.width);
     return label;
 }
 

@@ -3,13 +3,6 @@
 #include <QFontMetrics>
 #include <QKeyEvent>
 
-namespace
-{
-
-constexpr int smallestPoints = 10; ///< of a font that is fitted
-
-} // namespace
-
 void QLabelClick::mousePressEvent(QMouseEvent *event)
 {
     QLabel::mousePressEvent(event);
@@ -25,8 +18,9 @@ void QLabelClick::keyPressEvent(QKeyEvent *event)
         emit clicked();
 }
 
-FittedLabel::FittedLabel(int largestPoints, QWidget *parent)
+FittedLabel::FittedLabel(int smallestPoints, int largestPoints, QWidget *parent)
     : QLabelClick(parent)
+    , m_smallestPoints(smallestPoints)
     , m_largestPoints(largestPoints)
 {
     setTextFormat(Qt::PlainText);
@@ -65,7 +59,7 @@ void FittedLabel::fit()
     const int available = contentsRect().width();
     int points = m_largestPoints;
     if (needed > available && needed > 0)
-        points = qMax(smallestPoints, m_largestPoints * available / needed);
+        points = qMax(m_smallestPoints, m_largestPoints * available / needed);
     if (points != font().pointSize())
         setFont(fontOf(points));
 }

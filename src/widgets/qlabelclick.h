@@ -23,8 +23,8 @@ class FittedLabel : public QLabelClick
 {
     Q_OBJECT
 public:
-    /** `largestPoints`: font size that is never exceeded. */
-    explicit FittedLabel(int largestPoints, QWidget *parent = nullptr);
+    /** Sizes of the font, in points: below the smallest one the text is cut rather. */
+    FittedLabel(int smallestPoints, int largestPoints, QWidget *parent = nullptr);
 
     /** Shows a text; an equal one changes nothing. */
     void showText(const QString &text);
@@ -40,5 +40,6 @@ private:
     QFont fontOf(int points) const;
     void fit();
 
+    int m_smallestPoints;
     int m_largestPoints;
 };
