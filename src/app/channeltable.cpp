@@ -69,10 +69,8 @@ void ChannelTable::refresh(int index)
     forgetMarks(m_rows);
     m_main = onPlot ? m_plot->getChMain(m_qwtIndex) : -1;
     setRowCount(isOther);
-    for (int ch = 0; ch < m_rows; ++ch) {
+    for (int ch = 0; ch < m_rows; ++ch)
         paint(ch);
-        sayRow(m_table, ch + 1, tr("Канал %1").arg(ch + 1));
-    }
     m_touched.reset();
     selectTableRow(m_table, m_main + 1);
 }
@@ -82,6 +80,8 @@ void ChannelTable::setRowCount(bool isOther)
 {
     const int before = m_table->rowCount();
     m_table->setRowCount(m_rows + 1);
+    for (int row = before; row <= m_rows; ++row)
+        m_table->sayRow(row, tr("Канал %1").arg(row));
     if (isOther && m_main >= 0)
         m_table->showRow(m_main + 1);
     else if (m_table->rowCount() > before)

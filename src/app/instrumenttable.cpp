@@ -68,10 +68,10 @@ void InstrumentTable::refresh(int currentIndex)
             shown.mark = ValueMark::None;
         if (!nox.isConnected())
             m_table->removeCellWidget(row, InstrumentColumn::Menu); // its transfer is over
-        bindShowBox(row, nox);
         const InstrumentState state = stateOf(nox);
         paintRow(m_table, row, instrumentRow(state));
-        sayRow(m_table, row, state.name + QStringLiteral(" № ") + state.number);
+        m_table->sayRow(row, state.name + QStringLiteral(" № ") + state.number);
+        bindShowBox(row, nox, state);
     }
     selectTableRow(m_table, rowOf(m_current));
     if (isOther && m_rows.size() <= before)
@@ -195,7 +195,6 @@ void InstrumentTable::addShowBox(int row)
     auto *holder = new QWidget;
     auto *box = new QCheckBox;
     box->setFocusPolicy(Qt::NoFocus); // the table has the keyboard, see toggleShow()
-    box->setAccessibleName(tr("Показать графики прибора"));
     auto *layout = new QHBoxLayout(holder);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(box, 0, Qt::AlignCenter);
@@ -209,15 +208,14 @@ void InstrumentTable::addShowBox(int row)
 }
 
 /** Makes the box of a row speak for an instrument: rows move up when one above is removed. */
-void InstrumentTable::bindShowBox(int row, const noxList::_nox &nox)
+void InstrumentTable::bindShowBox(int row, const noxList::_nox &nox, const InstrumentState &state)
 {
     QCheckBox *box = showBoxAt(m_table, row);
     const QSignalBlocker blocker(box);
     box->setProperty(indexProperty, nox.index);
-    const auto device = m_plot->devices().constFind(nox.qwtIndex);
-    const bool onPlot = device != m_plot->devices().constEnd();
-    box->setEnabled(onPlot);
-    box->setChecked(onPlot && device->devShow);
+    box->setAccessibleName(tr("Показать графики прибора %1 № %2").arg(state.name, state.number));
+    box->setEnabled(m_plot->devices().contains(nox.qwtIndex));
+    box->setChecked(state.shown);
 }
 
 void InstrumentTable::paintCells(int row, int first, int last)

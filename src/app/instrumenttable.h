@@ -64,7 +64,7 @@ private:
     void setRows(const QList<int> &indices);
     void setRowCount(int instruments);
     void addShowBox(int row);
-    void bindShowBox(int row, const noxList::_nox &nox);
+    void bindShowBox(int row, const noxList::_nox &nox, const InstrumentState &state);
     void paintCells(int row, int first, int last);
     InstrumentState stateOf(const noxList::_nox &nox) const;
 

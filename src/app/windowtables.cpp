@@ -134,17 +134,17 @@ int lowerShare(int total, int upperNeed, int lowerNeed)
 
 } // namespace
 
-void setUpTable(QTableWidget *table, const QVector<TableColumn> &columns)
+void setUpTable(HeadedTable *table, const QVector<TableColumn> &columns)
 {
     table->setColumnCount(columns.size());
     table->setRowCount(1);
+    QStringList titles;
     for (int column = 0; column < columns.size(); ++column) {
-        // not seen, but said of each cell
-        table->setHorizontalHeaderItem(
-            column, new QTableWidgetItem(columns.at(column).title.section(QLatin1Char(':'), 0, 0)));
+        titles << columns.at(column).title.section(QLatin1Char(':'), 0, 0);
         setWidth(table->horizontalHeader(), column, columns.at(column).width);
         table->setCellWidget(0, column, headerCell(columns.at(column), column == 0));
     }
+    table->sayTitles(titles);
     table->setItemDelegate(new RowDelegate(table));
     table->setSelectionMode(QAbstractItemView::NoSelection);
     table->setMouseTracking(true);
@@ -165,13 +165,6 @@ void paintRow(QTableWidget *table, int row, const RowContent &content, int first
 {
     for (int column = first; column <= last; ++column)
         paintCell(itemAt(table, row, column), content[size_t(column)]);
-}
-
-void sayRow(QTableWidget *table, int row, const QString &name)
-{
-    if (!table->verticalHeaderItem(row))
-        table->setVerticalHeaderItem(row, new QTableWidgetItem);
-    table->verticalHeaderItem(row)->setText(name);
 }
 
 QIcon swatchIcon(const QColor &color)

@@ -26,7 +26,7 @@ struct TableColumn {
  * Prepares a table of the main window: its columns, and row 0 as the header, made of cell widgets.
  * A click selects nothing; selectTableRow() does.
  */
-void setUpTable(QTableWidget *table, const QVector<TableColumn> &columns);
+void setUpTable(HeadedTable *table, const QVector<TableColumn> &columns);
 
 /** Fills in what the plot has of a channel of an instrument that is on it. Before the first point
  *  the unit is the name of what the channel measures. */
@@ -38,9 +38,6 @@ void readLatest(LatestValue *latest, const QwtNOX &plot, const noxList::_nox &no
  */
 void paintRow(QTableWidget *table, int row, const RowContent &content, int first = 0,
               int last = tableColumns - 1);
-
-/** Names a row for whoever hears the table read; equal names change nothing. */
-void sayRow(QTableWidget *table, int row, const QString &name);
 
 /** A square of 16x16 pixels in a colour with a white frame of 2; transparent: an empty square. */
 QIcon swatchIcon(const QColor &color);

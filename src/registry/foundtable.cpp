@@ -59,8 +59,7 @@ void FoundTable::addTitles()
     connectAll->setCursor(Qt::PointingHandCursor);
     connectAll->setToolTip(tr("Отметить все приборы или снять отметки (Ctrl+A)"));
     m_table->setCellWidget(0, ConnectColumn, connectAll);
-    // not seen, but said of each cell
-    m_table->setHorizontalHeaderLabels(titles + QStringList(tr("Подключить")));
+    m_table->sayTitles(titles + QStringList(tr("Подключить")));
     connect(connectAll, &QLabelClick::clicked, this, &FoundTable::toggleAll);
 }
 
@@ -85,6 +84,7 @@ void FoundTable::addWaiting(const WaitingRow &waiting, const QString &portName)
 {
     const int row = m_rows.size() + 1;
     m_table->insertRow(row);
+    m_table->sayRow(row, portName);
     addText(m_table, row, PortColumn, portName);
     addText(m_table, row, NumberColumn, waiting.instrument.number());
     addText(m_table, row, ConnectColumn, QString());

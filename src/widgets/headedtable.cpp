@@ -11,6 +11,24 @@ HeadedTable::HeadedTable(QWidget *parent)
     setWordWrap(false); // a row has one line: what does not fit into it is cut at its end
 }
 
+void HeadedTable::sayTitles(const QStringList &titles)
+{
+    setHorizontalHeaderLabels(titles);
+    for (int column = 0; column < titles.size(); ++column) {
+        auto *const title = new QTableWidgetItem; // below the widget that shows it
+        title->setData(Qt::AccessibleTextRole, titles.at(column));
+        setItem(0, column, title);
+    }
+    sayRow(0, tr("Заголовок"));
+}
+
+void HeadedTable::sayRow(int row, const QString &name)
+{
+    if (!verticalHeaderItem(row))
+        setVerticalHeaderItem(row, new QTableWidgetItem);
+    verticalHeaderItem(row)->setText(name);
+}
+
 int HeadedTable::neededHeight() const
 {
     return verticalHeader()->length() + 2 * frameWidth();

@@ -20,6 +20,11 @@ public:
     /** The columns in which a click, and so Return too, opens a menu. */
     void setMenuColumns(const QSet<int> &columns) { m_menuColumns = columns; }
 
+    /** Says what the columns are called, which row 0 shows: of each cell, and in row 0 itself. */
+    void sayTitles(const QStringList &titles);
+    /** Says what a row is called; an equal name changes nothing. */
+    void sayRow(int row, const QString &name);
+
     /** Height at which all rows are seen at once. */
     int neededHeight() const;
     /** The height for which it asks its layout; at first the smallest that it may have. */

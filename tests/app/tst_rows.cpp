@@ -1,6 +1,7 @@
 #include "app/numericpanels.h"
 #include "app/windowtables.h"
 #include "widgets/changemark.h"
+#include "widgets/headedtable.h"
 #include "widgets/rowdelegate.h"
 #include "windowfixture.h"
 
@@ -59,7 +60,7 @@ class TestRows : public QObject
     }
     void paint() { paintRow(table.get(), 1, row); }
 
-    std::unique_ptr<QTableWidget> table;
+    std::unique_ptr<HeadedTable> table;
     RowContent row;
 
 private slots:
@@ -131,7 +132,7 @@ private slots:
     void init()
     {
         row = {};
-        table = std::make_unique<QTableWidget>();
+        table = std::make_unique<HeadedTable>();
         QVector<TableColumn> columns(tableColumns, {"1", {}, 50});
         columns[1].title = "a long title";
         columns[3].width = 0;
@@ -247,6 +248,7 @@ private slots:
         const auto title = [this](int column) {
             return qobject_cast<QLabel *>(table->cellWidget(0, column));
         };
+        picture(); // in which they get their sizes
         const int needed = title(1)->fontMetrics().horizontalAdvance(title(1)->text());
         QVERIFY2(needed <= 46 && needed > 30, qPrintable(QString::number(needed)));
         QCOMPARE(title(0)->font(), title(3)->font());
