@@ -123,6 +123,16 @@ TmcMode nextMode(TmcMode mode, bool fixedScale)
     return mode != ModeFollow && fixedScale ? ModeFollow : ModeAuto;
 }
 
+/** Makes a caption a little smaller than the window's: four of them stand side by side. */
+void makeSmaller(QPushButton *button)
+{
+    constexpr double share = 0.92;
+    QFont font = button->font();
+    font.setPointSizeF(font.pointSizeF() * share);
+    button->setFont(font);
+    button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred); // as high as its row
+}
+
 /** Shows a caption whole. A button that was wide enough for a longer one stays so: those beside it
  *  keep their places. */
 void showCaption(QPushButton *button, const QString &caption)
@@ -187,6 +197,8 @@ PlotButtons::PlotButtons(const Buttons &buttons, QwtNOX *plot, QObject *parent)
         m_menus.push_back(makeChoices(m_plot, menuParent));
         button->setMenu(m_menus.back().get());
     };
+    for (QPushButton *button : {buttons.scaleX, buttons.scaleY, buttons.modeX, buttons.mode})
+        makeSmaller(button);
     giveMenu(m_buttons.scaleX, scaleXChoices, m_buttons.scaleX);
     giveMenu(m_buttons.scaleY, scaleYChoices, m_buttons.scaleY);
     giveMenu(m_buttons.limits, limitChoices, m_buttons.limits->window());

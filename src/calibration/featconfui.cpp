@@ -6,6 +6,7 @@
 #include "calibration/tpreperui.h"
 #include "device/featurenox8.h"
 #include "ui_featconfui.h"
+#include "widgets/accessiblerole.h"
 
 #include <QEvent>
 #include <QKeyEvent>
@@ -22,6 +23,7 @@ featconfui::featconfui(QWidget *parent, noxSql *database)
     m_ui->featType->addItems(featureNOX8().getFeatureTypeStr());
     m_ui->featType->installEventFilter(this);
     m_ui->dbFindCB->installEventFilter(this);
+    sayName(m_ui->dbFindCB);
     m_stored = std::make_unique<StoredPanel>(*m_ui, database);
     m_recalculation = new tpReperUI(this);
     connect(m_ui->ratioTable, &RatioTable::edited, this, [this] { setFeature(false); });

@@ -8,6 +8,7 @@
 #include "dialogs/snapshotbox.h"
 #include "serial/noxserialport.h"
 #include "ui_devconfui.h"
+#include "widgets/accessiblerole.h"
 #include "widgets/userdialogs.h"
 #include "widgets/wheelguard.h"
 
@@ -49,6 +50,8 @@ devConfUI::devConfUI(QWidget *parent, noxList *registry, QwtNOX *plot)
     buildParts();
     listenToRegistry();
     guardFromWheel(this);
+    for (QComboBox *list : {m_ui->dbTypeCB, m_ui->dbFindCB})
+        sayName(list);
     installEventFilter(this);
     connect(this, &QDialog::finished, this, &devConfUI::release);
 }

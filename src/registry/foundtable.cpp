@@ -1,6 +1,7 @@
 #include "registry/foundtable.h"
 
 #include "registry/foundcells.h"
+#include "widgets/accessiblerole.h"
 #include "widgets/headedtable.h"
 #include "widgets/qlabelclick.h"
 
@@ -90,6 +91,7 @@ void FoundTable::addWaiting(const WaitingRow &waiting, const QString &portName)
     addText(m_table, row, ConnectColumn, QString());
     QComboBox *const models = addModels(m_table, row, waiting.instrument);
     models->setAccessibleName(tr("Модель прибора, порт %1").arg(portName));
+    sayName(models);
     QCheckBox *const box = addCheckBox(m_table, row);
     box->setAccessibleName(tr("Подключить прибор, порт %1").arg(portName));
     m_rows.append(waiting);

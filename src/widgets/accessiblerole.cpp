@@ -1,8 +1,10 @@
 #include "widgets/accessiblerole.h"
 
 #include <QAccessibleWidget>
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QVariant>
 #include <QWidget>
 
@@ -50,6 +52,14 @@ QAccessibleInterface *interfaceOf(const QString &, QObject *object)
 void setAccessibleRole(QWidget *widget, QAccessible::Role role)
 {
     widget->setProperty(accessibleRoleProperty, int(role));
+}
+
+void sayName(QComboBox *list)
+{
+    auto *const label = new QLabel(list->accessibleName(), list->parentWidget());
+    label->hide();
+    label->setBuddy(list);
+    QObject::connect(list, &QObject::destroyed, label, &QObject::deleteLater);
 }
 
 void installAccessibleRoles()

@@ -1,4 +1,5 @@
 #include "dialogs/devconfui.h"
+#include "plot/scalechoice.h"
 #include "windowfixture.h"
 
 #include <QAccessible>
@@ -17,8 +18,8 @@ class TestReach : public WindowTest
         if (!widget || !state.focusable || widget->focusProxy() || !widget->isEnabled())
             return {};
         const auto role = element->role();
-        const bool isNamed = role == QAccessible::ComboBox // whose label names it
-                                 ? !widget->accessibleName().isEmpty()
+        const bool isNamed = role == QAccessible::ComboBox // which says its choice, its label more
+                                 ? !element->relations(QAccessible::Label).isEmpty()
                                  : !element->text(QAccessible::Name).trimmed().isEmpty();
         const bool isPart = role == QAccessible::PageTabList || role == QAccessible::StaticText;
         QStringList faults;
@@ -139,7 +140,8 @@ class TestReach : public WindowTest
             return widget->inherits(name.toLatin1());
         });
         const QSize needed = widget->minimumSizeHint();
-        return isAsked && (needed.width() > widget->width() || needed.height() > widget->height());
+        return isAsked && (needed.width() > widget->width() || needed.height() > widget->height() ||
+                           widget->geometry().right() > widget->parentWidget()->width());
     }
     /** Adds what menus, tables and lists of a window show, and the texts of its controls. */
     static void addCaptions(QWidget *shown, QSet<QString> *captions)
@@ -237,6 +239,14 @@ private slots:
     void noTextIsCut()
     {
         window->resize(940, 490);
+        addSome(1);
+        for (int choice = 0; choice < scalesX().size() + scalesY().size(); ++choice) {
+            plot().changeMode(choice % (ModeLimits + 1));
+            plot().changeModeX(choice % (ModeXAbsolute + 1));
+            plot().changeScaleX(choice % scalesX().size());
+            plot().changeScaleY(choice % scalesY().size());
+        }
+        QTest::qWait(100); // the layouts follow
         QStringList cut;
         inEachWindow([&cut](QWidget *shown) {
             for (const QWidget *widget : shown->findChildren<QWidget *>())
