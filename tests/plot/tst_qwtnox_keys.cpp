@@ -156,6 +156,12 @@ private slots:
         QCOMPARE(seenLimits(), QString::number(value, 'f', 2) + " -");
         mouse().moveTo({40, 40}); // the mouse takes over
         QCOMPARE(seenCross(), QPoint(-1, -1));
+        press(Qt::Key_Up, ctrl);
+        press(Qt::Key_Home, ctrl); // means nothing here
+        QCOMPARE(plot().getChMode(), ModeLimits);
+        plot().removeDev(0); // of which it told
+        QCOMPARE(seenCross(), QPoint(-1, -1));
+        QCOMPARE(said(), "plot");
     }
 };
 
