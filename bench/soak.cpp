@@ -27,13 +27,32 @@
 namespace
 {
 
-constexpr int drainMs = 3000; ///< from the last token sent to the count of those received
+constexpr int settleMs = 5000; ///< from the first token to the beginning of the measurement
+constexpr int drainMs = 3000;  ///< from the last token sent to the count of those received
 
-/** One run: a fleet, for so long. */
+/** What the operator looks at. */
+enum class Sight { Window, Minimised, Covered };
+
+/** One run: a fleet, how much of it is on the plot, and how the window stands. */
 struct Load {
     FleetOptions fleet;
+    bool isAllShown;
+    Sight sight;
     int seconds;
 };
+
+const char *nameOf(Sight sight)
+{
+    switch (sight) {
+    case Sight::Window:
+        return "visible";
+    case Sight::Minimised:
+        return "minimised";
+    case Sight::Covered:
+        break;
+    }
+    return "covered";
+}
 
 /** How the program starts: with a database of its own, and without a search of its own. */
 class QuietDatabase
@@ -60,6 +79,41 @@ void runEventLoop(int milliseconds)
     loop.exec();
 }
 
+/** Connects the fleet, one instrument after the other, as the window's menu does. */
+QVector<int> connectAll(MainWindow &window, int instruments)
+{
+    QVector<int> devices;
+    for (int i = 0; i < instruments; ++i) {
+        const int devIndex = window.serialPort()->addDev(Fleet::portName(i));
+        // by hand the registry takes one instrument less than there are ports
+        if (devIndex >= 0)
+            window.registry()->newNox(devIndex, true);
+        devices.append(devIndex);
+    }
+    return devices;
+}
+
+/** Every channel of every instrument. */
+void showAll(QwtNOX &plot)
+{
+    const QList<int> instruments = plot.devices().keys();
+    for (const int qwtIndex : instruments)
+        for (int ch = 0; ch < plot.getChCount(qwtIndex); ++ch)
+            plot.setChShow(true, qwtIndex, uchar(ch));
+}
+
+/** Brings the window, and what may stand before it, into place. */
+void arrange(MainWindow &window, QWidget &cover, Sight sight)
+{
+    if (sight == Sight::Minimised)
+        window.showMinimized();
+    if (sight != Sight::Covered)
+        return;
+    cover.setGeometry(window.frameGeometry());
+    cover.show();
+    cover.raise();
+}
+
 /** The program's side: the window, one instrument after the other connected as its menu does. */
 int runProgram(const Load &load, Fleet &fleet)
 {
@@ -75,17 +129,16 @@ int runProgram(const Load &load, Fleet &fleet)
                      [&received](int devIndex) { ++received[devIndex]; });
     QObject::connect(window.plot(), &QwtNOX::onAddPoint, &window, [&drawn] { ++drawn; });
 
-    QVector<int> devices;
-    for (int i = 0; i < instruments; ++i) {
-        const int devIndex = window.serialPort()->addDev(Fleet::portName(i));
-        if (devIndex < 0) {
-            std::fprintf(stderr, "%s was refused\n", qPrintable(Fleet::portName(i)));
-            return 1;
-        }
-        // by hand the registry takes one instrument less than there are ports
-        window.registry()->newNox(devIndex, true);
-        devices.append(devIndex);
+    const QVector<int> devices = connectAll(window, instruments);
+    if (devices.contains(-1)) {
+        std::fprintf(stderr, "a port was refused\n");
+        return 1;
     }
+    QWidget cover;
+    arrange(window, cover, load.sight);
+    runEventLoop(settleMs); // the channels come with their first points
+    if (load.isAllShown)
+        showAll(*window.plot());
 
     const double processorBefore = processorSeconds();
     QElapsedTimer wall;
@@ -104,11 +157,11 @@ int runProgram(const Load &load, Fleet &fleet)
         receivedInAll += received.value(devices.at(i));
         unequal += sent.at(i) != received.value(devices.at(i));
     }
-    std::printf("%11d %9.1f %7d %9lld %9lld %7lld %6lld %9d %8.1f %% %7ld\n", instruments,
-                load.fleet.tokensPerSecond, load.seconds, static_cast<long long>(sentInAll),
-                static_cast<long long>(receivedInAll), static_cast<long long>(drawn),
-                static_cast<long long>(sentInAll - receivedInAll), unequal, 100 * share,
-                peakMemoryMib());
+    std::printf("%11d %9.1f %6s %10s %9lld %9lld %7lld %6lld %9d %8.1f %% %7ld\n", instruments,
+                load.fleet.tokensPerSecond, load.isAllShown ? "all" : "one", nameOf(load.sight),
+                static_cast<long long>(sentInAll), static_cast<long long>(receivedInAll),
+                static_cast<long long>(drawn), static_cast<long long>(sentInAll - receivedInAll),
+                unequal, 100 * share, peakMemoryMib());
     std::fflush(stdout);
     return sentInAll == receivedInAll && unequal == 0 ? 0 : 1;
 }
@@ -133,11 +186,18 @@ int main(int argc, char **argv)
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     std::printf("soak: instruments on pseudo-terminals, the real window (offscreen, 1280x800)\n");
-    std::printf("%11s %9s %7s %9s %9s %7s %6s %9s %10s %7s\n", "instruments", "tokens/s", "seconds",
-                "sent", "received", "drawn", "lost", "unequal", "processor", "MiB");
+    std::printf("%11s %9s %6s %10s %9s %9s %7s %6s %9s %10s %7s\n", "instruments", "tokens/s",
+                "shown", "window", "sent", "received", "drawn", "lost", "unequal", "processor",
+                "MiB");
     std::fflush(stdout);
+    QVector<Load> loads = {{{64, 10.0}, false, Sight::Window, seconds}};
+    for (const bool isAllShown : {false, true})
+        for (const Sight sight : {Sight::Window, Sight::Minimised, Sight::Covered})
+            loads.append({{255, 4.0}, isAllShown, sight, seconds});
+    if (argc > 2) // one line of the table alone
+        loads = {loads.value(QByteArray(argv[2]).toInt() - 1, loads.first())};
     int status = 0;
-    for (const Load &load : {Load{{64, 10.0}, seconds}, Load{{255, 4.0}, seconds}}) {
+    for (const Load &load : qAsConst(loads)) {
         const pid_t run = ::fork();
         if (run == 0)
             ::_exit(runLoad(load, argc, argv));

@@ -3,6 +3,7 @@
 #include "plot/qwtnox.h"
 #include "serial/noxserialport.h"
 #include "widgets/headedtable.h"
+#include "widgets/qlabelclick.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -25,7 +26,9 @@ QCheckBox *showBoxAt(const QTableWidget *table, int row)
 
 QVector<TableColumn> columns()
 {
-    return {{InstrumentTable::tr("Графики прибора: флажок показывает и скрывает их"),
+    return {{InstrumentTable::tr("Графики прибора: флажок показывает и скрывает их,\n"
+                                 "щелчок здесь (Ctrl+A) — графики всех приборов\n"
+                                 "или только текущего"),
              QStringLiteral(":/resource/images/line_graph.png"), 50},
             {InstrumentTable::tr("Имя/тип"), QString(), 0},
             {InstrumentTable::tr("Номер"), QString(), 75},
@@ -48,6 +51,8 @@ InstrumentTable::InstrumentTable(HeadedTable *table, const noxList *registry, co
 {
     setUpTable(m_table, columns());
     m_table->setMenuColumns({InstrumentColumn::Menu});
+    connect(qobject_cast<QLabelClick *>(m_table->cellWidget(0, InstrumentColumn::Show)),
+            &QLabelClick::clicked, this, &InstrumentTable::toggleShowAll);
     connect(&m_hover, &RowHover::moved, this, [this](int from, int to) {
         for (const int row : {from, to})
             paintCells(row, InstrumentColumn::Menu, InstrumentColumn::Menu);
@@ -165,6 +170,16 @@ void InstrumentTable::toggleShow(int row)
 {
     if (indexAt(row) >= 0)
         showBoxAt(m_table, row)->click();
+}
+
+void InstrumentTable::toggleShowAll()
+{
+    bool areAllShown = true;
+    for (int row = 1; row <= m_rows.size(); ++row)
+        areAllShown = areAllShown && showBoxAt(m_table, row)->isChecked();
+    for (int row = 1; row <= m_rows.size(); ++row)
+        if (QCheckBox *const box = showBoxAt(m_table, row); box->isEnabled())
+            box->setChecked(!areAllShown || indexAt(row) == m_current);
 }
 
 int InstrumentTable::indexAt(int row) const

@@ -39,6 +39,9 @@ public:
 
     /** Does what a click on the check box of a row does. */
     void toggleShow(int row);
+    /** Does what a click on the picture above the check boxes does: shows the curves of all
+     *  instruments or, where all are shown, hides all but those of the current one. */
+    void toggleShowAll();
 
     /** The registry index shown in a row; -1 for the header and beyond the last row. */
     int indexAt(int row) const;

@@ -185,20 +185,23 @@ void MainWindow::notePoint(int qwtIndex, uchar ch, ValueMark mark)
     m_instruments->notePoint(qwtIndex, ch, mark);
     m_channels->notePoint(qwtIndex, ch, mark);
     m_isAlarmDue = m_isAlarmDue || mark == ValueMark::Alarm;
-    m_plot->frameClock().request();
+    m_plot->frameClock().request(FrameExtent::Texts);
 }
 
-/** Shows what the points since the last frame have changed. */
+/** Shows what the points since the last frame have changed; behind a minimised window that waits,
+ *  but the alarm sounds. */
 void MainWindow::showFrame()
 {
+    if (std::exchange(m_isAlarmDue, false))
+        m_alarmSound->play();
+    if (isMinimized())
+        return;
     m_instruments->paintTouched();
     if (m_channels->lacksRows())
         updUI();
     m_channels->paintTouched();
     showNumbers();
     m_plotButtons->refresh(); // points may have changed the scales that the plot chooses
-    if (std::exchange(m_isAlarmDue, false))
-        m_alarmSound->play();
 }
 
 // The plot
@@ -386,6 +389,13 @@ void MainWindow::on_exitBtm_clicked()
 void MainWindow::on_findDevBtn_clicked()
 {
     m_discovery->find(true, 0, 0);
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::WindowStateChange && m_plot && !isMinimized())
+        m_plot->frameClock().request(); // what came while nobody saw it
+    QMainWindow::changeEvent(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

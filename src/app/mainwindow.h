@@ -66,6 +66,7 @@ public slots:
     void applySqlProperty(int index);
 
 protected:
+    void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private slots:

@@ -217,7 +217,7 @@ void MainWindow::connectExchange()
     connect(m_serialPort.get(), QOverload<int, bool>::of(&NOXSerialPort::blockStatusEvent), this,
             [this](int devIndex) {
                 m_instruments->noteExchange(m_registry->getIndexByDev(devIndex));
-                m_plot->frameClock().request();
+                m_plot->frameClock().request(FrameExtent::Texts);
             });
 }
 
@@ -280,6 +280,8 @@ void MainWindow::connectKeys()
     const HeadedTable *instruments = m_ui->devTable;
     connect(instruments, &HeadedTable::showToggled, m_instruments.get(),
             &InstrumentTable::toggleShow);
+    connect(instruments, &HeadedTable::allToggled, m_instruments.get(),
+            &InstrumentTable::toggleShowAll);
     connect(instruments, &HeadedTable::chosen, this,
             [this](int row) { pressInstrument(row, InstrumentColumn::Name); });
     connect(instruments, &HeadedTable::menuWanted, this,

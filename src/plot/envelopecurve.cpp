@@ -6,6 +6,7 @@
 #include <qwt_clipper.h>
 #include <qwt_scale_map.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -155,21 +156,37 @@ EnvelopeCurve::EnvelopeCurve(const QColor &color, qreal width, std::shared_ptr<T
 {
     setPen(QPen(color, width));
     setRenderHint(QwtPlotItem::RenderAntialiased);
+    // what is in view is found while drawing: thousands of curves need not hear of each new view
+    setItemInterest(QwtPlotItem::ScaleInterest, false);
     setSamples(new SeriesData); // the curve owns it
 }
 
-void EnvelopeCurve::setSeries(const Series &times, const Series &values)
+bool EnvelopeCurve::setSeries(const Series &times, const Series &values)
 {
-    if (!seriesData()->show(times, values))
-        m_columns.forget();
-    itemChanged();
+    return take(times, values);
 }
 
-void EnvelopeCurve::setSeries(const Series &times, const MovingAverages &averages)
+bool EnvelopeCurve::setSeries(const Series &times, const MovingAverages &averages)
 {
-    if (!seriesData()->show(times, averages))
+    return take(times, averages);
+}
+
+template<typename Values>
+bool EnvelopeCurve::take(const Series &times, const Values &values)
+{
+    const bool areContinued = seriesData()->show(times, values);
+    if (!areContinued) {
         m_columns.forget();
+        m_painted = 0;
+    }
     itemChanged();
+    return areContinued;
+}
+
+ValueRange EnvelopeCurve::newTimes() const
+{
+    const Series &times = seriesData()->times();
+    return m_painted == times.size() ? ValueRange{} : times.range(m_painted - 1, times.size());
 }
 
 SeriesData *EnvelopeCurve::seriesData()
@@ -192,7 +209,9 @@ void EnvelopeCurve::drawLines(QPainter *painter, const QwtScaleMap &xMap, const 
 {
     const qreal columnsPerPixel = std::max(1.0, painter->deviceTransform().m11());
     divide(xMap, canvasRect, columnsPerPixel);
-    const Strokes found = strokes(xMap, yMap, canvasRect, columnsPerPixel);
+    const qreal left =
+        painter->hasClipping() ? painter->clipBoundingRect().left() : canvasRect.left();
+    const Strokes found = strokes(xMap, yMap, canvasRect, columnsPerPixel, left);
     QPen flat = painter->pen();
     flat.setCapStyle(Qt::FlatCap);
     painter->setPen(flat);
@@ -213,8 +232,21 @@ void EnvelopeCurve::divide(const QwtScaleMap &xMap, const QRectF &canvasRect,
     std::visit(divideValues, seriesData()->values());
 }
 
+/** The first run whose strokes may reach `column`, or the end: that before the first one there. */
+std::size_t EnvelopeCurve::firstRunAt(int column) const
+{
+    const std::vector<ColumnRun> &runs = m_columns.runs();
+    if (!seriesData()->times().isAscending())
+        return 0;
+    const auto isLeft = [](const ColumnRun &run, int bound) { return run.column < bound; };
+    const auto found = std::lower_bound(runs.begin(), runs.end(), column, isLeft);
+    return static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, found - runs.begin() - 1));
+}
+
+/** What is to be painted from the pixel `left` on; there may be more. */
 EnvelopeCurve::Strokes EnvelopeCurve::strokes(const QwtScaleMap &xMap, const QwtScaleMap &yMap,
-                                              const QRectF &canvasRect, qreal columnsPerPixel) const
+                                              const QRectF &canvasRect, qreal columnsPerPixel,
+                                              qreal left) const
 {
     const SeriesData &series = *seriesData();
     const auto pointOf = [&](int index, double value) {
@@ -226,8 +258,12 @@ EnvelopeCurve::Strokes EnvelopeCurve::strokes(const QwtScaleMap &xMap, const Qwt
     const BarShape shape(canvasRect, penWidth, columnsPerPixel, near);
 
     Strokes strokes;
-    const ColumnRun *previous = nullptr;
-    for (const ColumnRun &run : m_columns.runs()) {
+    const std::vector<ColumnRun> &runs = m_columns.runs();
+    const qreal leftmost = std::floor((left - canvasRect.left() - penWidth) * columnsPerPixel);
+    const std::size_t first = firstRunAt(static_cast<int>(leftmost));
+    const ColumnRun *previous = first > 0 ? &runs[first - 1] : nullptr;
+    for (std::size_t i = first; i < runs.size(); ++i) {
+        const ColumnRun &run = runs[i];
         const bool onCanvas = run.column >= 0 && run.column < columnCount;
         const bool isBar = onCanvas && run.first < run.last;
         ValueRange span = run.values;

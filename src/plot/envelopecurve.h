@@ -57,9 +57,16 @@ public:
     EnvelopeCurve(const QColor &color, qreal width,
                   std::shared_ptr<TimeRuns> times = std::make_shared<TimeRuns>());
 
-    /** Shows the points that both series, of one length, hold at present. Takes no memory. */
-    void setSeries(const Series &times, const Series &values);
-    void setSeries(const Series &times, const MovingAverages &averages);
+    /**
+     * Shows the points that both series, of one length, hold at present. Takes no memory. True when
+     * they continue what was shown before, false when they are others.
+     */
+    bool setSeries(const Series &times, const Series &values);
+    bool setSeries(const Series &times, const MovingAverages &averages);
+    /** The times from the newest point in the picture to the end; empty when all are in it. */
+    ValueRange newTimes() const;
+    /** All points are in the picture now. */
+    void notePainted() { m_painted = static_cast<int>(dataSize()); }
     /** Recolours the line and keeps its width. */
     void setColor(const QColor &color);
 
@@ -72,11 +79,15 @@ private:
         QVector<QLineF> lines; ///< between points that are a column or more apart
         QVector<QRect> bars;   ///< what the points of one column span, in device pixels
     };
+    template<typename Values>
+    bool take(const Series &times, const Values &values);
     void divide(const QwtScaleMap &xMap, const QRectF &canvasRect, qreal columnsPerPixel) const;
+    std::size_t firstRunAt(int column) const;
     Strokes strokes(const QwtScaleMap &xMap, const QwtScaleMap &yMap, const QRectF &canvasRect,
-                    qreal columnsPerPixel) const;
+                    qreal columnsPerPixel, qreal left) const;
     SeriesData *seriesData();
     const SeriesData *seriesData() const;
 
     mutable ColumnRuns m_columns; ///< of the latest drawing
+    int m_painted = 0;            ///< number of points that are in the picture
 };

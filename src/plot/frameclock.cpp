@@ -1,9 +1,15 @@
 #include "plot/frameclock.h"
 
+#include <QElapsedTimer>
+
+#include <algorithm>
+#include <utility>
+
 namespace
 {
 
 constexpr int frameMilliseconds = 34; // 30 a second would be one every 33.3 ms
+constexpr int restPerFrame = 3;       // in times of the frame
 
 } // namespace
 
@@ -12,16 +18,16 @@ FrameClock::FrameClock(QObject *parent)
 {
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer); // a coarse one may come early
-    m_timer.setInterval(frameMilliseconds);
     connect(&m_timer, &QTimer::timeout, this, &FrameClock::flush);
 }
 
-void FrameClock::request()
+void FrameClock::request(FrameExtent extent)
 {
+    m_extent = std::max(m_extent, extent);
     if (m_isDue)
         return;
     m_isDue = true;
-    m_timer.start();
+    m_timer.start(std::max(frameMilliseconds, m_rest));
 }
 
 void FrameClock::flush()
@@ -30,5 +36,8 @@ void FrameClock::flush()
         return;
     m_timer.stop();
     m_isDue = false;
-    emit frame();
+    QElapsedTimer painting;
+    painting.start();
+    emit frame(std::exchange(m_extent, FrameExtent::Texts));
+    m_rest = restPerFrame * static_cast<int>(painting.elapsed());
 }

@@ -244,6 +244,7 @@ void PlotAxes::setView(int axis, const AxisView &wanted)
     m_plot->setAxisScale(axis, wanted.lower, wanted.upper, wanted.step);
     m_plot->updateAxes();
     reserveLabelSpace(axis);
+    m_plot->frameClock().request();
 }
 
 /** Where labels need other space the canvas gets its new place at once: what is under the mouse is
@@ -299,4 +300,5 @@ void PlotAxes::writeCaption(const CaptionParts &parts)
                              .arg(QString::number(parts.ch + 1), parts.unit,
                                   stepLabel(QwtPlot::xBottom), stepLabel(QwtPlot::yLeft));
     m_caption->setText(captionText(parts.ch < 0 ? QString() : text));
+    m_plot->frameClock().request();
 }

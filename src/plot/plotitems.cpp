@@ -62,10 +62,30 @@ void removeLastChannel(PlotDevice &device)
     device.ch.removeLast();
 }
 
-void showSeries(const PlotChannel &channel)
+bool showSeries(const PlotChannel &channel)
 {
-    channel.measCurve->setSeries(channel.times(), channel.values());
-    channel.averCurve->setSeries(channel.times(), channel.averages());
+    const bool continuesValues = channel.measCurve->setSeries(channel.times(), channel.values());
+    const bool continuesAverages =
+        channel.averCurve->setSeries(channel.times(), channel.averages());
+    return continuesValues && continuesAverages;
+}
+
+ValueRange newTimes(const PlotDevice &device)
+{
+    ValueRange times;
+    for (const PlotChannel &channel : device.ch)
+        for (const EnvelopeCurve *curve : {channel.measCurve, channel.averCurve})
+            if (curve->isVisible())
+                times.include(curve->newTimes());
+    return times;
+}
+
+void notePainted(const PlotDevice &device)
+{
+    for (const PlotChannel &channel : device.ch)
+        for (EnvelopeCurve *curve : {channel.measCurve, channel.averCurve})
+            if (curve->isVisible())
+                curve->notePainted();
 }
 
 void updateVisibility(const PlotDevice &device, const PlotChannel &channel)

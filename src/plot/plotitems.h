@@ -24,8 +24,17 @@ void appendChannel(PlotDevice &device, bool isMainDevice, QwtPlot *plot);
 /** Removes the last channel of an instrument with its curves. */
 void removeLastChannel(PlotDevice &device);
 
-/** Gives the curves of a channel what they show at present: its difference, else its values. */
-void showSeries(const PlotChannel &channel);
+/**
+ * Gives the curves of a channel what they show at present: its difference, else its values. True
+ * when that continues what they showed before.
+ */
+bool showSeries(const PlotChannel &channel);
+
+/** The times at which the curves of an instrument that are shown have got new points since they
+ *  were painted, from the last one before; empty when there are none. */
+ValueRange newTimes(const PlotDevice &device);
+/** The curves of an instrument that are shown are painted. */
+void notePainted(const PlotDevice &device);
 /** A curve is visible when its instrument, its kind and its channel all are. */
 void updateVisibility(const PlotDevice &device, const PlotChannel &channel);
 void updateVisibility(const PlotDevice &device);

@@ -2,6 +2,7 @@
 
 #include "plot/envelopecurve.h"
 #include "plot/plotaxes.h"
+#include "plot/plotcanvas.h"
 #include "plot/plotinteraction.h"
 #include "plot/plotitems.h"
 #include "plot/plotsettings.h"
@@ -9,12 +10,16 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
-#include <qwt_plot_canvas.h>
 #include <qwt_plot_grid.h>
 #include <qwt_plot_layout.h>
+#include <qwt_scale_map.h>
 
 namespace
 {
+
+/** Pixels that the strokes of a point reach to its left or right at most: its column with those
+ *  beside it, and the width of a line. */
+constexpr double widestStroke = 4;
 
 void addGrid(QwtPlot *plot)
 {
@@ -27,7 +32,9 @@ void addGrid(QwtPlot *plot)
 
 QwtNOX::QwtNOX(QWidget *parent)
     : QwtPlot(parent)
+    , m_canvas(new PlotCanvas(this))
 {
+    setCanvas(m_canvas);
     // A canvas with a style sheet of its own takes its background from style sheets alone.
     setStyleSheet(QStringLiteral("QwtPlotCanvas { background: white }"));
     canvas()->setStyleSheet(QStringLiteral("border: 0"));
@@ -36,10 +43,7 @@ QwtNOX::QwtNOX(QWidget *parent)
     plotLayout()->setAlignCanvasToScales(true);
     addGrid(this);
     setAutoReplot(false); // painting waits for the next frame
-    connect(&m_frameClock, &FrameClock::frame, this, [this] {
-        m_axes->labelNewDay();
-        replot();
-    });
+    connect(&m_frameClock, &FrameClock::frame, this, &QwtNOX::showFrame);
 
     m_axes = std::make_unique<PlotAxes>(this, m_records);
     m_interaction = std::make_unique<PlotInteraction>(this, m_records, *m_axes);
@@ -181,11 +185,10 @@ bool QwtNOX::addPoint(double val, double time, const QString &dim, int qwtIndex,
         emit onErrorAddPoint(qwtIndex, ch);
         return false;
     }
-    showSeries(channel);
+    const bool isContinued = showSeries(channel);
     if (m_records.isMain({qwtIndex, ch}))
-        applyScale();
-    else
-        m_frameClock.request();
+        m_axes->followPoints();
+    m_frameClock.request(isContinued ? FrameExtent::NewPoints : FrameExtent::WholePlot);
 
     // Whoever hears of the point may change the records: nothing found before holds after this.
     emit onAddPoint(qwtIndex, ch);
@@ -209,16 +212,16 @@ void QwtNOX::announce(int qwtIndex, const PointBatch &batch)
 {
     const QVector<uchar> channels = batch.channels();
     bool hasMain = false;
+    bool isContinued = true;
     for (const uchar ch : channels) {
         // a receiver of a new channel may have removed this one
         if (_ch *const channel = m_records.findChannel(qwtIndex, ch))
-            showSeries(*channel);
+            isContinued = showSeries(*channel) && isContinued;
         hasMain = hasMain || m_records.isMain({qwtIndex, ch});
     }
     if (hasMain)
-        applyScale();
-    else
-        m_frameClock.request();
+        m_axes->followPoints();
+    m_frameClock.request(isContinued ? FrameExtent::NewPoints : FrameExtent::WholePlot);
 
     for (const uchar ch : channels)
         for (const PointBatch::Event event : batch.eventsOf(ch))
@@ -238,6 +241,36 @@ void QwtNOX::announce(PointBatch::Event event, int qwtIndex, uchar ch)
         emit onPointTrackOff(qwtIndex, ch);
         break;
     }
+}
+
+void QwtNOX::showFrame(FrameExtent extent)
+{
+    if (extent == FrameExtent::Texts)
+        return;
+    if (window()->isMinimized())
+        return m_canvas->replot(); // paints when it is seen again
+    m_axes->labelNewDay();
+    if (extent == FrameExtent::NewPoints)
+        return paintNewPoints();
+    replot();
+    m_canvas->bringUpToDate();
+    for (const _dev &device : std::as_const(*this).devices())
+        notePainted(device);
+}
+
+/** Paints the stretch in which curves have got new points. */
+void QwtNOX::paintNewPoints()
+{
+    ValueRange times;
+    for (const _dev &device : std::as_const(*this).devices()) {
+        times.include(newTimes(device));
+        notePainted(device);
+    }
+    if (times.isEmpty())
+        return;
+    const QwtScaleMap map = canvasMap(xBottom);
+    m_canvas->repaintStretch(map.transform(times.min) - widestStroke,
+                             map.transform(times.max) + widestStroke);
 }
 
 void QwtNOX::clear(int qwtIndex)

@@ -11,6 +11,7 @@
 #include <memory>
 
 class PlotAxes;
+class PlotCanvas;
 class PlotInteraction;
 class PlotSettings;
 
@@ -391,7 +392,10 @@ private:
     void announce(PointBatch::Event event, int qwtIndex, uchar ch);
     void endDifference(const ChannelNumber &number);
     void passSignalsOn();
+    void showFrame(FrameExtent extent);
+    void paintNewPoints();
 
+    PlotCanvas *m_canvas; ///< belongs to the plot
     PlotRecords m_records;
     std::function<QDateTime()> m_clock = &QDateTime::currentDateTime;
     FrameClock m_frameClock;

@@ -73,6 +73,10 @@ void HeadedTable::focusInEvent(QFocusEvent *event)
 
 void HeadedTable::keyPressEvent(QKeyEvent *event)
 {
+    if (event->matches(QKeySequence::SelectAll)) {
+        emit allToggled();
+        return;
+    }
     const int row = currentRow();
     const int column = currentColumn();
     const int key = event->key();

@@ -42,6 +42,8 @@ signals:
 
     /** Space: what the row stands for is to be shown, or hidden. */
     void showToggled(int row);
+    /** Ctrl+A: what all rows stand for is to be shown, or hidden. */
+    void allToggled();
     /** Return: the row is chosen. */
     void chosen(int row);
     /** The Menu key, or Return in a column that opens a menu. */

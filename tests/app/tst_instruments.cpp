@@ -48,7 +48,7 @@ private slots:
                                   cell->pixmap(Qt::ReturnByValue).width()});
             }
         QCOMPARE(columns.join('|'),
-                 "Графики прибора: флажок показывает и скрывает их 50 20|Имя/тип 0 0|Номер 75 0|"
+                 "Графики прибора: флажок показывает и скрывает их, 50 20|Имя/тип 0 0|Номер 75 0|"
                  "Результат 0 0|Разм. 50 0|Канал 55 0|Меню прибора 50 20|"
                  "Графики каналов: левая кнопка мыши — показать или скрыть, 50 20|Результат 0 0|"
                  "Разм. 50 0|ΔX 75 0|ΔY 75 0|ΔКанал 55 0|Меню канала 50 20");
@@ -118,6 +118,27 @@ private slots:
         QVERIFY(!showBox(1)->isChecked() && showBox(2)->isChecked());
         click(instruments(), 0, InstrumentColumn::Name); // the header
         QCOMPARE(window->currentIndex(), 1);
+    }
+
+    void headerShowsAllOrTheCurrentInstrument()
+    {
+        addSome(3);
+        click(instruments(), 2, InstrumentColumn::Number);
+        const auto shownOnes = [this] {
+            QString shown;
+            for (const QwtNOX::_dev &device : plot().devices())
+                shown += device.devShow ? '+' : '-';
+            return shown;
+        };
+        QWidget *const picture = instruments()->cellWidget(0, InstrumentColumn::Show);
+        QCOMPARE(shownOnes(), "-+-");
+        QTest::mouseClick(picture, Qt::LeftButton);
+        QCOMPARE(shownOnes(), "+++");
+        QTest::mouseClick(showBox(2), Qt::LeftButton);
+        QTest::keyClick(instruments(), Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(shownOnes(), "+++"); // one was hidden
+        QTest::mouseClick(picture, Qt::LeftButton);
+        QCOMPARE(shownOnes(), "-+-");
     }
 
     void choosesTheNextCurrentInstrument()

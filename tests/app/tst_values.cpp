@@ -165,6 +165,23 @@ private slots:
         }
     }
 
+    void minimisedWindowOnlySounds()
+    {
+        add(0x11, 1);
+        limitFirst(30);
+        measure(0, 20, 0);
+        const QString row = channel(0);
+        const int before = soundsPlayed;
+        window->showMinimized();
+        measure(0, 31, 0);
+        QCOMPARE(soundsPlayed - before, 1);
+        QCOMPARE(channel(0) + panels(), row + "20.00|20.00|°С");
+        window->showNormal();
+        showFrame();
+        QVERIFY(channel(0).startsWith("1[current]|31.00[red]|"));
+        QCOMPARE(panels(), "31.00|25.50|°С");
+    }
+
     void alarmPlaysOneAtATime()
     {
         AlarmSound sound;

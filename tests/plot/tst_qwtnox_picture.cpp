@@ -2,6 +2,7 @@
 #include "plot/frameclock.h"
 #include "plotbench.h"
 
+#include <QRandomGenerator>
 #include <qwt_plot_curve.h>
 #include <qwt_scale_div.h>
 
@@ -76,6 +77,21 @@ class TestQwtNOXPicture : public PlotTest
             labels += isClear ? axis->scaleDraw()->label(tick).text() : "unclear";
         }
         return labels.join('|');
+    }
+
+    /** Of any colour of any pixel of two pictures of one size. */
+    static int greatestDifference(const QImage &one, const QImage &other)
+    {
+        int greatest = 0;
+        for (int y = 0; y < one.height(); ++y)
+            for (int x = 0; x < one.width(); ++x) {
+                const QColor seen = one.pixelColor(x, y);
+                const QColor wanted = other.pixelColor(x, y);
+                greatest = std::max({greatest, std::abs(seen.red() - wanted.red()),
+                                     std::abs(seen.green() - wanted.green()),
+                                     std::abs(seen.blue() - wanted.blue())});
+            }
+        return greatest;
     }
 
     struct Step {
@@ -257,6 +273,34 @@ private slots:
         QVERIFY(isInked(picture.pixel(50, 10), Qt::blue));
         plot().removeDev(0);
         QCOMPARE(caption().text(), "");
+    }
+    /** Points come frame by frame, the clock is set back now and then; what a frame adds to the
+     *  picture is what is painted when all is painted anew. */
+    void framesPaintWhatAWholePictureShows()
+    {
+        plot().setAverShow(true);
+        for (const int ch : {0, 1})
+            plot().setChShow(true, 0, uchar(ch));
+        plot().setChMode(ModeLimits); // the axes stay
+        plot().setAxisScale(QwtPlot::xBottom, 0, 600, 60);
+        plot().setAxisScale(QwtPlot::yLeft, 0, 40, 4);
+        QImage whole = grabbed();
+        QRandomGenerator random(7);
+        double second = 0;
+        int changed = 0;
+        for (int frame = 0; frame < 120; ++frame) {
+            for (int points = random.bounded(12); points > 0; --points) {
+                second += frame % 40 == 39 ? -random.bounded(50.0) : random.bounded(3.0);
+                add(5 + random.bounded(30.0), second, random.bounded(2));
+            }
+            plot().frameClock().flush();
+            const QImage added = plot().canvas()->grab().toImage();
+            changed += added != whole;
+            whole = grabbed();
+            // of 255: smoothed lines that are cut by the edge of a stretch are shaded a little off
+            QVERIFY2(greatestDifference(added, whole) < 8, qPrintable(QString::number(frame)));
+        }
+        QVERIFY(changed > 80);
     }
     void paintsOnceForManyChanges()
     {

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QPixmap>
+#include <qwt_plot_canvas.h>
+
+/**
+ * The canvas of a plot, which keeps its picture: where only a stretch of it has changed, that
+ * stretch alone is painted anew, whatever it costs to paint the rest.
+ */
+class PlotCanvas : public QwtPlotCanvas
+{
+    Q_OBJECT
+public:
+    explicit PlotCanvas(QwtPlot *plot);
+
+    /** Paints the picture now if it is old and somebody sees it. */
+    void bringUpToDate();
+    /** Paints the stretch between two places, in pixels from the left edge, or the whole picture if
+     *  it is old. */
+    void repaintStretch(double left, double right);
+
+public slots:
+    /** The picture is old. The plot calls this by its name. */
+    void replot();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    bool isOld() const { return m_isOld || m_picture.size() != size() * devicePixelRatioF(); }
+    void paintAll();
+    void paint(const QRect &part);
+
+    QPixmap m_picture; ///< in device pixels
+    bool m_isOld = true;
+};
