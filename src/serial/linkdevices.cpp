@@ -67,6 +67,18 @@ bool LinkDevices::hasWrites(int devIndex) const
     return device && !device->writes.isEmpty();
 }
 
+bool LinkDevices::hasReadAll(int devIndex) const
+{
+    const LinkDevice *device = find(devIndex);
+    return device && device->queries.wasUsed() && device->queries.isEmpty();
+}
+
+bool LinkDevices::hasSentAll(int devIndex) const
+{
+    const LinkDevice *device = find(devIndex);
+    return device && device->writes.wasUsed() && device->writes.isEmpty();
+}
+
 bool LinkDevices::haveReadAll() const
 {
     return std::all_of(m_devices.begin(), m_devices.end(), [](const auto &entry) {
@@ -88,12 +100,26 @@ int LinkDevices::pendingExchanges() const
     return pending;
 }
 
-std::optional<HeldReply> LinkDevices::takeHeldReply(int devIndex)
+IndexOwner::IndexOwner(LinkDevices &devices, int devIndex)
+    : m_devices(devices)
+    , m_devIndex(devIndex)
 {
-    LinkDevice *const device = find(devIndex);
-    if (!device || device->heldReplies.empty())
+    if (const LinkDevice *const device = devices.find(devIndex))
+        m_worker = device->worker.get();
+}
+
+LinkDevice *IndexOwner::device() const
+{
+    LinkDevice *const device = m_devices.find(m_devIndex);
+    return device && m_worker && device->worker.get() == m_worker ? device : nullptr;
+}
+
+std::optional<HeldReply> IndexOwner::takeHeldReply() const
+{
+    LinkDevice *const owner = device();
+    if (!owner || owner->heldReplies.empty())
         return std::nullopt;
-    std::optional<HeldReply> reply = std::move(device->heldReplies.front());
-    device->heldReplies.pop_front();
+    std::optional<HeldReply> reply = std::move(owner->heldReplies.front());
+    owner->heldReplies.pop_front();
     return reply;
 }

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QPointer>
 
 #include <deque>
 #include <map>
@@ -63,6 +64,9 @@ public:
     /** Reads, or writes, are queued; false for an unknown device. */
     bool hasQueries(int devIndex) const;
     bool hasWrites(int devIndex) const;
+    /** The device has had reads, or writes, or its queues were emptied, and none is queued now. */
+    bool hasReadAll(int devIndex) const;
+    bool hasSentAll(int devIndex) const;
     /** No device has a queued read or a held reply. */
     bool haveReadAll() const;
     /** No device has a queued write. */
@@ -70,9 +74,28 @@ public:
     /** The queued reads and writes of all devices. */
     int pendingExchanges() const;
 
-    /** The oldest held reply of a device, taken out; nothing when there is none. */
-    std::optional<HeldReply> takeHeldReply(int devIndex);
-
 private:
     std::map<int, LinkDevice> m_devices;
+};
+
+/**
+ * Whose an index is at the moment, to be asked after each signal that carries it: a receiver may
+ * remove the device, and another one may get its index.
+ */
+class IndexOwner
+{
+public:
+    IndexOwner(LinkDevices &devices, int devIndex);
+
+    /** Its device; null when it has gone. */
+    LinkDevice *device() const;
+    /** Another device has the index: what would be said under it is not about the owner. */
+    bool isReplaced() const { return !device() && m_devices.find(m_devIndex); }
+    /** The oldest held reply of the device, taken out; nothing when there is none. */
+    std::optional<HeldReply> takeHeldReply() const;
+
+private:
+    LinkDevices &m_devices;
+    int m_devIndex;
+    QPointer<noxSerialPortThread> m_worker;
 };

@@ -102,6 +102,7 @@ void NOXSerialPort::rmDev(int devIndex)
         return;
     const bool wasReadAll = isReadAllQuery();
     const bool wasSentAll = isSendAllData();
+    const IndexOwner owner(m_devices, devIndex);
 
     QEventLoop loop;
     device->removalWait = &loop;
@@ -111,7 +112,7 @@ void NOXSerialPort::rmDev(int devIndex)
     // does glib's dispatcher), and one of them may tell that the worker has ended already.
     QAbstractEventDispatcher::instance()->wakeUp();
     loop.exec();
-    if (LinkDevice *const outlived = m_devices.find(devIndex))
+    if (LinkDevice *const outlived = owner.device())
         outlived->removalWait = nullptr;
 
     announceEmptied(wasReadAll, wasSentAll);
@@ -172,18 +173,6 @@ int NOXSerialPort::streamingIndex() const
     return devIndex >= 0 && m_devices.find(devIndex)->blocked == 0 ? devIndex : -1;
 }
 
-bool NOXSerialPort::isEmptyQueryQueue(int devIndex) const
-{
-    const LinkDevice *device = m_devices.find(devIndex);
-    return device && device->queries.wasUsed() && device->queries.isEmpty();
-}
-
-bool NOXSerialPort::isEmptyDataQueue(int devIndex) const
-{
-    const LinkDevice *device = m_devices.find(devIndex);
-    return device && device->writes.wasUsed() && device->writes.isEmpty();
-}
-
 void NOXSerialPort::onExchangeProg()
 {
     const int pending = m_devices.pendingExchanges();
@@ -206,9 +195,10 @@ void NOXSerialPort::sendDevQuery(int devIndex, noxSerialPortQueryItem query)
     // a read of nothing would never be answered and hold the stream back for good
     if (!m_devices.find(devIndex) || query.size == 0)
         return;
+    const IndexOwner owner(m_devices, devIndex);
     emit blockStatusEvent(devIndex, true);
     onExchangeProg();
-    LinkDevice *const device = m_devices.find(devIndex);
+    LinkDevice *const device = owner.device();
     if (!device)
         return;
     if (!device->writes.isEmpty()) {
@@ -237,8 +227,9 @@ void NOXSerialPort::sendDevData(int devIndex, noxSerialPortDataItem data)
 {
     if (!m_devices.find(devIndex) || data.data.isEmpty())
         return;
+    const IndexOwner owner(m_devices, devIndex);
     emit blockStatusEvent(devIndex, true);
-    LinkDevice *const device = m_devices.find(devIndex);
+    LinkDevice *const device = owner.device();
     if (!device)
         return;
     device->writes.pushUnlessWaiting(data);
@@ -291,21 +282,29 @@ void NOXSerialPort::readDevReply(QByteArray *buf, quint8 address)
     const int devIndex = senderIndex();
     if (devIndex < 0)
         return;
-    m_devices.find(devIndex)->queries.finish();
+    const IndexOwner owner(m_devices, devIndex);
+    owner.device()->queries.finish();
     onExchangeProg();
 
-    LinkDevice *const device = m_devices.find(devIndex);
-    if (device && device->blocked > 0) {
+    LinkDevice *const device = owner.device();
+    if (device && device->blocked > 0)
         device->heldReplies.push_back({address, std::move(reply)});
-    } else {
-        emit readyDevReply(devIndex, reply.get(), address);
-        emit readyDevReply(devIndex, *reply, address);
-        if (isEmptyQueryQueue(devIndex))
-            emit resultDevQuery(devIndex, true);
-        if (isReadAllQuery())
-            emit allDevQueryComplite();
-    }
+    else
+        announceReply(devIndex, owner, reply.get(), address);
     startNext(devIndex);
+}
+
+void NOXSerialPort::announceReply(int devIndex, const IndexOwner &owner, QByteArray *reply,
+                                  quint8 address)
+{
+    if (!owner.isReplaced())
+        emit readyDevReply(devIndex, reply, address);
+    if (!owner.isReplaced())
+        emit readyDevReply(devIndex, *reply, address);
+    if (!owner.isReplaced() && isEmptyQueryQueue(devIndex))
+        emit resultDevQuery(devIndex, true);
+    if (isReadAllQuery())
+        emit allDevQueryComplite();
 }
 
 void NOXSerialPort::onSendQueryError(quint16 code, noxSerialPortQueryItem query)
@@ -313,13 +312,16 @@ void NOXSerialPort::onSendQueryError(quint16 code, noxSerialPortQueryItem query)
     const int devIndex = senderIndex();
     if (devIndex < 0)
         return;
-    m_devices.find(devIndex)->queries.fail(query.qMode);
+    const IndexOwner owner(m_devices, devIndex);
+    owner.device()->queries.fail(query.qMode);
     onExchangeProg();
-    emit onDevQueryError(devIndex, code + queryCodeOffset, query);
-    emitErrorEvent(devIndex, code + queryCodeOffset);
+    if (!owner.isReplaced())
+        emit onDevQueryError(devIndex, code + queryCodeOffset, query);
+    if (!owner.isReplaced())
+        emitErrorEvent(devIndex, code + queryCodeOffset);
     if (isReadAllQuery())
         emit allDevQueryComplite();
-    if (!m_devices.hasQueries(devIndex))
+    if (!owner.isReplaced() && !m_devices.hasQueries(devIndex))
         emit resultDevQuery(devIndex, false);
     startNext(devIndex);
 }
@@ -329,16 +331,18 @@ void NOXSerialPort::doneDevSend()
     const int devIndex = senderIndex();
     if (devIndex < 0)
         return;
-    const auto done = m_devices.find(devIndex)->writes.finish();
+    const IndexOwner owner(m_devices, devIndex);
+    const auto done = owner.device()->writes.finish();
     if (!done) {
         startNext(devIndex);
         return;
     }
     onExchangeProg();
-    emit doneSendDevData(devIndex, *done);
+    if (!owner.isReplaced())
+        emit doneSendDevData(devIndex, *done);
     const bool moreWrites = m_devices.hasWrites(devIndex);
     startNext(devIndex);
-    if (!moreWrites)
+    if (!moreWrites && !owner.isReplaced())
         emit doneSend(devIndex);
     if (isSendAllData())
         emit allDevDataSend();
@@ -349,13 +353,16 @@ void NOXSerialPort::onSendDataError(quint16 code, noxSerialPortDataItem data)
     const int devIndex = senderIndex();
     if (devIndex < 0)
         return;
-    m_devices.find(devIndex)->writes.fail(data.qMode);
+    const IndexOwner owner(m_devices, devIndex);
+    owner.device()->writes.fail(data.qMode);
     onExchangeProg();
-    emit onDevDataError(devIndex, code + dataCodeOffset, data);
-    emitErrorEvent(devIndex, code + dataCodeOffset);
+    if (!owner.isReplaced())
+        emit onDevDataError(devIndex, code + dataCodeOffset, data);
+    if (!owner.isReplaced())
+        emitErrorEvent(devIndex, code + dataCodeOffset);
     if (isSendAllData())
         emit allDevDataSend();
-    if (m_devices.hasWrites(devIndex))
+    if (!owner.isReplaced() && m_devices.hasWrites(devIndex))
         emit resultDevData(devIndex, false);
     startNext(devIndex);
 }
@@ -369,10 +376,13 @@ void NOXSerialPort::emitErrorEvent(int devIndex, quint16 code)
 {
     if (!m_devices.find(devIndex))
         return;
+    const IndexOwner owner(m_devices, devIndex);
     // no code has a text of its own
     emit onDevError(devIndex, code, QStringLiteral("Unknown error"));
-    emit onDevError(devIndex, code);
-    emit onDevError(devIndex);
+    if (!owner.isReplaced())
+        emit onDevError(devIndex, code);
+    if (!owner.isReplaced())
+        emit onDevError(devIndex);
 }
 
 void NOXSerialPort::readDevMeas(double meas, quint8 ch, char dim)
@@ -407,22 +417,20 @@ void NOXSerialPort::devMeasTimeout(bool isConnect)
 
 void NOXSerialPort::blockEventDev(int devIndex, bool b)
 {
-    LinkDevice *device = m_devices.find(devIndex);
-    if (!device)
-        return;
-    if (b) {
+    const IndexOwner owner(m_devices, devIndex);
+    LinkDevice *device = owner.device();
+    if (device && b)
         ++device->blocked;
+    if (!device || b || device->blocked == 0)
         return;
-    }
-    if (device->blocked == 0)
-        return;
-    while (const auto reply = m_devices.takeHeldReply(devIndex)) {
+    while (const auto reply = owner.takeHeldReply()) {
         emit readyDevReply(devIndex, *reply->buf, reply->address);
-        emit readyDevReply(devIndex, reply->buf.get(), reply->address);
+        if (!owner.isReplaced())
+            emit readyDevReply(devIndex, reply->buf.get(), reply->address);
     }
     if (isReadAllQuery())
         emit allDevQueryComplite();
-    device = m_devices.find(devIndex);
+    device = owner.device();
     if (device && device->blocked > 0)
         --device->blocked;
 }

@@ -36,7 +36,7 @@ public:
     /** The `devIndex` of every worker. */
     QList<int> devices() const { return m_devices.indices(); }
     /** True if the device has had a read, or its queues were emptied, and none is queued now. */
-    bool isEmptyQueryQueue(int devIndex) const;
+    bool isEmptyQueryQueue(int devIndex) const { return m_devices.hasReadAll(devIndex); }
     /** A read or a write of the device is queued, or in progress and not forgotten. */
     bool hasExchanges(int devIndex) const
     {
@@ -53,7 +53,7 @@ public:
     void setLinkTiming(const LinkTiming &newTiming) { m_timing = newTiming; }
 
     /** True if the device has had a write, or its queues were emptied, and none is queued now. */
-    bool isEmptyDataQueue(int devIndex) const;
+    bool isEmptyDataQueue(int devIndex) const { return m_devices.hasSentAll(devIndex); }
     /**
      * Forgets a device's queued reads, writes and held replies, for an instrument that moves to
      * another record. An exchange that its worker has begun is finished and announced, but changes
@@ -186,6 +186,7 @@ private:
     void startQuery(int devIndex, LinkDevice &device);
     void startData(int devIndex, LinkDevice &device);
     void startNext(int devIndex);
+    void announceReply(int devIndex, const IndexOwner &owner, QByteArray *reply, quint8 address);
     void announceEmptied(bool wasReadAll, bool wasSentAll);
 
     static int progMax; ///< most exchanges pending since none was; of the whole process

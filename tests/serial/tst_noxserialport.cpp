@@ -298,6 +298,50 @@ private slots:
         QCOMPARE(journal->linesOf("reply"), QStringList("reply @3 72 bytes"));
     }
 
+    void nobodyIsTakenForHisPredecessor()
+    {
+        QVERIFY(bench->add("b", options));
+        bool isGiven = true;
+        const auto giveIndex = [&](int index) {
+            if (std::exchange(isGiven, true))
+                return;
+            const bool wasA = port->getPortName(index) == "a";
+            port->rmDev(index);
+            QCOMPARE(port->addDev(wasA ? "b" : "a"), index);
+        };
+        const auto heardAfter = [&](int strikes, const std::function<void()> &exchange) {
+            isGiven = false;
+            journal->clear();
+            bench->host.setFaults(port->getPortName(0),
+                                  faultPlan(&FaultPlan::ignoredAddressings, strikes));
+            exchange();
+            if (!QTest::qWaitFor([&] { return isGiven; }, longMs))
+                journal->lines << "nothing";
+            return journal->lines.join(", ");
+        };
+        using Port = NOXSerialPort;
+        connect(port.get(), QOverload<int, QByteArray *, quint8>::of(&Port::readyDevReply),
+                port.get(), giveIndex);
+        connect(port.get(), &Port::doneSendDevData, port.get(), giveIndex);
+        const auto readOnce = [this] { read(reference, noxQueryModeOnce); };
+        const auto writeOnce = [this] { setClock('x', noxQueryModeOnce); };
+        QCOMPARE(heardAfter(0, readOnce), "all queries done");
+        QCOMPARE(heardAfter(0, writeOnce), "written @6, all writes done");
+
+        QSignalSpy lastOfThree(port.get(), QOverload<int>::of(&Port::onDevError));
+        const auto atError =
+            connect(port.get(), QOverload<int, quint16, QString>::of(&Port::onDevError), port.get(),
+                    giveIndex);
+        QCOMPARE(heardAfter(99, readOnce),
+                 "query error 110 @3, error 110 Unknown error, all queries done");
+        QVERIFY(lastOfThree.isEmpty());
+        disconnect(atError);
+        connect(port.get(), &Port::onDevQueryError, port.get(), giveIndex);
+        connect(port.get(), &Port::onDevDataError, port.get(), giveIndex);
+        QCOMPARE(heardAfter(99, readOnce), "query error 110 @3, all queries done");
+        QCOMPARE(heardAfter(99, writeOnce), "write error 210 @6, all writes done");
+    }
+
     void removalFromWithinAnErrorIsPrompt()
     {
         bench->host.setStreaming("a", true);
