@@ -5,6 +5,8 @@
 
 #include <QPointer>
 
+#include <utility>
+
 namespace
 {
 
@@ -21,6 +23,15 @@ optionsNOX8::optionsNOX8(QObject *parent)
                 Qt::DirectConnection);
         features << feature;
     }
+}
+
+/** Fires signals one after the other, as long as the image is there: who listens may take it away.
+ *  Whether it still is; if not, nothing of it may be touched any more. */
+template<typename... Signals>
+bool optionsNOX8::announce(Signals... changes)
+{
+    const QPointer<optionsNOX8> self(this);
+    return (... && (emit(this->*changes)(), self));
 }
 
 // Blocks that were read
@@ -58,9 +69,11 @@ bool optionsNOX8::readConfiguration(const QByteArray &block)
     OperatingSettings::operator=(read.settings);
     for (int i = 0; i < read.channels.size(); ++i)
         channels[i] = read.channels.at(i);
-    for (int i = 0; i < read.features.size(); ++i)
+    const QPointer<optionsNOX8> self(this); // each characteristic announces itself
+    for (int i = 0; self && i < read.features.size(); ++i)
         features.at(i)->assign(read.features.at(i));
-    emit onDevChange();
+    if (self)
+        emit onDevChange();
     return true;
 }
 
@@ -68,8 +81,11 @@ bool optionsNOX8::readReferenceData(const QByteArray &block)
 {
     if (!decodeReferenceData(block, *this))
         return false;
+    const QPointer<optionsNOX8> self(this);
     if (!identValid && devType == 0)
         setDevType(typeCodeFromReferenceData(*this));
+    if (!self)
+        return true;
     identApplyPending = false;
     emit onRefChange();
     return true;
@@ -97,10 +113,12 @@ bool optionsNOX8::readIdentification(const QByteArray &block)
     identValid = false;
     devType = 0;
     devNumber = 0;
+    const QPointer<optionsNOX8> self(this);
     const bool accepted = block.size() == extendedIdentificationSize
                               ? takeExtendedIdentification(block)
                               : takeIdentification(block);
-    emit onIdentChange();
+    if (self)
+        emit onIdentChange();
     return accepted;
 }
 
@@ -114,8 +132,10 @@ bool optionsNOX8::takeIdentification(const QByteArray &block)
     if (!decodeIdentification(block, read))
         return false;
     devNumber = read.number;
+    const QPointer<optionsNOX8> self(this);
     setDevType(read.typeCode); // the identity is valid by now: it asks to be written back
-    identApplyPending = false;
+    if (self)
+        identApplyPending = false;
     return true;
 }
 
@@ -126,8 +146,10 @@ bool optionsNOX8::takeExtendedIdentification(const QByteArray &block)
         return false;
     devName = read.name;
     devNumber = read.number;
+    const QPointer<optionsNOX8> self(this);
     setDevType(read.typeCode); // the identity is not valid yet: it stays to be written
-    identValid = true;
+    if (self)
+        identValid = true;
     return true;
 }
 
@@ -146,15 +168,9 @@ bool optionsNOX8::setDevType(quint32 type)
         if (devCompensTP == 2)
             devCompensTP = 1;
     }
-    if (identValid && devNumber != 0 && type != 0) {
-        identApplyPending = false;
-        emit onIdentApply();
-    } else {
-        identApplyPending = true;
-    }
-    emit onIdentChange();
-    emit onDevChange();
-    emit onRefChange();
+    identApplyPending = !identValid || !isIdentified();
+    if (identApplyPending || announce(&optionsNOX8::onIdentApply))
+        announce(&optionsNOX8::onIdentChange, &optionsNOX8::onDevChange, &optionsNOX8::onRefChange);
     return type != 0;
 }
 
@@ -162,18 +178,12 @@ void optionsNOX8::setDevNumber(quint16 number)
 {
     if (number != devNumber) {
         devNumber = number;
-        if (identValid && number != 0 && devType != 0) {
-            identApplyPending = false;
-            if (model().extended)
-                emit onSNApply();
-            else
-                emit onIdentApply();
-        } else {
-            identApplyPending = true;
-        }
+        identApplyPending = !identValid || !isIdentified();
+        const auto apply = model().extended ? &optionsNOX8::onSNApply : &optionsNOX8::onIdentApply;
+        if (!identApplyPending && !announce(apply))
+            return;
     }
-    emit onIdentChange();
-    emit onDevChange();
+    announce(&optionsNOX8::onIdentChange, &optionsNOX8::onDevChange);
 }
 
 void optionsNOX8::setDevName(const QString &name)
@@ -182,10 +192,7 @@ void optionsNOX8::setDevName(const QString &name)
         return;
     devName = name;
     identApplyPending = true;
-    const QPointer<optionsNOX8> self(this); // who listens may take the image away
-    if (model().extended)
-        emit onIdentChange();
-    if (self)
+    if (!model().extended || announce(&optionsNOX8::onIdentChange))
         emit onDevChange();
 }
 
@@ -293,10 +300,8 @@ void optionsNOX8::setChFeatureCompesTP(quint8 ch, _chFeatureTypeCompensTP type, 
 bool optionsNOX8::setIndividualFeature(quint8 ch, FeatureRecord::_featureIndType type,
                                        const QString &name, const QStringList &values)
 {
-    if (!usedChannel(ch))
-        return false;
-    emit onDevChange();
-    return features.at(ch)->setFeature(type, name, values) != 0;
+    return usedChannel(ch) && announce(&optionsNOX8::onDevChange) &&
+           features.at(ch)->setFeature(type, name, values) != 0;
 }
 
 template<typename Source>
@@ -324,11 +329,8 @@ void optionsNOX8::triggerDevChange()
 {
     if (devType == 0)
         return;
-    if (identApplyPending) {
-        identApplyPending = false;
-        emit onIdentApply();
-    }
-    emit onDevApply();
+    if (!std::exchange(identApplyPending, false) || announce(&optionsNOX8::onIdentApply))
+        emit onDevApply();
 }
 
 void optionsNOX8::triggerRefChange()

@@ -115,6 +115,9 @@ signals:
     void onRecData(QMap<quint8, QVector<optionsNOX8::_recItem>> records, QDateTime start);
 
 private:
+    template<typename... Signals>
+    bool announce(Signals... changes);
+
     _ch *usedChannel(quint8 ch);
     template<typename Value>
     void change(quint8 ch, Value _ch::*member, Value value);

@@ -41,5 +41,6 @@ bool readSettings(QIODevice &device, optionsNOX8 &image);
  * keeps one that its list does not have.
  *
  * Without a line that names a model the image's type becomes unknown, and nothing else is taken.
+ * False, too, when a receiver of a change takes the image away.
  */
 bool applySettings(const QStringList &lines, optionsNOX8 &image);

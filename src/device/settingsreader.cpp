@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QPointer>
 
 #include <cstring>
 
@@ -36,7 +37,11 @@ QString modelNameIn(const QStringList &lines)
     return {};
 }
 
-/** Reads the lines of one known model, section by section. */
+/** A receiver of a change has taken the image away. */
+struct ImageGone {
+};
+
+/** Reads the lines of one known model, section by section, until the image has gone. */
 class SettingsReader
 {
 public:
@@ -44,7 +49,7 @@ public:
         : m_lines(lines)
         , m_model(model)
         , m_layout(model.channels, model.hasShortCircuit)
-        , m_image(image)
+        , m_image(&image)
     {
     }
 
@@ -61,7 +66,7 @@ public:
         readReversal();
         if (m_model.hasShortCircuit)
             readCompensation();
-        m_image.setReferenceData(m_image); // all of it is there by now
+        image().setReferenceData(image()); // all of it is there by now
         readUnits();
         if (m_lines.value(m_layout.extendedPart()) == extendedRevisionText)
             readExtendedPart();
@@ -69,6 +74,8 @@ public:
     }
 
 private:
+    optionsNOX8 &image() const { return m_image ? *m_image : throw ImageGone(); }
+
     /** Whether the line is there; the result of the reading is false if it is not. */
     bool has(int line)
     {
@@ -107,21 +114,21 @@ private:
     void readReferences()
     {
         int line = SettingsLayout::resistorLine;
-        for (ReferenceTriple &resistor : m_image.refR)
+        for (ReferenceTriple &resistor : image().refR)
             readReference(line++, resistor.value);
-        readReference(SettingsLayout::voltageLine, m_image.refU.value);
+        readReference(SettingsLayout::voltageLine, image().refU.value);
     }
 
     void readOperatingSettings()
     {
         takeNibble(m_lines.at(SettingsLayout::modeLine), 0, [this](quint8 code) {
-            m_image.setOperatingSetting(&OperatingSettings::devMeasMode, code);
+            image().setOperatingSetting(&OperatingSettings::devMeasMode, code);
         });
         takeNibble(m_lines.at(SettingsLayout::roundingLine), 0, [this](quint8 code) {
-            m_image.setOperatingSetting(&OperatingSettings::devMeasRound, quint8(code << 4));
+            image().setOperatingSetting(&OperatingSettings::devMeasRound, quint8(code << 4));
         });
         takeNibble(m_lines.at(SettingsLayout::compensationModeLine), 0, [this](quint8 code) {
-            m_image.setOperatingSetting(&OperatingSettings::devCompensTP, code);
+            image().setOperatingSetting(&OperatingSettings::devCompensTP, code);
         });
     }
 
@@ -129,21 +136,21 @@ private:
     {
         const QStringList lines =
             m_lines.mid(m_layout.channelLine(ch), SettingsLayout::linesOfChannel);
-        m_image.setChOnOff(ch, isSwitchedOn(lines.at(0)) ? 1 : 0);
+        image().setChOnOff(ch, isSwitchedOn(lines.at(0)) ? 1 : 0);
         if (const auto type = unitFromText(lines.at(1)))
-            m_image.setChMeasType(ch, *type, {});
+            image().setChMeasType(ch, *type, {});
         takeNibble(lines.at(2).split(' ').at(0), 1,
-                   [this, ch](quint8 index) { m_image.setChCurrent(ch, index); });
+                   [this, ch](quint8 index) { image().setChCurrent(ch, index); });
         takeNibble(lines.at(3).split(' ').value(1), 1,
-                   [this, ch](quint8 index) { m_image.setChResist(ch, index); });
+                   [this, ch](quint8 index) { image().setChResist(ch, index); });
         const int code = lines.at(4).toInt();
         if (const auto choice = characteristicFromCode(code)) {
-            m_image.setChFeature(ch, choice->source, choice->index);
+            image().setChFeature(ch, choice->source, choice->index);
         } else {
             if (code <= lastCharacteristicCode)
                 refuse();
-            if (!m_image.hasChFeature(ch))
-                m_image.setChFeature(ch, featureIndividual, 0);
+            if (!image().hasChFeature(ch))
+                image().setChFeature(ch, featureIndividual, 0);
         }
     }
 
@@ -152,7 +159,7 @@ private:
         if (!has(m_layout.formLine(ch)))
             return;
         const int type = typeFromFormCode(m_lines.at(m_layout.formLine(ch)).toInt());
-        m_accepted = m_image.setIndividualFeature(ch, FeatureRecord::_featureIndType(type),
+        m_accepted = image().setIndividualFeature(ch, FeatureRecord::_featureIndType(type),
                                                   m_lines.at(m_layout.nameLine(ch)),
                                                   characteristicTexts(type, ch));
     }
@@ -183,29 +190,29 @@ private:
         if (!has(m_layout.timeLine()))
             return;
         if (const auto time = timeFromText(m_lines.at(m_layout.timeLine())))
-            m_image.setOperatingSetting(&OperatingSettings::devMeasTime, *time);
+            image().setOperatingSetting(&OperatingSettings::devMeasTime, *time);
         else
             refuse();
     }
 
     void readCorrections()
     {
-        readNumber(m_layout.temperatureLine(), m_image.refT0);
+        readNumber(m_layout.temperatureLine(), image().refT0);
         int line = m_layout.correctionLine();
         const auto readCorrection = [&](ReferenceTriple &triple) {
             readNumber(line++, triple.a);
             readNumber(line++, triple.b);
         };
-        for (ReferenceTriple &resistor : m_image.refR)
+        for (ReferenceTriple &resistor : image().refR)
             readCorrection(resistor);
-        readCorrection(m_image.refU);
+        readCorrection(image().refU);
     }
 
     void readReversal()
     {
         const int line = m_layout.reversalLine();
         if (has(line))
-            m_image.setOperatingSetting(&OperatingSettings::devChRevers,
+            image().setOperatingSetting(&OperatingSettings::devChRevers,
                                         m_lines.at(line) == QStringLiteral("1") ? 0x10 : 0x00);
     }
 
@@ -216,7 +223,7 @@ private:
                 readCompensation(ch, m_lines.at(m_layout.compensationLine(ch)));
         const int line = m_layout.shortCircuitLine();
         if (has(line))
-            m_image.setDevZakorotka(m_lines.at(line) == QStringLiteral("1") ? 0 : 1);
+            image().setDevZakorotka(m_lines.at(line) == QStringLiteral("1") ? 0 : 1);
     }
 
     void readCompensation(quint8 ch, const QString &text)
@@ -226,16 +233,16 @@ private:
         if (!choice && !text.isEmpty() && code <= lastCompensationCode)
             refuse();
         if (choice)
-            m_image.setChFeatureCompesTP(ch, choice->source, choice->index);
-        else if (!m_image.hasChFeatureCompesTP(ch) || (text.isEmpty() && !hasUnkeptKind(ch)))
-            m_image.setChFeatureCompesTP(ch, compensNone, 0);
+            image().setChFeatureCompesTP(ch, choice->source, choice->index);
+        else if (!image().hasChFeatureCompesTP(ch) || (text.isEmpty() && !hasUnkeptKind(ch)))
+            image().setChFeatureCompesTP(ch, compensNone, 0);
     }
 
     /** An empty line stands for a thermocouple or for none: a channel that has one of the two keeps
      *  it, any other gets none. */
     bool hasUnkeptKind(quint8 ch) const
     {
-        const CompensationSource source = m_image.channels.at(ch).featureTypeCompensTP;
+        const CompensationSource source = image().channels.at(ch).featureTypeCompensTP;
         return source == compensNone || source == compensThermocouple;
     }
 
@@ -247,7 +254,7 @@ private:
         for (quint8 ch = 0; ch < m_model.channels; ++ch) {
             const QString unit = m_lines.at(m_layout.unitLine(ch));
             if (!unit.isEmpty())
-                m_image.setChUnit(ch, unit);
+                image().setChUnit(ch, unit);
         }
     }
 
@@ -255,12 +262,12 @@ private:
     {
         const int typeLine = m_layout.extendedPart() + 1;
         const quint32 type = m_lines.value(typeLine).toUInt();
-        if (type == 0 || !m_image.setDevType(type))
+        if (type == 0 || !image().setDevType(type))
             return refuse();
         if (has(typeLine + 1))
-            m_image.devName = m_lines.at(typeLine + 1).trimmed();
+            image().devName = m_lines.at(typeLine + 1).trimmed();
         int line = typeLine + 2;
-        forEachShift(static_cast<ZeroShifts &>(m_image), [this, &line](bFloat &shift) {
+        forEachShift(static_cast<ZeroShifts &>(image()), [this, &line](bFloat &shift) {
             if (has(line))
                 shift.setFloat(m_lines.at(line));
             ++line;
@@ -270,7 +277,7 @@ private:
     const QStringList &m_lines;
     const InstrumentModel &m_model;
     SettingsLayout m_layout;
-    optionsNOX8 &m_image;
+    QPointer<optionsNOX8> m_image;
     bool m_accepted = true; ///< every number and every characteristic so far
     bool m_complete = true; ///< every line was there and said something
 };
@@ -281,9 +288,14 @@ bool applySettings(const QStringList &lines, optionsNOX8 &image)
 {
     const QString name = modelNameIn(lines);
     const InstrumentModel *const named = name.isEmpty() ? nullptr : findModelNamed(name);
+    const QPointer<optionsNOX8> announced(&image);
     image.setDevType(named ? named->typeCode : 0);
-    const InstrumentModel &model = modelOrNone(image.devType);
-    return model.channels != 0 && SettingsReader(lines, model, image).read();
+    const InstrumentModel &model = modelOrNone(announced ? image.devType : 0);
+    try {
+        return model.channels != 0 && SettingsReader(lines, model, image).read();
+    } catch (const ImageGone &) {
+        return false;
+    }
 }
 
 bool loadSettingsFile(const QString &fileName, optionsNOX8 &image)

@@ -82,7 +82,7 @@ void SettingsFiles::load(int index)
     question.mode = QFileDialog::AcceptOpen;
     question.title = Texts::tr("Загрузка настроек из файла");
     const QString fileName = ask(question, image, image->getDevName(true));
-    if (fileName.isEmpty() || image->loadFromFile(fileName))
+    if (fileName.isEmpty() || image->loadFromFile(fileName) || !image)
         return;
     UserDialogs::current().tell(
         m_dialog, {QMessageBox::Warning, Texts::tr("Ошибка чтения файла настроек"),

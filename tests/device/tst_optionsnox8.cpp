@@ -1,4 +1,5 @@
 #include "device/optionsnox8.h"
+#include "device/settingsfile.h"
 #include "device/vocabulary.h"
 #include "devicebench.h"
 #include "support/imagefields.h"
@@ -249,6 +250,52 @@ private slots:
         }
         image.triggerDevChange();
         QCOMPARE(log.take(), "dev!");
+    }
+
+    void whoListensMayTakeTheImageAway()
+    {
+        constexpr quint32 model = 0x0950AA0F;
+        ImageOf other(model);
+        other.channels[2].onOff = 0;
+        const QStringList lines = settingsLines(other);
+        ReferenceData references;
+        references.refU.value.value = 300.0F;
+        references.refR[0].value.value = 200.0F;
+        const QVector<std::function<void(Image &)>> changes = {
+            [](Image &image) { image.setDevType(0x22); },
+            [](Image &image) { image.setDevNumber(8); },
+            [](Image &image) { image.setDevName("new"); },
+            [](Image &image) { image.triggerDevChange(); },
+            [](Image &image) {
+                image.setIndividualFeature(0, FeatureRecord::polynomial, "",
+                                           QString("1").repeated(10).split("", Qt::SkipEmptyParts));
+            },
+            [&](Image &image) { image.setData(taken(other.getData()), 2); },
+            [&](Image &image) {
+                image.devType = 0;
+                image.setData(encodeReferenceData(references, QByteArray(8, 'x')), 3);
+            },
+            [](Image &image) { image.setData(QByteArray::fromHex("01000000110004d2"), 51); },
+            [](Image &image) {
+                image.setData(QByteArray::fromHex("0faa6009").leftJustified(24, '\1'), 51);
+            },
+            [&](Image &image) { applySettings(lines, image); }};
+        for (const auto &change : changes) {
+            std::unique_ptr<ImageOf> image;
+            for (int last = 1; !image; ++last) { // each announcement in turn is the last
+                image = std::make_unique<ImageOf>(model);
+                image->devNumber = 7;
+                image->identValid = last % 2 == 1;
+                ImageLog log(*image);
+                int heard = 0;
+                log.listener = [&] {
+                    if (++heard == last)
+                        image.reset();
+                };
+                change(*image);
+                QVERIFY(heard == last || (image && heard < last));
+            }
+        }
     }
 
     void identifications()
