@@ -42,10 +42,9 @@ void InstrumentStore::provideWithReferences(noxList::_nox *nox) const
 {
     const optionsNOX8 &image = *nox->opt;
     const QByteArray refdata = taken(image.getRefData(true));
-    const int row =
-        m_database->provideDev(&refdata, image.devType, image.devNumber, image.getDevName(true));
-    if (row >= 1)
-        nox->dbIndex = row;
+    if (const auto row = m_database->provideDev(&refdata, image.devType, image.devNumber,
+                                                image.getDevName(true)))
+        nox->dbIndex = *row;
 }
 
 // What is learnt of it

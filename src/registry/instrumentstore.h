@@ -23,8 +23,8 @@ public:
     bool recognise(noxList::_nox *nox) const;
     /** Finds the row of type and number, or adds one; `dbIndex` is -1 when the database refuses. */
     void provide(noxList::_nox *nox) const;
-    /** The same, with the reference data in the row; nothing is changed when the database
-     *  refuses. */
+    /** The same, with the reference data in the row; nothing is changed while the database is
+     *  closed, and when a row that is there does not take them. */
     void provideWithReferences(noxList::_nox *nox) const;
 
     /** Brings the row up to the image. */

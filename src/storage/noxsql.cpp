@@ -109,8 +109,11 @@ int noxSql::addDev(quint32 type, quint32 number, const QString &name)
                  {":device_name_search", name.toLower()}}));
 }
 
-int noxSql::provideDev(const QByteArray *refdata, quint32 type, quint32 number, const QString &name)
+std::optional<int> noxSql::provideDev(const QByteArray *refdata, quint32 type, quint32 number,
+                                      const QString &name)
 {
+    if (!isOpen())
+        return std::nullopt;
     const auto row = selectOnly(
         "SELECT device_id FROM device WHERE device_refdata=:device_refdata"
         " AND device_type=:device_type AND device_number=:device_number",
@@ -119,7 +122,7 @@ int noxSql::provideDev(const QByteArray *refdata, quint32 type, quint32 number, 
         return row->value(0).toInt();
     const int known = findDev(type, number);
     if (known != failure)
-        return updRefData(known, refdata, type, number, name) ? known : failure;
+        return updRefData(known, refdata, type, number, name) ? std::optional(known) : std::nullopt;
     return insertedId(execute(
         " INSERT INTO device (device_type, device_number, device_refdata, device_name,"
         " device_name_search) VALUES(:device_type, :device_number, :device_refdata, :device_name,"

@@ -9,6 +9,7 @@
 #include <QVector>
 
 #include <functional>
+#include <optional>
 
 class QSqlQuery;
 
@@ -58,8 +59,10 @@ public:
     /** The id of the instrument of this type and serial number, which is added if it is new. */
     int addDev(quint32 type, quint32 number, const QString &name);
     /** The row of the instrument with these reference data, type and serial number; else the row of
-     *  its type and number, which takes the data; else a new one. */
-    int provideDev(const QByteArray *refdata, quint32 type, quint32 number, const QString &name);
+     *  its type and number, which takes the data; else a new one, -1 when it cannot be added.
+     *  Nothing while the database is closed, and when the row does not take the data. */
+    std::optional<int> provideDev(const QByteArray *refdata, quint32 type, quint32 number,
+                                  const QString &name);
     /** Rewrites an instrument's row. */
     bool updRefData(int deviceId, const QByteArray *refdata, quint32 type, quint32 number,
                     const QString &name);

@@ -61,9 +61,9 @@ private slots:
     {
         bench->add("A", "NOX C", 1, true);
         const auto refdata = bench->instruments.host.block("A", 3).left(64) + QByteArray(8, '\0');
-        const int stored = bench->database.provideDev(&refdata, 0x21, 815, "NOX C № 0815");
+        const auto stored = bench->database.provideDev(&refdata, 0x21, 815, "NOX C № 0815");
         QVERIFY(finds(0x21, 815) && only()); // be it searched for
-        QCOMPARE(only()->dbIndex, stored);
+        QCOMPARE(only()->dbIndex, stored.value_or(0));
         QCOMPARE(only()->opt->getDevName(true), QStringLiteral("NOX C № 0815"));
     }
 

@@ -1,3 +1,4 @@
+#include "registry/instrumentstore.h"
 #include "registrybench.h"
 
 #include <QSqlQuery>
@@ -281,6 +282,26 @@ private slots:
         QCOMPARE(bench->database.getSnapShotCount(nox.dbIndex), 1);
         reply(factory, 2);
         QCOMPARE(nox.snapShotId, id);
+    }
+
+    void refusedRowIsNone()
+    {
+        noxList::_nox *const nox = identify(list().newNox(-1, false), typeB, 5);
+        const InstrumentStore store(&bench->database);
+        const auto row = [&](quint16 number) {
+            nox->opt->devNumber = number;
+            nox->dbIndex = 0;
+            store.provideWithReferences(nox);
+            return nox->dbIndex;
+        };
+        QCOMPARE(row(5), 1);
+        QVERIFY(QSqlQuery("PRAGMA query_only=1").isActive());
+        QCOMPARE(row(5), 1);
+        QCOMPARE(row(6), -1);
+        nox->opt->refR[0].value.value = 200.0F; // what the row that is there does not take
+        QCOMPARE(row(5), 0);
+        QSqlDatabase::database().close();
+        QCOMPARE(row(6), 0);
     }
 
     void foundInstrumentIsAdopted()

@@ -136,9 +136,9 @@ private slots:
                          m_sql->addDev(0x11, 1234, "B"), m_sql->findDev(0x0960AA0F, 1235),
                          m_sql->findDev(0x11, 1234)};
         // found by reference data, else by its name, which takes them; else new
-        ids << m_sql->provideDev(&reference, 0x11, 1234, "БАНЯ")
-            << m_sql->provideDev(&reference, 0x11, 1234, "renamed in vain")
-            << m_sql->provideDev(&otherReference, 0x21, 7, "C");
+        ids << m_sql->provideDev(&reference, 0x11, 1234, "БАНЯ").value_or(0)
+            << m_sql->provideDev(&reference, 0x11, 1234, "renamed in vain").value_or(0)
+            << m_sql->provideDev(&otherReference, 0x21, 7, "C").value_or(0);
         QCOMPARE(ids, (QVector<int>{1, 1, 2, -1, 2, 2, 2, 3}));
         QVERIFY(!m_sql->updRefData(3, &reference, 0x11, 1234, "taken"));
         QVERIFY(!m_sql->updRefData(0, &reference, 0x31, 1, "nobody"));
