@@ -115,11 +115,10 @@ void BlockExchange::writeWaiting(noxList::_nox *nox)
 {
     // a receiver of a write may ask for another one, and may remove the instrument
     const QPointer<optionsNOX8> image = nox->opt.get();
-    const int devIndex = nox->devIndex;
     const auto codes = std::exchange(nox->txCodes, {});
     for (const optionsNOX8::tx_code code : codes)
         if (image)
-            writeBlock(devIndex, pendingBlock(*image, code), code);
+            writeBlock(nox->devIndex, pendingBlock(*image, code), code);
 }
 
 void BlockExchange::writeBlock(int devIndex, QByteArray block, quint8 address)

@@ -3,6 +3,10 @@
 #include "device/featurenox8.h"
 #include "storage/noxsql.h"
 
+#include <QPointer>
+
+#include <utility>
+
 QString unitKey(quint8 ch)
 {
     return QStringLiteral("ch_%1-dim").arg(ch);
@@ -27,8 +31,10 @@ bool InstrumentStore::recognise(noxList::_nox *nox) const
     if (row < 1)
         return false;
     nox->dbIndex = row; // first: who hears of the identity asks for it
-    nox->opt->setDevType(type);
-    nox->opt->setDevNumber(quint16(number));
+    const QPointer<optionsNOX8> image = nox->opt.get(); // ... and may remove the instrument
+    image->setDevType(type);
+    if (image)
+        image->setDevNumber(quint16(number));
     return true;
 }
 
@@ -78,6 +84,16 @@ void InstrumentStore::keepUnit(const noxList::_nox &nox, quint8 ch) const
 }
 
 // How it is set
+
+QByteArray InstrumentStore::snapShotContent(const optionsNOX8 &image)
+{
+    return taken(image.getData()) + taken(image.getRefAllData());
+}
+
+bool InstrumentStore::leaveSnapShot(noxList::_nox *nox, const QByteArray &contentBefore)
+{
+    return snapShotContent(*nox->opt) != contentBefore && std::exchange(nox->snapShotId, 0) != 0;
+}
 
 void InstrumentStore::recogniseSnapShot(noxList::_nox *nox, bool isComplete) const
 {

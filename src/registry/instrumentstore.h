@@ -35,6 +35,11 @@ public:
     /** Keeps the user's unit of a channel, or that there is none. */
     void keepUnit(const noxList::_nox &nox, quint8 ch) const;
 
+    /** All of an image that a snapshot keeps. */
+    static QByteArray snapShotContent(const optionsNOX8 &image);
+    /** An instrument whose configuration turns out to be another than the image had is at no
+     *  snapshot any more; whether it was at one. What the user changes stays that of his. */
+    static bool leaveSnapShot(noxList::_nox *nox, const QByteArray &contentBefore);
     /** Finds the snapshot that is equal to the configuration. The very first configuration of an
      *  instrument is stored, if all of it has been read (`isComplete`). */
     void recogniseSnapShot(noxList::_nox *nox, bool isComplete) const;

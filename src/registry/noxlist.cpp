@@ -72,8 +72,9 @@ noxList::_nox *noxList::newNox(int devIndex, bool wire)
     } else {
         m_exchange->followModel(record);
     }
+    const QPointer<optionsNOX8> image = record->opt.get();
     emit onAddNox(record->index, false);
-    return record;
+    return getNoxByImage(image); // a receiver may have removed it
 }
 
 bool noxList::addNox(_nox *dev)
@@ -106,12 +107,14 @@ noxList::_nox *noxList::findSame(const optionsNOX8 &image) const
 /** Lets a record go on with the device under which its instrument was found again. */
 void noxList::continueOn(_nox *known, int devIndex)
 {
-    const int index = known->index;
+    const QPointer<optionsNOX8> image = known->opt.get();
     const int formerDevice = std::exchange(known->devIndex, devIndex);
     known->portName = m_serialPort->getPortName(devIndex);
     m_serialPort->emptyQueues(devIndex);
-    m_exchange->setCommandByte(*known);
-    getOptFromNox(index);
+    if (getNoxByImage(image)) { // a receiver of that may have removed it
+        m_exchange->setCommandByte(*known);
+        m_exchange->readAll(*known);
+    }
     emit onChange();
     // later: the removal lets other events in, and the caller still holds the record that was found
     if (formerDevice < 0 || formerDevice == devIndex)
@@ -205,11 +208,6 @@ void noxList::setRecording(int index, bool on)
 
 // Who is who
 
-noxList::_nox *noxList::getNoxByIndex(int index) const
-{
-    return m_records.value(index);
-}
-
 noxList::_nox *noxList::getNoxByDevIndex(int devIndex) const
 {
     for (_nox *nox : m_records)
@@ -252,16 +250,6 @@ int noxList::getDBIndex(int index) const
     return nox ? nox->dbIndex : -1;
 }
 
-bool noxList::isDevIndex(int devIndex) const
-{
-    return getNoxByDevIndex(devIndex) != nullptr;
-}
-
-QList<int> noxList::indices() const
-{
-    return m_records.keys();
-}
-
 // What is connected
 
 /**
@@ -291,8 +279,7 @@ void noxList::setSignal(_nox *nox)
 {
     using Image = optionsNOX8;
     const Image *const image = nox->opt.get();
-    connect(nox->txTimer.get(), &QTimer::timeout, this,
-            [this, index = nox->index] { writePending(index); });
+    connect(nox->txTimer.get(), &QTimer::timeout, this, [this, nox] { writePending(nox); });
     m_exchange->follow(nox); // first: a channel is written before its unit is kept
     connect(image, &Image::onChApply, this,
             [this, index = nox->index](quint8 ch) { keepUnit(index, ch); });
@@ -331,12 +318,13 @@ void noxList::sendNoxData(int index, optionsNOX8::tx_code tx_code)
         BlockExchange::request(nox, tx_code);
 }
 
-void noxList::writePending(int index)
+void noxList::writePending(_nox *nox)
 {
-    if (getNoxByIndex(index)->txCodes.isEmpty())
+    if (nox->txCodes.isEmpty())
         return;
+    const QPointer<optionsNOX8> image = nox->opt.get();
     emit onChange();
-    if (_nox *nox = getNoxByIndex(index)) // a receiver of the change may have removed it
+    if (getNoxByImage(image)) // a receiver of the change may have removed it
         m_exchange->writeWaiting(nox);
 }
 
@@ -348,7 +336,7 @@ void noxList::writeNow()
         if (!nox || !nox->isConnected())
             continue;
         nox->txTimer->stop();
-        writePending(index);
+        writePending(nox);
     }
 }
 
@@ -389,11 +377,12 @@ void noxList::applyDevQuery(int devIndex, QByteArray *buf, quint8 address)
     _nox *found = getNoxByDevIndex(devIndex);
     if (!found)
         return;
-    const int index = found->index;
+    const QPointer<optionsNOX8> image = found->opt.get();
     found->held.noteRead(address, *buf); // who hears of the change compares with it
-    const int sizeBefore = found->opt->getDevDataSize();
-    const bool isAccepted = found->opt->setData(*buf, address);
-    _nox *nox = getNoxByIndex(index); // a receiver of the change may have removed it
+    const int sizeBefore = image->getDevDataSize();
+    const QByteArray contentBefore = InstrumentStore::snapShotContent(*image);
+    const bool isAccepted = image->setData(*buf, address);
+    _nox *nox = getNoxByImage(image); // a receiver of the change may have removed it
     if (!nox)
         return;
     // it is another model than was believed: what has been asked for has the wrong size
@@ -402,12 +391,14 @@ void noxList::applyDevQuery(int devIndex, QByteArray *buf, quint8 address)
         m_exchange->readConfiguration(*nox);
     // an extended model's configuration is whole, and can be compared, with its zero shifts
     const bool isConfiguration = address == configurationAddress || address == zeroShiftsAddress;
-    if (isConfiguration && isAccepted && nox->dbIndex >= 1) {
+    const bool hasLeft = InstrumentStore::leaveSnapShot(nox, contentBefore);
+    if (isConfiguration && isAccepted && nox->dbIndex >= 1)
         m_store->recogniseSnapShot(nox, m_serialPort->isEmptyQueryQueue(nox->devIndex));
-        emit onChange();
-    } else if (address == referenceDataAddress && nox->dbIndex == 0) {
-        m_store->find(nox);
-    }
+    else if (address == referenceDataAddress && nox->dbIndex == 0)
+        return m_store->find(nox);
+    else if (!hasLeft)
+        return;
+    emit onChange();
 }
 
 void noxList::onDoneSendDevData(int devIndex, noxSerialPortDataItem data)
@@ -440,6 +431,6 @@ void noxList::onLinkError(int devIndex, quint16 code)
     const QPointer<optionsNOX8> image = nox->opt.get();
     image->blockSignals(false);
     disConnByIndex(index);
-    if (image) // else it was removed while its worker was ending
+    if (getNoxByImage(image)) // else it was removed while its worker was ending
         emit onDevError(index, connectionLostCode, tr("Обрыв связи [код %1]").arg(code));
 }

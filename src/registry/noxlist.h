@@ -38,7 +38,7 @@ public:
         int index = -1;     ///< registry index
         int devIndex = -1;  ///< at the multiplexer; -1 when not connected
         int dbIndex = 0;    ///< in the database; below 1 when not stored
-        int snapShotId = 0; ///< stored snapshot equal to the configuration; 0 for none
+        int snapShotId = 0; ///< snapshot that it is at, or that the user has changed; 0 for none
         int qwtIndex = -1;  ///< on the plot; -1 while it is not there
         quint8 mainCh = 0;  ///< main channel last written to the instrument
         std::unique_ptr<optionsNOX8> opt;
@@ -96,7 +96,7 @@ public:
     void setRecording(int index, bool on);
 
     /** The record, or null. It lives until rmByIndex(). */
-    _nox *getNoxByIndex(int index) const;
+    _nox *getNoxByIndex(int index) const { return m_records.value(index); }
     _nox *getNoxByDevIndex(int devIndex) const;
     _nox *getNoxByQwtIndex(int qwtIndex) const;
     /** The record whose image this is: an index may have passed on to another instrument. */
@@ -107,9 +107,9 @@ public:
     int getQWTIndex(int index) const;
     /** The database id, or -1 for an unknown record. */
     int getDBIndex(int index) const;
-    bool isDevIndex(int devIndex) const;
+    bool isDevIndex(int devIndex) const { return getNoxByDevIndex(devIndex) != nullptr; }
     /** All registry indices, ascending. */
-    QList<int> indices() const;
+    QList<int> indices() const { return m_records.keys(); }
 
     /** Starts all writes to connected instruments that still wait, instead of collecting on. */
     void writeNow();
@@ -165,7 +165,7 @@ private:
     void setSignal(_nox *nox);
     void leave(const _nox *nox);
 
-    void writePending(int index);
+    void writePending(_nox *nox);
     void applyIdentity(const _nox *nox);
     void keepUnit(int index, quint8 ch);
     void noteIdentity(int index);

@@ -282,6 +282,20 @@ private slots:
         QCOMPARE(bench->database.getSnapShotCount(nox.dbIndex), 1);
         reply(factory, 2);
         QCOMPARE(nox.snapShotId, id);
+        nox.opt->setData(changed, 2); // by the user: it is still that of his snapshot
+        reply(changed, 2);
+        QCOMPARE(nox.snapShotId, id);
+        reply(factory, 2);
+        QByteArray recalibrated = refdata; // by somebody else: it is that of none
+        recalibrated[5] = 0x11;
+        bench->news();
+        reply(recalibrated, 3);
+        QCOMPARE(bench->news() + QString::number(nox.snapShotId), QString("references 0;change0"));
+        reply(refdata, 3);
+        reply(factory, 2);
+        QCOMPARE(nox.snapShotId, id);
+        reply(changed, 2);
+        QCOMPARE(nox.snapShotId, 0);
     }
 
     void refusedRowIsNone()
@@ -302,6 +316,22 @@ private slots:
         QCOMPARE(row(5), 0);
         QSqlDatabase::database().close();
         QCOMPARE(row(6), 0);
+    }
+
+    void whoTakesTheIndexIsNotMeant()
+    {
+        const noxList::_nox &older = *add(typeB, 5);
+        const auto replace = [this] {
+            list().rmByIndex(0);
+            add(typeCM, 6)->dbIndex = 0;
+        };
+        const auto once = std::make_shared<QMetaObject::Connection>();
+        *once = connect(older.opt.get(), &Image::onRefChange, &list(), [=] {
+            disconnect(*once);
+            replace();
+        });
+        reply(taken(Image().getRefData(true)), 3);
+        QCOMPARE(list().getNoxByIndex(0)->dbIndex, 0);
     }
 
     void foundInstrumentIsAdopted()
