@@ -5,8 +5,6 @@ add_library(nox8_flags INTERFACE)
 target_compile_options(nox8_flags INTERFACE
     -Wall -Wextra -Wpedantic
     $<$<BOOL:${NOX8_WARNINGS_AS_ERRORS}>:-Werror>
-    $<$<BOOL:${NOX8_SANITIZE}>:-fsanitize=address,undefined -fno-sanitize-recover=undefined
-        -fno-omit-frame-pointer>
     $<$<BOOL:${NOX8_FUZZ}>:-fsanitize=fuzzer-no-link,address,undefined
         -fno-sanitize-recover=undefined -fno-omit-frame-pointer>)
 target_compile_definitions(nox8_flags INTERFACE
@@ -14,9 +12,12 @@ target_compile_definitions(nox8_flags INTERFACE
     QT_NO_CAST_TO_ASCII
     QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
     QT_NO_FOREACH)
-target_link_options(nox8_flags INTERFACE
-    $<$<BOOL:${NOX8_SANITIZE}>:-fsanitize=address,undefined>
-    $<$<BOOL:${NOX8_FUZZ}>:-fsanitize=address,undefined>)
+target_link_options(nox8_flags INTERFACE $<$<BOOL:${NOX8_FUZZ}>:-fsanitize=address,undefined>)
+if(NOX8_SANITIZE)
+    target_compile_options(nox8_flags INTERFACE
+        -fsanitize=${NOX8_SANITIZE} -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    target_link_options(nox8_flags INTERFACE -fsanitize=${NOX8_SANITIZE})
+endif()
 
 # nox8_precompile(<name> HEADERS <header>... LINKS <target>...)
 #
@@ -86,6 +87,12 @@ endfunction()
 # Builds all test programs, and what they need.
 add_custom_target(nox8_tests)
 
+# Of the thread sanitizer: what libraries that it does not know do among themselves is not looked at.
+set(NOX8_TEST_ENVIRONMENT
+    QT_QPA_PLATFORM=offscreen
+    LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0
+    TSAN_OPTIONS=ignore_noninstrumented_modules=1)
+
 # nox8_add_test(<name> SOURCES <file>... LINKS <target>... [LABEL unit|e2e])
 #
 # A test program of QtTest. Tests labelled "unit" (the default) run once more under the sanitizers.
@@ -95,11 +102,14 @@ function(nox8_add_test name)
         set(arg_LABEL unit)
     endif()
     add_executable(${name} ${arg_SOURCES})
+    if(NOX8_SANITIZE STREQUAL "thread")
+        target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/qtevents.cpp)
+    endif()
     target_link_libraries(${name} PRIVATE ${arg_LINKS} Qt5::Widgets Qt5::Test nox8_flags)
     target_precompile_headers(${name} REUSE_FROM nox8_test_headers)
     add_dependencies(nox8_tests ${name})
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES
         LABELS ${arg_LABEL}
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0")
+        ENVIRONMENT "${NOX8_TEST_ENVIRONMENT}")
 endfunction()
