@@ -184,6 +184,22 @@ void PlotChannel::clearPoints()
     clearDifferences();
 }
 
+qint64 MomentOf::milliseconds(const QDateTime &time) const
+{
+    if (m_latest != time) {
+        m_latest = time;
+        m_milliseconds = time.toMSecsSinceEpoch();
+    }
+    return m_milliseconds;
+}
+
+double PlotDevice::secondsTo(qint64 moment) const
+{
+    if (!startDateTime.isValid())
+        return 0;
+    return static_cast<double>(moment - startMoment.milliseconds(startDateTime)) / 1000.0;
+}
+
 void PlotDevice::watch(TmcTrackingMode mode)
 {
     for (QwtPlotMarker *limit : {upperMarker, lowerMarker}) {

@@ -147,6 +147,21 @@ struct PlotChannel {
     void clearPoints();
 };
 
+/**
+ * What a local time is in ms since 1970, found once for each: finding it looks at the computer's
+ * time zone, which costs more than the rest of what a point costs.
+ */
+class MomentOf
+{
+public:
+    /** 0 for an invalid time. */
+    qint64 milliseconds(const QDateTime &time) const;
+
+private:
+    mutable QDateTime m_latest;
+    mutable qint64 m_milliseconds = 0; ///< of the latest
+};
+
 /** One instrument on the plot. The markers are null until the limits' lines exist; the plot owns
  * them. */
 struct PlotDevice {
@@ -160,6 +175,10 @@ struct PlotDevice {
     TmcTrackingMode modeTrack = TrackOff;
     QwtPlotMarker *upperMarker = nullptr;
     QwtPlotMarker *lowerMarker = nullptr;
+    MomentOf startMoment; ///< of startDateTime
+
+    /** Seconds from the time origin to a moment in ms since 1970; 0 without an origin. */
+    double secondsTo(qint64 moment) const;
 
     /** Watches other limits, none of which has been placed yet. */
     void watch(TmcTrackingMode mode);

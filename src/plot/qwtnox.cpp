@@ -171,8 +171,9 @@ bool QwtNOX::addPoint(double val, const QString &dim, int qwtIndex, uchar ch)
     const _dev *device = m_records.findDevice(qwtIndex);
     if (!device)
         return false;
-    const double time = static_cast<double>(device->startDateTime.msecsTo(now())) / 1000.0;
-    return addPoint(val, time, dim, qwtIndex, ch);
+    const qint64 moment =
+        m_clock ? m_clock().toMSecsSinceEpoch() : QDateTime::currentMSecsSinceEpoch();
+    return addPoint(val, device->secondsTo(moment), dim, qwtIndex, ch);
 }
 
 bool QwtNOX::addPoint(double val, double time, const QString &dim, int qwtIndex, uchar ch)

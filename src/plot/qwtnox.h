@@ -91,7 +91,7 @@ public:
     /** The clock that stamps points and tells which day is today; tests set their own. */
     void setClock(std::function<QDateTime()> clock) { m_clock = std::move(clock); }
     /** What that clock shows. */
-    QDateTime now() const { return m_clock(); }
+    QDateTime now() const { return m_clock ? m_clock() : QDateTime::currentDateTime(); }
 
     /** Tells when to paint, the plot and whatever else shows its points. */
     FrameClock &frameClock() { return m_frameClock; }
@@ -397,7 +397,7 @@ private:
 
     PlotCanvas *m_canvas; ///< belongs to the plot
     PlotRecords m_records;
-    std::function<QDateTime()> m_clock = &QDateTime::currentDateTime;
+    std::function<QDateTime()> m_clock; ///< none: that of the computer
     FrameClock m_frameClock;
     std::unique_ptr<PlotAxes> m_axes;
     std::unique_ptr<PlotInteraction> m_interaction;

@@ -210,9 +210,16 @@ void noxList::setRecording(int index, bool on)
 
 noxList::_nox *noxList::getNoxByDevIndex(int devIndex) const
 {
-    for (_nox *nox : m_records)
-        if (nox->devIndex == devIndex)
+    // every measurement asks, and its instrument is where it was, as a rule
+    _nox *const likely = m_records.value(m_likely.value(devIndex, -1));
+    if (likely && likely->devIndex == devIndex)
+        return likely;
+    for (_nox *nox : m_records) {
+        if (nox->devIndex == devIndex) {
+            m_likely[devIndex] = nox->index;
             return nox;
+        }
+    }
     return nullptr;
 }
 

@@ -174,6 +174,7 @@ private:
     noxSql *m_database;          ///< not owned
     std::unique_ptr<BlockExchange> m_exchange;
     std::unique_ptr<InstrumentStore> m_store;
-    QMap<int, _nox *> m_records; ///< owned, by registry index
+    QMap<int, _nox *> m_records;      ///< owned, by registry index
+    mutable QHash<int, int> m_likely; ///< registry index by devIndex, where it was found last
     int m_writeDelayMs = 5000;
 };

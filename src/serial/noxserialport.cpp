@@ -5,6 +5,7 @@
 
 #include <QAbstractEventDispatcher>
 #include <QEventLoop>
+#include <QPointer>
 #include <QTimer>
 
 namespace
@@ -68,14 +69,31 @@ int NOXSerialPort::addDev(QString portName, char devType, int baudRate, quint8 m
     return devIndex;
 }
 
+/** Connects what comes with every token. sender() would walk over the connections of all workers
+ *  each time. */
+template<typename... Arguments>
+void NOXSerialPort::connectStream(noxSerialPortThread *worker,
+                                  void (noxSerialPortThread::*signal)(Arguments...),
+                                  void (NOXSerialPort::*slot)(int, Arguments...))
+{
+    const int devIndex = worker->index();
+    // what was queued comes though the worker has gone, and another may have its index
+    const auto pass = [this, devIndex, slot, alive = QPointer<noxSerialPortThread>(worker)](
+                          Arguments... arguments) {
+        if (isStreaming(devIndex, alive))
+            (this->*slot)(devIndex, arguments...);
+    };
+    connect(worker, signal, this, pass);
+}
+
 void NOXSerialPort::connectWorker(noxSerialPortThread *worker)
 {
     using Worker = noxSerialPortThread;
     using Self = NOXSerialPort;
     connect(worker, &Worker::setProgress, this, &Self::setDevProgress);
-    connect(worker, &Worker::readyMeas, this, &Self::readDevMeas);
-    connect(worker, &Worker::readySource, this, &Self::readDevSource);
-    connect(worker, &Worker::readyStatus, this, &Self::readDevStatus);
+    connectStream(worker, &Worker::readyMeas, &Self::readDevMeas);
+    connectStream(worker, &Worker::readySource, &Self::readDevSource);
+    connectStream(worker, &Worker::readyStatus, &Self::readDevStatus);
     connect(worker, QOverload<QByteArray *, quint8>::of(&Worker::readyQuery), this,
             &Self::readDevReply);
     connect(worker, &Worker::onSendQueryError, this, &Self::onSendQueryError);
@@ -167,10 +185,10 @@ QString NOXSerialPort::getPortName(int devIndex) const
 }
 
 /** The device whose signal is being received; -1 when it has been purged, or is blocked. */
-int NOXSerialPort::streamingIndex() const
+bool NOXSerialPort::isStreaming(int devIndex, const noxSerialPortThread *worker) const
 {
-    const int devIndex = senderIndex();
-    return devIndex >= 0 && m_devices.find(devIndex)->blocked == 0 ? devIndex : -1;
+    const LinkDevice *const device = m_devices.find(devIndex);
+    return device && worker && device->worker.get() == worker && device->blocked == 0;
 }
 
 void NOXSerialPort::onExchangeProg()
@@ -385,22 +403,19 @@ void NOXSerialPort::emitErrorEvent(int devIndex, quint16 code)
         emit onDevError(devIndex);
 }
 
-void NOXSerialPort::readDevMeas(double meas, quint8 ch, char dim)
+void NOXSerialPort::readDevMeas(int devIndex, double meas, quint8 ch, char dim)
 {
-    if (const int devIndex = streamingIndex(); devIndex >= 0)
-        emit readyDevMeas(devIndex, meas, ch, dim);
+    emit readyDevMeas(devIndex, meas, ch, dim);
 }
 
-void NOXSerialPort::readDevSource(QByteArray buf)
+void NOXSerialPort::readDevSource(int devIndex, QByteArray buf)
 {
-    if (const int devIndex = streamingIndex(); devIndex >= 0)
-        emit readyDevSource(devIndex, buf);
+    emit readyDevSource(devIndex, buf);
 }
 
-void NOXSerialPort::readDevStatus(QStringList lStr)
+void NOXSerialPort::readDevStatus(int devIndex, QStringList lStr)
 {
-    if (const int devIndex = streamingIndex(); devIndex >= 0)
-        emit readyDevStatus(devIndex, lStr);
+    emit readyDevStatus(devIndex, lStr);
 }
 
 void NOXSerialPort::setDevProgress(int progress, int maxProgress, quint8 address)

@@ -166,9 +166,9 @@ signals:
     void onMeasTimeOut(int devIndex, bool isConnect);
 
 private slots:
-    void readDevMeas(double meas, quint8 ch, char dim);
-    void readDevSource(QByteArray buf);
-    void readDevStatus(QStringList lStr);
+    void readDevMeas(int devIndex, double meas, quint8 ch, char dim);
+    void readDevSource(int devIndex, QByteArray buf);
+    void readDevStatus(int devIndex, QStringList lStr);
     void readDevReply(QByteArray *buf, quint8 address);
     void setDevProgress(int progress, int maxProgress, quint8 address);
     void onError(quint16 code);
@@ -181,7 +181,11 @@ private slots:
 
 private:
     int senderIndex() const { return m_devices.indexOf(sender()); }
-    int streamingIndex() const;
+    bool isStreaming(int devIndex, const noxSerialPortThread *worker) const;
+    template<typename... Arguments>
+    void connectStream(noxSerialPortThread *worker,
+                       void (noxSerialPortThread::*signal)(Arguments...),
+                       void (NOXSerialPort::*slot)(int, Arguments...));
     void connectWorker(noxSerialPortThread *worker);
     void startQuery(int devIndex, LinkDevice &device);
     void startData(int devIndex, LinkDevice &device);
