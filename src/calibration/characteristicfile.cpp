@@ -1,6 +1,7 @@
 #include "calibration/characteristicfile.h"
 
 #include "device/bfloat.h"
+#include "device/boundedreading.h"
 #include "device/filereplacement.h"
 #include "device/windows1251.h"
 
@@ -14,7 +15,6 @@ namespace
 {
 
 constexpr int longestFile = 1024 * 1024; // hundreds of times what the longest table needs
-constexpr int chunkSize = 16 * 1024;
 constexpr int headLines = 2;
 constexpr int fewestPairs = 2;
 
@@ -56,17 +56,6 @@ QByteArray bytesOf(const CharacteristicFile &file)
                               oneLine(file.description)};
     const QString lineEnd = QStringLiteral("\r\n");
     return toWindows1251((head + dataLines(file)).join(lineEnd) + lineEnd);
-}
-
-/** What the device holds; nothing if that is too much, or if the device fails. */
-QByteArray contentOf(QIODevice &device)
-{
-    QByteArray content;
-    std::array<char, chunkSize> chunk;
-    qint64 count = 0;
-    while (content.size() <= longestFile && (count = device.read(chunk.data(), chunkSize)) > 0)
-        content.append(chunk.data(), int(count));
-    return count < 0 || content.size() > longestFile ? QByteArray() : content;
 }
 
 /** The type that a code and the count of all lines stand for. */
@@ -171,7 +160,7 @@ bool writeCharacteristicFile(const CharacteristicFile &file, QIODevice &device)
 
 CharacteristicFileReading readCharacteristicFile(QIODevice &device)
 {
-    const QStringList texts = textsOf(contentOf(device));
+    const QStringList texts = textsOf(readWhole(device, longestFile));
     bool isCode = false;
     const int code = texts.value(0).toInt(&isCode);
     const std::optional<int> type = typeOf(code, texts.size());

@@ -1,3 +1,4 @@
+#include "device/boundedreading.h"
 #include "device/optionsnox8.h"
 #include "device/settingsfile.h"
 #include "device/settingsformat.h"
@@ -13,12 +14,12 @@
 namespace
 {
 
-constexpr qint64 longestFile = 1 << 20; // thirty times what the largest model needs
+constexpr int longestFile = 1 << 20; // thirty times what the largest model needs
 
 QStringList linesOf(QIODevice &device)
 {
-    const QByteArray bytes = device.read(longestFile + 1);
-    if (bytes.isEmpty() || bytes.size() > longestFile)
+    const QByteArray bytes = readWhole(device, longestFile);
+    if (bytes.isEmpty())
         return {};
     QStringList lines = fromWindows1251(bytes).remove('\r').split('\n');
     if (lines.last().isEmpty())
