@@ -227,6 +227,7 @@ bool InstrumentRecord::isChoice(CompensationSource source, quint8 index) const
 Configuration InstrumentRecord::configuration() const
 {
     Configuration configuration{*this, channels.mid(0, getDevChCount()), {}};
+    configuration.features.reserve(getDevChCount());
     for (int i = 0; i < getDevChCount(); ++i)
         configuration.features.append(*features.at(i));
     return configuration;

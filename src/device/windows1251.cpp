@@ -2,26 +2,79 @@
 
 #include <QTextCodec>
 
+#include <algorithm>
+
 namespace
 {
 
-QTextCodec &codec()
+/**
+ * The code page as tables for both directions.
+ *
+ * They are Qt's own, which for each text looks its converter up anew: that takes longer than the
+ * few characters of a name.
+ */
+class CodePage
 {
-    static QTextCodec *const windows1251 = QTextCodec::codecForName("Windows-1251");
-    Q_ASSERT(windows1251);
-    return *windows1251;
+public:
+    CodePage()
+        : m_codec(QTextCodec::codecForName("Windows-1251"))
+    {
+        Q_ASSERT(m_codec);
+        QByteArray bytes;
+        for (int byte = 0; byte <= 0xFF; ++byte)
+            bytes += char(byte);
+        m_characters = m_codec->toUnicode(bytes);
+        m_bytes.fill('\0',
+                     std::max_element(m_characters.begin(), m_characters.end())->unicode() + 1);
+        for (int byte = 0; byte <= 0xFF; ++byte)
+            m_bytes[int(m_characters.at(byte).unicode())] = char(byte);
+    }
+
+    QByteArray encoded(const QString &text) const
+    {
+        QByteArray bytes(text.size(), Qt::Uninitialized);
+        for (int i = 0; i < text.size(); ++i) {
+            const int character = text.at(i).unicode();
+            const char byte = character < m_bytes.size() ? m_bytes.at(character) : '\0';
+            if (byte == '\0' && character != 0)
+                return m_codec->fromUnicode(text); // it knows what to put for such a character
+            bytes[i] = byte;
+        }
+        return bytes;
+    }
+
+    QString decoded(const QByteArray &bytes) const
+    {
+        QString text(bytes.size(), Qt::Uninitialized);
+        std::transform(bytes.begin(), bytes.end(), text.begin(),
+                       [characters = m_characters.constData()](char byte) {
+                           return characters[quint8(byte)];
+                       });
+        return text;
+    }
+
+private:
+    QTextCodec *m_codec;
+    QString m_characters; ///< by byte
+    QByteArray m_bytes;   ///< by character; 0 where it has none
+};
+
+const CodePage &codePage()
+{
+    static const CodePage page;
+    return page;
 }
 
 } // namespace
 
 QByteArray toWindows1251(const QString &text)
 {
-    return codec().fromUnicode(text);
+    return codePage().encoded(text);
 }
 
 QString fromWindows1251(const QByteArray &bytes)
 {
-    return codec().toUnicode(bytes);
+    return codePage().decoded(bytes);
 }
 
 QByteArray toFixedText(const QString &text, int size)
