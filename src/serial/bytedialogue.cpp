@@ -326,8 +326,8 @@ void ByteDialogue::letBytesLeave()
     if (m_lastWriteLength == 0)
         return;
     const qint64 onTheLineMs =
-        1 + qint64(m_lastWriteLength) * bitsPerByte * 1000 / std::max(1, m_port.baudRate()) + 1;
-    const qint64 left = onTheLineMs - m_sinceWrite.elapsed();
+        qint64(m_lastWriteLength) * bitsPerByte * 1000 / std::max(1, m_port.baudRate());
+    const qint64 left = onTheLineMs + m_timing.leavingSlack - m_sinceWrite.elapsed();
     if (left > 0)
         QThread::msleep(ulong(left));
     m_lastWriteLength = 0;

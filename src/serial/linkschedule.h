@@ -17,6 +17,8 @@ struct LinkTiming {
                                   ///< again; 8 of a record
     quint16 confirmTimeout = 250; ///< the confirmation of a block that was read
     quint16 commandPause = 50;    ///< after the command byte of a write, and after a bad block
+    quint16 leavingSlack = 2;     ///< beyond the time that written bytes take on the line, until
+                                  ///< they have surely left the driver
     quint16 startBase = 400;      ///< added to every scheduled start
     quint16 startSpread =
         500; ///< and a random part below this, so that workers do not march in step
