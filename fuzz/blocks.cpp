@@ -1,9 +1,10 @@
 /// Feeds blocks, as an instrument would answer, to the configuration image.
 ///
 /// Input: a byte that chooses the model, then blocks, each behind its address and a word with its
-/// size.
+/// size. In place of an address 0x80 there is a change of the block before: a word with its place,
+/// and a byte with the number of bytes that follow and go there.
 
-#include "checks.h"
+#include "imagechecks.h"
 
 #include <QDataStream>
 
@@ -11,24 +12,8 @@ namespace
 {
 
 constexpr int longestSequence = 8;
-constexpr quint8 configurationAddress = 2;
-constexpr quint8 identificationAddress = 51;
-
-/** All of the image but its identity, as bytes. */
-QByteArray settingsOf(const optionsNOX8 &image)
-{
-    QByteArray settings = encodeOperatingSettings(image) + taken(image.getRefData(true)) +
-                          taken(image.getRefShiftData());
-    for (const ChannelSettings &channel : image.channels)
-        settings += encodeChannel(channel) + char(channel.measType) + channel.dimCust.toUtf8();
-    for (const featureNOX8 *feature : image.features) {
-        const QVector<float> ratio = feature->getRatio();
-        settings += encodeFeature(*feature) + feature->ratioStr.join('\n').toUtf8();
-        settings.append(reinterpret_cast<const char *>(ratio.constData()),
-                        int(sizeof(float)) * ratio.size());
-    }
-    return settings;
-}
+constexpr uint sampleInterval = 8;
+constexpr quint8 changeOfBlock = 0x80;
 
 QByteArray identityOf(const optionsNOX8 &image)
 {
@@ -39,60 +24,78 @@ QByteArray identityOf(const optionsNOX8 &image)
     return identity;
 }
 
-/** Counts the signals that tell that the image has changed. */
-class ChangeCounter : public QObject
+/** The image, and how often it has told that it has changed. */
+class WatchedImage : public optionsNOX8
 {
 public:
-    explicit ChangeCounter(const optionsNOX8 &image)
+    WatchedImage()
     {
         const auto increment = [this] { ++changes; };
-        connect(&image, &optionsNOX8::onDevChange, this, increment);
-        connect(&image, &optionsNOX8::onRefChange, this, increment);
-        connect(&image, &optionsNOX8::onRefShiftChange, this, increment);
-        connect(&image, &optionsNOX8::onChChange, this, increment);
-        connect(&image, &optionsNOX8::onIdentChange, this, increment);
-        connect(&image, &optionsNOX8::onRecData, this, increment);
+        connect(this, &optionsNOX8::onDevChange, this, increment);
+        connect(this, &optionsNOX8::onRefChange, this, increment);
+        connect(this, &optionsNOX8::onRefShiftChange, this, increment);
+        connect(this, &optionsNOX8::onChChange, this, increment);
+        connect(this, &optionsNOX8::onIdentChange, this, increment);
+        connect(this, &optionsNOX8::onRecData, this, increment);
     }
 
     int changes = 0;
+    quint32 configuredType = 0; ///< as which it took its configuration last
 };
 
-void feed(optionsNOX8 &image, quint8 address, const QByteArray &block)
+void feed(WatchedImage &image, quint8 address, const QByteArray &block)
 {
-    const QByteArray settings = settingsOf(image);
+    const ImageContent content = contentOf(image);
     const QByteArray identity = identityOf(image);
-    const ChangeCounter counter(image);
-    const bool isAccepted = image.setData(block, address);
+    image.changes = 0;
+    if (image.setData(block, address)) {
+        require(image.changes > 0);
+        if (address == configurationAddress)
+            image.configuredType = image.devType;
+        return requireFitting(image);
+    }
+    require(holds(image, content));
+    if (address == identificationAddress && !block.isEmpty())
+        require(image.devType == 0 && image.devNumber == 0 && image.changes == 1);
+    else
+        require(identityOf(image) == identity && image.changes == 0);
+}
 
-    requireFitting(image);
-    if (isAccepted) {
-        require(counter.changes > 0);
-    } else {
-        require(settingsOf(image) == settings);
-        if (address == identificationAddress && !block.isEmpty())
-            require(image.devType == 0 && image.devNumber == 0 && counter.changes == 1);
-        else
-            require(identityOf(image) == identity && counter.changes == 0);
-    }
-    if (isAccepted && address == configurationAddress) {
-        const QByteArray configuration = taken(image.getData());
-        require(readBack(image.devType, configuration) == configuration);
-    }
+/** What came from an instrument goes back to it to the byte. */
+void requireKept(const optionsNOX8 &image)
+{
+    const QByteArray configuration = taken(image.getData());
+    require(readBack(image.devType, configuration) == configuration);
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    static const QList<quint32> types = optionsNOX8::getTypeList(true).keys();
+    static WatchedImage image;
     FuzzInput input(data, size);
-    optionsNOX8 image;
-    image.setDevType(types.at(input.byte() % types.size()));
+    renew(image, chosenType(input.byte()));
+    image.configuredType = 0;
+    quint8 address = 0;
+    QByteArray block;
     for (int i = 0; i < longestSequence && !input.atEnd(); ++i) {
-        const quint8 address = input.byte();
-        const int blockSize = input.word();
-        feed(image, address, input.bytes(blockSize));
+        const quint8 head = input.byte();
+        const int word = input.word();
+        if (head == changeOfBlock) {
+            const QByteArray change = input.bytes(input.byte());
+            block.replace(word % (block.size() + 1), change.size(), change);
+        } else {
+            address = head;
+            block = input.bytes(word);
+        }
+        feed(image, address, block);
     }
+    requireAnswersOn(image, quint8(size));
+    if (!input.isSample(sampleInterval))
+        return 0;
     requireAnswers(image);
+    requireBlocks(image);
+    if (image.devType != 0 && image.devType == image.configuredType)
+        requireKept(image);
     return 0;
 }

@@ -4,12 +4,14 @@
 
 #include "calibration/characteristicfile.h"
 
-#include "checks.h"
+#include "fuzzinput.h"
 
 #include <QBuffer>
 
 namespace
 {
+
+constexpr uint sampleInterval = 4;
 
 /** Rows and columns of the table of each type. */
 constexpr int shapes[][2] = {{2, 5}, {1, 6}, {2, 5}, {2, 56}};
@@ -41,14 +43,16 @@ void requireShape(const CharacteristicFile &file)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    const CharacteristicFileReading reading =
-        read(QByteArray(reinterpret_cast<const char *>(data), int(size)));
+    FuzzInput input(data, size);
+    const CharacteristicFileReading reading = read(input.rest());
     if (!reading.accepted) {
         require(reading.file.rows.isEmpty() && reading.file.description.isEmpty());
         return 0;
     }
     requireShape(reading.file);
     require(reading.selectedType == reading.file.type);
+    if (!input.isSample(sampleInterval))
+        return 0;
 
     const QByteArray bytes = written(reading.file);
     const CharacteristicFileReading again = read(bytes);

@@ -2,7 +2,8 @@
 ///
 /// Input: a byte with the number of channels, then the records.
 
-#include "checks.h"
+#include "device/loggerrecords.h"
+#include "fuzzinput.h"
 
 namespace
 {

@@ -1,9 +1,9 @@
 /// Feeds results files, beside a plain reader made of Qt's own classes, which has to find the same.
 ///
-/// Input: how many bytes the device gives at a time, less one; the file.
+/// Input: how many bytes the device gives at a time, more in a longer file; the file.
 
-#include "checks.h"
 #include "device/windows1251.h"
+#include "fuzzinput.h"
 #include "storage/resultslayout.h"
 #include "storage/resultsreading.h"
 
@@ -14,6 +14,7 @@
 namespace
 {
 
+constexpr int mostSlices = 32;
 const QDateTime now({2026, 11, 24}, {7, 5, 9});
 
 /** Gives some bytes at a time. */
@@ -109,8 +110,9 @@ bool isSame(const PlotPoint &one, const PlotPoint &other)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     FuzzInput input(data, size);
-    const int most = input.byte() + 1;
+    const int head = input.byte();
     QByteArray file = input.rest();
+    const int most = head + 1 + file.size() / mostSlices;
 
     SlowDevice device(&file, most);
     Points found;

@@ -1,14 +1,18 @@
 /// Writes the inputs from which the fuzzers start, made by the product: seed-corpus <folder>.
 
 #include "calibration/characteristicfile.h"
-#include "checks.h"
 #include "device/settingsfile.h"
 #include "device/windows1251.h"
+#include "imagechecks.h"
+#include "storage/noxsql.h"
 #include "storage/resultslayout.h"
+#include "storage/statement.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QTemporaryDir>
 #include <QtEndian>
 
 #include <cstdio>
@@ -29,8 +33,8 @@ const QStringList &entriesOf(FeatureRecord::_featureIndType type)
     return entries.at(type);
 }
 
-/** An image of the type with something in every field. */
-void fill(optionsNOX8 &image, quint32 type)
+/** An image of the type with something in every field, and so many characteristics. */
+void fill(optionsNOX8 &image, quint32 type, int characteristics)
 {
     image.setDevType(type);
     image.setDevNumber(1234);
@@ -44,8 +48,9 @@ void fill(optionsNOX8 &image, quint32 type)
                  [&number](bFloat &shift) { shift.value = float(++number) / 1e4F; });
     for (quint8 ch = 0; ch < image.getDevChCount(); ++ch) {
         const auto form = FeatureRecord::_featureIndType(ch % 4);
-        image.features.at(ch)->setFeature(form, QStringLiteral("Датчик %1").arg(ch + 1),
-                                          entriesOf(form));
+        if (ch < characteristics)
+            image.features.at(ch)->setFeature(form, QStringLiteral("Датчик %1").arg(ch + 1),
+                                              entriesOf(form));
         image.setChMeasType(ch, ch == 2 ? measTemperatureCustom : measTemperature, "K");
         image.setChCurrent(ch, ch % 2);
         image.setChFeature(ch, ch == 3 ? featureThermocouple : featureIndividual, ch % 8);
@@ -70,15 +75,18 @@ QByteArray loggerRecords()
                                "0207412000002000"); // a voltage
 }
 
+QByteArray identification(const optionsNOX8 &image)
+{
+    return taken(image.getIdentData()) +
+           (image.getDevRev() != 0 ? taken(image.getSNData()) : QByteArray());
+}
+
 /** All blocks of an image, in the order in which a program reads them. */
 QByteArray blockSequence(const optionsNOX8 &image, int model)
 {
-    QByteArray identification = taken(image.getIdentData());
-    if (image.getDevRev() != 0)
-        identification += taken(image.getSNData());
-    return char(model) + framed(51, identification) + framed(3, taken(image.getRefData(true))) +
-           framed(2, taken(image.getData())) + framed(9, taken(image.getRefShiftData())) +
-           framed(5, loggerRecords());
+    return char(model) + framed(51, identification(image)) +
+           framed(3, taken(image.getRefData(true))) + framed(2, taken(image.getData())) +
+           framed(9, taken(image.getRefShiftData())) + framed(5, loggerRecords());
 }
 
 bool write(const QDir &folder, const QString &fuzzer, const QString &name, const QByteArray &input)
@@ -94,11 +102,15 @@ bool writeModels(const QDir &folder)
     const QList<quint32> types = optionsNOX8::getTypeList(true).keys();
     for (int model = 1; model < types.size(); ++model) {
         optionsNOX8 image;
-        fill(image, types.at(model));
+        fill(image, types.at(model), optionsNOX8::channelRecords);
         const QString name = QStringLiteral("model%1").arg(model);
-        const QString lines = settingsLines(image).join("\r\n") + "\r\n";
+        // the fewer bytes a file has, the more often it is read: one characteristic of each form
+        optionsNOX8 sparse;
+        fill(sparse, types.at(model), 4);
+        const QByteArray lines = toWindows1251(settingsLines(sparse).join('\n') + '\n');
         isWritten = write(folder, "blocks", name, blockSequence(image, model)) &&
-                    write(folder, "settings", name, toWindows1251(lines)) && isWritten;
+                    write(folder, "identification", name, '\0' + identification(image)) &&
+                    write(folder, "settings", name, lines) && isWritten;
     }
     return isWritten;
 }
@@ -161,10 +173,80 @@ bool writeResults(const QDir &folder)
     return isWritten;
 }
 
+/** Batches of a stream, each behind its size. */
+QByteArray batches(const QList<QByteArray> &parts)
+{
+    QByteArray input;
+    for (const QByteArray &part : parts)
+        input += char(part.size()) + part;
+    return input;
+}
+
+/** Exchanges as an instrument should answer them: see dialogue.cpp. */
+bool writeDialogues(const QDir &folder)
+{
+    const QMap<QString, QByteArray> exchanges = {
+        {"block", "00020800 01 02 14 01020304 43 05060708 03"},
+        {"identification", "00330800 01 02 14 0FAA5009 43 05060708 43 05060708 43 05060708"
+                           "43 05060708 43 05060708 03"},
+        {"records", "01051800 01 02 64 0102030405060708 0102030405060708 FF02030405060708"},
+        {"word", "02340000 01 14 01020304"},
+        {"write", "03000800 01 02 00 01 03 01 03"},
+        {"repetition", "03000400 00 01 02 00 00 00 10AA 00 01 03"},
+        {"wordwrite", "04340400 01 00 01 00"},
+    };
+    bool isWritten = true;
+    for (auto exchange = exchanges.begin(); exchange != exchanges.end(); ++exchange)
+        isWritten =
+            write(folder, "dialogue", exchange.key(), QByteArray::fromHex(exchange.value())) &&
+            isWritten;
+    return isWritten;
+}
+
+/** A database of the program with one row in each table, in pages of the smallest size. */
+bool writeDatabase(const QDir &folder)
+{
+    const QTemporaryDir temporary;
+    const QString path = temporary.filePath("nox8.db");
+    if (!provideDatabase(path))
+        return false;
+    {
+        noxSql database(path);
+        execute("PRAGMA page_size=512");
+        optionsNOX8 image;
+        fill(image, 0x11, 1);
+        const QByteArray data = "configuration";
+        const QByteArray references = taken(image.getRefData(true));
+        const int id = database.provideDev(&references, 0x11, 1234, "NOX B");
+        database.setSnapShot(id, &data, &references, "info", 0);
+        database.setFeature(&data, "Pt100", "info", 0);
+        database.setAppProperty("main_device_id", id);
+        for (const char *key : {"qwt-ch_main", "qwt_ch_0-dX", "qwt_ch_0-color", "ch_0-dim"})
+            database.setDevProperty(id, key, 1);
+    }
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) &&
+           write(folder, "database", "whole", QByteArray::fromHex("F002D204") + file.readAll());
+}
+
+/** A row of each table and a damage, and values of each kind: see database.cpp. */
+bool writeRows(const QDir &folder)
+{
+    const QByteArray text = "\x2E"
+                            "qwt_1";
+    const QByteArray row = QByteArray::fromHex("0C 0C") + text + text + QByteArray::fromHex("00");
+    const QByteArray rows = '\0' + row + '\1' + row + text + '\2' + row.left(2) + text + '\3' +
+                            row + '\4' + text + text;
+    const QByteArray head = QByteArray::fromHex("F102D204");
+    return write(folder, "database", "rows", head + rows) &&
+           write(folder, "database", "refusing", head + rows + QByteArray::fromHex("C805"));
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
+    const QCoreApplication application(argc, argv); // finds the database driver
     if (argc != 2) {
         std::fprintf(stderr, "seed-corpus <folder>\n");
         return 2;
@@ -172,6 +254,13 @@ int main(int argc, char **argv)
     const QDir folder(QString::fromLocal8Bit(argv[1]));
     const bool isWritten = writeModels(folder) && writeCharacteristics(folder) &&
                            writeResults(folder) &&
-                           write(folder, "logger", "records", '\x08' + loggerRecords());
+                           write(folder, "logger", "records", '\x08' + loggerRecords()) &&
+                           write(folder, "stream", "tokens",
+                                 batches({"1:20.15B 2:#E1#E2X 8:10.0C", " 12:-0.75A 0:1.5C 1:2",
+                                          "0.4B 1:2:3e-5B nan +5 3:inf "})) &&
+                           write(folder, "plot", "points",
+                                 QByteArray::fromHex("0200000001 006EC8 016E64 006E65 0078FF"
+                                                     "C8757E1800000000 006E64")) &&
+                           writeDialogues(folder) && writeDatabase(folder) && writeRows(folder);
     return isWritten ? 0 : 1;
 }

@@ -2,13 +2,16 @@
 ///
 /// Input: the file.
 
-#include "checks.h"
 #include "device/settingsfile.h"
 #include "device/windows1251.h"
+#include "imagechecks.h"
 
 #include <QBuffer>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
+#include <iterator>
 #include <random>
 
 extern "C" size_t LLVMFuzzerMutate(uint8_t *data, size_t size, size_t maxSize);
@@ -16,8 +19,10 @@ extern "C" size_t LLVMFuzzerMutate(uint8_t *data, size_t size, size_t maxSize);
 namespace
 {
 
-constexpr int longestLine = 128;
-constexpr int linesOfAnEnd = 80; ///< the many lines of the characteristics lie between both ends
+constexpr size_t longestLine = 128;
+constexpr size_t bytesOfAnEnd =
+    600; ///< the many lines of the characteristics lie between both ends
+constexpr uint sampleInterval = 16;
 
 bool load(QByteArray file, optionsNOX8 &image)
 {
@@ -59,7 +64,8 @@ void requireSaved(const optionsNOX8 &image)
     if (!fitsSettingsFile(image))
         return;
     const QStringList lines = settingsLines(image);
-    optionsNOX8 again;
+    static optionsNOX8 again;
+    renew(again);
     require(load(toWindows1251(lines.join("\r\n") + "\r\n"), again));
     require(again.devType == image.devType && again.devName == image.devName);
     const auto &features = image.features;
@@ -69,17 +75,17 @@ void requireSaved(const optionsNOX8 &image)
     require(!isExactlyKept || settingsLines(again) == lines);
 }
 
-/** The number of a line to change: near the beginning, near the end, or any. */
-int chooseLine(std::minstd_rand &random, int lineCount)
+/** Where the line to change lies in a file: near its beginning, near its end, or anywhere. */
+size_t chooseOffset(std::minstd_rand &random, size_t size)
 {
-    const int line = int(random() % quint32(lineCount));
+    const size_t offset = random() % size;
     switch (random() % 3) {
     case 0:
-        return line % linesOfAnEnd;
+        return offset % bytesOfAnEnd;
     case 1:
-        return lineCount - 1 - line % linesOfAnEnd;
+        return size - 1 - offset % bytesOfAnEnd;
     default:
-        return line;
+        return offset;
     }
 }
 
@@ -90,30 +96,39 @@ extern "C" size_t LLVMFuzzerCustomMutator(uint8_t *data, size_t size, size_t max
                                           unsigned int seed)
 {
     std::minstd_rand random(seed);
-    if (random() % 4 == 0)
+    if (size == 0 || random() % 4 == 0)
         return LLVMFuzzerMutate(data, size, maxSize);
-    QList<QByteArray> lines =
-        QByteArray(reinterpret_cast<const char *>(data), int(size)).split('\n');
-    QByteArray &line = lines[chooseLine(random, lines.size())];
-    const int lineSize = qMin(line.size(), longestLine);
-    line.resize(longestLine);
-    line.truncate(int(
-        LLVMFuzzerMutate(reinterpret_cast<uint8_t *>(line.data()), size_t(lineSize), longestLine)));
-    line.replace('\n', ' ');
-    const QByteArray file = lines.join('\n').left(int(maxSize));
-    std::copy(file.begin(), file.end(), data);
-    return size_t(file.size());
+    uint8_t *const end = data + size;
+    uint8_t *const place = data + qMin(chooseOffset(random, size), size - 1);
+    uint8_t *const lineEnd = std::find(place, end, '\n');
+    uint8_t *const line =
+        std::find(std::reverse_iterator(place), std::reverse_iterator(data), '\n').base();
+
+    std::array<uint8_t, longestLine> changed;
+    const auto lineSize = size_t(lineEnd - line);
+    const size_t kept = qMin(lineSize, longestLine);
+    std::copy_n(line, kept, changed.begin());
+    const size_t most = qMin(longestLine, maxSize - (size - lineSize));
+    const size_t changedSize = LLVMFuzzerMutate(changed.data(), qMin(kept, most), most);
+    std::replace(changed.begin(), changed.begin() + changedSize, uint8_t('\n'), uint8_t(' '));
+    std::memmove(line + changedSize, lineEnd, size_t(end - lineEnd));
+    std::copy_n(changed.begin(), changedSize, line);
+    return size - lineSize + changedSize;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    const QByteArray file(reinterpret_cast<const char *>(data), int(size));
-    optionsNOX8 image;
-    const bool isAccepted = load(file, image);
+    static optionsNOX8 image;
+    renew(image);
+    FuzzInput input(data, size);
+    const bool isAccepted = load(input.rest(), image);
     requireFitting(image);
-    requireStable(image);
     requireIndicesInside(image);
+    requireAnswersOn(image, quint8(size));
+    if (!input.isSample(sampleInterval))
+        return 0;
     requireAnswers(image);
+    requireBlocks(image);
     if (isAccepted)
         requireSaved(image);
     return 0;
