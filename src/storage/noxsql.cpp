@@ -119,7 +119,7 @@ std::optional<int> noxSql::provideDev(const QByteArray *refdata, quint32 type, q
         " AND device_type=:device_type AND device_number=:device_number",
         {{":device_refdata", *refdata}, {":device_type", type}, {":device_number", number}});
     if (row)
-        return row->value(0).toInt();
+        return idOf(row->value(0));
     const int known = findDev(type, number);
     if (known != failure)
         return updRefData(known, refdata, type, number, name) ? std::optional(known) : std::nullopt;
@@ -152,13 +152,13 @@ int noxSql::findDev(const QByteArray *refdata, quint32 *type, quint32 *number)
         return failure;
     *type = row->value(1).toUInt();
     *number = row->value(2).toUInt();
-    return row->value(0).toInt();
+    return idOf(row->value(0));
 }
 
 int noxSql::findDev(quint32 type, quint32 number)
 {
     const auto row = selectOnly(selectDevice, {{":device_type", type}, {":device_number", number}});
-    return row ? row->value(0).toInt() : failure;
+    return row ? idOf(row->value(0)) : failure;
 }
 
 bool noxSql::removeDev(int deviceId)

@@ -2,6 +2,8 @@
 
 #include <QSqlDatabase>
 
+#include <limits>
+
 std::optional<QSqlQuery> execute(const QString &sql, const NamedValues &values)
 {
     // the connection as it is: closed, it stays closed
@@ -35,7 +37,13 @@ int rowCount(QSqlQuery &query)
     return count;
 }
 
+int idOf(const QVariant &value)
+{
+    const qlonglong id = value.toLongLong();
+    return id >= 1 && id <= std::numeric_limits<int>::max() ? int(id) : -1;
+}
+
 int insertedId(const std::optional<QSqlQuery> &query)
 {
-    return query ? query->lastInsertId().toInt() : -1;
+    return query ? idOf(query->lastInsertId()) : -1;
 }

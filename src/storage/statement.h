@@ -21,5 +21,9 @@ std::optional<QSqlQuery> selectOnly(const QString &sql, const NamedValues &value
 /** Rows of an executed SELECT; the query stands where it stood. */
 int rowCount(QSqlQuery &query);
 
+/** The id that a column holds. -1 for one that is none of ours: cut to an int, it would be that of
+ *  another row. */
+int idOf(const QVariant &value);
+
 /** The id of the row that a statement has inserted; -1 when it was refused. */
 int insertedId(const std::optional<QSqlQuery> &query);

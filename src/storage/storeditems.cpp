@@ -40,7 +40,7 @@ QString selectShown(const char *condition)
 noxSql::noxSqlItem snapshotOfRow(const QSqlQuery &row)
 {
     noxSql::noxSqlItem item;
-    item.id = row.value(0).toInt();
+    item.id = idOf(row.value(0));
     item.factory = row.value(2).toBool();
     item.info = row.value(3).toString();
     const QString number = row.value(5).toString().rightJustified(shortestNumber, QLatin1Char('0'));
@@ -116,7 +116,7 @@ QString selectShownCharacteristics(const char *condition)
 
 StoredCharacteristic characteristicOfRow(const QSqlQuery &row)
 {
-    return {row.value(0).toInt(), datedName(row.value(1).toString(), row.value(2)),
+    return {idOf(row.value(0)), datedName(row.value(1).toString(), row.value(2)),
             row.value(3).toString()};
 }
 
@@ -180,7 +180,7 @@ int storeSnapshot(int deviceId, const SnapshotContent &content, int snapshotId,
     if (!stored)
         return insertSnapshot(deviceId, content, now);
 
-    const int id = stored->value(0).toInt();
+    const int id = idOf(stored->value(0));
     if (stored->value(1).toByteArray() == content.configuration &&
         stored->value(2).toByteArray() == content.references &&
         stored->value(3).toString() == content.info)
@@ -282,7 +282,7 @@ int storeCharacteristic(const QByteArray &record, const QString &name, const QSt
     if (!stored)
         return addCharacteristic(record, name, info, now);
 
-    const int storedId = stored->value(0).toInt();
+    const int storedId = idOf(stored->value(0));
     if (stored->value(1).toByteArray() == record && stored->value(2).toString() == name &&
         stored->value(3).toString() == info)
         return storedId;

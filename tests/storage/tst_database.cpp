@@ -298,6 +298,21 @@ private slots:
         }
     }
 
+    void numbersThatNoRowHasHere()
+    {
+        prepare();
+        // cut to an int, the next numbers would be those of the first rows
+        rows(path(), "UPDATE sqlite_sequence SET seq=4294967296");
+        QCOMPARE(failed(*m_sql), (QStringList{"add device", "store snapshot"}));
+        QCOMPARE(m_sql->addDev(0x11, 2, "B"), -1);
+        QCOMPARE(m_sql->findDev(0x11, 2), -1);
+        QCOMPARE(m_sql->addFeature(&reference, "other", ""), -1);
+        const auto found = m_sql->findSnapShot(&otherConfiguration, &reference, 1);
+        QCOMPARE(idsOf(found), QVector<int>{-1});
+        QCOMPARE(m_sql->setSnapShot(1, &otherConfiguration, &reference, "again", 0), -1);
+        QCOMPARE(m_sql->getSnapShotInfo(1), QString("factory"));
+    }
+
     void tornWritesAreTakenBack()
     {
         prepare();
