@@ -27,34 +27,43 @@ constexpr uint sampleInterval = 4;
 
 struct Table {
     const char *name;
-    const char *columns; ///< all but the number of the row
+    const char *columns;
     int columnCount;
 };
 
 constexpr Table tables[] = {
-    {"device", "device_type, device_number, device_name, device_name_search, device_refdata", 5},
+    {"device",
+     "device_id, device_type, device_number, device_name, device_name_search, device_refdata", 6},
     {"device_snapshot",
-     "device_id, device_snapshot_info, device_snapshot_datetime, device_snapshot_data,"
-     " device_snapshot_refdata, device_snapshot_factory",
-     6},
-    {"device_property", "device_id, device_property_key, device_property_val", 3},
-    {"feature", "feature_type, feature_datetime, feature_name, feature_info, feature_data", 5},
-    {"app_property", "app_property_key, app_property_val", 2},
+     "device_snapshot_id, device_id, device_snapshot_info, device_snapshot_datetime,"
+     " device_snapshot_data, device_snapshot_refdata, device_snapshot_factory",
+     7},
+    {"device_property", "device_property_id, device_id, device_property_key, device_property_val",
+     4},
+    {"feature",
+     "feature_id, feature_type, feature_datetime, feature_name, feature_info, feature_data", 6},
+    {"app_property", "app_property_id, app_property_key, app_property_val", 3},
 };
 
-/** What may have happened to a table ("%1") or to all of the file. */
-const char *const damages[] = {
-    "DROP TABLE %1",
-    "ALTER TABLE %1 RENAME TO lost",
-    "ALTER TABLE %1 ADD COLUMN more",
-    "UPDATE sqlite_sequence SET seq=9223372036854775807 WHERE name='%1'",
-    "UPDATE sqlite_sequence SET seq='none' WHERE name='%1'",
-    "CREATE TRIGGER refusing BEFORE INSERT ON %1 BEGIN SELECT RAISE(ABORT, ''); END",
-    "CREATE TRIGGER ignoring BEFORE INSERT ON %1 BEGIN SELECT RAISE(IGNORE); END",
-    "CREATE TRIGGER keeping BEFORE UPDATE ON %1 BEGIN SELECT RAISE(ABORT, ''); END",
-    "CREATE TRIGGER emptying AFTER INSERT ON %1 BEGIN DELETE FROM %1; END",
-    "CREATE TRIGGER holding BEFORE DELETE ON %1 BEGIN SELECT RAISE(ABORT, ''); END",
-    "INSERT INTO %1 DEFAULT VALUES",
+/** What may have happened to a table ("%1"). */
+struct Damage {
+    const char *sql;
+    bool isOfNumbers; ///< only the numbers of rows are unusual: everything still works
+};
+
+constexpr Damage damages[] = {
+    {"INSERT INTO sqlite_sequence (name, seq) VALUES ('%1', 4294967296)", true},
+    {"UPDATE sqlite_sequence SET seq=4294967296 WHERE name='%1'", true},
+    {"UPDATE sqlite_sequence SET seq=9223372036854775807 WHERE name='%1'", true},
+    {"UPDATE sqlite_sequence SET seq='none' WHERE name='%1'", true},
+    {"DROP TABLE %1", false},
+    {"ALTER TABLE %1 RENAME TO lost", false},
+    {"ALTER TABLE %1 ADD COLUMN more", false},
+    {"CREATE TRIGGER refusing BEFORE INSERT ON %1 BEGIN SELECT RAISE(ABORT, ''); END", false},
+    {"CREATE TRIGGER ignoring BEFORE INSERT ON %1 BEGIN SELECT RAISE(IGNORE); END", false},
+    {"CREATE TRIGGER keeping BEFORE UPDATE ON %1 BEGIN SELECT RAISE(ABORT, ''); END", false},
+    {"CREATE TRIGGER emptying AFTER INSERT ON %1 BEGIN DELETE FROM %1; END", false},
+    {"CREATE TRIGGER holding BEFORE DELETE ON %1 BEGIN SELECT RAISE(ABORT, ''); END", false},
 };
 
 QSqlQuery run(const QSqlDatabase &database, const QString &sql, const QVariantList &values = {})
@@ -144,8 +153,9 @@ bool prepare(const QString &path, FuzzInput &input)
             const int choice = input.byte();
             const Table &table = tables[choice % tableCount];
             if (choice >= damageFrom) {
-                run(database, QString(damages[input.byte() % damageCount]).arg(table.name));
-                isWhole = false;
+                const Damage &damage = damages[input.byte() % damageCount];
+                run(database, QString(damage.sql).arg(table.name));
+                isWhole = isWhole && damage.isOfNumbers;
                 continue;
             }
             QVariantList values;

@@ -18,6 +18,7 @@ namespace
 
 constexpr int channels = 3;
 constexpr int mostPoints = 40;
+constexpr double brokenSensorValue = -1300;
 constexpr quint8 wholeNumber = 0xFF;
 
 const QDateTime start({2026, 11, 24}, {7, 5, 9});
@@ -69,17 +70,20 @@ void addPoints(QwtNOX &plot, FuzzInput &input)
 {
     double seconds = 0;
     double value = 20;
-    int accepted = 0;
+    int acceptable = 0;
     for (int i = 0; i < mostPoints && !input.atEnd(); ++i) {
         const uchar channel = input.byte() % channels;
         seconds = numberFrom(input, seconds);
         value = numberFrom(input, value);
-        accepted += plot.addPoint(value, seconds, QStringLiteral("K"), 0, channel) ? 1 : 0;
+        const bool isAcceptable = value > brokenSensorValue && std::isfinite(value) &&
+                                  seconds >= 0 && std::isfinite(seconds);
+        acceptable += isAcceptable ? 1 : 0;
+        require(!plot.addPoint(value, seconds, QStringLiteral("K"), 0, channel) || isAcceptable);
     }
     int kept = 0;
     for (uchar channel = 0; channel < channels; ++channel)
         kept += plot.getChMeasCount(0, channel, false);
-    require(kept == accepted);
+    require(kept == acceptable);
 }
 
 /** Whatever was measured, there are axes to paint it in. */

@@ -235,11 +235,13 @@ bool writeRows(const QDir &folder)
     const QByteArray text = "\x2E"
                             "qwt_1";
     const QByteArray row = QByteArray::fromHex("0C 0C") + text + text + QByteArray::fromHex("00");
-    const QByteArray rows = '\0' + row + '\1' + row + text + '\2' + row.left(2) + text + '\3' +
-                            row + '\4' + text + text;
+    const QByteArray id(1, '\0'); // the next one
+    const QByteArray rows = '\0' + id + row + '\1' + id + row + text + '\2' + id + row.left(2) +
+                            text + '\3' + id + row + '\4' + id + text + text;
     const QByteArray head = QByteArray::fromHex("F102D204");
     return write(folder, "database", "rows", head + rows) &&
-           write(folder, "database", "refusing", head + rows + QByteArray::fromHex("C805"));
+           write(folder, "database", "refusing", head + rows + QByteArray::fromHex("C807")) &&
+           write(folder, "database", "numbers", head + rows + QByteArray::fromHex("C901"));
 }
 
 } // namespace
