@@ -44,8 +44,9 @@ QString instrumentHint(const QVector<SerialPortEntry> &ports)
 /** That settings are lost, and what can be done about it; the path is that of the database. */
 QString databaseHint(const QString &path)
 {
-    return StartHints::tr("Настройки не сохраняются: в базу данных нельзя записать. Проверьте файл "
-                          "и права на его папку, затем запустите программу снова.\n%1")
+    return StartHints::tr(
+               "Настройки не сохраняются: в базу данных нельзя записать. Проверьте файл, "
+               "права на его папку и место на диске.\n%1")
         .arg(breakablePath(path));
 }
 
@@ -74,6 +75,8 @@ StartHints::StartHints(QTableWidget *instruments, QLabel *databaseLabel, const n
 {
     databaseLabel->setText(databaseHint(database->path()));
     databaseLabel->setVisible(!database->canStore());
+    connect(database, &noxSql::storingChanged, databaseLabel,
+            [databaseLabel](bool isStoring) { databaseLabel->setVisible(!isStoring); });
     connect(registry, &noxList::onAddNox, this, &StartHints::refresh);
     connect(registry, &noxList::onRmNox, this, &StartHints::refresh);
     m_label->window()->installEventFilter(this);

@@ -9,7 +9,7 @@ class noxSql;
 
 /**
  * Tells in the empty table of instruments what can be done next, and in the window that nothing is
- * kept when the database cannot be used.
+ * kept while the database cannot be used.
  *
  * The ports are looked at when the window becomes the active one and when the last instrument goes.
  */

@@ -4,6 +4,7 @@
 #include "registry/blockexchange.h"
 #include "registry/instrumentstore.h"
 #include "serial/noxserialport.h"
+#include "storage/noxsql.h"
 
 #include <QPointer>
 
@@ -34,6 +35,10 @@ noxList::noxList(NOXSerialPort *serialPort, noxSql *database)
     , m_store(std::make_unique<InstrumentStore>(database))
 {
     connectSerialPort();
+    connect(database, &noxSql::storingChanged, this, [this](bool isStoring) {
+        if (isStoring)
+            noteRefused();
+    });
 }
 
 noxList::~noxList()
@@ -369,6 +374,17 @@ void noxList::noteIdentity(int index)
     if (nox->opt->isIdentified())
         m_store->provide(nox);
     emit onIdentChange(index);
+}
+
+/** Those whose identity came while the database refused it. */
+void noxList::noteRefused()
+{
+    const auto all = indices();
+    for (const int index : all) {
+        const _nox *const nox = getNoxByIndex(index);
+        if (nox && nox->dbIndex < 1 && nox->opt->isIdentified())
+            noteIdentity(index);
+    }
 }
 
 // What comes from the instruments

@@ -169,6 +169,7 @@ private:
     void applyIdentity(const _nox *nox);
     void keepUnit(int index, quint8 ch);
     void noteIdentity(int index);
+    void noteRefused();
 
     NOXSerialPort *m_serialPort; ///< not owned
     noxSql *m_database;          ///< not owned

@@ -7,10 +7,17 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace
 {
 
 constexpr int failure = -1;
+constexpr int retryMs = 1000;
+constexpr int program = -1; ///< whose the properties are that are of no instrument
+
+/** Whether a file takes changes shows, and nothing in it changes. */
+constexpr auto emptyChange = "UPDATE app_property SET app_property_val=NULL WHERE FALSE";
 
 constexpr auto selectDevice =
     "SELECT device_id FROM device WHERE device_type=:device_type AND device_number=:device_number";
@@ -31,19 +38,56 @@ struct PropertyStatements {
     const char *remove;
     const char *update;
     const char *insert;
+    const char *valueName;
 };
 
+constexpr PropertyStatements ofProgram = {
+    "DELETE FROM app_property WHERE app_property_key=:app_property_key",
+    " UPDATE app_property SET app_property_val=:app_property_val"
+    " WHERE app_property_key=:app_property_key",
+    "INSERT INTO app_property (app_property_key, app_property_val)"
+    "VALUES(:app_property_key, :app_property_val)",
+    ":app_property_val"};
+
+constexpr PropertyStatements ofInstrument = {
+    "DELETE FROM device_property WHERE device_id=:device_id"
+    " AND device_property_key=:device_property_key",
+    " UPDATE device_property  SET device_property_val=:device_property_val "
+    " WHERE device_id=:device_id AND device_property_key=:device_property_key",
+    "INSERT INTO device_property (device_id, device_property_key, device_property_val)"
+    "VALUES(:device_id, :device_property_key, :device_property_val)",
+    ":device_property_val"};
+
 /** Writes a value under a key, or removes it when it is not valid; false when that is refused. */
-bool writeProperty(const PropertyStatements &statements, const NamedValues &key,
-                   const char *valueName, const QVariant &value)
+bool writeProperty(const QPair<int, QString> &property, const QVariant &value)
 {
+    const bool isProgram = property.first == program;
+    const PropertyStatements &statements = isProgram ? ofProgram : ofInstrument;
+    const NamedValues key = isProgram ? NamedValues{{":app_property_key", property.second}}
+                                      : NamedValues{{":device_id", property.first},
+                                                    {":device_property_key", property.second}};
     if (!value.isValid())
         return execute(statements.remove, key).has_value();
-    const NamedValues keyAndValue = key + NamedValues{{valueName, value}};
+    const NamedValues keyAndValue = key + NamedValues{{statements.valueName, value}};
     const auto update = execute(statements.update, keyAndValue);
     if (!update || update->numRowsAffected() > 0)
         return update.has_value();
     return execute(statements.insert, keyAndValue).has_value();
+}
+
+/** Where a database is made before it takes its place: a crash must not leave half of one there. */
+QString makingPlace(const QString &path)
+{
+    const QString place = path + QStringLiteral(".new");
+    QFile::remove(place);
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    return place;
+}
+
+bool takePlace(const QString &made, const QString &path)
+{
+    return QFile::setPermissions(made, QFile::ReadOwner | QFile::WriteOwner) &&
+           QFile::rename(made, path);
 }
 
 } // namespace
@@ -52,40 +96,92 @@ bool provideDatabase(const QString &path)
 {
     if (QFile::exists(path))
         return true;
-    // a copy under another name first: a crash must not leave half a database under this one
-    const QString copy = path + QStringLiteral(".new");
-    QFile::remove(copy);
-    return QDir().mkpath(QFileInfo(path).absolutePath()) &&
-           QFile::copy(QStringLiteral(":/resource/nox8.db"), copy) &&
-           QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner) &&
-           QFile::rename(copy, path);
+    const QString copy = makingPlace(path);
+    return QFile::copy(QStringLiteral(":/resource/nox8.db"), copy) && takePlace(copy, path);
 }
 
 noxSql::noxSql(const QString &path, QObject *parent)
     : QObject(parent)
 {
+    m_retryTimer.setInterval(retryMs);
+    connect(&m_retryTimer, &QTimer::timeout, this, &noxSql::tryAgain);
     if (path.isEmpty())
         return;
     m_database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
     m_database.setDatabaseName(path);
-    // Qt waits 5 s for a database that another program holds, and the window stands still as long
-    m_database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=250"));
-    m_database.open();
+    openConnection(m_database);
 }
 
 noxSql::~noxSql()
 {
     if (!m_database.isValid())
         return;
+    if (m_retryTimer.isActive())
+        tryAgain();
     execute("VACUUM;");
     m_database.close();
     m_database = QSqlDatabase(); // a connection in use cannot be removed
     QSqlDatabase::removeDatabase(QLatin1String(QSqlDatabase::defaultConnection));
 }
 
+// A file that takes no changes
+
 bool noxSql::canStore()
 {
-    return execute("UPDATE app_property SET app_property_val=NULL WHERE FALSE").has_value();
+    const bool isStoring = execute(emptyChange).has_value();
+    if (!isStoring)
+        noteChange(false);
+    return isStoring;
+}
+
+/** Whether a change gets to the disk; the version, of which nobody makes use, is 0 always. */
+bool noxSql::takesChanges()
+{
+    return execute(emptyChange) && execute("PRAGMA user_version=0");
+}
+
+/** Notes how a change went; of one that failed, whether the database takes any. */
+void noxSql::noteChange(bool isStored)
+{
+    if (!m_database.isValid())
+        return;
+    const bool isStoring = isStored || takesChanges();
+    if (isStoring && m_unwritten.isEmpty())
+        m_retryTimer.stop();
+    else if (!m_retryTimer.isActive())
+        m_retryTimer.start();
+    if (std::exchange(m_isStoring, isStoring) != isStoring)
+        emit storingChanged(isStoring);
+}
+
+void noxSql::tryAgain()
+{
+    // one that is held is the right one; any other may have been removed, replaced or opened up
+    if (!isHeldElsewhere() && !reopen())
+        return;
+    if (m_unwritten.isEmpty())
+        noteChange(takesChanges());
+    else
+        writeUnwritten();
+}
+
+bool noxSql::reopen()
+{
+    if (!QFile::exists(path()) && !provideFile())
+        return false;
+    if (isOpen() && !QFileInfo(path()).isWritable())
+        return true; // what can be read now, might not even be opened again
+    m_database.close();
+    return openConnection(m_database);
+}
+
+/** In place of a file that was removed: what is still open is all that there is left of it. */
+bool noxSql::provideFile()
+{
+    if (!execute("SELECT count(*) FROM app_property"))
+        return provideDatabase(path());
+    const QString copy = makingPlace(path());
+    return execute("VACUUM INTO :copy", {{":copy", copy}}) && takePlace(copy, path());
 }
 
 int noxSql::querySize(QSqlQuery *query)
@@ -100,13 +196,15 @@ int noxSql::addDev(quint32 type, quint32 number, const QString &name)
     const int known = findDev(type, number);
     if (known != failure)
         return known;
-    return insertedId(
+    const int added = insertedId(
         execute(" INSERT INTO device (device_type, device_number, device_name, device_name_search)"
                 " VALUES(:device_type, :device_number, :device_name, :device_name_search)",
                 {{":device_type", type},
                  {":device_number", number},
                  {":device_name", name},
                  {":device_name_search", name.toLower()}}));
+    noteChange(added != failure);
+    return added;
 }
 
 std::optional<int> noxSql::provideDev(const QByteArray *refdata, quint32 type, quint32 number,
@@ -165,6 +263,9 @@ bool noxSql::removeDev(int deviceId)
 {
     if (!execute("DELETE FROM device WHERE device_id=:device_id", {{":device_id", deviceId}}))
         return false;
+    for (const auto &property : m_unwritten.keys())
+        if (property.first == deviceId)
+            m_unwritten.remove(property);
     emit onMeasDBChange();
     return true;
 }
@@ -219,19 +320,16 @@ QVector<noxSql::noxSqlItem> noxSql::findFeature(const QString &text)
 
 bool noxSql::setAppProperty(const QString &key, const QVariant &value)
 {
-    return !key.isEmpty() &&
-           writeProperty({"DELETE FROM app_property WHERE app_property_key=:app_property_key",
-                          " UPDATE app_property SET app_property_val=:app_property_val"
-                          " WHERE app_property_key=:app_property_key",
-                          "INSERT INTO app_property (app_property_key, app_property_val)"
-                          "VALUES(:app_property_key, :app_property_val)"},
-                         {{":app_property_key", key}}, ":app_property_val", value);
+    return !key.isEmpty() && storeProperties({{{program, key}, value}});
 }
 
 QVariant noxSql::getAppProperty(const QString &key)
 {
-    if (key.isEmpty())
+    if (key.isEmpty() || !isOpen())
         return {};
+    if (const auto unwritten = m_unwritten.constFind({program, key});
+        unwritten != m_unwritten.cend())
+        return *unwritten;
     const auto row = selectOnly(
         "SELECT app_property_val FROM app_property WHERE app_property_key=:app_property_key",
         {{":app_property_key", key}});
@@ -240,29 +338,41 @@ QVariant noxSql::getAppProperty(const QString &key)
 
 void noxSql::setDevProperty(int deviceId, const QString &key, const QVariant &value)
 {
-    if (deviceId < 0 || key.isEmpty())
-        return;
-    writeProperty({"DELETE FROM device_property WHERE device_id=:device_id"
-                   " AND device_property_key=:device_property_key",
-                   " UPDATE device_property  SET device_property_val=:device_property_val "
-                   " WHERE device_id=:device_id AND device_property_key=:device_property_key",
-                   "INSERT INTO device_property"
-                   " (device_id, device_property_key, device_property_val)"
-                   "VALUES(:device_id, :device_property_key, :device_property_val)"},
-                  {{":device_id", deviceId}, {":device_property_key", key}}, ":device_property_val",
-                  value);
+    if (deviceId >= 0 && !key.isEmpty())
+        storeProperties({{{deviceId, key}, value}});
 }
 
 bool noxSql::setDevProperties(const QMap<QPair<int, QString>, QVariant> &properties)
 {
-    if (!execute("BEGIN IMMEDIATE"))
+    return storeProperties(properties);
+}
+
+/** Together with those that wait: a former value must not be written after a later one. */
+bool noxSql::storeProperties(const Properties &properties)
+{
+    if (!m_database.isValid())
         return false;
     for (auto property = properties.cbegin(); property != properties.cend(); ++property)
-        setDevProperty(property.key().first, property.key().second, property.value());
-    if (execute("COMMIT"))
-        return true;
-    execute("ROLLBACK");
-    return false;
+        m_unwritten.insert(property.key(), property.value());
+    return writeUnwritten();
+}
+
+/** Writes all that waits, or none of it. */
+bool noxSql::writeUnwritten()
+{
+    bool isWritten = execute("BEGIN IMMEDIATE").has_value();
+    if (isWritten) {
+        for (auto property = m_unwritten.cbegin(); isWritten && property != m_unwritten.cend();
+             ++property)
+            isWritten = writeProperty(property.key(), property.value());
+        isWritten = isWritten && execute("COMMIT");
+        if (!isWritten)
+            execute("ROLLBACK");
+    }
+    if (isWritten)
+        m_unwritten.clear();
+    noteChange(isWritten);
+    return isWritten;
 }
 
 bool noxSql::hasDevProperty(int deviceId)
@@ -274,7 +384,7 @@ bool noxSql::hasDevProperty(int deviceId)
 
 QMap<QString, QVariant> noxSql::getDevProperty(int deviceId)
 {
-    if (deviceId < 0)
+    if (deviceId < 0 || !isOpen())
         return {};
     auto rows = execute("SELECT device_property_key, device_property_val FROM device_property"
                         " WHERE device_id=:device_id",
@@ -289,5 +399,13 @@ QMap<QString, QVariant> noxSql::getDevProperty(int deviceId)
     QMap<QString, QVariant> properties;
     while (rows && rows->next())
         properties.insert(rows->value(0).toString(), rows->value(1));
+    for (auto change = m_unwritten.cbegin(); change != m_unwritten.cend(); ++change) {
+        if (change.key().first != deviceId)
+            continue;
+        if (change.value().isValid())
+            properties.insert(change.key().second, change.value());
+        else
+            properties.remove(change.key().second);
+    }
     return properties;
 }

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QSqlDatabase>
 #include <QString>
+#include <QTimer>
 #include <QVariant>
 #include <QVector>
 
@@ -26,6 +27,10 @@ bool provideDatabase(const QString &path);
  * storage/storeditems.h run too. While it is not open every operation fails: ids and counts are -1,
  * other results false or empty. Nothing is shown. Each statement is a transaction; what was
  * reported as done is on the disk.
+ *
+ * A file that takes no changes (another program holds it, its disk is full, it may not be written,
+ * or it is gone) is tried again each second. Properties that it has refused are kept until then,
+ * and read as if they were stored. A file that was removed is put back.
  */
 class noxSql : public QObject
 {
@@ -41,14 +46,15 @@ public:
 
     /** Opens the database file; an empty path opens none. */
     explicit noxSql(const QString &path, QObject *parent = nullptr);
-    /** Compacts the database and closes it. */
+    /** Stores what was refused so far, if it is taken now, compacts the database and closes it. */
     ~noxSql() override;
 
-    /** Whether the file could be opened; it stays as it is. */
+    /** Whether the file is open; it stays as it is. */
     bool isOpen() const { return m_database.isOpen(); }
     /** Of the file; empty when none was to be opened. */
     QString path() const { return m_database.databaseName(); }
-    /** Whether the file is a database of this program that takes changes; it stays as it is. */
+    /** Whether the file is a database of this program that takes changes; it stays as it is. If
+     *  not, storingChanged() tells when it does. */
     bool canStore();
 
     /** Rows of an executed SELECT; the query stands where it stood. */
@@ -112,7 +118,7 @@ public:
     /** Stores a property of an instrument, or removes it when the value is not valid. */
     void setDevProperty(int deviceId, const QString &key, const QVariant &value);
     /** Stores properties of instruments, by id and key, in one transaction, which costs about as
-     * much as one of them; false, and none is stored, when that fails. */
+     * much as one of them; false, and all are kept, when that is refused. */
     bool setDevProperties(const QMap<QPair<int, QString>, QVariant> &properties);
     /** Whether an instrument has properties of its own; true when that cannot be told. */
     bool hasDevProperty(int deviceId);
@@ -126,8 +132,23 @@ public:
 signals:
     /** What is stored has changed on behalf of the user. */
     void onMeasDBChange();
+    /** The database takes no changes from now on, or takes them again. */
+    void storingChanged(bool isStoring);
 
 private:
+    using Properties = QMap<QPair<int, QString>, QVariant>; ///< by instrument, or program, and key
+
+    bool storeProperties(const Properties &properties);
+    bool writeUnwritten();
+    void noteChange(bool isStored);
+    bool takesChanges();
+    void tryAgain();
+    bool reopen();
+    bool provideFile();
+
     QSqlDatabase m_database;
+    Properties m_unwritten; ///< what the database has refused so far
+    QTimer m_retryTimer;
+    bool m_isStoring = true;
     std::function<QDateTime()> m_clock = [] { return QDateTime::currentDateTime(); };
 };

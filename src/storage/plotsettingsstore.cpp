@@ -8,6 +8,7 @@
 #include <QScopedValueRollback>
 
 #include <optional>
+#include <utility>
 
 namespace
 {
@@ -115,17 +116,12 @@ void PlotSettingsStore::storeOfChannel(int qwtIndex, uchar ch, const char *name,
     store(qwtIndex, channelKey(ch, name), value);
 }
 
-/** Writes what has been gathered in one transaction, which costs about as much as one change. */
+/** Writes what has been gathered in one transaction, which costs about as much as one change. What
+ *  it refuses the database keeps itself. */
 void PlotSettingsStore::flush()
 {
-    if (!m_database->isOpen())
-        m_unwritten.clear();
-    if (m_unwritten.isEmpty())
-        return;
-    if (m_database->setDevProperties(m_unwritten))
-        m_unwritten.clear();
-    else
-        m_timer.start(); // the disk is full, or another program holds the database: once more, then
+    if (!m_unwritten.isEmpty())
+        m_database->setDevProperties(std::exchange(m_unwritten, {}));
 }
 
 /** What is stored for an instrument, which takes over what it inherits: else its first own setting

@@ -1,22 +1,73 @@
 #include "storage/statement.h"
 
 #include <QSqlDatabase>
+#include <QSqlDriver>
+#include <QSqlError>
+
+namespace
+{
+
+constexpr int patienceMs = 10;
+
+constexpr char heldProperty[] = "isHeldElsewhere"; // of the connection's driver
+
+/** The connection as it is: closed, it stays closed. */
+QSqlDatabase connection()
+{
+    return QSqlDatabase::database(QLatin1String(QSqlDatabase::defaultConnection), false);
+}
+
+bool isHeld(const QSqlDatabase &database)
+{
+    return database.driver()->property(heldProperty).toBool();
+}
+
+bool saysHeld(const QSqlError &error)
+{
+    constexpr int primaryCode = 0xff;
+    constexpr int busy = 5;
+    return (error.nativeErrorCode().toInt() & primaryCode) == busy;
+}
+
+void noteHeld(const QSqlDatabase &database, bool held)
+{
+    if (isHeld(database) == held)
+        return;
+    database.driver()->setProperty(heldProperty, held);
+    QSqlQuery(database).exec(QStringLiteral("PRAGMA busy_timeout=%1").arg(held ? 0 : patienceMs));
+}
+
+} // namespace
+
+bool openConnection(QSqlDatabase &database)
+{
+    database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(patienceMs));
+    database.driver()->setProperty(heldProperty, false);
+    return database.open();
+}
+
+bool isHeldElsewhere()
+{
+    const QSqlDatabase database = connection();
+    return database.isOpen() && isHeld(database);
+}
 
 #include <limits>
 
 std::optional<QSqlQuery> execute(const QString &sql, const NamedValues &values)
 {
-    // the connection as it is: closed, it stays closed
-    const auto database =
-        QSqlDatabase::database(QLatin1String(QSqlDatabase::defaultConnection), false);
+    const QSqlDatabase database = connection();
     if (!database.isOpen())
         return std::nullopt;
     QSqlQuery query(database);
-    if (!query.prepare(sql))
-        return std::nullopt;
-    for (const auto &value : values)
-        query.bindValue(QLatin1String(value.first), value.second);
-    if (!query.exec())
+    bool isDone = query.prepare(sql);
+    if (isDone) {
+        for (const auto &value : values)
+            query.bindValue(QLatin1String(value.first), value.second);
+        isDone = query.exec();
+    }
+    noteHeld(database, !isDone && saysHeld(query.lastError()));
+    if (!isDone)
         return std::nullopt;
     return query;
 }

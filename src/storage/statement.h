@@ -7,13 +7,26 @@
 
 #include <optional>
 
+class QSqlDatabase;
+
 // Statements on the user's database, which is the default connection.
 
 /** Values by the names under which a statement has them, as {":device_id", 5}. */
 using NamedValues = QVector<QPair<const char *, QVariant>>;
 
-/** Executes a statement with its values; nothing when the database is closed or refuses it. */
+/** Opens the connection, and says whether it is open. */
+bool openConnection(QSqlDatabase &database);
+
+/**
+ * Executes a statement with its values; nothing when the database is closed or refuses it.
+ *
+ * One that another program holds is waited for, but for a moment only, because the window stands
+ * still as long; and by the first statement alone: those after it fail at once, until one succeeds.
+ */
 std::optional<QSqlQuery> execute(const QString &sql, const NamedValues &values = {});
+
+/** Whether another program held the database when the last statement was executed. */
+bool isHeldElsewhere();
 
 /** Executes a SELECT and stands on its row; nothing unless there is exactly one. */
 std::optional<QSqlQuery> selectOnly(const QString &sql, const NamedValues &values);
