@@ -98,6 +98,7 @@ MainWindow::~MainWindow()
     m_registry->disconnect(this);
     m_plot->disconnect(this);
     m_plot->frameClock().disconnect(this);
+    m_serialPort->rmAll(); // not one after the other with its record
 }
 
 void MainWindow::buildForm()

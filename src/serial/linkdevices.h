@@ -50,8 +50,6 @@ public:
     int add(int most);
     /** Removes a record and hands it over; `devIndex` must be known. */
     LinkDevice take(int devIndex);
-    /** Removes all records; waits without limit until their workers have ended. */
-    void clear() { m_devices.clear(); }
 
     /** The record of an index; null when there is none. */
     LinkDevice *find(int devIndex);

@@ -4,6 +4,7 @@
 #include "serial/portcatalog.h"
 
 #include <QAbstractEventDispatcher>
+#include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QPointer>
 #include <QTimer>
@@ -44,11 +45,7 @@ NOXSerialPort::NOXSerialPort(QObject *parent)
 
 NOXSerialPort::~NOXSerialPort()
 {
-    const auto indices = devices();
-    for (int devIndex : indices)
-        rmDev(devIndex);
-    // a worker that outlived its removal time still has to end before it may be deleted
-    m_devices.clear();
+    rmAll();
 }
 
 int NOXSerialPort::addDev(QString portName, char devType, int baudRate, quint8 measTimeout)
@@ -114,6 +111,25 @@ void NOXSerialPort::connectWorker(noxSerialPortThread *worker)
 
 void NOXSerialPort::rmDev(int devIndex)
 {
+    removeWithin(devIndex, removalTimeoutMs);
+}
+
+void NOXSerialPort::rmAll()
+{
+    const auto indices = devices();
+    for (int devIndex : indices)
+        m_devices.find(devIndex)->worker->requestStop();
+    const QDeadlineTimer deadline(removalTimeoutMs);
+    for (int devIndex : indices)
+        removeWithin(devIndex, int(deadline.remainingTime()));
+    // a thread that runs cannot be deleted, and its driver may never let go of it
+    const auto hanging = devices();
+    for (int devIndex : hanging)
+        m_devices.take(devIndex).worker.release();
+}
+
+void NOXSerialPort::removeWithin(int devIndex, int milliseconds)
+{
     LinkDevice *const device = m_devices.find(devIndex);
     // called again while its own loop runs, it has nothing to add
     if (!device || device->removalWait)
@@ -124,7 +140,7 @@ void NOXSerialPort::rmDev(int devIndex)
 
     QEventLoop loop;
     device->removalWait = &loop;
-    QTimer::singleShot(removalTimeoutMs, &loop, &QEventLoop::quit);
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
     device->worker->requestStop();
     // Called while an event is delivered, the loop would sleep over those that wait behind it (so
     // does glib's dispatcher), and one of them may tell that the worker has ended already.

@@ -29,6 +29,9 @@ public:
                quint8 measTimeout = defaultMeasTimeout);
     /** Stops and removes a worker; spins a local event loop until it has ended, 5 s at most. */
     void rmDev(int devIndex);
+    /** Removes all devices at the end of the program, in the time of one removal. A worker that
+     *  hangs longer in its port's driver is left to the end of the process. */
+    void rmAll();
     /** Sets the command byte of an instrument's transfers. */
     void setDevType(int devIndex, char devType);
     /** The port's name, "-" for an unknown device. */
@@ -186,6 +189,7 @@ private:
     void connectStream(noxSerialPortThread *worker,
                        void (noxSerialPortThread::*signal)(Arguments...),
                        void (NOXSerialPort::*slot)(int, Arguments...));
+    void removeWithin(int devIndex, int milliseconds);
     void connectWorker(noxSerialPortThread *worker);
     void startQuery(int devIndex, LinkDevice &device);
     void startData(int devIndex, LinkDevice &device);
