@@ -5,6 +5,7 @@
 /// processor time printed is the program's alone. Ends with status 1 when an instrument was not
 /// found or not read.
 
+#include "eventloopwatch.h"
 #include "fleet.h"
 #include "registry/findnox.h"
 #include "registry/noxlist.h"
@@ -15,13 +16,11 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include <cstdio>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace
@@ -29,78 +28,6 @@ namespace
 
 constexpr int patienceMs = 300000;
 constexpr double tokensPerSecond = 4.0;
-
-/** Where the GUI thread's time went, in milliseconds. */
-struct ThreadTime {
-    double wall = 0;
-    double running = 0; ///< on a processor
-    double queued = 0;  ///< ready to run while other threads had the processors
-
-    /** In the event loop or in the kernel; for a gap, that is a file or a lock. */
-    double asleep() const { return wall - running - queued; }
-};
-
-ThreadTime operator-(const ThreadTime &a, const ThreadTime &b)
-{
-    return {a.wall - b.wall, a.running - b.running, a.queued - b.queued};
-}
-
-double clockMs(clockid_t clock)
-{
-    timespec now = {};
-    ::clock_gettime(clock, &now);
-    return now.tv_sec * 1e3 + now.tv_nsec / 1e6;
-}
-
-/** Measures how long the event loop of its thread does not come round. */
-class EventLoopWatch
-{
-public:
-    EventLoopWatch()
-        : m_schedule(QStringLiteral("/proc/thread-self/schedstat"))
-    {
-        m_schedule.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
-        m_last = now();
-        m_timer.setTimerType(Qt::PreciseTimer);
-        QObject::connect(&m_timer, &QTimer::timeout, [this] { beat(); });
-        m_timer.start(periodMs);
-    }
-
-    /** The longest time from one beat to the next. */
-    const ThreadTime &longest() const { return m_longest; }
-    /** The longest such time without waiting for a processor. */
-    double longestOwn() const { return m_longestOwn; }
-    int gapsAbove50Ms() const { return m_gapsAbove50Ms; }
-
-private:
-    static constexpr int periodMs = 1;
-
-    void beat()
-    {
-        const ThreadTime current = now();
-        const ThreadTime gap = current - m_last;
-        m_last = current;
-        if (gap.wall > m_longest.wall)
-            m_longest = gap;
-        m_longestOwn = qMax(m_longestOwn, gap.wall - gap.queued);
-        m_gapsAbove50Ms += gap.wall > 50;
-    }
-
-    ThreadTime now()
-    {
-        m_schedule.seek(0); // nanoseconds on a processor, nanoseconds ready, time slices
-        const QList<QByteArray> fields = m_schedule.readAll().split(' ');
-        return {clockMs(CLOCK_MONOTONIC), clockMs(CLOCK_THREAD_CPUTIME_ID),
-                fields.value(1).toDouble() / 1e6};
-    }
-
-    QFile m_schedule;
-    QTimer m_timer;
-    ThreadTime m_last;
-    ThreadTime m_longest;
-    double m_longestOwn = 0;
-    int m_gapsAbove50Ms = 0;
-};
 
 /** The program's side: a database, a multiplexer, the registry and the discovery dialog. */
 int runProgram(int instruments, double *lastReplySeconds)
