@@ -19,6 +19,8 @@ public:
     void closeWriter() { closeEnd(m_ends[1]); }
     bool read(void *data, size_t size);
     bool write(const void *data, size_t size);
+    /** The end to write to, for a program that is started with it. */
+    int writer() const { return m_ends[1]; }
 
 private:
     static void closeEnd(int &end);
