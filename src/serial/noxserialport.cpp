@@ -75,8 +75,8 @@ void NOXSerialPort::connectStream(noxSerialPortThread *worker,
 {
     const int devIndex = worker->index();
     // what was queued comes though the worker has gone, and another may have its index
-    const auto pass = [this, devIndex, slot, alive = QPointer<noxSerialPortThread>(worker)](
-                          Arguments... arguments) {
+    const auto pass = [this, devIndex, slot,
+                       alive = QPointer<noxSerialPortThread>(worker)](Arguments... arguments) {
         if (isStreaming(devIndex, alive))
             (this->*slot)(devIndex, arguments...);
     };
