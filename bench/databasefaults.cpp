@@ -106,7 +106,7 @@ public:
     explicit Holder(OutageRig &rig)
         : m_rig(rig)
     {
-        m_client.start(QStringLiteral("sqlite3"), {QStringLiteral("-batch"), rig.databasePath()});
+        rig.startClient(m_client, {});
         m_client.write("BEGIN EXCLUSIVE; SELECT 'held';\n");
         rig.waitFor([this] { return m_client.readAllStandardOutput().contains("held"); });
     }

@@ -194,10 +194,20 @@ bool OutageRig::waitFor(const std::function<bool()> &holds, int milliseconds)
     return true;
 }
 
+void OutageRig::startClient(QProcess &client, const QStringList &statements)
+{
+    // starting a process holds up the thread that does
+    m_watch->leaveOut([&] {
+        client.start(QStringLiteral("sqlite3"),
+                     QStringList{QStringLiteral("-batch"), databasePath()} + statements);
+        client.waitForStarted();
+    });
+}
+
 QString OutageRig::askDatabase(const QString &statements)
 {
     QProcess client;
-    client.start(QStringLiteral("sqlite3"), {QStringLiteral("-batch"), databasePath(), statements});
+    startClient(client, {statements});
     waitFor([&client] { return client.state() == QProcess::NotRunning; });
     return QString::fromUtf8(client.readAllStandardError() + client.readAllStandardOutput())
         .trimmed();

@@ -79,6 +79,8 @@ public:
     /** Searches as the operator would, and waits until all instruments measure again. */
     void findAgain();
     bool isMeasuring(int instrument);
+    /** Starts the command-line client of SQLite on the database. */
+    void startClient(QProcess &client, const QStringList &statements);
     /** What the command-line client of SQLite says to statements on the database. */
     QString askDatabase(const QString &statements);
     /** Rows in the files. */

@@ -6,17 +6,15 @@
 #include "app/mainwindow.h"
 #include "fleet.h"
 #include "plot/qwtnox.h"
+#include "quietdatabase.h"
 #include "registry/noxlist.h"
 #include "serial/noxserialport.h"
 #include "serial/portcatalog.h"
-#include "storage/noxsql.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QFile>
 #include <QHash>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -53,24 +51,6 @@ const char *nameOf(Sight sight)
     }
     return "covered";
 }
-
-/** How the program starts: with a database of its own, and without a search of its own. */
-class QuietDatabase
-{
-public:
-    QuietDatabase()
-    {
-        qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.path()));
-        const QString path =
-            QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) +
-            QStringLiteral("/nox8.db");
-        provideDatabase(path);
-        noxSql(path).setAppProperty(QStringLiteral("autoconnect"), false);
-    }
-
-private:
-    QTemporaryDir m_folder;
-};
 
 void runEventLoop(int milliseconds)
 {
