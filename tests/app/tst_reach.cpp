@@ -246,13 +246,16 @@ private slots:
             plot().changeScaleX(choice % scalesX().size());
             plot().changeScaleY(choice % scalesY().size());
         }
-        QTest::qWait(100); // the layouts follow
-        QStringList cut;
-        inEachWindow([&cut](QWidget *shown) {
+        const auto cutIn = [](QWidget *shown) {
+            QStringList cut;
             for (const QWidget *widget : shown->findChildren<QWidget *>())
                 if (widget->isVisible() && isCut(widget))
                     cut << shown->objectName() + ' ' + widget->objectName();
-        });
+            return cut;
+        };
+        QTRY_COMPARE(cutIn(window.get()), QStringList()); // the layouts follow
+        QStringList cut;
+        inEachWindow([&](QWidget *shown) { cut << cutIn(shown); });
         QCOMPARE(window->size(), QSize(940, 490));
         QVERIFY2(cut.isEmpty(), qPrintable(cut.join("; ")));
     }
