@@ -290,7 +290,7 @@ private:
     QVector<Holdings> m_holdings;
     std::unique_ptr<EventLoopWatch> m_watch;
     int m_messages = 0;       ///< that came by themselves
-    QTimer m_heartbeat; ///< so that who waits looks again
+    QTimer m_heartbeat;       ///< so that who waits looks again
     QElapsedTimer m_settling; ///< since the latest exchange
     qint64 m_points = 0;
     qint64 m_sent = 0;
