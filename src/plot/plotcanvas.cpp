@@ -9,7 +9,8 @@
 PlotCanvas::PlotCanvas(QwtPlot *plot)
     : QwtPlotCanvas(plot)
 {
-    setPaintAttribute(BackingStore, false); // the picture takes its place
+    setObjectName(QStringLiteral("QwtPlotCanvas")); // as that of any plot is called
+    setPaintAttribute(BackingStore, false);         // the picture takes its place
 }
 
 void PlotCanvas::replot()

@@ -178,7 +178,7 @@ private slots:
         QCOMPARE(channel(0) + panels(), seen);
         window->showNormal();
         showFrame();
-        QVERIFY(channel(0).startsWith("1[current]|31.00[red]|"));
+        QVERIFY(channel(0).startsWith("1[current]|31.00[red fresh]|"));
         QCOMPARE(panels(), "31.00|25.50|°С");
     }
 
