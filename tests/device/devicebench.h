@@ -4,8 +4,6 @@
 
 #include <QFile>
 
-#include <functional>
-
 /** An image of a model. */
 struct ImageOf : optionsNOX8 {
     explicit ImageOf(quint32 type) { setDevType(type); }
@@ -32,27 +30,18 @@ public:
             {&Image::onDevApply, "dev!"},        {&Image::onRefApply, "ref!"},
             {&Image::onRefShiftApply, "shift!"}};
         for (const auto &[signal, name] : signalNames)
-            QObject::connect(&image, signal, &m_context, [this, name = name] { note(name); });
+            QObject::connect(&image, signal, &m_context, [this, name = name] { m_names << name; });
         QObject::connect(&image, &Image::onChChange, &m_context,
-                         [this](quint8 ch) { note(QString("ch%1").arg(ch)); });
+                         [this](quint8 ch) { m_names << QString("ch%1").arg(ch); });
         QObject::connect(&image, &Image::onChApply, &m_context,
-                         [this](quint8 ch) { note(QString("ch%1!").arg(ch)); });
-        QObject::connect(&image, &Image::onRecData, &m_context, [this] { note("log"); });
+                         [this](quint8 ch) { m_names << QString("ch%1!").arg(ch); });
+        QObject::connect(&image, &Image::onRecData, &m_context, [this] { m_names << "log"; });
     }
 
     /** The names since the last call, with blanks between them. */
     QString take() { return std::exchange(m_names, {}).join(' '); }
 
-    std::function<void()> listener; ///< called after each of them
-
 private:
-    void note(const QString &name)
-    {
-        m_names << name;
-        if (listener)
-            listener();
-    }
-
     QObject m_context;
     QStringList m_names;
 };

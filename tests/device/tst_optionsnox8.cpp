@@ -254,44 +254,44 @@ private slots:
 
     void whoListensMayTakeTheImageAway()
     {
-        constexpr quint32 model = 0x0950AA0F;
-        ImageOf other(model);
+        ImageOf other(0x0950AA0F);
         other.channels[2].onOff = 0;
-        const QStringList lines = settingsLines(other);
         ReferenceData references;
-        references.refU.value.value = 300.0F;
+        references.refU.value.value = 300.0F; // of a model that can be told by them
         references.refR[0].value.value = 200.0F;
+        const auto read = [](quint8 address, const QByteArray &block) {
+            return [=](Image &image) { image.setData(block, address); };
+        };
         const QVector<std::function<void(Image &)>> changes = {
             [](Image &image) { image.setDevType(0x22); },
             [](Image &image) { image.setDevNumber(8); },
             [](Image &image) { image.setDevName("new"); },
             [](Image &image) { image.triggerDevChange(); },
-            [](Image &image) {
-                image.setIndividualFeature(0, FeatureRecord::polynomial, "",
-                                           QString("1").repeated(10).split("", Qt::SkipEmptyParts));
-            },
-            [&](Image &image) { image.setData(taken(other.getData()), 2); },
+            [](Image &image) { image.setIndividualFeature(0, FeatureRecord::its90, "", {}); },
+            [&](Image &image) { applySettings(settingsLines(other), image); },
             [&](Image &image) {
                 image.devType = 0;
                 image.setData(encodeReferenceData(references, QByteArray(8, 'x')), 3);
             },
-            [](Image &image) { image.setData(QByteArray::fromHex("01000000110004d2"), 51); },
-            [](Image &image) {
-                image.setData(QByteArray::fromHex("0faa6009").leftJustified(24, '\1'), 51);
-            },
-            [&](Image &image) { applySettings(lines, image); }};
+            read(2, taken(other.getData())),
+            read(51, QByteArray::fromHex("01000000110004d2")),
+            read(51, QByteArray::fromHex("0faa6009").leftJustified(24, '\1'))};
         for (const auto &change : changes) {
             std::unique_ptr<ImageOf> image;
             for (int last = 1; !image; ++last) { // each announcement in turn is the last
-                image = std::make_unique<ImageOf>(model);
+                image = std::make_unique<ImageOf>(other.devType);
                 image->devNumber = 7;
                 image->identValid = last % 2 == 1;
-                ImageLog log(*image);
                 int heard = 0;
-                log.listener = [&] {
+                const auto listen = [&] {
                     if (++heard == last)
                         image.reset();
                 };
+                for (const auto signal :
+                     {&Image::onDevChange, &Image::onRefChange, &Image::onIdentChange,
+                      &Image::onIdentApply, &Image::onSNApply, &Image::onDevApply})
+                    connect(image.get(), signal, this, listen);
+                connect(image.get(), &Image::onChChange, this, listen);
                 change(*image);
                 QVERIFY(heard == last || (image && heard < last));
             }

@@ -285,50 +285,27 @@ private slots:
         nox.opt->setData(changed, 2); // by the user: it is still that of his snapshot
         reply(changed, 2);
         QCOMPARE(nox.snapShotId, id);
-        reply(factory, 2);
-        QByteArray recalibrated = refdata; // by somebody else: it is that of none
-        recalibrated[5] = 0x11;
-        bench->news();
-        reply(recalibrated, 3);
-        QCOMPARE(bench->news() + QString::number(nox.snapShotId), QString("references 0;change0"));
-        reply(refdata, 3);
-        reply(factory, 2);
-        QCOMPARE(nox.snapShotId, id);
-        reply(changed, 2);
-        QCOMPARE(nox.snapShotId, 0);
+        reply(QByteArray(72, '\1'), 3); // by somebody else: it is that of none
+        QVERIFY(bench->news().endsWith("references 0;change") && nox.snapShotId == 0);
     }
 
     void refusedRowIsNone()
     {
         noxList::_nox *const nox = identify(list().newNox(-1, false), typeB, 5);
         const InstrumentStore store(&bench->database);
-        const auto row = [&](quint16 number) {
-            nox->opt->devNumber = number;
-            nox->dbIndex = 0;
-            store.provideWithReferences(nox);
-            return nox->dbIndex;
-        };
-        QCOMPARE(row(5), 1);
         QVERIFY(QSqlQuery("PRAGMA query_only=1").isActive());
-        QCOMPARE(row(5), 1);
-        QCOMPARE(row(6), -1);
-        nox->opt->refR[0].value.value = 200.0F; // what the row that is there does not take
-        QCOMPARE(row(5), 0);
+        store.provideWithReferences(nox);
+        QCOMPARE(std::exchange(nox->dbIndex, 0), -1);
         QSqlDatabase::database().close();
-        QCOMPARE(row(6), 0);
+        store.provideWithReferences(nox);
+        QCOMPARE(nox->dbIndex, 0);
     }
 
     void whoTakesTheIndexIsNotMeant()
     {
-        const noxList::_nox &older = *add(typeB, 5);
-        const auto replace = [this] {
+        connect(add(typeB, 5)->opt.get(), &Image::onRefChange, &list(), [this] {
             list().rmByIndex(0);
-            add(typeCM, 6)->dbIndex = 0;
-        };
-        const auto once = std::make_shared<QMetaObject::Connection>();
-        *once = connect(older.opt.get(), &Image::onRefChange, &list(), [=] {
-            disconnect(*once);
-            replace();
+            add()->dbIndex = 0;
         });
         reply(taken(Image().getRefData(true)), 3);
         QCOMPARE(list().getNoxByIndex(0)->dbIndex, 0);

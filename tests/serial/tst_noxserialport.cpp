@@ -301,45 +301,28 @@ private slots:
     void nobodyIsTakenForHisPredecessor()
     {
         QVERIFY(bench->add("b", options));
-        bool isGiven = true;
-        const auto giveIndex = [&](int index) {
-            if (std::exchange(isGiven, true))
-                return;
+        const auto giveIndex = [this](int index) {
             const bool wasA = port->getPortName(index) == "a";
             port->rmDev(index);
             QCOMPARE(port->addDev(wasA ? "b" : "a"), index);
         };
-        const auto heardAfter = [&](int strikes, const std::function<void()> &exchange) {
-            isGiven = false;
-            journal->clear();
+        const auto heard = [this](bool isReading, int strikes) {
             bench->host.setFaults(port->getPortName(0),
                                   faultPlan(&FaultPlan::ignoredAddressings, strikes));
-            exchange();
-            if (!QTest::qWaitFor([&] { return isGiven; }, longMs))
-                journal->lines << "nothing";
-            return journal->lines.join(", ");
+            isReading ? read(reference, noxQueryModeOnce) : setClock('x', noxQueryModeOnce);
+            const bool isOver =
+                QTest::qWaitFor([this] { return !journal->lines.isEmpty(); }, longMs);
+            return isOver ? std::exchange(journal->lines, {}).join(", ") : QString("nothing");
         };
-        using Port = NOXSerialPort;
-        connect(port.get(), QOverload<int, QByteArray *, quint8>::of(&Port::readyDevReply),
-                port.get(), giveIndex);
-        connect(port.get(), &Port::doneSendDevData, port.get(), giveIndex);
-        const auto readOnce = [this] { read(reference, noxQueryModeOnce); };
-        const auto writeOnce = [this] { setClock('x', noxQueryModeOnce); };
-        QCOMPARE(heardAfter(0, readOnce), "all queries done");
-        QCOMPARE(heardAfter(0, writeOnce), "written @6, all writes done");
-
-        QSignalSpy lastOfThree(port.get(), QOverload<int>::of(&Port::onDevError));
-        const auto atError =
-            connect(port.get(), QOverload<int, quint16, QString>::of(&Port::onDevError), port.get(),
-                    giveIndex);
-        QCOMPARE(heardAfter(99, readOnce),
-                 "query error 110 @3, error 110 Unknown error, all queries done");
-        QVERIFY(lastOfThree.isEmpty());
-        disconnect(atError);
-        connect(port.get(), &Port::onDevQueryError, port.get(), giveIndex);
-        connect(port.get(), &Port::onDevDataError, port.get(), giveIndex);
-        QCOMPARE(heardAfter(99, readOnce), "query error 110 @3, all queries done");
-        QCOMPARE(heardAfter(99, writeOnce), "write error 210 @6, all writes done");
+        connect(port.get(), QOverload<int, QByteArray *, quint8>::of(&NOXSerialPort::readyDevReply),
+                this, giveIndex);
+        connect(port.get(), &NOXSerialPort::doneSendDevData, this, giveIndex);
+        QCOMPARE(heard(true, 0), "all queries done");
+        QCOMPARE(heard(false, 0), "written @6, all writes done");
+        connect(port.get(), &NOXSerialPort::onDevQueryError, this, giveIndex);
+        connect(port.get(), &NOXSerialPort::onDevDataError, this, giveIndex);
+        QCOMPARE(heard(true, 99), "query error 110 @3, all queries done");
+        QCOMPARE(heard(false, 99), "write error 210 @6, all writes done");
     }
 
     void removalFromWithinAnErrorIsPrompt()

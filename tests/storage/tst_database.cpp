@@ -351,7 +351,7 @@ private slots:
         const QStringList before = contents(path());
         QVERIFY(QSqlQuery("PRAGMA query_only=1").isActive()); // as in a file that is read-only
         QCOMPARE(failed(*m_sql), namesOf(writing));
-        QVERIFY(!m_sql->canStore());
+        QVERIFY(!m_sql->canStore() && !m_sql->provideDev(&otherReference, 0x11, 1, "A"));
         QVERIFY(QSqlQuery("PRAGMA query_only=0").isActive());
         {
             auto other = QSqlDatabase::addDatabase("QSQLITE", "other");

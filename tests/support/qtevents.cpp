@@ -2,10 +2,10 @@
 
 #include <sanitizer/tsan_interface.h>
 
+using BlockHook = void(const volatile void *);
+using SizedBlockHook = void(const volatile void *, size_t);
 // not every compiler has the header of it
-extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*allocated)(const volatile void *,
-                                                                           size_t),
-                                                         void (*released)(const volatile void *));
+extern "C" int __sanitizer_install_malloc_and_free_hooks(SizedBlockHook *, BlockHook *);
 
 // Tells the thread sanitizer what it cannot see by itself: the queue of events between two threads
 // is guarded by mutexes of Qt, which are made of nothing that the sanitizer knows. What a thread
@@ -19,8 +19,6 @@ void noteAllocation(const volatile void *block, size_t)
     __tsan_release(const_cast<void *>(block));
 }
 
-void noteRelease(const volatile void *) {}
-
 /** `data` is the receiver, the event, and where the result would go. */
 bool noteDelivery(void **data)
 {
@@ -32,5 +30,5 @@ bool noteDelivery(void **data)
 
 // before any thread is started
 [[maybe_unused]] static const bool isWatching =
-    __sanitizer_install_malloc_and_free_hooks(noteAllocation, noteRelease) != 0 &&
+    __sanitizer_install_malloc_and_free_hooks(noteAllocation, [](auto) {}) != 0 &&
     QInternal::registerCallback(QInternal::EventNotifyCallback, noteDelivery);
