@@ -4,6 +4,8 @@
 #include <QSqlDriver>
 #include <QSqlError>
 
+#include <limits>
+
 namespace
 {
 
@@ -51,8 +53,6 @@ bool isHeldElsewhere()
     const QSqlDatabase database = connection();
     return database.isOpen() && isHeld(database);
 }
-
-#include <limits>
 
 std::optional<QSqlQuery> execute(const QString &sql, const NamedValues &values)
 {
