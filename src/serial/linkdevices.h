@@ -85,6 +85,7 @@ class IndexOwner
 public:
     IndexOwner(LinkDevices &devices, int devIndex);
 
+    int index() const { return m_devIndex; }
     /** Its device; null when it has gone. */
     LinkDevice *device() const;
     /** Another device has the index: what would be said under it is not about the owner. */

@@ -2,11 +2,11 @@
 
 #include "serial/noxserialportthread.h"
 #include "serial/portcatalog.h"
+#include "serial/workerconnection.h"
 
 #include <QAbstractEventDispatcher>
 #include <QDeadlineTimer>
 #include <QEventLoop>
-#include <QPointer>
 #include <QTimer>
 
 namespace
@@ -17,21 +17,6 @@ constexpr int removalTimeoutMs = 5000;
 constexpr quint16 queryCodeOffset = 100;
 constexpr quint16 dataCodeOffset = 200;
 constexpr quint16 wordSize = 4;
-
-/** Connects a signal of the multiplexer with the slot of a worker. Only what is about the worker's
- *  own device is queued: an event for each of all workers would hold the GUI thread up. */
-template<typename... Arguments>
-void connectToWorker(const NOXSerialPort *port, void (NOXSerialPort::*signal)(int, Arguments...),
-                     noxSerialPortThread *worker,
-                     void (noxSerialPortThread::*slot)(int, Arguments...))
-{
-    const auto queue = [worker, slot](int devIndex, Arguments... arguments) {
-        if (devIndex == worker->index())
-            QMetaObject::invokeMethod(
-                worker, [=] { (worker->*slot)(devIndex, arguments...); }, Qt::QueuedConnection);
-    };
-    QObject::connect(port, signal, worker, queue, Qt::DirectConnection);
-}
 
 } // namespace
 
@@ -57,30 +42,13 @@ int NOXSerialPort::addDev(QString portName, char devType, int baudRate, quint8 m
     const int devIndex = m_devices.add(mostDevices);
     if (devIndex < 0)
         return -1;
-    auto worker =
+    auto &worker = m_devices.find(devIndex)->worker;
+    worker =
         std::make_unique<noxSerialPortThread>(devIndex, portName, devType, baudRate, measTimeout);
     worker->setTiming(m_timing);
     connectWorker(worker.get());
     worker->start(QThread::InheritPriority);
-    m_devices.find(devIndex)->worker = std::move(worker);
     return devIndex;
-}
-
-/** Connects what comes with every token. sender() would walk over the connections of all workers
- *  each time. */
-template<typename... Arguments>
-void NOXSerialPort::connectStream(noxSerialPortThread *worker,
-                                  void (noxSerialPortThread::*signal)(Arguments...),
-                                  void (NOXSerialPort::*slot)(int, Arguments...))
-{
-    const int devIndex = worker->index();
-    // what was queued comes though the worker has gone, and another may have its index
-    const auto pass = [this, devIndex, slot,
-                       alive = QPointer<noxSerialPortThread>(worker)](Arguments... arguments) {
-        if (isStreaming(devIndex, alive))
-            (this->*slot)(devIndex, arguments...);
-    };
-    connect(worker, signal, this, pass);
 }
 
 void NOXSerialPort::connectWorker(noxSerialPortThread *worker)
@@ -88,9 +56,10 @@ void NOXSerialPort::connectWorker(noxSerialPortThread *worker)
     using Worker = noxSerialPortThread;
     using Self = NOXSerialPort;
     connect(worker, &Worker::setProgress, this, &Self::setDevProgress);
-    connectStream(worker, &Worker::readyMeas, &Self::readDevMeas);
-    connectStream(worker, &Worker::readySource, &Self::readDevSource);
-    connectStream(worker, &Worker::readyStatus, &Self::readDevStatus);
+    const IndexOwner owner(m_devices, worker->index());
+    connectStream(worker, &Worker::readyMeas, this, &Self::readDevMeas, owner);
+    connectStream(worker, &Worker::readySource, this, &Self::readDevSource, owner);
+    connectStream(worker, &Worker::readyStatus, this, &Self::readDevStatus, owner);
     connect(worker, QOverload<QByteArray *, quint8>::of(&Worker::readyQuery), this,
             &Self::readDevReply);
     connect(worker, &Worker::onSendQueryError, this, &Self::onSendQueryError);
@@ -198,13 +167,6 @@ QString NOXSerialPort::getPortName(int devIndex) const
 {
     const LinkDevice *device = m_devices.find(devIndex);
     return device ? device->worker->name() : QStringLiteral("-");
-}
-
-/** The device whose signal is being received; -1 when it has been purged, or is blocked. */
-bool NOXSerialPort::isStreaming(int devIndex, const noxSerialPortThread *worker) const
-{
-    const LinkDevice *const device = m_devices.find(devIndex);
-    return device && worker && device->worker.get() == worker && device->blocked == 0;
 }
 
 void NOXSerialPort::onExchangeProg()

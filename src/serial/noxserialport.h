@@ -184,11 +184,6 @@ private slots:
 
 private:
     int senderIndex() const { return m_devices.indexOf(sender()); }
-    bool isStreaming(int devIndex, const noxSerialPortThread *worker) const;
-    template<typename... Arguments>
-    void connectStream(noxSerialPortThread *worker,
-                       void (noxSerialPortThread::*signal)(Arguments...),
-                       void (NOXSerialPort::*slot)(int, Arguments...));
     void removeWithin(int devIndex, int milliseconds);
     void connectWorker(noxSerialPortThread *worker);
     void startQuery(int devIndex, LinkDevice &device);
