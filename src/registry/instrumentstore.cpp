@@ -85,14 +85,17 @@ void InstrumentStore::keepUnit(const noxList::_nox &nox, quint8 ch) const
 
 // How it is set
 
-QByteArray InstrumentStore::snapShotContent(const optionsNOX8 &image)
+QByteArray InstrumentStore::snapShotContent(const noxList::_nox &nox)
 {
-    return taken(image.getData()) + taken(image.getRefAllData());
+    if (nox.snapShotId == 0)
+        return {};
+    return taken(nox.opt->getData()) + taken(nox.opt->getRefAllData());
 }
 
 bool InstrumentStore::leaveSnapShot(noxList::_nox *nox, const QByteArray &contentBefore)
 {
-    return snapShotContent(*nox->opt) != contentBefore && std::exchange(nox->snapShotId, 0) != 0;
+    return !contentBefore.isEmpty() && snapShotContent(*nox) != contentBefore &&
+           std::exchange(nox->snapShotId, 0) != 0;
 }
 
 void InstrumentStore::recogniseSnapShot(noxList::_nox *nox, bool isComplete) const

@@ -35,8 +35,8 @@ public:
     /** Keeps the user's unit of a channel, or that there is none. */
     void keepUnit(const noxList::_nox &nox, quint8 ch) const;
 
-    /** All of an image that a snapshot keeps. */
-    static QByteArray snapShotContent(const optionsNOX8 &image);
+    /** All that a snapshot keeps of an instrument that is at one; empty for any other. */
+    static QByteArray snapShotContent(const noxList::_nox &nox);
     /** An instrument whose configuration turns out to be another than the image had is at no
      *  snapshot any more; whether it was at one. What the user changes stays that of his. */
     static bool leaveSnapShot(noxList::_nox *nox, const QByteArray &contentBefore);

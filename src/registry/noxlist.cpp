@@ -8,6 +8,7 @@
 
 #include <QPointer>
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -24,6 +25,14 @@ QString unitText(const optionsNOX8 &image, quint8 ch, char dim)
     const optionsNOX8::_ch channel = image.getCh(ch);
     const bool isCustom = channel.measType == measTemperatureCustom && channel.onOff != 0;
     return isCustom ? image.getChMeasTypeName(ch) : optionsNOX8::getDim(dim);
+}
+
+/** The record with the lowest index that matches; null when none does. */
+template<typename Matches>
+noxList::_nox *firstOf(const QMap<int, noxList::_nox *> &records, Matches matches)
+{
+    const auto found = std::find_if(records.cbegin(), records.cend(), matches);
+    return found == records.cend() ? nullptr : *found;
 }
 
 } // namespace
@@ -103,10 +112,9 @@ noxList::_nox *noxList::findSame(const optionsNOX8 &image) const
 {
     if (image.devNumber == 0 || !optionsNOX8::getTypeList(true).contains(image.devType))
         return nullptr;
-    for (_nox *nox : m_records)
-        if (nox->opt->devType == image.devType && nox->opt->devNumber == image.devNumber)
-            return nox;
-    return nullptr;
+    return firstOf(m_records, [&image](const _nox *nox) {
+        return nox->opt->devType == image.devType && nox->opt->devNumber == image.devNumber;
+    });
 }
 
 /** Lets a record go on with the device under which its instrument was found again. */
@@ -219,47 +227,27 @@ noxList::_nox *noxList::getNoxByDevIndex(int devIndex) const
     _nox *const likely = m_records.value(m_likely.value(devIndex, -1));
     if (likely && likely->devIndex == devIndex)
         return likely;
-    for (_nox *nox : m_records) {
-        if (nox->devIndex == devIndex) {
-            m_likely[devIndex] = nox->index;
-            return nox;
-        }
-    }
-    return nullptr;
+    _nox *const found =
+        firstOf(m_records, [=](const _nox *nox) { return nox->devIndex == devIndex; });
+    if (found)
+        m_likely[devIndex] = found->index;
+    return found;
 }
 
 noxList::_nox *noxList::getNoxByImage(const optionsNOX8 *image) const
 {
-    for (_nox *nox : m_records)
-        if (nox->opt.get() == image)
-            return nox;
-    return nullptr;
+    return firstOf(m_records, [=](const _nox *nox) { return nox->opt.get() == image; });
 }
 
 noxList::_nox *noxList::getNoxByQwtIndex(int qwtIndex) const
 {
-    for (_nox *nox : m_records)
-        if (nox->qwtIndex == qwtIndex)
-            return nox;
-    return nullptr;
+    return firstOf(m_records, [=](const _nox *nox) { return nox->qwtIndex == qwtIndex; });
 }
 
 int noxList::getIndexByDev(int devIndex) const
 {
     const _nox *nox = getNoxByDevIndex(devIndex);
     return nox ? nox->index : -1;
-}
-
-int noxList::getQWTIndex(int index) const
-{
-    const _nox *nox = getNoxByIndex(index);
-    return nox ? nox->qwtIndex : -1;
-}
-
-int noxList::getDBIndex(int index) const
-{
-    const _nox *nox = getNoxByIndex(index);
-    return nox ? nox->dbIndex : -1;
 }
 
 // What is connected
@@ -403,7 +391,7 @@ void noxList::applyDevQuery(int devIndex, QByteArray *buf, quint8 address)
     const QPointer<optionsNOX8> image = found->opt.get();
     found->held.noteRead(address, *buf); // who hears of the change compares with it
     const int sizeBefore = image->getDevDataSize();
-    const QByteArray contentBefore = InstrumentStore::snapShotContent(*image);
+    const QByteArray contentBefore = InstrumentStore::snapShotContent(*found);
     const bool isAccepted = image->setData(*buf, address);
     _nox *nox = getNoxByImage(image); // a receiver of the change may have removed it
     if (!nox)

@@ -104,9 +104,17 @@ public:
     /** The registry index of a device, or -1. */
     int getIndexByDev(int devIndex) const;
     /** The plot index, or -1 for an unknown record. */
-    int getQWTIndex(int index) const;
+    int getQWTIndex(int index) const
+    {
+        const _nox *nox = getNoxByIndex(index);
+        return nox ? nox->qwtIndex : -1;
+    }
     /** The database id, or -1 for an unknown record. */
-    int getDBIndex(int index) const;
+    int getDBIndex(int index) const
+    {
+        const _nox *nox = getNoxByIndex(index);
+        return nox ? nox->dbIndex : -1;
+    }
     bool isDevIndex(int devIndex) const { return getNoxByDevIndex(devIndex) != nullptr; }
     /** All registry indices, ascending. */
     QList<int> indices() const { return m_records.keys(); }
