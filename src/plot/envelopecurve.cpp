@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace
 {
@@ -183,10 +184,11 @@ bool EnvelopeCurve::take(const Series &times, const Values &values)
     return areContinued;
 }
 
-ValueRange EnvelopeCurve::newTimes() const
+ValueRange EnvelopeCurve::takeNewTimes()
 {
     const Series &times = seriesData()->times();
-    return m_painted == times.size() ? ValueRange{} : times.range(m_painted - 1, times.size());
+    const int painted = std::exchange(m_painted, times.size());
+    return painted == times.size() ? ValueRange{} : times.range(painted - 1, times.size());
 }
 
 SeriesData *EnvelopeCurve::seriesData()

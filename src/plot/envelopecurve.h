@@ -63,10 +63,9 @@ public:
      */
     bool setSeries(const Series &times, const Series &values);
     bool setSeries(const Series &times, const MovingAverages &averages);
-    /** The times from the newest point in the picture to the end; empty when all are in it. */
-    ValueRange newTimes() const;
-    /** All points are in the picture now. */
-    void notePainted() { m_painted = static_cast<int>(dataSize()); }
+    /** The times from the newest point in the picture to the end, which is in it from now on; empty
+     *  when it was. */
+    ValueRange takeNewTimes();
     /** Recolours the line and keeps its width. */
     void setColor(const QColor &color);
 

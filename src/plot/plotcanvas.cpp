@@ -3,8 +3,16 @@
 #include <QPainter>
 #include <QPaintEvent>
 #include <qwt_plot.h>
+#include <qwt_scale_map.h>
 
-#include <cmath>
+namespace
+{
+
+/** Pixels that the strokes of a point reach to its left or right at most: its column with those
+ *  beside it, and the width of a line. */
+constexpr double widestStroke = 4;
+
+} // namespace
 
 PlotCanvas::PlotCanvas(QwtPlot *plot)
     : QwtPlotCanvas(plot)
@@ -25,12 +33,15 @@ void PlotCanvas::bringUpToDate()
         paintAll();
 }
 
-void PlotCanvas::repaintStretch(double left, double right)
+void PlotCanvas::repaintStretch(double first, double last)
 {
     if (isOld())
         return replot();
-    const QRectF stretch(left, 0, right - left, height());
-    const QRect part = rect() & stretch.toAlignedRect();
+    const QwtScaleMap map = plot()->canvasMap(QwtPlot::xBottom);
+    // a time may lie any number of pixels beyond the canvas
+    const double left = qBound(0.0, map.transform(first) - widestStroke, double(width()));
+    const double right = qBound(0.0, map.transform(last) + widestStroke, double(width()));
+    const QRect part = rect() & QRectF(left, 0, right - left, height()).toAlignedRect();
     if (part.isEmpty())
         return;
     paint(part);

@@ -15,9 +15,9 @@ public:
 
     /** Paints the picture now if it is old and somebody sees it. */
     void bringUpToDate();
-    /** Paints the stretch between two places, in pixels from the left edge, or the whole picture if
-     *  it is old. */
-    void repaintStretch(double left, double right);
+    /** Paints the stretch between two places of the time axis, with what the strokes of points
+     * there reach beyond it; an old picture is painted whole. */
+    void repaintStretch(double first, double last);
 
 public slots:
     /** The picture is old. The plot calls this by its name. */

@@ -70,22 +70,27 @@ bool showSeries(const PlotChannel &channel)
     return continuesValues && continuesAverages;
 }
 
-ValueRange newTimes(const PlotDevice &device)
+void endDifferencesAgainst(int qwtIndex, QMap<int, PlotDevice> &devices)
 {
-    ValueRange times;
-    for (const PlotChannel &channel : device.ch)
-        for (const EnvelopeCurve *curve : {channel.measCurve, channel.averCurve})
-            if (curve->isVisible())
-                times.include(curve->newTimes());
-    return times;
+    for (PlotDevice &device : devices) {
+        for (PlotChannel &channel : device.ch) {
+            if (channel.diffQwtIndex == qwtIndex) {
+                channel.endDifference();
+                showSeries(channel);
+            }
+        }
+    }
 }
 
-void notePainted(const PlotDevice &device)
+ValueRange takeNewTimes(const QMap<int, PlotDevice> &devices)
 {
-    for (const PlotChannel &channel : device.ch)
-        for (EnvelopeCurve *curve : {channel.measCurve, channel.averCurve})
-            if (curve->isVisible())
-                curve->notePainted();
+    ValueRange times;
+    for (const PlotDevice &device : devices)
+        for (const PlotChannel &channel : device.ch)
+            for (EnvelopeCurve *curve : {channel.measCurve, channel.averCurve})
+                if (curve->isVisible())
+                    times.include(curve->takeNewTimes());
+    return times;
 }
 
 void updateVisibility(const PlotDevice &device, const PlotChannel &channel)

@@ -30,11 +30,15 @@ void removeLastChannel(PlotDevice &device);
  */
 bool showSeries(const PlotChannel &channel);
 
-/** The times at which the curves of an instrument that are shown have got new points since they
- *  were painted, from the last one before; empty when there are none. */
-ValueRange newTimes(const PlotDevice &device);
-/** The curves of an instrument that are shown are painted. */
-void notePainted(const PlotDevice &device);
+/** Every channel that shows a difference against an instrument shows its values again. */
+void endDifferencesAgainst(int qwtIndex, QMap<int, PlotDevice> &devices);
+
+/**
+ * The times at which the curves that are shown have got new points since the call before, from the
+ * last one before; empty when there are none. They count as painted from now on.
+ */
+ValueRange takeNewTimes(const QMap<int, PlotDevice> &devices);
+
 /** A curve is visible when its instrument, its kind and its channel all are. */
 void updateVisibility(const PlotDevice &device, const PlotChannel &channel);
 void updateVisibility(const PlotDevice &device);

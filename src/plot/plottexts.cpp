@@ -1,12 +1,17 @@
 #include "plot/plottexts.h"
 
-#include <QtGlobal>
+#include <QCoreApplication>
+#include <QStringList>
 
 #include <algorithm>
 #include <cmath>
 
 namespace
 {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(QwtNOX)
+};
 
 constexpr double secondsPerDay = 86400;
 
@@ -36,6 +41,20 @@ QString tenthsText(double seconds)
 }
 
 } // namespace
+
+QString modeText(TmcMode mode)
+{
+    static const QStringList texts = {Texts::tr("АВТО"),       Texts::tr("СЛЕЖЕНИЕ"),
+                                      Texts::tr("УВЕЛИЧЕНИЕ"), Texts::tr("ИЗМЕРЕНИЕ"),
+                                      Texts::tr("СДВИГ"),      Texts::tr("ПРЕДЕЛЫ")};
+    return texts.value(mode);
+}
+
+QString modeXText(TmcModeX mode)
+{
+    static const QStringList texts = {Texts::tr("СЕК"), Texts::tr("ОТН"), Texts::tr("АБС")};
+    return texts.value(mode);
+}
 
 QString noValueText()
 {

@@ -5,9 +5,13 @@
 #include <QDateTime>
 #include <QString>
 
-// How numbers and times on the plot are written. Times are seconds; a fraction of a second is
-// dropped, except from plain seconds. A clock shows seconds when the axis step is below 60 s, and
-// milliseconds when it is below 1 s.
+// How modes, numbers and times on the plot are written. Times are seconds; a fraction of a second
+// is dropped, except from plain seconds. A clock shows seconds when the axis step is below 60 s,
+// and milliseconds when it is below 1 s.
+
+/** What the plot does by itself, or the mouse on it; and how its time axis is labelled. */
+QString modeText(TmcMode mode);
+QString modeXText(TmcModeX mode);
 
 /** What stands in place of a value that is not there. */
 QString noValueText();

@@ -6,20 +6,16 @@
 #include "plot/plotinteraction.h"
 #include "plot/plotitems.h"
 #include "plot/plotsettings.h"
+#include "plot/plottexts.h"
 #include "plot/qwtlabelclick.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <qwt_plot_grid.h>
 #include <qwt_plot_layout.h>
-#include <qwt_scale_map.h>
 
 namespace
 {
-
-/** Pixels that the strokes of a point reach to its left or right at most: its column with those
- *  beside it, and the width of a line. */
-constexpr double widestStroke = 4;
 
 void addGrid(QwtPlot *plot)
 {
@@ -91,14 +87,7 @@ void QwtNOX::removeDev(int qwtIndex)
 {
     if (!devices().contains(qwtIndex))
         return;
-    for (_dev &device : devices()) {
-        for (_ch &channel : device.ch) {
-            if (channel.diffQwtIndex == qwtIndex) {
-                channel.endDifference();
-                showSeries(channel);
-            }
-        }
-    }
+    endDifferencesAgainst(qwtIndex, devices());
     setChCount(0, qwtIndex);
     while (getChCount(qwtIndex) > 0) // a receiver has added a point
         removeLastChannel(qwtIndex);
@@ -233,14 +222,11 @@ void QwtNOX::announce(PointBatch::Event event, int qwtIndex, uchar ch)
 {
     switch (event) {
     case PointBatch::Event::Accepted:
-        emit onAddPoint(qwtIndex, ch);
-        break;
+        return emit onAddPoint(qwtIndex, ch);
     case PointBatch::Event::Rejected:
-        emit onErrorAddPoint(qwtIndex, ch);
-        break;
+        return emit onErrorAddPoint(qwtIndex, ch);
     case PointBatch::Event::BeyondLimit:
-        emit onPointTrackOff(qwtIndex, ch);
-        break;
+        return emit onPointTrackOff(qwtIndex, ch);
     }
 }
 
@@ -251,27 +237,13 @@ void QwtNOX::showFrame(FrameExtent extent)
     if (window()->isMinimized())
         return m_canvas->replot(); // paints when it is seen again
     m_axes->labelNewDay();
-    if (extent == FrameExtent::NewPoints)
-        return paintNewPoints();
-    replot();
-    m_canvas->bringUpToDate();
-    for (const _dev &device : std::as_const(*this).devices())
-        notePainted(device);
-}
-
-/** Paints the stretch in which curves have got new points. */
-void QwtNOX::paintNewPoints()
-{
-    ValueRange times;
-    for (const _dev &device : std::as_const(*this).devices()) {
-        times.include(newTimes(device));
-        notePainted(device);
+    const ValueRange newTimes = takeNewTimes(devices());
+    if (extent == FrameExtent::WholePlot) {
+        replot();
+        m_canvas->bringUpToDate();
+    } else if (!newTimes.isEmpty()) {
+        m_canvas->repaintStretch(newTimes.min, newTimes.max);
     }
-    if (times.isEmpty())
-        return;
-    const QwtScaleMap map = canvasMap(xBottom);
-    m_canvas->repaintStretch(map.transform(times.min) - widestStroke,
-                             map.transform(times.max) + widestStroke);
 }
 
 void QwtNOX::clear(int qwtIndex)
@@ -396,15 +368,12 @@ QString QwtNOX::getScaleYLabel() const
 
 QString QwtNOX::getChModeLabel() const
 {
-    static const QStringList labels = {tr("АВТО"),      tr("СЛЕЖЕНИЕ"), tr("УВЕЛИЧЕНИЕ"),
-                                       tr("ИЗМЕРЕНИЕ"), tr("СДВИГ"),    tr("ПРЕДЕЛЫ")};
-    return m_records.findDevice(mainInstrument) ? labels.value(getChMode()) : QStringLiteral("-");
+    return m_records.findDevice(mainInstrument) ? modeText(getChMode()) : QStringLiteral("-");
 }
 
 QString QwtNOX::getChModeXLabel() const
 {
-    static const QStringList labels = {tr("СЕК"), tr("ОТН"), tr("АБС")};
-    return m_records.findDevice(mainInstrument) ? labels.value(getChModeX()) : QStringLiteral("-");
+    return m_records.findDevice(mainInstrument) ? modeXText(getChModeX()) : QStringLiteral("-");
 }
 
 void QwtNOX::setDivX(uchar divisions)

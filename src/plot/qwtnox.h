@@ -393,7 +393,6 @@ private:
     void endDifference(const ChannelNumber &number);
     void passSignalsOn();
     void showFrame(FrameExtent extent);
-    void paintNewPoints();
 
     PlotCanvas *m_canvas; ///< belongs to the plot
     PlotRecords m_records;
