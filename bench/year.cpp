@@ -22,7 +22,6 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <malloc.h>
@@ -60,18 +59,27 @@ Holdings holdingsOf(const MainWindow &window)
             entriesOf("/proc/self/task"), window.findChildren<QObject *>().size()};
 }
 
+/** The mean of what is added. */
+struct Mean {
+    double sum = 0;
+    int count = 0;
+
+    void add(double value)
+    {
+        sum += value;
+        ++count;
+    }
+    double value() const { return sum / count; }
+};
+
 /** What a stretch of days cost. */
 struct Cost {
-    qint64 points = 0;
-    double bytes = 0; ///< that the heap has grown by
-    double processorSeconds = 0;
-    double frameMs = 0; ///< of all frames
-    int frames = 0;
-    double longestGapMs = 0; ///< of the event loop, without waiting for a processor
-
-    double bytesPerPoint() const { return bytes / double(points); }
-    double microsecondsPerPoint() const { return 1e6 * processorSeconds / double(points); }
-    double msPerFrame() const { return frameMs / frames; }
+    double bytesPerPoint = 0;  ///< that the heap has grown by
+    Mean microsecondsPerPoint; ///< of the processor, in each hour
+    Mean frameMs;              ///< at the end of each hour
+    Mean gapMs;                ///< the longest one of the event loop in each hour, without waiting
+                               ///< for a processor
+    Mean linkMs;               ///< of the processor, for a plug that is pulled and found again
 };
 
 /** Exchanges begin soon; but on a busy machine an answer may take its time, as in life. */
@@ -95,7 +103,6 @@ public:
         UserDialogs::current().tell = [this](QWidget *, const Message &) { ++m_messages; };
         m_window.plot()->setClock([this] { return now(); });
         m_window.serialPort()->setLinkTiming(timing());
-        m_window.registry()->setWriteDelay(writeDelayMs);
         QObject::connect(m_window.plot(), &QwtNOX::onAddPoint, &m_window, [this] { ++m_points; });
         m_heartbeat.start(1);
         m_window.resize(1280, 800);
@@ -145,10 +152,14 @@ private:
         QByteArray text;
         for (int round = 0; round < rounds; ++round)
             text += nextRound();
-        m_bench.host.sendRaw(portName, text);
         m_sent += rounds * channels;
+        const EventLoopWatch watch;
+        const double before = processorSeconds();
+        m_bench.host.sendRaw(portName, text);
         if (!waitUntil([this] { return m_points == m_sent; }))
             return false;
+        m_cost.microsecondsPerPoint.add(1e6 * (processorSeconds() - before) / (rounds * channels));
+        m_cost.gapMs.add(watch.longestOwn());
         timeFrame();
         return true;
     }
@@ -183,13 +194,13 @@ private:
         timer.start();
         m_window.plot()->frameClock().flush();
         QCoreApplication::processEvents();
-        m_cost.frameMs += double(timer.nsecsElapsed()) / 1e6;
-        ++m_cost.frames;
+        m_cost.frameMs.add(double(timer.nsecsElapsed()) / 1e6);
     }
 
     /** The plug goes and comes back, and the operator has the instrument searched for. */
     bool reconnects()
     {
+        const double before = processorSeconds();
         m_bench.host.unplug(portName);
         const auto isGone = [this] {
             return !m_window.registry()->getNoxByIndex(0)->isConnected();
@@ -198,7 +209,10 @@ private:
             return false;
         m_bench.plugIn(portName);
         ++m_reconnections;
-        return connects();
+        if (!connects())
+            return false;
+        m_cost.linkMs.add(1e3 * (processorSeconds() - before));
+        return true;
     }
 
     bool connects()
@@ -209,7 +223,10 @@ private:
             const noxList::_nox *nox = m_window.registry()->getNoxByIndex(0);
             return nox && nox->isConnected() && !m_window.discovery()->isVisible();
         });
-        return isRead && waitUntil([this] { return hasSettled(); });
+        if (!isRead)
+            return false;
+        m_window.registry()->getNoxByIndex(0)->txTimer->setInterval(writeDelayMs);
+        return waitUntil([this] { return hasSettled(); });
     }
 
     /** Nothing has been exchanged, or is still to be written, for a while: measurements flow. */
@@ -248,40 +265,46 @@ private:
 
     void openStretch()
     {
+        m_cost = {};
+        m_pointsBefore = m_points;
         m_before = holdingsOf(m_window);
-        m_cost = {-m_points, 0, -processorSeconds()};
-        m_watch = std::make_unique<EventLoopWatch>();
     }
 
     void closeStretch(int day)
     {
         const Holdings holdings = holdingsOf(m_window);
-        m_cost.points += m_points;
-        m_cost.processorSeconds += processorSeconds();
-        m_cost.bytes = holdings.heapBytes - m_before.heapBytes;
-        m_cost.longestGapMs = m_watch->longestOwn();
+        m_cost.bytesPerPoint =
+            (holdings.heapBytes - m_before.heapBytes) / double(m_points - m_pointsBefore);
         m_costs.append(m_cost);
         m_holdings.append(holdings);
-        std::printf("%5d %9lld %8.2f %8.2f %8.2f %8.1f %6d %8d %8d %13d\n", day,
-                    static_cast<long long>(m_points), m_cost.bytesPerPoint(),
-                    m_cost.microsecondsPerPoint(), m_cost.msPerFrame(), m_cost.longestGapMs,
-                    holdings.files, holdings.threads, holdings.objects, m_reconnections);
+        std::printf("%5d %9lld", day, static_cast<long long>(m_points));
+        for (const double figure : figuresOf(m_cost))
+            std::printf(" %8.2f", figure);
+        std::printf(" %6d %8d %8d %13d\n", holdings.files, holdings.threads, holdings.objects,
+                    m_reconnections);
         std::fflush(stdout);
+    }
+
+    /** In the order of the table. */
+    static QVector<double> figuresOf(const Cost &cost)
+    {
+        return {cost.bytesPerPoint, cost.microsecondsPerPoint.value(), cost.frameMs.value(),
+                cost.gapMs.value(), cost.linkMs.value()};
     }
 
     /** The last stretch beside the first one. */
     int compare() const
     {
-        const Cost &first = m_costs.first();
-        const Cost &last = m_costs.last();
-        const double ratios[] = {last.bytesPerPoint() / first.bytesPerPoint(),
-                                 last.microsecondsPerPoint() / first.microsecondsPerPoint(),
-                                 last.msPerFrame() / first.msPerFrame(),
-                                 last.longestGapMs / first.longestGapMs};
-        std::printf("%-15s %8.2f %8.2f %8.2f %8.2f\n", "last to first", ratios[0], ratios[1],
-                    ratios[2], ratios[3]);
-        const bool isSteady = std::all_of(std::begin(ratios), std::end(ratios),
-                                          [](double ratio) { return ratio <= mostGrowth; });
+        const QVector<double> first = figuresOf(m_costs.first());
+        const QVector<double> last = figuresOf(m_costs.last());
+        bool isSteady = true;
+        std::printf("%-15s", "last to first");
+        for (int i = 0; i < first.size(); ++i) {
+            const double growth = last[i] / first[i];
+            isSteady = isSteady && growth <= mostGrowth;
+            std::printf(" %8.2f", growth);
+        }
+        std::printf("\n");
         const Holdings &begin = m_holdings.first();
         const Holdings &end = m_holdings.last();
         const bool isSame = begin.files == end.files && begin.threads == end.threads &&
@@ -296,10 +319,10 @@ private:
     const qint64 m_startMs = QDateTime({2026, 3, 1}, {12, 0}).toMSecsSinceEpoch();
     qint64 m_clockOffsetMs = 0;
     Holdings m_before = {};
+    qint64 m_pointsBefore = 0;
     Cost m_cost;
     QVector<Cost> m_costs;
     QVector<Holdings> m_holdings;
-    std::unique_ptr<EventLoopWatch> m_watch;
     int m_messages = 0;       ///< that came by themselves
     QTimer m_heartbeat;       ///< so that who waits looks again
     QElapsedTimer m_settling; ///< since the latest exchange
@@ -322,8 +345,9 @@ int main(int argc, char **argv)
     std::printf("%d days of 16 channels, a round every 15 s, recorded, in the real window; the "
                 "plug is pulled every 8 h\n",
                 days);
-    std::printf("%5s %9s %8s %8s %8s %8s %6s %8s %8s %13s\n", "day", "points", "bytes/pt", "us/pt",
-                "frame,ms", "gap,ms", "files", "threads", "objects", "reconnections");
+    std::printf("%5s %9s %8s %8s %8s %8s %8s %6s %8s %8s %13s\n", "day", "points", "bytes/pt",
+                "us/pt", "frame,ms", "gap,ms", "link,ms", "files", "threads", "objects",
+                "reconnections");
     std::fflush(stdout);
     return Year(days).run();
 }
