@@ -37,9 +37,8 @@ int levelWithin(const TimeSpan &span, const Series &times, int first)
 int endOfSingles(const TimeSpan &span, const Series &times, int first)
 {
     const int end = std::min(times.size(), MinMaxPyramid::nextBlock(first));
-    const double *stretch = times.stretch(first);
     int i = first;
-    while (i < end && span.contains(stretch[i - first]))
+    while (i < end && span.contains(times[i]))
         ++i;
     return i;
 }
@@ -125,7 +124,7 @@ int TimeRuns::endOfRun(const Series &times, int first) const
     const TimeRun &before = m_runs[m_runs.size() < 2 ? 0 : m_runs.size() - 2];
     const int length = before.last - before.first + 1;
     const int guess = std::min(first + length, times.size());
-    prefetch(times.stretch(std::min(guess + length, times.size() - 1)), 1); // of the run after it
+    times.prefetch(std::min(guess + length, times.size() - 1), 1); // of the run after it
     return searchFrom(guess, times, first, span.end);
 }
 
@@ -157,9 +156,10 @@ void ColumnRuns::divide(const PixelColumns &columns, const Series &times, const 
         ColumnRun &run = m_runs[i];
         if (run.last == divided[i].last)
             continue;
-        run.values.include(values.range(run.last + 1, divided[i].last + 1));
+        const Stretch added = values.stretch(run.last + 1, divided[i].last + 1);
+        run.values.include(added.range);
         run.last = divided[i].last;
-        run.lastValue = values[run.last];
+        run.lastValue = added.last;
     }
 }
 

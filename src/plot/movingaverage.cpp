@@ -56,8 +56,10 @@ double MovingAverages::sum(int index) const
         return sum;
     }
     // In the order of windowSums(): an average is the same to the bit, read singly or in its block.
-    const auto pair = [&](int i) { return m_values[index - i] + m_values[index - i - 1]; };
-    return ((pair(8) + pair(6)) + (pair(4) + pair(2))) + pair(0);
+    double values[averagingWindow];
+    m_values.copy(index - before, averagingWindow, values);
+    const auto pair = [&](int i) { return values[i] + values[i + 1]; };
+    return ((pair(0) + pair(2)) + (pair(4) + pair(6))) + pair(8);
 }
 
 ValueRange MovingAverages::range(int first, int end) const
@@ -72,23 +74,33 @@ ValueRange MovingAverages::range(int first, int end) const
                      : MinMaxPyramid().range(first, end, inBlock);
 }
 
+Stretch MovingAverages::stretch(int first, int end) const
+{
+    return end - first <= blockSize ? few(first, end) : Stretch{range(first, end), at(end - 1)};
+}
+
 /** Range of the averages of a stretch inside one block of 64. */
 ValueRange MovingAverages::singles(int first, int end) const
 {
-    ValueRange range;
-    for (; first < std::min(end, before); ++first)
-        range.include((*this)[first]);
-    if (first >= end)
-        return range;
-    Window window{};
-    double *copied = window.data();
-    for (int i = first - before; i < end;) {
-        const int count = std::min(end, MinMaxPyramid::nextBlock(i)) - i;
-        copied = std::copy_n(m_values.stretch(i), count, copied);
-        i += count;
+    return few(first, end).range;
+}
+
+/** A stretch of 64 averages at the most. */
+Stretch MovingAverages::few(int first, int end) const
+{
+    Stretch found;
+    for (; first < std::min(end, before); ++first) {
+        found.last = (*this)[first];
+        found.range.include(found.last);
     }
-    const Sums sums = windowSums(window, static_cast<std::size_t>(end - first));
+    if (first >= end)
+        return found;
+    Window window{};
+    m_values.copy(first - before, end - first + before, window.data());
+    const auto count = static_cast<std::size_t>(end - first);
+    const Sums sums = windowSums(window, count);
     const ValueRange ofSums = rangeOf(sums.data(), end - first);
-    range.include({ofSums.min / averagingWindow, ofSums.max / averagingWindow});
-    return range;
+    found.range.include({ofSums.min / averagingWindow, ofSums.max / averagingWindow});
+    found.last = sums[count - 1] / averagingWindow;
+    return found;
 }

@@ -41,6 +41,8 @@ public:
     /** Range of the averages from `first` to before `end`; places that do not exist are left out.
      */
     ValueRange range(int first, int end) const;
+    /** The same with the last of them; there must be one. */
+    Stretch stretch(int first, int end) const;
     /** Fetches all that range() reads of the same stretch, which is not empty. */
     [[gnu::always_inline]] void prefetchRange(int first, int end) const
     {
@@ -51,6 +53,7 @@ public:
 
 private:
     ValueRange singles(int first, int end) const;
+    Stretch few(int first, int end) const;
 
     Series m_values;
     std::shared_ptr<MinMaxPyramid> m_pyramid; ///< null until the first block is full

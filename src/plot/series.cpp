@@ -2,20 +2,6 @@
 
 #include <utility>
 
-ValueRange rangeOf(const double *values, int count)
-{
-    ValueRange lanes[4]; // comparisons that do not wait for each other
-    int i = 0;
-    for (; i + 4 <= count; i += 4)
-        for (int lane = 0; lane < 4; ++lane)
-            lanes[lane].include(values[i + lane]);
-    for (; i < count; ++i)
-        lanes[0].include(values[i]);
-    for (int lane = 1; lane < 4; ++lane)
-        lanes[0].include(lanes[lane]);
-    return lanes[0];
-}
-
 void MinMaxPyramid::append(std::size_t level, const ValueRange &range)
 {
     if (level == m_levels.size())
@@ -69,12 +55,13 @@ int MinMaxPyramid::levelBefore(int end) const
 void Series::Storage::append(double value)
 {
     const int before = values.size();
-    if (ascending == before && (before == 0 || value >= values[before - 1]))
+    if (ascending == before && (before == 0 || value >= newest))
         ascending = before + 1;
+    newest = value;
     values.append(value);
     constexpr int block = MinMaxPyramid::valuesPerBlock;
     if (values.size() % block == 0)
-        pyramid.append(rangeOf(&values[values.size() - block], block));
+        pyramid.append(values.range(values.size() - block, block));
 }
 
 Series::Series() = default;
@@ -123,7 +110,9 @@ ValueRange Series::range(int first, int end) const
     if (first >= end)
         return {};
     prefetchEnds(first, end);
-    const auto singles = [this](int from, int to) { return rangeOf(stretch(from), to - from); };
+    const auto singles = [this](int from, int to) {
+        return m_storage->values.range(from, to - from);
+    };
     return m_storage->pyramid.range(first, end, singles);
 }
 

@@ -72,6 +72,33 @@ IntervalStatistics plainStatistics(const Numbers &times, const Numbers &values, 
     return statistics;
 }
 
+/** What is packed into 1, 2 and 4 bytes once it is old, and what only looks as if it could be. */
+double longAgo(int i, QRandomGenerator &random)
+{
+    switch (i / 2048) {
+    case 0:
+        return (200000 + random.bounded(i < 1024 ? 256 : 257)) / 1e4;
+    case 1:
+        return (-20 + random.bounded(65536)) / 1e4;
+    case 2: // rounds of 15 s, a pause of a day between them
+        return (15000.0 * i + random.bounded(20) + (i < 5000 ? 0 : 86400000)) / 1e3;
+    case 3: // a chunk of one decimal, and one of five
+        return random.bounded(1000) / (i < 7168 ? 1e1 : 1e5);
+    case 4:
+        return random.bounded(2) ? 0.0 : -0.0;
+    case 5: // beyond the integers that a double tells apart, and just below
+        return (i < 11264 ? 0x1p54 : 0x1p49) + i * 100004.0 + random.bounded(900) * 4;
+    case 6: // a step that 4 bytes do not hold
+        return i % 7 == 0 ? 4294967296.0 : 0.0;
+    case 7:
+        return random.generateDouble();
+    case 8: // decimals, but for one number
+        return i == 17400 ? 1.0 / 3 : 20.5;
+    default:
+        return 20.0;
+    }
+}
+
 } // namespace
 
 class TestSeries : public PlotTest
@@ -93,6 +120,7 @@ private slots:
             << generate(200, [](int i, auto &) { return i % 50 == 20 ? 1.7e308 : 20.1; });
         QTest::newRow("a clock set back")
             << generate(20000, [](int i, auto &) { return i < 9000 ? i * 1.0 : i - 6000.5; });
+        QTest::newRow("long ago, packed or not") << generate(145000, longAgo);
     }
     void answersLikeAPlainList()
     {
@@ -100,7 +128,11 @@ private slots:
         const Series series = seriesOf(values);
         const MovingAverages averages = averagesOf(values);
         const int size = values.size();
-        QCOMPARE(numbersOf(series), values);
+        const Numbers read = numbersOf(series);
+        QCOMPARE(read, values);
+        QVERIFY(std::equal(read.begin(), read.end(), values.begin(), [](double one, double other) {
+            return std::signbit(one) == std::signbit(other);
+        }));
         const Numbers means = numbersOf(averages);
         QCOMPARE(means.size(), size);
         const Numbers magnitudes = generate(size, [&](int i, auto &) { return qAbs(values[i]); });
@@ -112,10 +144,13 @@ private slots:
         QCOMPARE(averages.range(-5, size + 5), plainRange(means, 0, size));
         QRandomGenerator random(7);
         for (int round = 0; round < 300 && size > 0; ++round) {
+            const int within = round % 2 ? size : std::min(size, 20000);
             const auto [first, end] =
-                std::minmax({int(random.bounded(size + 1)), int(random.bounded(size + 1))});
-            QCOMPARE(series.range(first, end), plainRange(values, first, end));
-            QCOMPARE(averages.range(first, end), plainRange(means, first, end));
+                std::minmax({int(random.bounded(within + 1)), int(random.bounded(within + 1))});
+            for (const int stop : {end, std::min(end, first + 90)}) {
+                QCOMPARE(series.range(first, stop), plainRange(values, first, stop));
+                QCOMPARE(averages.range(first, stop), plainRange(means, first, stop));
+            }
 
             // bounds that are values themselves, and bounds between them
             const double bound = values[random.bounded(size)] + random.bounded(2) * 0.25;
