@@ -18,6 +18,7 @@ namespace
 
 constexpr int channels = 3;
 constexpr int mostPoints = 40;
+constexpr int pointsPerFrame = 8;
 constexpr double brokenSensorValue = -1300;
 constexpr quint8 wholeNumber = 0xFF;
 
@@ -48,6 +49,7 @@ QwtNOX &emptyPlot()
 {
     static QwtNOX plot;
     plot.resize(160, 120);
+    plot.show(); // what nobody sees is not painted
     plot.setClock([] { return start; });
     plot.removeDev(0);
     plot.attachDev(0, channels);
@@ -66,6 +68,13 @@ void choose(QwtNOX &plot, FuzzInput &input)
         plot.setChDiff(reference, 0);
 }
 
+/** What points have added to a picture that is there. */
+void paintFrame(QwtNOX &plot)
+{
+    plot.frameClock().flush();
+    plot.canvas()->grab();
+}
+
 void addPoints(QwtNOX &plot, FuzzInput &input)
 {
     double seconds = 0;
@@ -79,6 +88,8 @@ void addPoints(QwtNOX &plot, FuzzInput &input)
                                   seconds >= 0 && std::isfinite(seconds);
         acceptable += isAcceptable ? 1 : 0;
         require(!plot.addPoint(value, seconds, QStringLiteral("K"), 0, channel) || isAcceptable);
+        if (i % pointsPerFrame == 0)
+            paintFrame(plot);
     }
     int kept = 0;
     for (uchar channel = 0; channel < channels; ++channel)

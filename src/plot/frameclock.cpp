@@ -10,6 +10,7 @@ namespace
 
 constexpr int frameMilliseconds = 34; // 30 a second would be one every 33.3 ms
 constexpr int restPerFrame = 3;       // in times of the frame
+constexpr int longestRest = 500;      // ms: alarms and numbers come with frames too
 
 } // namespace
 
@@ -39,5 +40,5 @@ void FrameClock::flush()
     QElapsedTimer painting;
     painting.start();
     emit frame(std::exchange(m_extent, FrameExtent::Texts));
-    m_rest = restPerFrame * static_cast<int>(painting.elapsed());
+    m_rest = static_cast<int>(std::min<qint64>(restPerFrame * painting.elapsed(), longestRest));
 }

@@ -12,7 +12,7 @@ enum class FrameExtent {
 
 /**
  * Gathers wishes to paint into frames, however many wishes come: at most 30 a second, and fewer
- * where painting is dear, so that it takes a quarter of the time at most.
+ * where painting is dear: it leaves three times as long to the rest of the program, up to 0.5 s.
  */
 class FrameClock : public QObject
 {

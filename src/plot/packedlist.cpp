@@ -127,32 +127,31 @@ ValueRange rangeOf(const Integer *packed, int place, int count, const PackingLin
 
 void PackedList::openChunk()
 {
+    if (m_chunks.size() >= unpackedChunks)
+        pack(m_chunks[m_chunks.size() - unpackedChunks]);
     Numbers<double> numbers = std::move(m_spare);
     if (!numbers)
         numbers.reset(new double[chunkLength]); // not cleared, as make_unique() would
     m_newest = numbers.get();
     m_chunks.push_back({std::move(numbers), {}});
-    if (m_chunks.size() > unpackedChunks)
-        pack(m_chunks[m_chunks.size() - 1 - unpackedChunks]);
 }
 
 void PackedList::pack(Chunk &chunk)
 {
     const double *numbers = std::get<Numbers<double>>(chunk.numbers).get();
-    std::optional<Chunk> smaller = packed(numbers, m_decimals);
-    for (int decimals = 0; !smaller && decimals < static_cast<int>(scales.size()); ++decimals) {
-        smaller = packed(numbers, decimals);
-        m_decimals = decimals;
-    }
+    std::optional<Chunk> smaller;
+    for (const double scale : scales)
+        if (!smaller)
+            smaller = packed(numbers, scale);
     if (smaller)
         m_spare = std::get<Numbers<double>>(std::exchange(chunk, std::move(*smaller)).numbers);
 }
 
-/** The chunk of `numbers` with that many decimals; nothing when it would not be exact. */
-std::optional<PackedList::Chunk> PackedList::packed(const double *numbers, int decimals)
+/** The chunk of `numbers` as integers of 1 / `scale`; nothing when it would not be exact. */
+std::optional<PackedList::Chunk> PackedList::packed(const double *numbers, double scale)
 {
     PackingLine line;
-    line.scale = scales[static_cast<std::size_t>(decimals)];
+    line.scale = scale;
     Integers integers;
     if (!makeWhole(numbers, line.scale, integers))
         return {};

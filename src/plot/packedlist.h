@@ -26,10 +26,10 @@ struct PackingLine {
  * A list of finite numbers that grows at its end, and packs those of long ago: what an instrument
  * measures has few decimals and changes slowly, and takes 1 to 3 bytes a number then.
  *
- * The numbers lie in chunks of 1024. The newest 128 chunks are doubles, which is fastest. In an
- * older one the numbers become integers of their last decimal, less a straight line through the
- * chunk, in 1, 2 or 4 bytes each. Where that would not give every number back to the bit, the chunk
- * keeps the doubles.
+ * The numbers lie in chunks of 1024. The newest 128 chunks at least are doubles, which is fastest.
+ * In an older one the numbers become integers of their last decimal, less a straight line through
+ * the chunk, in 1, 2 or 4 bytes each. Where that would not give every number back to the bit, the
+ * chunk keeps the doubles.
  */
 class PackedList
 {
@@ -69,7 +69,7 @@ public:
                                   static_cast<int>(sizeof packed[0])};
         };
         const BytesOfNumbers bytes = std::visit(bytesFrom, chunkOf(first).numbers);
-        ::prefetch(bytes.first, count * bytes.ofNumber);
+        ::prefetch(bytes.first, count * bytes.perNumber);
     }
 
 private:
@@ -78,7 +78,7 @@ private:
 
     struct BytesOfNumbers {
         const char *first;
-        int ofNumber; ///< how many
+        int perNumber;
     };
 
     struct Chunk {
@@ -95,11 +95,10 @@ private:
     }
     void openChunk();
     void pack(Chunk &chunk);
-    static std::optional<Chunk> packed(const double *numbers, int decimals);
+    static std::optional<Chunk> packed(const double *numbers, double scale);
 
     std::vector<Chunk> m_chunks;
     double *m_newest = nullptr; ///< the numbers of the newest chunk
     Numbers<double> m_spare;    ///< of a chunk that has been packed
-    int m_decimals = 0;         ///< of the chunk packed last
     int m_size = 0;
 };

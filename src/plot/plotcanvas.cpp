@@ -71,6 +71,6 @@ void PlotCanvas::paint(const QRect &part)
 {
     QPainter painter(&m_picture);
     painter.setClipRect(part);
-    painter.fillRect(part, Qt::white);
+    painter.fillRect(rect(), Qt::white); // clipped as what is drawn, to the device pixel
     plot()->drawCanvas(&painter);
 }

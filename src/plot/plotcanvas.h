@@ -27,7 +27,11 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    bool isOld() const { return m_isOld || m_picture.size() != size() * devicePixelRatioF(); }
+    bool isOld() const
+    {
+        return m_isOld || m_picture.size() != size() * devicePixelRatioF() ||
+               m_picture.devicePixelRatio() != devicePixelRatioF();
+    }
     void paintAll();
     void paint(const QRect &part);
 

@@ -14,12 +14,14 @@ class TestQwtNOXPicture : public PlotTest
 
     /** Counts how often the curves are painted: an item of the plot is drawn with them. */
     struct PaintCounter : QwtPlotItem {
-        void draw(QPainter *, const QwtScaleMap &, const QwtScaleMap &,
+        void draw(QPainter *painter, const QwtScaleMap &, const QwtScaleMap &,
                   const QRectF &) const override
         {
             ++count;
+            width = painter->clipBoundingRect().width();
         }
         mutable int count = 0;
+        mutable double width = 0; ///< pixels, of what was painted last
     };
 
     /**
@@ -281,8 +283,8 @@ private slots:
         plot().setAverShow(true);
         for (const int ch : {0, 1})
             plot().setChShow(true, 0, uchar(ch));
-        plot().setChMode(ModeLimits); // the axes stay
-        plot().setAxisScale(QwtPlot::xBottom, 0, 600, 60);
+        plot().setChMode(ModeZoom); // the axes stay
+        plot().setAxisScale(QwtPlot::xBottom, 0, 900, 60);
         plot().setAxisScale(QwtPlot::yLeft, 0, 40, 4);
         QImage whole = grabbed();
         QRandomGenerator random(7);
@@ -301,6 +303,31 @@ private slots:
             QVERIFY2(greatestDifference(added, whole) < 8, qPrintable(QString::number(frame)));
         }
         QVERIFY(changed > 80);
+    }
+    void paintsNoMoreThanPointsAdd()
+    {
+        auto *paints = new PaintCounter;
+        paints->attach(&plot()); // which owns it
+        plot().setChShow(false, 0, 2);
+        plot().setChMode(ModeZoom);
+        plot().setAxisScale(QwtPlot::xBottom, 0, 600, 60);
+        for (int second = 0; second < 300; ++second)
+            add(20, second, 1);
+        plot().frameClock().flush();
+        grabbed();
+        const auto paintsOf = [&](int second, int channel) {
+            paints->count = 0;
+            add(21, second, channel);
+            plot().frameClock().flush();
+            return paints->count;
+        };
+        QCOMPARE(paintsOf(301, 1), 1);
+        QVERIFY(paints->width < 40);
+        QCOMPARE(paintsOf(302, 2), 0); // of a hidden curve
+        QCOMPARE(paintsOf(700, 1), 1); // a line that leaves the view
+        QCOMPARE(paintsOf(701, 1), 0);
+        plot().showMinimized();
+        QCOMPARE(paintsOf(500, 1), 0);
     }
     void paintsOnceForManyChanges()
     {
