@@ -41,7 +41,7 @@ bool InstrumentStore::recognise(noxList::_nox *nox) const
 void InstrumentStore::provide(noxList::_nox *nox) const
 {
     const optionsNOX8 &image = *nox->opt;
-    nox->dbIndex = m_database->addDev(image.devType, image.devNumber, image.getDevName(true));
+    noteRow(nox, m_database->addDev(image.devType, image.devNumber, image.getDevName(true)));
 }
 
 void InstrumentStore::provideWithReferences(noxList::_nox *nox) const
@@ -50,7 +50,20 @@ void InstrumentStore::provideWithReferences(noxList::_nox *nox) const
     const QByteArray refdata = taken(image.getRefData(true));
     if (const auto row = m_database->provideDev(&refdata, image.devType, image.devNumber,
                                                 image.getDevName(true)))
-        nox->dbIndex = *row;
+        noteRow(nox, *row);
+    else
+        nox->isRowRefused = true;
+}
+
+/** A row that cannot be told stays the one that it was, unless it is of another instrument. */
+void InstrumentStore::noteRow(noxList::_nox *nox, int row)
+{
+    const QPair<quint32, quint32> identity(nox->opt->devType, nox->opt->devNumber);
+    nox->isRowRefused = row < 1;
+    if (nox->isRowRefused && nox->rowIdentity == identity)
+        return;
+    nox->dbIndex = row;
+    nox->rowIdentity = identity;
 }
 
 // What is learnt of it
@@ -102,10 +115,24 @@ void InstrumentStore::recogniseSnapShot(noxList::_nox *nox, bool isComplete) con
 {
     const QByteArray data = taken(nox->opt->getData());
     const QByteArray refdata = taken(nox->opt->getRefAllData());
-    const auto known = m_database->findSnapShot(&data, &refdata, nox->dbIndex);
-    if (!known.isEmpty())
+    const auto known = nox->isRowRefused ? QVector<noxSql::noxSqlItem>()
+                                         : m_database->findSnapShot(&data, &refdata, nox->dbIndex);
+    if (!known.isEmpty()) {
         nox->snapShotId = known.first().id;
-    else if (isComplete && m_database->getSnapShotCount(nox->dbIndex) == 0)
-        m_database->setSnapShot(nox->dbIndex, &data, &refdata, noxList::tr("Заводская настройка"),
-                                0);
+    } else if (isComplete && nox->factory.first.isEmpty()) {
+        nox->factory = {data, refdata};
+        storeRefusedFactorySnapShot(nox);
+    }
+}
+
+void InstrumentStore::storeRefusedFactorySnapShot(noxList::_nox *nox) const
+{
+    const auto &[data, refdata] = nox->factory;
+    if (data.isEmpty() || nox->isRowRefused)
+        return;
+    const int count = m_database->getSnapShotCount(nox->dbIndex);
+    if (count > 0 ||
+        (count == 0 && m_database->setSnapShot(nox->dbIndex, &data, &refdata,
+                                               noxList::tr("Заводская настройка"), 0) >= 1))
+        nox->factory = {};
 }

@@ -21,7 +21,8 @@ public:
     /** Finds the row with the reference data of an instrument, whose type and number the image
      *  takes. False, and nothing is changed, when there is none. */
     bool recognise(noxList::_nox *nox) const;
-    /** Finds the row of type and number, or adds one; `dbIndex` is -1 when the database refuses. */
+    /** Finds the row of type and number, or adds one. While the database refuses that, `dbIndex` is
+     *  -1, or the row that was known already. */
     void provide(noxList::_nox *nox) const;
     /** The same, with the reference data in the row; nothing is changed while the database is
      *  closed, and when a row that is there does not take them. */
@@ -43,7 +44,11 @@ public:
     /** Finds the snapshot that is equal to the configuration. The very first configuration of an
      *  instrument is stored, if all of it has been read (`isComplete`). */
     void recogniseSnapShot(noxList::_nox *nox, bool isComplete) const;
+    /** Stores that first configuration if it has not been taken yet. */
+    void storeRefusedFactorySnapShot(noxList::_nox *nox) const;
 
 private:
+    static void noteRow(noxList::_nox *nox, int row);
+
     noxSql *m_database;
 };

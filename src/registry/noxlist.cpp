@@ -44,10 +44,12 @@ noxList::noxList(NOXSerialPort *serialPort, noxSql *database)
     , m_store(std::make_unique<InstrumentStore>(database))
 {
     connectSerialPort();
-    connect(database, &noxSql::storingChanged, this, [this](bool isStoring) {
+    const auto note = [this](bool isStoring) {
         if (isStoring)
             noteRefused();
-    });
+    };
+    // later: it may be told in the middle of adding an instrument
+    connect(database, &noxSql::storingChanged, this, note, Qt::QueuedConnection);
 }
 
 noxList::~noxList()
@@ -364,14 +366,20 @@ void noxList::noteIdentity(int index)
     emit onIdentChange(index);
 }
 
-/** Those whose identity came while the database refused it. */
+/** Stores what the database could not take when it was learnt. */
 void noxList::noteRefused()
 {
     const auto all = indices();
     for (const int index : all) {
-        const _nox *const nox = getNoxByIndex(index);
-        if (nox && nox->dbIndex < 1 && nox->opt->isIdentified())
+        _nox *nox = getNoxByIndex(index);
+        if (nox && nox->isRowRefused && nox->opt->isIdentified()) {
+            if (!nox->opt->identValid)
+                m_store->provideWithReferences(nox);
             noteIdentity(index);
+            nox = getNoxByIndex(index); // a receiver of the identity may have removed it
+        }
+        if (nox)
+            m_store->storeRefusedFactorySnapShot(nox);
     }
 }
 
@@ -403,7 +411,7 @@ void noxList::applyDevQuery(int devIndex, QByteArray *buf, quint8 address)
     // an extended model's configuration is whole, and can be compared, with its zero shifts
     const bool isConfiguration = address == configurationAddress || address == zeroShiftsAddress;
     const bool hasLeft = InstrumentStore::leaveSnapShot(nox, contentBefore);
-    if (isConfiguration && isAccepted && nox->dbIndex >= 1)
+    if (isConfiguration && isAccepted && (nox->dbIndex >= 1 || nox->isRowRefused))
         m_store->recogniseSnapShot(nox, m_serialPort->isEmptyQueryQueue(nox->devIndex));
     else if (address == referenceDataAddress && nox->dbIndex == 0)
         return m_store->find(nox);

@@ -35,9 +35,12 @@ class noxList : public QObject
 public:
     /** One instrument. */
     struct _nox {
-        int index = -1;     ///< registry index
-        int devIndex = -1;  ///< at the multiplexer; -1 when not connected
-        int dbIndex = 0;    ///< in the database; below 1 when not stored
+        int index = -1;                        ///< registry index
+        int devIndex = -1;                     ///< at the multiplexer; -1 when not connected
+        int dbIndex = 0;                       ///< in the database; below 1 when not stored
+        bool isRowRefused = false;             ///< the database could not tell the row, nor add it
+        QPair<quint32, quint32> rowIdentity;   ///< type and serial number that the row is of
+        QPair<QByteArray, QByteArray> factory; ///< blocks of the first snapshot, while refused
         int snapShotId = 0; ///< snapshot that it is at, or that the user has changed; 0 for none
         int qwtIndex = -1;  ///< on the plot; -1 while it is not there
         quint8 mainCh = 0;  ///< main channel last written to the instrument

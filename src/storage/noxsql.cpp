@@ -3,9 +3,11 @@
 #include "storage/statement.h"
 #include "storage/storeditems.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QThread>
 
 #include <utility>
 
@@ -14,6 +16,8 @@ namespace
 
 constexpr int failure = -1;
 constexpr int retryMs = 1000;
+constexpr int patienceAtEndMs = 2000;
+constexpr int retryAtEndMs = 50;
 constexpr int program = -1; ///< whose the properties are that are of no instrument
 
 /** Whether a file takes changes shows, and nothing in it changes. */
@@ -117,7 +121,7 @@ noxSql::~noxSql()
     if (!m_database.isValid())
         return;
     if (m_retryTimer.isActive())
-        tryAgain();
+        storeAtEnd();
     execute("VACUUM;");
     m_database.close();
     m_database = QSqlDatabase(); // a connection in use cannot be removed
@@ -145,13 +149,24 @@ void noxSql::noteChange(bool isStored)
 {
     if (!m_database.isValid())
         return;
-    const bool isStoring = isStored || takesChanges();
+    if (isStored && !m_unwritten.isEmpty()) {
+        writeUnwritten(); // and notes how that went
+        return;
+    }
+    const bool isStoring = isStored || (m_unwritten.isEmpty() && takesChanges());
     if (isStoring && m_unwritten.isEmpty())
         m_retryTimer.stop();
     else if (!m_retryTimer.isActive())
         m_retryTimer.start();
     if (std::exchange(m_isStoring, isStoring) != isStoring)
         emit storingChanged(isStoring);
+}
+
+/** The id of a row that was to be stored. */
+int noxSql::noted(int id)
+{
+    noteChange(id != failure);
+    return id;
 }
 
 void noxSql::tryAgain()
@@ -163,6 +178,17 @@ void noxSql::tryAgain()
         noteChange(takesChanges());
     else
         writeUnwritten();
+}
+
+/** Nobody waits for the program any more: another one that holds the file may take its time. */
+void noxSql::storeAtEnd()
+{
+    const QDeadlineTimer patience(patienceAtEndMs);
+    tryAgain();
+    while (!m_unwritten.isEmpty() && isHeldElsewhere() && !patience.hasExpired()) {
+        QThread::msleep(retryAtEndMs);
+        tryAgain();
+    }
 }
 
 bool noxSql::reopen()
@@ -179,7 +205,7 @@ bool noxSql::reopen()
 bool noxSql::provideFile()
 {
     if (!execute("SELECT count(*) FROM app_property"))
-        return provideDatabase(path());
+        return !isHeldElsewhere() && provideDatabase(path());
     const QString copy = makingPlace(path());
     return execute("VACUUM INTO :copy", {{":copy", copy}}) && takePlace(copy, path());
 }
@@ -221,11 +247,13 @@ std::optional<int> noxSql::provideDev(const QByteArray *refdata, quint32 type, q
     const int known = findDev(type, number);
     if (known != failure)
         return updRefData(known, refdata, type, number, name) ? std::optional(known) : std::nullopt;
-    return insertedId(execute(
+    const int added = insertedId(execute(
         " INSERT INTO device (device_type, device_number, device_refdata, device_name,"
         " device_name_search) VALUES(:device_type, :device_number, :device_refdata, :device_name,"
         " :device_name_search)",
         deviceValues(*refdata, type, number, name)));
+    noteChange(added != failure);
+    return added;
 }
 
 bool noxSql::updRefData(int deviceId, const QByteArray *refdata, quint32 type, quint32 number,
@@ -233,12 +261,14 @@ bool noxSql::updRefData(int deviceId, const QByteArray *refdata, quint32 type, q
 {
     if (deviceId < 1)
         return false;
-    return execute(" UPDATE device SET device_refdata=:device_refdata, device_type=:device_type,"
-                   " device_number=:device_number, device_name=:device_name,"
-                   " device_name_search=:device_name_search WHERE device_id=:device_id",
-                   deviceValues(*refdata, type, number, name)
-                       << NamedValues{{":device_id", deviceId}})
-        .has_value();
+    const bool isStored =
+        execute(" UPDATE device SET device_refdata=:device_refdata, device_type=:device_type,"
+                " device_number=:device_number, device_name=:device_name,"
+                " device_name_search=:device_name_search WHERE device_id=:device_id",
+                deviceValues(*refdata, type, number, name) << NamedValues{{":device_id", deviceId}})
+            .has_value();
+    noteChange(isStored);
+    return isStored;
 }
 
 int noxSql::findDev(const QByteArray *refdata, quint32 *type, quint32 *number)
@@ -285,7 +315,7 @@ QString noxSql::getSnapShotInfo(int snapshotId)
 int noxSql::setSnapShot(int deviceId, const QByteArray *data, const QByteArray *refdata,
                         const QString &info, int snapshotId)
 {
-    return storeSnapshot(deviceId, {*data, *refdata, info}, snapshotId, m_clock());
+    return noted(storeSnapshot(deviceId, {*data, *refdata, info}, snapshotId, m_clock()));
 }
 
 QVector<noxSql::noxSqlItem> noxSql::findSnapShot(const QByteArray *data, const QByteArray *refdata,
@@ -299,12 +329,12 @@ QVector<noxSql::noxSqlItem> noxSql::findSnapShot(const QByteArray *data, const Q
 int noxSql::setFeature(const QByteArray *data, const QString &name, const QString &info,
                        int featureId)
 {
-    return storeCharacteristic(*data, name, info, featureId, m_clock());
+    return noted(storeCharacteristic(*data, name, info, featureId, m_clock()));
 }
 
 int noxSql::addFeature(const QByteArray *data, const QString &name, const QString &info)
 {
-    return addCharacteristic(*data, name, info, m_clock());
+    return noted(addCharacteristic(*data, name, info, m_clock()));
 }
 
 QVector<noxSql::noxSqlItem> noxSql::findFeature(const QString &text)
@@ -357,20 +387,22 @@ bool noxSql::storeProperties(const Properties &properties)
     return writeUnwritten();
 }
 
-/** Writes all that waits, or none of it. */
+/** Writes all that waits; a property that is refused alone does not keep the others. */
 bool noxSql::writeUnwritten()
 {
+    Properties refused;
     bool isWritten = execute("BEGIN IMMEDIATE").has_value();
     if (isWritten) {
-        for (auto property = m_unwritten.cbegin(); isWritten && property != m_unwritten.cend();
-             ++property)
-            isWritten = writeProperty(property.key(), property.value());
-        isWritten = isWritten && execute("COMMIT");
+        for (auto property = m_unwritten.cbegin(); property != m_unwritten.cend(); ++property)
+            if (!writeProperty(property.key(), property.value()))
+                refused.insert(property.key(), property.value());
+        isWritten = execute("COMMIT").has_value();
         if (!isWritten)
             execute("ROLLBACK");
     }
     if (isWritten)
-        m_unwritten.clear();
+        m_unwritten = refused;
+    isWritten = isWritten && refused.isEmpty();
     noteChange(isWritten);
     return isWritten;
 }

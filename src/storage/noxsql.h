@@ -141,6 +141,8 @@ private:
     bool storeProperties(const Properties &properties);
     bool writeUnwritten();
     void noteChange(bool isStored);
+    int noted(int id);
+    void storeAtEnd();
     bool takesChanges();
     void tryAgain();
     bool reopen();
