@@ -174,12 +174,15 @@ void InstrumentTable::toggleShow(int row)
 
 void InstrumentTable::toggleShowAll()
 {
-    bool areAllShown = true;
+    QVector<int> rows; // of instruments that have curves
     for (int row = 1; row <= m_rows.size(); ++row)
-        areAllShown = areAllShown && showBoxAt(m_table, row)->isChecked();
-    for (int row = 1; row <= m_rows.size(); ++row)
-        if (QCheckBox *const box = showBoxAt(m_table, row); box->isEnabled())
-            box->setChecked(!areAllShown || indexAt(row) == m_current);
+        if (showBoxAt(m_table, row)->isEnabled())
+            rows.append(row);
+    const bool areAllShown = std::all_of(rows.cbegin(), rows.cend(), [this](int row) {
+        return showBoxAt(m_table, row)->isChecked();
+    });
+    for (const int row : qAsConst(rows))
+        showBoxAt(m_table, row)->setChecked(!areAllShown || indexAt(row) == m_current);
 }
 
 int InstrumentTable::indexAt(int row) const
