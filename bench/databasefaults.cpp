@@ -165,8 +165,12 @@ void fillItsDisk(OutageRig &rig, int times)
 {
     for (int i = 0; i < times; ++i) {
         // not even the recordings have room, which are small
+        rig.loseRounds();
         auto disk = std::make_unique<FullDisk>(100);
-        changeDuring(rig, 2 * i, [&] { disk.reset(); });
+        changeDuring(rig, 2 * i, [&] {
+            disk.reset();
+            rig.loseNoMore();
+        });
     }
 }
 
@@ -186,8 +190,12 @@ void takeRights(OutageRig &rig, int times)
         ::chmod(QFile::encodeName(above.absolutePath()).constData(), 0755);
     const QString folder = QFileInfo(rig.databasePath()).path();
     for (int i = 0; i < times; ++i) {
+        rig.loseRounds();
         setWritable(folder, false);
-        changeDuring(rig, 2 * i, [&] { setWritable(folder, true); });
+        changeDuring(rig, 2 * i, [&] {
+            setWritable(folder, true);
+            rig.loseNoMore();
+        });
     }
 }
 
@@ -196,10 +204,9 @@ void takeRights(OutageRig &rig, int times)
 QVector<Fault> databaseFaults()
 {
     const Playground here = Playground::ThisProcess;
-    constexpr int rowsOfRound = 100;
     return {{QStringLiteral("the database is held"), here, holdIt, 5},
             {QStringLiteral("... while a plug returns"), here, holdItWhilePlugsReturn, 5, 1},
             {QStringLiteral("the database is removed"), here, removeIt, 5},
-            {QStringLiteral("the disk is full"), here, fillItsDisk, 5, rowsOfRound},
-            {QStringLiteral("the rights are taken"), here, takeRights, 5, rowsOfRound}};
+            {QStringLiteral("the disk is full"), here, fillItsDisk, 5},
+            {QStringLiteral("the rights are taken"), here, takeRights, 5}};
 }

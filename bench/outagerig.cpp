@@ -167,6 +167,11 @@ void OutageRig::countRows()
     m_outcome.lostRows = m_rounds - m_outcome.rows;
 }
 
+void OutageRig::loseNoMore()
+{
+    m_outcome.mayBeLost += m_rounds - m_roundsBefore + instruments; // the rounds under way
+}
+
 qint64 OutageRig::recordedRows() const
 {
     qint64 rows = 0;

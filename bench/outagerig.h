@@ -30,6 +30,7 @@ struct Outcome {
     double longestGapMs = 0;  ///< of the event loop, without waiting for a processor
     qint64 rows = 0;          ///< recorded
     qint64 lostRows = 0;      ///< rounds that ended without a row
+    qint64 mayBeLost = 0;     ///< rounds that ended while nothing could be recorded
     int damagedRows = 0;
     QStringList broken; ///< promises
 };
@@ -86,6 +87,9 @@ public:
     /** Rows in the files. */
     qint64 recordedRows() const;
 
+    /** From now on rounds cannot be recorded, until loseNoMore(). */
+    void loseRounds() { m_roundsBefore = m_rounds; }
+    void loseNoMore();
     /** Notes that a fault has struck, of which the operator hears so often. */
     void struck(int expectedMessages);
     /** Notes a promise, and whether it holds. */
@@ -109,6 +113,7 @@ private:
     QHash<int, quint8> m_previousChannels; ///< by registry index, as the others
     QHash<int, qint64> m_points;
     qint64 m_rounds = 0;
+    qint64 m_roundsBefore = 0; ///< the fault that loses some
     int m_messages = 0;
     Outcome m_outcome;
 };

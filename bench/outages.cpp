@@ -40,7 +40,7 @@ QStringList brokenPromises(const Fault &fault, const Outcome &outcome)
         broken << QStringLiteral("the window stays awake");
     if (outcome.damagedRows > 0)
         broken << QStringLiteral("rows are whole");
-    if (outcome.lostRows > qint64(outcome.struck) * fault.cutRounds)
+    if (outcome.lostRows > outcome.mayBeLost + qint64(outcome.struck) * fault.cutRounds)
         broken << QStringLiteral("no row is lost");
     return broken;
 }

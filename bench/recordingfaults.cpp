@@ -19,11 +19,13 @@ bool isMarked(OutageRig &rig)
 template<typename Begin, typename End>
 void loseRounds(OutageRig &rig, Begin begin, End end)
 {
+    rig.loseRounds();
     rig.watch().leaveOut(begin);
     rig.struck(0);
     rig.run(roundsMs);
     rig.promise(isMarked(rig), QStringLiteral("the button is marked"));
     rig.watch().leaveOut(end);
+    rig.loseNoMore();
     rig.run(roundsMs);
     rig.promise(!isMarked(rig), QStringLiteral("the mark goes"));
     rig.promiseAllGoesOn();
@@ -56,7 +58,6 @@ void blockTheirNames(OutageRig &rig, int times)
 QVector<Fault> recordingFaults()
 {
     const Playground here = Playground::ThisProcess;
-    constexpr int rowsOfRound = 100;
-    return {{QStringLiteral("the recordings' folder goes"), here, takeTheirFolder, 10, rowsOfRound},
-            {QStringLiteral("a recording's name is taken"), here, blockTheirNames, 5, rowsOfRound}};
+    return {{QStringLiteral("the recordings' folder goes"), here, takeTheirFolder, 10},
+            {QStringLiteral("a recording's name is taken"), here, blockTheirNames, 5}};
 }

@@ -59,6 +59,16 @@ void runEventLoop(int milliseconds)
     loop.exec();
 }
 
+/** The part of a core that the program takes while its event loop runs for a time. */
+double processorShareWithin(int milliseconds)
+{
+    const double before = processorSeconds();
+    QElapsedTimer wall;
+    wall.start();
+    runEventLoop(milliseconds);
+    return (processorSeconds() - before) / (wall.elapsed() / 1e3);
+}
+
 /** Connects the fleet, one instrument after the other, as the window's menu does. */
 QVector<int> connectAll(MainWindow &window, int instruments)
 {
@@ -94,6 +104,31 @@ void arrange(MainWindow &window, QWidget &cover, Sight sight)
     cover.raise();
 }
 
+/** Tokens of all instruments. */
+struct Count {
+    qint64 sent = 0;
+    qint64 received = 0;
+    int unequal = 0; ///< instruments of which not all were received
+
+    void add(qint64 sentByOne, qint64 receivedOfIt)
+    {
+        sent += sentByOne;
+        received += receivedOfIt;
+        unequal += sentByOne != receivedOfIt;
+    }
+};
+
+void print(const Load &load, const Count &count, qint64 drawn, const QVector<double> &shares)
+{
+    std::printf("%11d %9.1f %6s %10s %9lld %9lld %7lld %6lld %9d %7.1f %6.1f %6.1f %7ld\n",
+                load.fleet.instruments, load.fleet.tokensPerSecond, load.isAllShown ? "all" : "one",
+                nameOf(load.sight), static_cast<long long>(count.sent),
+                static_cast<long long>(count.received), static_cast<long long>(drawn),
+                static_cast<long long>(count.sent - count.received), count.unequal, 100 * shares[0],
+                100 * shares[1], 100 * shares[2], peakMemoryMib());
+    std::fflush(stdout);
+}
+
 /** The program's side: the window, one instrument after the other connected as its menu does. */
 int runProgram(const Load &load, Fleet &fleet)
 {
@@ -120,30 +155,18 @@ int runProgram(const Load &load, Fleet &fleet)
     if (load.isAllShown)
         showAll(*window.plot());
 
-    const double processorBefore = processorSeconds();
-    QElapsedTimer wall;
-    wall.start();
-    runEventLoop(load.seconds * 1000);
-    const double share = (processorSeconds() - processorBefore) / (wall.elapsed() / 1e3);
+    QVector<double> shares; // of each third, to see whether they grow
+    for (int third = 0; third < 3; ++third)
+        shares.append(processorShareWithin(load.seconds * 1000 / 3));
 
     fleet.fallSilent();
     runEventLoop(drainMs);
-    qint64 sentInAll = 0;
-    qint64 receivedInAll = 0;
-    int unequal = 0;
+    Count count;
     const QVector<qint64> sent = fleet.sentTokens();
-    for (int i = 0; i < instruments; ++i) {
-        sentInAll += sent.at(i);
-        receivedInAll += received.value(devices.at(i));
-        unequal += sent.at(i) != received.value(devices.at(i));
-    }
-    std::printf("%11d %9.1f %6s %10s %9lld %9lld %7lld %6lld %9d %8.1f %% %7ld\n", instruments,
-                load.fleet.tokensPerSecond, load.isAllShown ? "all" : "one", nameOf(load.sight),
-                static_cast<long long>(sentInAll), static_cast<long long>(receivedInAll),
-                static_cast<long long>(drawn), static_cast<long long>(sentInAll - receivedInAll),
-                unequal, 100 * share, peakMemoryMib());
-    std::fflush(stdout);
-    return sentInAll == receivedInAll && unequal == 0 ? 0 : 1;
+    for (int i = 0; i < instruments; ++i)
+        count.add(sent.at(i), received.value(devices.at(i)));
+    print(load, count, drawn, shares);
+    return count.sent == count.received && count.unequal == 0 ? 0 : 1;
 }
 
 /** One run in two fresh processes, so that each starts with clean counters. */
@@ -165,10 +188,10 @@ int main(int argc, char **argv)
     const int seconds = argc > 1 ? qMax(1, QByteArray(argv[1]).toInt()) : 60;
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    std::printf("soak: instruments on pseudo-terminals, the real window (offscreen, 1280x800)\n");
-    std::printf("%11s %9s %6s %10s %9s %9s %7s %6s %9s %10s %7s\n", "instruments", "tokens/s",
-                "shown", "window", "sent", "received", "drawn", "lost", "unequal", "processor",
-                "MiB");
+    std::printf("soak: instruments on pseudo-terminals, the real window (1280x800)\n");
+    std::printf("%11s %9s %6s %10s %9s %9s %7s %6s %9s %21s %7s\n", "instruments", "tokens/s",
+                "shown", "window", "sent", "received", "drawn", "lost", "unequal",
+                "% of a core, in thirds", "MiB");
     std::fflush(stdout);
     QVector<Load> loads = {{{64, 10.0}, false, Sight::Window, seconds}};
     for (const bool isAllShown : {false, true})

@@ -22,6 +22,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <malloc.h>
@@ -33,6 +34,8 @@ constexpr int channels = 16;
 constexpr int secondsPerRound = 15;
 constexpr int hoursPerLink = 8;   ///< after which the plug is pulled
 constexpr int daysPerLine = 20;   ///< of the table
+constexpr int stepOfAnHour = 13;  ///< of the time axis, in the list of steps
+constexpr int warmUp = 2;         ///< stretches, until the plot packs what is long ago
 constexpr int patienceMs = 30000; ///< for an answer of the link
 constexpr int settleMs = 30;
 constexpr int writeDelayMs = 10;
@@ -75,8 +78,8 @@ struct Mean {
 /** What a stretch of days cost. */
 struct Cost {
     double bytesPerPoint = 0;  ///< that the heap has grown by
-    Mean microsecondsPerPoint; ///< of the processor, in each hour
-    Mean frameMs;              ///< at the end of each hour
+    Mean microsecondsPerPoint; ///< of the processor, in each hour, frames included
+    Mean frameMs;              ///< that paints the whole plot, at the end of each hour
     Mean gapMs;                ///< the longest one of the event loop in each hour, without waiting
                                ///< for a processor
     Mean linkMs;               ///< of the processor, for a plug that is pulled and found again
@@ -119,6 +122,7 @@ public:
         if (!connects())
             return 1;
         record();
+        m_window.plot()->changeScaleX(stepOfAnHour); // the view goes with the points
         for (int day = 0; day < m_days; ++day) {
             if (day % daysPerLine == 0)
                 openStretch();
@@ -192,7 +196,7 @@ private:
     {
         QElapsedTimer timer;
         timer.start();
-        m_window.plot()->frameClock().flush();
+        m_window.plot()->replot();
         QCoreApplication::processEvents();
         m_cost.frameMs.add(double(timer.nsecsElapsed()) / 1e6);
     }
@@ -292,15 +296,26 @@ private:
                 cost.gapMs.value(), cost.linkMs.value()};
     }
 
-    /** The last stretch beside the first one. */
+    /** The median of a figure over some of the stretches: the machine has other things to do. */
+    double medianOf(int figure, int firstStretch, int stretches) const
+    {
+        QVector<double> values;
+        for (int i = 0; i < stretches; ++i)
+            values.append(figuresOf(m_costs[firstStretch + i])[figure]);
+        std::sort(values.begin(), values.end());
+        return values[stretches / 2];
+    }
+
+    /** The last quarter of the days beside the first one, after the warm-up. */
     int compare() const
     {
-        const QVector<double> first = figuresOf(m_costs.first());
-        const QVector<double> last = figuresOf(m_costs.last());
+        const int quarter = (m_costs.size() - warmUp + 3) / 4;
+        const int figures = figuresOf(m_costs.first()).size();
         bool isSteady = true;
         std::printf("%-15s", "last to first");
-        for (int i = 0; i < first.size(); ++i) {
-            const double growth = last[i] / first[i];
+        for (int figure = 0; figure < figures; ++figure) {
+            const double growth = medianOf(figure, m_costs.size() - quarter, quarter) /
+                                  medianOf(figure, warmUp, quarter);
             isSteady = isSteady && growth <= mostGrowth;
             std::printf(" %8.2f", growth);
         }
@@ -336,7 +351,7 @@ private:
 
 int main(int argc, char **argv)
 {
-    const int days = argc > 1 ? qMax(2 * daysPerLine, QByteArray(argv[1]).toInt()) : 400;
+    const int days = argc > 1 ? qMax((warmUp + 2) * daysPerLine, QByteArray(argv[1]).toInt()) : 400;
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("TZ", "Europe/Berlin"); // which has summer time
