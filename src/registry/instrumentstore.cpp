@@ -63,7 +63,8 @@ void InstrumentStore::noteRow(noxList::_nox *nox, int row)
     if (nox->isRowRefused && nox->rowIdentity == identity)
         return;
     nox->dbIndex = row;
-    nox->rowIdentity = identity;
+    if (std::exchange(nox->rowIdentity, identity) != identity)
+        nox->factory = {}; // it is of another instrument
 }
 
 // What is learnt of it

@@ -373,7 +373,8 @@ void noxList::noteRefused()
     for (const int index : all) {
         _nox *nox = getNoxByIndex(index);
         if (nox && nox->isRowRefused && nox->opt->isIdentified()) {
-            if (!nox->opt->identValid)
+            // data that have not been read must not take the place of those that are stored
+            if (!nox->opt->identValid && nox->held.referenceData())
                 m_store->provideWithReferences(nox);
             noteIdentity(index);
             nox = getNoxByIndex(index); // a receiver of the identity may have removed it
