@@ -2,6 +2,7 @@
 
 #include "storage/statement.h"
 #include "storage/storeditems.h"
+#include "storage/storedproperties.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -18,7 +19,6 @@ constexpr int failure = -1;
 constexpr int retryMs = 1000;
 constexpr int patienceAtEndMs = 2000;
 constexpr int retryAtEndMs = 50;
-constexpr int program = -1; ///< whose the properties are that are of no instrument
 
 /** Whether a file takes changes shows, and nothing in it changes. */
 constexpr auto emptyChange = "UPDATE app_property SET app_property_val=NULL WHERE FALSE";
@@ -35,48 +35,6 @@ NamedValues deviceValues(const QByteArray &refdata, quint32 type, quint32 number
             {":device_refdata", refdata},
             {":device_name", name},
             {":device_name_search", name.toLower()}};
-}
-
-/** How properties of a kind are written; a value is there at most once. */
-struct PropertyStatements {
-    const char *remove;
-    const char *update;
-    const char *insert;
-    const char *valueName;
-};
-
-constexpr PropertyStatements ofProgram = {
-    "DELETE FROM app_property WHERE app_property_key=:app_property_key",
-    " UPDATE app_property SET app_property_val=:app_property_val"
-    " WHERE app_property_key=:app_property_key",
-    "INSERT INTO app_property (app_property_key, app_property_val)"
-    "VALUES(:app_property_key, :app_property_val)",
-    ":app_property_val"};
-
-constexpr PropertyStatements ofInstrument = {
-    "DELETE FROM device_property WHERE device_id=:device_id"
-    " AND device_property_key=:device_property_key",
-    " UPDATE device_property  SET device_property_val=:device_property_val "
-    " WHERE device_id=:device_id AND device_property_key=:device_property_key",
-    "INSERT INTO device_property (device_id, device_property_key, device_property_val)"
-    "VALUES(:device_id, :device_property_key, :device_property_val)",
-    ":device_property_val"};
-
-/** Writes a value under a key, or removes it when it is not valid; false when that is refused. */
-bool writeProperty(const QPair<int, QString> &property, const QVariant &value)
-{
-    const bool isProgram = property.first == program;
-    const PropertyStatements &statements = isProgram ? ofProgram : ofInstrument;
-    const NamedValues key = isProgram ? NamedValues{{":app_property_key", property.second}}
-                                      : NamedValues{{":device_id", property.first},
-                                                    {":device_property_key", property.second}};
-    if (!value.isValid())
-        return execute(statements.remove, key).has_value();
-    const NamedValues keyAndValue = key + NamedValues{{statements.valueName, value}};
-    const auto update = execute(statements.update, keyAndValue);
-    if (!update || update->numRowsAffected() > 0)
-        return update.has_value();
-    return execute(statements.insert, keyAndValue).has_value();
 }
 
 /** Where a database is made before it takes its place: a crash must not leave half of one there. */
@@ -350,20 +308,17 @@ QVector<noxSql::noxSqlItem> noxSql::findFeature(const QString &text)
 
 bool noxSql::setAppProperty(const QString &key, const QVariant &value)
 {
-    return !key.isEmpty() && storeProperties({{{program, key}, value}});
+    return !key.isEmpty() && storeProperties({{{programId, key}, value}});
 }
 
 QVariant noxSql::getAppProperty(const QString &key)
 {
     if (key.isEmpty() || !isOpen())
         return {};
-    if (const auto unwritten = m_unwritten.constFind({program, key});
+    if (const auto unwritten = m_unwritten.constFind({programId, key});
         unwritten != m_unwritten.cend())
         return *unwritten;
-    const auto row = selectOnly(
-        "SELECT app_property_val FROM app_property WHERE app_property_key=:app_property_key",
-        {{":app_property_key", key}});
-    return row ? row->value(0) : QVariant();
+    return programProperty(key);
 }
 
 void noxSql::setDevProperty(int deviceId, const QString &key, const QVariant &value)
@@ -409,28 +364,35 @@ bool noxSql::writeUnwritten()
 
 bool noxSql::hasDevProperty(int deviceId)
 {
-    const auto count = selectOnly("SELECT count(*) FROM device_property WHERE device_id=:device_id",
-                                  {{":device_id", deviceId}});
-    return !count || count->value(0).toInt() > 0;
+    const auto properties = instrumentProperties(deviceId);
+    return !properties || !properties->isEmpty();
 }
 
 QMap<QString, QVariant> noxSql::getDevProperty(int deviceId)
 {
     if (deviceId < 0 || !isOpen())
         return {};
-    auto rows = execute("SELECT device_property_key, device_property_val FROM device_property"
-                        " WHERE device_id=:device_id",
-                        {{":device_id", deviceId}});
-    if (rows && rowCount(*rows) == 0)
-        rows = execute("SELECT device_property.device_property_key, device_property_val"
-                       " FROM app_property, device_property"
-                       " WHERE device_property.device_id=app_property.app_property_val"
-                       " AND app_property.app_property_key='main_device_id'"
-                       " AND device_property.device_property_key LIKE 'qwt%'",
-                       {});
-    QMap<QString, QVariant> properties;
-    while (rows && rows->next())
-        properties.insert(rows->value(0).toString(), rows->value(1));
+    auto properties = instrumentProperties(deviceId);
+    if (properties && properties->isEmpty())
+        properties = inheritedProperties();
+    return withUnwritten(deviceId, properties.value_or(NamedProperties()));
+}
+
+/** What an instrument without properties has: how the main instrument is shown. */
+noxSql::NamedProperties noxSql::inheritedProperties()
+{
+    const int mainId = getAppProperty(QStringLiteral("main_device_id")).toInt();
+    auto properties =
+        withUnwritten(mainId, instrumentProperties(mainId).value_or(NamedProperties()));
+    for (const QString &key : properties.keys())
+        if (!key.startsWith(QLatin1String("qwt")))
+            properties.remove(key);
+    return properties;
+}
+
+/** Properties of an instrument with those that wait in place of what is stored. */
+noxSql::NamedProperties noxSql::withUnwritten(int deviceId, NamedProperties properties) const
+{
     for (auto change = m_unwritten.cbegin(); change != m_unwritten.cend(); ++change) {
         if (change.key().first != deviceId)
             continue;

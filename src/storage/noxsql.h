@@ -137,9 +137,12 @@ signals:
 
 private:
     using Properties = QMap<QPair<int, QString>, QVariant>; ///< by instrument, or program, and key
+    using NamedProperties = QMap<QString, QVariant>;        ///< of one instrument
 
     bool storeProperties(const Properties &properties);
     bool writeUnwritten();
+    NamedProperties inheritedProperties();
+    NamedProperties withUnwritten(int deviceId, NamedProperties properties) const;
     void noteChange(bool isStored);
     int noted(int id);
     void storeAtEnd();

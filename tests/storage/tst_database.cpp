@@ -383,6 +383,9 @@ private slots:
                 m_sql->setDevProperty(1, "qwt_scale", scale);
             QVERIFY(!m_sql->getAppProperty("exit_query").isValid());
             QCOMPARE(m_sql->getDevProperty(1).value("qwt_scale").toInt(), 6);
+            m_sql->setAppProperty("main_device_id", 1);
+            QCOMPARE(m_sql->getDevProperty(2).value("qwt_scale").toInt(), 6); // the main one's
+            m_sql->setAppProperty("main_device_id", QVariant());
             QCOMPARE(rows(path(), stored),
                      (QStringList{"ok", "autoconnect", "exit_query", "4", "factory"}));
             QCOMPARE(storing.takeFirst().first().toBool(), false);
