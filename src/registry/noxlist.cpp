@@ -141,11 +141,6 @@ void noxList::continueOn(_nox *known, int devIndex)
     QMetaObject::invokeMethod(this, removeFormer, Qt::QueuedConnection);
 }
 
-bool noxList::owns(const _nox *nox) const
-{
-    return m_records.value(nox->index) == nox;
-}
-
 int noxList::nextIndex() const
 {
     return m_records.isEmpty() ? 0 : m_records.lastKey() + 1;
@@ -244,12 +239,6 @@ noxList::_nox *noxList::getNoxByImage(const optionsNOX8 *image) const
 noxList::_nox *noxList::getNoxByQwtIndex(int qwtIndex) const
 {
     return firstOf(m_records, [=](const _nox *nox) { return nox->qwtIndex == qwtIndex; });
-}
-
-int noxList::getIndexByDev(int devIndex) const
-{
-    const _nox *nox = getNoxByDevIndex(devIndex);
-    return nox ? nox->index : -1;
 }
 
 // What is connected

@@ -79,7 +79,7 @@ public:
      */
     bool addNox(_nox *dev);
     /** Whether the record stands in this registry. */
-    bool owns(const _nox *nox) const;
+    bool owns(const _nox *nox) const { return m_records.value(nox->index) == nox; }
     /** Disconnects the instrument and forgets it. */
     void rmByIndex(int index);
     /** Forgets a record without touching it; whoever has added it owns it. */
@@ -105,7 +105,11 @@ public:
     /** The record whose image this is: an index may have passed on to another instrument. */
     _nox *getNoxByImage(const optionsNOX8 *image) const;
     /** The registry index of a device, or -1. */
-    int getIndexByDev(int devIndex) const;
+    int getIndexByDev(int devIndex) const
+    {
+        const _nox *nox = getNoxByDevIndex(devIndex);
+        return nox ? nox->index : -1;
+    }
     /** The plot index, or -1 for an unknown record. */
     int getQWTIndex(int index) const
     {

@@ -52,6 +52,39 @@ private slots:
         QVERIFY(factory.size() == 1 && factory.first().factory);
     }
 
+    void firstConfigurationOfAnotherInstrumentIsForgotten()
+    {
+        RegistryBench bench;
+        {
+            const Holder holder(bench.database.path());
+            QVERIFY(holder.holds());
+            identified(bench);
+            QVERIFY(bench.isRead(0));
+            nox(bench).opt->setDevNumber(6);
+        }
+        QTRY_COMPARE(nox(bench).dbIndex, 1);
+        QCOMPARE(bench.database.getSnapShotCount(1), 0);
+    }
+
+    void referencesThatWereNotReadReplaceNone()
+    {
+        RegistryBench bench;
+        const QByteArray stored(referenceDataSize, '\1');
+        QCOMPARE(bench.database.provideDev(&stored, typeB, 5, "B"), 1);
+        {
+            const Holder holder(bench.database.path());
+            QVERIFY(holder.holds());
+            optionsNOX8 &image = *bench.list.newNox(-1, true)->opt;
+            image.setDevType(typeB);
+            image.setDevNumber(5);
+            QCOMPARE(nox(bench).dbIndex, -1);
+        }
+        QTRY_COMPARE(nox(bench).dbIndex, 1);
+        quint32 type = 0;
+        quint32 number = 0;
+        QCOMPARE(bench.database.findDev(&stored, &type, &number), 1);
+    }
+
     void rowThatIsKnownStays()
     {
         RegistryBench bench;
