@@ -217,7 +217,7 @@ bool writeDatabase(const QDir &folder)
         fill(image, 0x11, 1);
         const QByteArray data = "configuration";
         const QByteArray references = taken(image.getRefData(true));
-        const int id = database.provideDev(&references, 0x11, 1234, "NOX B");
+        const int id = database.provideDev(&references, 0x11, 1234, "NOX B").value_or(-1);
         database.setSnapShot(id, &data, &references, "info", 0);
         database.setFeature(&data, "Pt100", "info", 0);
         database.setAppProperty("main_device_id", id);
@@ -263,6 +263,10 @@ int main(int argc, char **argv)
                            write(folder, "plot", "points",
                                  QByteArray::fromHex("0200000001 006EC8 016E64 006E65 0078FF"
                                                      "C8757E1800000000 006E64")) &&
+                           write(folder, "packedlist", "decimals",
+                                 QByteArray::fromHex("01 04 00000000006A0841 0080 00 03050107 00"
+                                                     "03 000000004C1DD440 983A 05 021400 00"
+                                                     "0000 0008 FF03 0204")) &&
                            writeDialogues(folder) && writeDatabase(folder) && writeRows(folder);
     return isWritten ? 0 : 1;
 }

@@ -127,8 +127,8 @@ ValueRange rangeOf(const Integer *packed, int place, int count, const PackingLin
 
 void PackedList::openChunk()
 {
-    if (m_chunks.size() >= unpackedChunks)
-        pack(m_chunks[m_chunks.size() - unpackedChunks]);
+    if (m_chunks.size() >= m_unpackedChunks)
+        pack(m_chunks[m_chunks.size() - m_unpackedChunks]);
     Numbers<double> numbers = std::move(m_spare);
     if (!numbers)
         numbers.reset(new double[chunkLength]); // not cleared, as make_unique() would

@@ -26,7 +26,7 @@ struct PackingLine {
  * A list of finite numbers that grows at its end, and packs those of long ago: what an instrument
  * measures has few decimals and changes slowly, and takes 1 to 3 bytes a number then.
  *
- * The numbers lie in chunks of 1024. The newest 128 chunks at least are doubles, which is fastest.
+ * The numbers lie in chunks of 1024. The newest chunks are doubles, which is fastest.
  * In an older one the numbers become integers of their last decimal, less a straight line through
  * the chunk, in 1, 2 or 4 bytes each. Where that would not give every number back to the bit, the
  * chunk keeps the doubles.
@@ -35,7 +35,12 @@ class PackedList
 {
 public:
     static constexpr int chunkLength = 1024;
-    static constexpr std::size_t unpackedChunks = 128;
+
+    /** So many of the newest chunks, at least 1, are not packed. */
+    explicit PackedList(std::size_t unpackedChunks = 128)
+        : m_unpackedChunks(unpackedChunks)
+    {
+    }
 
     int size() const { return m_size; }
     /** The number at `index`, which must exist. */
@@ -59,7 +64,7 @@ public:
 
     /** Copies `count` numbers from `first` on, all of them existing. */
     void copy(int first, int count, double *numbers) const;
-    /** Range of `count` numbers from `first` on, all of them inside one chunk. */
+    /** Range of `count` numbers, at least 1, from `first` on, all of them inside one chunk. */
     ValueRange range(int first, int count) const;
     /** Fetches `count` numbers from `first` on, all of them inside one chunk. */
     [[gnu::always_inline]] void prefetch(int first, int count) const
@@ -97,6 +102,7 @@ private:
     void pack(Chunk &chunk);
     static std::optional<Chunk> packed(const double *numbers, double scale);
 
+    std::size_t m_unpackedChunks;
     std::vector<Chunk> m_chunks;
     double *m_newest = nullptr; ///< the numbers of the newest chunk
     Numbers<double> m_spare;    ///< of a chunk that has been packed
