@@ -11,7 +11,17 @@ namespace
 
 constexpr int patienceMs = 10;
 
-constexpr char heldProperty[] = "isHeldElsewhere"; // of the connection's driver
+// of the connection's driver
+constexpr char heldProperty[] = "isHeldElsewhere";
+constexpr char rulesProperty[] = "hasOwnRules";
+
+/** What might never end: a view in place of a table, and all that is done at a change but by our
+ *  triggers, which delete what has one id. */
+constexpr auto foreignRules =
+    "SELECT count(*) FROM sqlite_master WHERE (type='view' AND lower(name) IN ('app_property',"
+    " 'device', 'device_property', 'device_snapshot', 'device_snapshot_property', 'feature'))"
+    " OR (type='trigger' AND (name NOT IN ('device_delete', 'device_snapshot_delete')"
+    " OR sql LIKE '%SELECT%' OR sql LIKE '%UPDATE%' OR lower(sql) GLOB '*[^a-z]in[^a-z]*'))";
 
 /** The connection as it is: closed, it stays closed. */
 QSqlDatabase connection()
@@ -39,12 +49,27 @@ void noteHeld(const QSqlDatabase &database, bool held)
     QSqlQuery(database).exec(QStringLiteral("PRAGMA busy_timeout=%1").arg(held ? 0 : patienceMs));
 }
 
+/** Whether a change does what its statement says, and no more. */
+bool hasOwnRules(const QSqlDatabase &database)
+{
+    const QVariant known = database.driver()->property(rulesProperty);
+    if (known.isValid())
+        return known.toBool();
+    QSqlQuery query(database);
+    if (!query.exec(QString::fromLatin1(foreignRules)) || !query.next())
+        return true; // what does not let itself be asked refuses the statement, too
+    const bool hasOwn = query.value(0).toInt() == 0;
+    database.driver()->setProperty(rulesProperty, hasOwn);
+    return hasOwn;
+}
+
 } // namespace
 
 bool openConnection(QSqlDatabase &database)
 {
     database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(patienceMs));
     database.driver()->setProperty(heldProperty, false);
+    database.driver()->setProperty(rulesProperty, QVariant());
     return database.open();
 }
 
@@ -57,7 +82,7 @@ bool isHeldElsewhere()
 std::optional<QSqlQuery> execute(const QString &sql, const NamedValues &values)
 {
     const QSqlDatabase database = connection();
-    if (!database.isOpen())
+    if (!database.isOpen() || !hasOwnRules(database))
         return std::nullopt;
     QSqlQuery query(database);
     bool isDone = query.prepare(sql);

@@ -18,7 +18,8 @@ using NamedValues = QVector<QPair<const char *, QVariant>>;
 bool openConnection(QSqlDatabase &database);
 
 /**
- * Executes a statement with its values; nothing when the database is closed or refuses it.
+ * Executes a statement with its values; nothing when the database is closed or refuses it, or has
+ * views and triggers that are not of this program.
  *
  * One that another program holds is waited for, but for a moment only, because the window stands
  * still as long; and by the first statement alone: those after it fail at once, until one succeeds.

@@ -288,7 +288,24 @@ private slots:
         QFile noise(m_directory->filePath("noise"));
         QVERIFY(noise.open(QIODevice::WriteOnly) && noise.write(QByteArray(5000, 'x')) == 5000);
         noise.close();
-        for (const QString file : {"", ".", "none/nox8.db", "noise", "damaged", "empty"}) {
+        // what these do would not end
+        const QString endless = "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n)"
+                                " SELECT i AS feature_id, i AS feature_name FROM n";
+        const QMap<QString, QString> rules = {
+            {"view", "DROP TABLE feature; CREATE VIEW Feature AS " + endless},
+            {"trigger",
+             "CREATE TRIGGER more AFTER INSERT ON feature BEGIN DELETE FROM device; END"},
+            {"own trigger",
+             "CREATE VIEW endless AS " + endless +
+                 "; DROP TRIGGER device_delete; CREATE TRIGGER device_delete AFTER"
+                 " DELETE ON device BEGIN DELETE FROM feature WHERE 0 IN endless; END"}};
+        for (auto rule = rules.cbegin(); rule != rules.cend(); ++rule) {
+            const QString file = m_directory->filePath(rule.key());
+            QVERIFY(QFile::copy(path(), file));
+            rows(file, rule.value());
+        }
+        for (const QString file : {"", ".", "none/nox8.db", "noise", "damaged", "empty", "view",
+                                   "trigger", "own trigger"}) {
             m_sql = std::make_unique<noxSql>(file.isEmpty() ? "" : m_directory->filePath(file));
             QCOMPARE(failed(*m_sql), namesOf(writing + reading));
             QVERIFY(!m_sql->canStore() && !m_sql->removeDev(1) && !removeStoredCharacteristic(1) &&
