@@ -250,12 +250,12 @@ private:
         store.provideWithReferences(&nox);
         store.provide(&nox);
         require(!m_isWhole || nox.dbIndex != 0);
-        store.updateReferences(nox);
-        store.noteWrittenReferences(nox);
+        store.updateReferences(&nox);
+        store.noteWrittenReferences(&nox);
         store.recogniseSnapShot(&nox, true);
         store.recognise(&nox);
         nox.opt->setChMeasType(0, measTemperatureCustom, "K");
-        store.keepUnit(nox, 0);
+        store.keepUnit(&nox, 0);
     }
 
     /** Everything that the dialogs offer is chosen. */

@@ -52,49 +52,67 @@ void InstrumentStore::provideWithReferences(noxList::_nox *nox) const
                                                 image.getDevName(true)))
         noteRow(nox, *row);
     else
-        nox->isRowRefused = true;
+        nox->refused.row = true;
 }
 
 /** A row that cannot be told stays the one that it was, unless it is of another instrument. */
-void InstrumentStore::noteRow(noxList::_nox *nox, int row)
+void InstrumentStore::noteRow(noxList::_nox *nox, int row) const
 {
     const QPair<quint32, quint32> identity(nox->opt->devType, nox->opt->devNumber);
-    nox->isRowRefused = row < 1;
-    if (nox->isRowRefused && nox->rowIdentity == identity)
+    const bool isOther = std::exchange(nox->rowIdentity, identity) != identity;
+    if (isOther)
+        nox->refused = {}; // it is of another instrument
+    nox->refused.row = row < 1;
+    if (nox->refused.row && !isOther)
         return;
     nox->dbIndex = row;
-    if (std::exchange(nox->rowIdentity, identity) != identity)
-        nox->factory = {}; // it is of another instrument
+    storeProperties(nox); // first: who hears of the identity asks for them
+}
+
+void InstrumentStore::noteLostRow(noxList::_nox *nox) const
+{
+    const optionsNOX8 &image = *nox->opt;
+    if (nox->dbIndex < 1 || m_database->findDev(image.devType, image.devNumber) == nox->dbIndex)
+        return;
+    nox->refused.row = true;
+    nox->snapShotId = 0;
 }
 
 // What is learnt of it
 
-void InstrumentStore::updateReferences(const noxList::_nox &nox) const
+void InstrumentStore::updateReferences(noxList::_nox *nox) const
 {
-    const QByteArray refdata = taken(nox.opt->getRefAllData());
-    m_database->updRefData(nox.dbIndex, &refdata, nox.opt->devType, nox.opt->devNumber,
-                           nox.opt->getDevName(true));
+    const optionsNOX8 &image = *nox->opt;
+    const QByteArray refdata = taken(image.getRefAllData());
+    nox->refused.references = !m_database->updRefData(nox->dbIndex, &refdata, image.devType,
+                                                      image.devNumber, image.getDevName(true));
 }
 
-void InstrumentStore::noteWrittenReferences(const noxList::_nox &nox) const
+void InstrumentStore::noteWrittenReferences(noxList::_nox *nox) const
 {
-    if (nox.opt->isIdentified())
+    const optionsNOX8 &image = *nox->opt;
+    if (image.isIdentified())
         return updateReferences(nox);
-    const QByteArray refdata = taken(nox.opt->getRefAllData());
+    const QByteArray refdata = taken(image.getRefAllData());
     quint32 type = 0;
     quint32 number = 0;
-    if (m_database->findDev(&refdata, &type, &number) >= 1 && type != nox.opt->devType &&
-        number != nox.opt->devNumber)
+    if (m_database->findDev(&refdata, &type, &number) >= 1 && type != image.devType &&
+        number != image.devNumber)
         updateReferences(nox);
 }
 
-void InstrumentStore::keepUnit(const noxList::_nox &nox, quint8 ch) const
+void InstrumentStore::keepUnit(noxList::_nox *nox, quint8 ch) const
 {
-    if (nox.dbIndex < 1 || ch >= nox.opt->getDevChCount())
+    const optionsNOX8 &image = *nox->opt;
+    if (ch >= image.getDevChCount())
         return;
-    const QString unit = nox.opt->getChDimCust(ch);
-    const bool isCustom = nox.opt->getCh(ch).measType == measTemperatureCustom && !unit.isEmpty();
-    m_database->setDevProperty(nox.dbIndex, unitKey(ch), isCustom ? QVariant(unit) : QVariant());
+    const QString unit = image.getChDimCust(ch);
+    const bool isCustom = image.getCh(ch).measType == measTemperatureCustom && !unit.isEmpty();
+    const QVariant property = isCustom ? QVariant(unit) : QVariant();
+    if (nox->dbIndex >= 1)
+        m_database->setDevProperty(nox->dbIndex, unitKey(ch), property);
+    else if (nox->refused.row)
+        nox->refused.properties.insert(unitKey(ch), property);
 }
 
 // How it is set
@@ -116,24 +134,48 @@ void InstrumentStore::recogniseSnapShot(noxList::_nox *nox, bool isComplete) con
 {
     const QByteArray data = taken(nox->opt->getData());
     const QByteArray refdata = taken(nox->opt->getRefAllData());
-    const auto known = nox->isRowRefused ? QVector<noxSql::noxSqlItem>()
-                                         : m_database->findSnapShot(&data, &refdata, nox->dbIndex);
+    const auto known = nox->refused.row ? QVector<noxSql::noxSqlItem>()
+                                        : m_database->findSnapShot(&data, &refdata, nox->dbIndex);
     if (!known.isEmpty()) {
         nox->snapShotId = known.first().id;
-    } else if (isComplete && nox->factory.first.isEmpty()) {
-        nox->factory = {data, refdata};
-        storeRefusedFactorySnapShot(nox);
+    } else if (isComplete && nox->refused.firstSnapShot.first.isEmpty()) {
+        nox->refused.firstSnapShot = {data, refdata};
+        storeFirstSnapShot(nox);
     }
 }
 
-void InstrumentStore::storeRefusedFactorySnapShot(noxList::_nox *nox) const
+// What the database has refused
+
+void InstrumentStore::storeRefused(noxList::_nox *nox) const
 {
-    const auto &[data, refdata] = nox->factory;
-    if (data.isEmpty() || nox->isRowRefused)
+    if (nox->refused.references)
+        updateReferences(nox);
+    storeFirstSnapShot(nox);
+}
+
+void InstrumentStore::storeProperties(noxList::_nox *nox) const
+{
+    const auto refused = std::exchange(nox->refused.properties, {});
+    if (refused.isEmpty())
+        return;
+    // with those that it inherits: the first one of its own would end that
+    auto properties = m_database->getDevProperty(nox->dbIndex);
+    for (auto property = refused.cbegin(); property != refused.cend(); ++property)
+        properties.insert(property.key(), property.value());
+    QMap<QPair<int, QString>, QVariant> ofRow;
+    for (auto property = properties.cbegin(); property != properties.cend(); ++property)
+        ofRow.insert({nox->dbIndex, property.key()}, property.value());
+    m_database->setDevProperties(ofRow);
+}
+
+void InstrumentStore::storeFirstSnapShot(noxList::_nox *nox) const
+{
+    const auto &[data, refdata] = nox->refused.firstSnapShot;
+    if (data.isEmpty() || nox->refused.row)
         return;
     const int count = m_database->getSnapShotCount(nox->dbIndex);
     if (count > 0 ||
         (count == 0 && m_database->setSnapShot(nox->dbIndex, &data, &refdata,
                                                noxList::tr("Заводская настройка"), 0) >= 1))
-        nox->factory = {};
+        nox->refused.firstSnapShot = {};
 }

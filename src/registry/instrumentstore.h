@@ -27,14 +27,16 @@ public:
     /** The same, with the reference data in the row; nothing is changed while the database is
      *  closed, and when a row that is there does not take them. */
     void provideWithReferences(noxList::_nox *nox) const;
+    /** Notes when the row is not that of the instrument any more, as in another database. */
+    void noteLostRow(noxList::_nox *nox) const;
 
     /** Brings the row up to the image. */
-    void updateReferences(const noxList::_nox &nox) const;
+    void updateReferences(noxList::_nox *nox) const;
     /** The same after the instrument has taken reference data; those of one that has not told who
      *  it is only where the row that holds them already is of another type and number. */
-    void noteWrittenReferences(const noxList::_nox &nox) const;
+    void noteWrittenReferences(noxList::_nox *nox) const;
     /** Keeps the user's unit of a channel, or that there is none. */
-    void keepUnit(const noxList::_nox &nox, quint8 ch) const;
+    void keepUnit(noxList::_nox *nox, quint8 ch) const;
 
     /** All that a snapshot keeps of an instrument that is at one; empty for any other. */
     static QByteArray snapShotContent(const noxList::_nox &nox);
@@ -44,11 +46,14 @@ public:
     /** Finds the snapshot that is equal to the configuration. The very first configuration of an
      *  instrument is stored, if all of it has been read (`isComplete`). */
     void recogniseSnapShot(noxList::_nox *nox, bool isComplete) const;
-    /** Stores that first configuration if it has not been taken yet. */
-    void storeRefusedFactorySnapShot(noxList::_nox *nox) const;
+
+    /** Stores what the database has refused, once the row is known. */
+    void storeRefused(noxList::_nox *nox) const;
 
 private:
-    static void noteRow(noxList::_nox *nox, int row);
+    void noteRow(noxList::_nox *nox, int row) const;
+    void storeProperties(noxList::_nox *nox) const;
+    void storeFirstSnapShot(noxList::_nox *nox) const;
 
     noxSql *m_database;
 };

@@ -332,16 +332,16 @@ void noxList::writeNow()
 }
 
 /** An identity that the instrument does not hold is kept in the database alone. */
-void noxList::applyIdentity(const _nox *nox)
+void noxList::applyIdentity(_nox *nox)
 {
     if (nox->opt->isIdentified() && !nox->opt->identValid && nox->dbIndex > 0)
-        m_store->updateReferences(*nox);
+        m_store->updateReferences(nox);
 }
 
 void noxList::keepUnit(int index, quint8 ch)
 {
-    if (const _nox *nox = getNoxByIndex(index)) // a receiver of the change may have removed it
-        m_store->keepUnit(*nox, ch);
+    if (_nox *nox = getNoxByIndex(index)) // a receiver of the change may have removed it
+        m_store->keepUnit(nox, ch);
 }
 
 void noxList::noteIdentity(int index)
@@ -361,7 +361,9 @@ void noxList::noteRefused()
     const auto all = indices();
     for (const int index : all) {
         _nox *nox = getNoxByIndex(index);
-        if (nox && nox->isRowRefused && nox->opt->isIdentified()) {
+        if (nox && nox->opt->isIdentified())
+            m_store->noteLostRow(nox);
+        if (nox && nox->refused.row && nox->opt->isIdentified()) {
             // data that have not been read must not take the place of those that are stored
             if (!nox->opt->identValid && nox->held.referenceData())
                 m_store->provideWithReferences(nox);
@@ -369,7 +371,7 @@ void noxList::noteRefused()
             nox = getNoxByIndex(index); // a receiver of the identity may have removed it
         }
         if (nox)
-            m_store->storeRefusedFactorySnapShot(nox);
+            m_store->storeRefused(nox);
     }
 }
 
@@ -401,7 +403,7 @@ void noxList::applyDevQuery(int devIndex, QByteArray *buf, quint8 address)
     // an extended model's configuration is whole, and can be compared, with its zero shifts
     const bool isConfiguration = address == configurationAddress || address == zeroShiftsAddress;
     const bool hasLeft = InstrumentStore::leaveSnapShot(nox, contentBefore);
-    if (isConfiguration && isAccepted && (nox->dbIndex >= 1 || nox->isRowRefused))
+    if (isConfiguration && isAccepted && (nox->dbIndex >= 1 || nox->refused.row))
         m_store->recogniseSnapShot(nox, m_serialPort->isEmptyQueryQueue(nox->devIndex));
     else if (address == referenceDataAddress && nox->dbIndex == 0)
         return m_store->find(nox);
@@ -417,7 +419,7 @@ void noxList::onDoneSendDevData(int devIndex, noxSerialPortDataItem data)
         return;
     nox->held.noteWritten(data.address, data.data);
     if (data.address == optionsNOX8::txReferenceData && nox->dbIndex >= 1)
-        m_store->noteWrittenReferences(*nox);
+        m_store->noteWrittenReferences(nox);
     emit onHeldChange(nox->index);
 }
 

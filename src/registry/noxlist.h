@@ -7,6 +7,7 @@
 #include <QMap>
 #include <QObject>
 #include <QTimer>
+#include <QVariant>
 #include <QVector>
 
 #include <memory>
@@ -33,14 +34,21 @@ class noxList : public QObject
 {
     Q_OBJECT
 public:
+    /** What the database has not taken of an instrument so far. */
+    struct Refused {
+        bool row = false;                            ///< it could not tell the row, nor add it
+        bool references = false;                     ///< the row is not up to the image
+        QPair<QByteArray, QByteArray> firstSnapShot; ///< its blocks
+        QMap<QString, QVariant> properties;          ///< that have no row yet
+    };
+
     /** One instrument. */
     struct _nox {
-        int index = -1;                        ///< registry index
-        int devIndex = -1;                     ///< at the multiplexer; -1 when not connected
-        int dbIndex = 0;                       ///< in the database; below 1 when not stored
-        bool isRowRefused = false;             ///< the database could not tell the row, nor add it
-        QPair<quint32, quint32> rowIdentity;   ///< type and serial number that the row is of
-        QPair<QByteArray, QByteArray> factory; ///< blocks of the first snapshot, while refused
+        int index = -1;                      ///< registry index
+        int devIndex = -1;                   ///< at the multiplexer; -1 when not connected
+        int dbIndex = 0;                     ///< in the database; below 1 when not stored
+        QPair<quint32, quint32> rowIdentity; ///< type and serial number that the row is of
+        Refused refused;
         int snapShotId = 0; ///< snapshot that it is at, or that the user has changed; 0 for none
         int qwtIndex = -1;  ///< on the plot; -1 while it is not there
         quint8 mainCh = 0;  ///< main channel last written to the instrument
@@ -181,7 +189,7 @@ private:
     void leave(const _nox *nox);
 
     void writePending(_nox *nox);
-    void applyIdentity(const _nox *nox);
+    void applyIdentity(_nox *nox);
     void keepUnit(int index, quint8 ch);
     void noteIdentity(int index);
     void noteRefused();

@@ -93,9 +93,13 @@ void PlotSettingsStore::connectPlot()
 
 void PlotSettingsStore::store(int qwtIndex, const QString &key, const QVariant &value)
 {
-    const noxList::_nox *nox = m_isApplying ? nullptr : m_registry->getNoxByQwtIndex(qwtIndex);
+    noxList::_nox *nox = m_isApplying ? nullptr : m_registry->getNoxByQwtIndex(qwtIndex);
     if (!nox)
         return;
+    if (nox->dbIndex < 1 && nox->refused.row) {
+        nox->refused.properties.insert(key, value); // until there is a row
+        return;
+    }
     m_unwritten.insert({idOf(*nox), key}, value);
     if (!m_timer.isActive())
         writeNow();

@@ -85,6 +85,46 @@ private slots:
         QCOMPARE(bench.database.findDev(&stored, &type, &number), 1);
     }
 
+    void referencesThatWereRefusedAreStoredLater()
+    {
+        RegistryBench bench;
+        optionsNOX8 &image = *bench.list.newNox(-1, true)->opt;
+        image.setDevType(typeB);
+        image.setDevNumber(5);
+        QCOMPARE(nox(bench).dbIndex, 1);
+        {
+            const Holder holder(bench.database.path());
+            QVERIFY(holder.holds());
+            image.triggerDevChange();
+        }
+        const QByteArray references = taken(image.getRefAllData());
+        quint32 type = 0;
+        quint32 number = 0;
+        QTRY_COMPARE(bench.database.findDev(&references, &type, &number), 1);
+        QCOMPARE(number, quint32(5));
+    }
+
+    void rowIsFoundInAnotherDatabase()
+    {
+        RegistryBench bench;
+        QCOMPARE(identified(bench).dbIndex, 1);
+        const QString path = bench.database.path();
+        const QString other = bench.folder.filePath("other.db");
+        QVERIFY(provideDatabase(other));
+        {
+            auto connection = QSqlDatabase::addDatabase("QSQLITE", otherProgram);
+            connection.setDatabaseName(other);
+            QVERIFY(connection.open());
+            QSqlQuery query("INSERT INTO device (device_type, device_number) VALUES (17, 9)",
+                            connection);
+            QVERIFY(query.isActive());
+        }
+        QSqlDatabase::removeDatabase(otherProgram);
+        QVERIFY(QFile::remove(path) && QFile::rename(other, path));
+        bench.database.setAppProperty("exit_query", true);
+        QTRY_COMPARE(nox(bench).dbIndex, 2);
+    }
+
     void rowThatIsKnownStays()
     {
         RegistryBench bench;

@@ -165,6 +165,25 @@ private slots:
         QCOMPARE(m_program->look(0), look);
     }
 
+    void looksOfARefusedInstrumentAreStoredLater()
+    {
+        m_program->decorate(m_program->attach(1), 1);
+        m_sql->setAppProperty("main_device_id", 1);
+        // as in a file that is read-only; it is opened anew after a second
+        QVERIFY(QSqlQuery("PRAGMA query_only=1").isActive());
+        const int index = m_program->attach(2);
+        QCOMPARE(m_program->nox(index).dbIndex, -1);
+        m_program->plot.setChColor(Qt::white, 1, 5);
+        m_program->nox(index).opt->setChMeasType(3, measTemperatureCustom, "м");
+        const QVariantList look = m_program->look(1);
+        QTRY_COMPARE(m_program->nox(index).dbIndex, 2);
+        QCOMPARE(m_program->look(1), look);
+        restart();
+        m_program->attach(2);
+        QCOMPARE(m_program->look(0), look);
+        QCOMPARE(m_program->nox(0).opt->getChDimCust(3), QString("м"));
+    }
+
     void mainChannelIsMirrored()
     {
         const auto written = [this](int number, int mode) {
