@@ -59,11 +59,9 @@ constexpr Damage damages[] = {
     {"DROP TABLE %1", false},
     {"ALTER TABLE %1 RENAME TO lost", false},
     {"ALTER TABLE %1 ADD COLUMN more", false},
-    {"CREATE TRIGGER refusing BEFORE INSERT ON %1 BEGIN SELECT RAISE(ABORT, ''); END", false},
-    {"CREATE TRIGGER ignoring BEFORE INSERT ON %1 BEGIN SELECT RAISE(IGNORE); END", false},
-    {"CREATE TRIGGER keeping BEFORE UPDATE ON %1 BEGIN SELECT RAISE(ABORT, ''); END", false},
+    {"CREATE UNIQUE INDEX only_one_row ON %1 ((1))", false},
     {"CREATE TRIGGER emptying AFTER INSERT ON %1 BEGIN DELETE FROM %1; END", false},
-    {"CREATE TRIGGER holding BEFORE DELETE ON %1 BEGIN SELECT RAISE(ABORT, ''); END", false},
+    {"CREATE VIEW more AS SELECT * FROM %1", true},
 };
 
 QSqlQuery run(const QSqlDatabase &database, const QString &sql, const QVariantList &values = {})
@@ -247,7 +245,7 @@ private:
     {
         const InstrumentStore store(&m_database);
         store.find(&nox);
-        store.provideWithReferences(&nox);
+        store.provideWithReferences(&nox, *nox.opt);
         store.provide(&nox);
         require(!m_isWhole || nox.dbIndex != 0);
         store.updateReferences(&nox);

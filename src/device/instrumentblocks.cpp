@@ -53,6 +53,11 @@ void forEachReference(Data &data, Visit visit)
 
 } // namespace
 
+QByteArray noStamp()
+{
+    return {8, '\0'};
+}
+
 QByteArray encodeReferenceData(const ReferenceData &data, const QByteArray &stamp)
 {
     QByteArray block;

@@ -41,9 +41,12 @@ struct ReferenceData {
 
 constexpr int referenceDataSize = 72;
 
+/** The stamp of a block that is kept, and not written to an instrument. */
+QByteArray noStamp();
+
 /**
  * The block of 72 bytes: T0, R1 to R4 as triples, Uref as a triple, then `stamp`, the 8 bytes of
- * the moment of writing (see encodeDateTime()), zeros where the block is only kept.
+ * the moment of writing (see encodeDateTime()) or noStamp().
  */
 QByteArray encodeReferenceData(const ReferenceData &data, const QByteArray &stamp);
 

@@ -18,11 +18,6 @@ QString entryOf(const QStringList &list, int index)
     return list.value(index, unknownText());
 }
 
-QByteArray noStamp()
-{
-    return {8, '\0'};
-}
-
 } // namespace
 
 InstrumentRecord::InstrumentRecord()

@@ -412,7 +412,7 @@ void findNox::connectRow(const FoundTable::WaitingRow &row)
     if (!image.isIdentified())
         return;
     if (found->dbIndex < 1)
-        m_store->provideWithReferences(found);
+        m_store->provideWithReferences(found, *found->opt);
     handOver(found);
 }
 

@@ -31,6 +31,7 @@ bool InstrumentStore::recognise(noxList::_nox *nox) const
     if (row < 1)
         return false;
     nox->dbIndex = row; // first: who hears of the identity asks for it
+    nox->rowIdentity = {type, number};
     const QPointer<optionsNOX8> image = nox->opt.get(); // ... and may remove the instrument
     image->setDevType(type);
     if (image)
@@ -44,10 +45,11 @@ void InstrumentStore::provide(noxList::_nox *nox) const
     noteRow(nox, m_database->addDev(image.devType, image.devNumber, image.getDevName(true)));
 }
 
-void InstrumentStore::provideWithReferences(noxList::_nox *nox) const
+void InstrumentStore::provideWithReferences(noxList::_nox *nox,
+                                            const ReferenceData &references) const
 {
     const optionsNOX8 &image = *nox->opt;
-    const QByteArray refdata = taken(image.getRefData(true));
+    const QByteArray refdata = encodeReferenceData(references, noStamp());
     if (const auto row = m_database->provideDev(&refdata, image.devType, image.devNumber,
                                                 image.getDevName(true)))
         noteRow(nox, *row);
@@ -69,23 +71,15 @@ void InstrumentStore::noteRow(noxList::_nox *nox, int row) const
     storeProperties(nox); // first: who hears of the identity asks for them
 }
 
-void InstrumentStore::noteLostRow(noxList::_nox *nox) const
-{
-    const optionsNOX8 &image = *nox->opt;
-    if (nox->dbIndex < 1 || m_database->findDev(image.devType, image.devNumber) == nox->dbIndex)
-        return;
-    nox->refused.row = true;
-    nox->snapShotId = 0;
-}
-
 // What is learnt of it
 
 void InstrumentStore::updateReferences(noxList::_nox *nox) const
 {
     const optionsNOX8 &image = *nox->opt;
     const QByteArray refdata = taken(image.getRefAllData());
-    nox->refused.references = !m_database->updRefData(nox->dbIndex, &refdata, image.devType,
-                                                      image.devNumber, image.getDevName(true));
+    const bool isStored = m_database->updRefData(nox->dbIndex, &refdata, image.devType,
+                                                 image.devNumber, image.getDevName(true));
+    nox->refused.references = isStored ? QByteArray() : refdata;
 }
 
 void InstrumentStore::noteWrittenReferences(noxList::_nox *nox) const
@@ -111,8 +105,8 @@ void InstrumentStore::keepUnit(noxList::_nox *nox, quint8 ch) const
     const QVariant property = isCustom ? QVariant(unit) : QVariant();
     if (nox->dbIndex >= 1)
         m_database->setDevProperty(nox->dbIndex, unitKey(ch), property);
-    else if (nox->refused.row)
-        nox->refused.properties.insert(unitKey(ch), property);
+    else if (nox->awaitsRow() && (isCustom || nox->refused.properties.contains(unitKey(ch))))
+        nox->refused.properties.insert(unitKey(ch), property); // a stored one has not been read
 }
 
 // How it is set
@@ -138,18 +132,53 @@ void InstrumentStore::recogniseSnapShot(noxList::_nox *nox, bool isComplete) con
                                         : m_database->findSnapShot(&data, &refdata, nox->dbIndex);
     if (!known.isEmpty()) {
         nox->snapShotId = known.first().id;
-    } else if (isComplete && nox->refused.firstSnapShot.first.isEmpty()) {
-        nox->refused.firstSnapShot = {data, refdata};
+    } else if (isComplete) {
+        if (nox->refused.firstSnapShot.first.isEmpty())
+            nox->refused.firstSnapShot = {data, refdata};
         storeFirstSnapShot(nox);
     }
 }
 
 // What the database has refused
 
+bool InstrumentStore::seekRow(noxList::_nox *nox) const
+{
+    const auto references = nox->held.referenceData();
+    if (!nox->opt->isIdentified()) {
+        if (nox->dbIndex < 1 && references)
+            recognise(nox);
+        return false;
+    }
+    noteLostRow(nox);
+    const bool isSought = nox->refused.row;
+    // data that have not been read must not take the place of those that are stored
+    if (isSought && !nox->opt->identValid && references)
+        provideWithReferences(nox, *references);
+    return isSought;
+}
+
+/** When the row is not that of the instrument any more, as in another database. */
+void InstrumentStore::noteLostRow(noxList::_nox *nox) const
+{
+    const optionsNOX8 &image = *nox->opt;
+    if (nox->dbIndex < 1)
+        return;
+    const int row = m_database->findDev(image.devType, image.devNumber);
+    if (row == nox->dbIndex || (row < 1 && !m_database->canStore())) // which cannot tell it, either
+        return;
+    nox->refused.row = true;
+    nox->snapShotId = 0;
+}
+
 void InstrumentStore::storeRefused(noxList::_nox *nox) const
 {
-    if (nox->refused.references)
-        updateReferences(nox);
+    if (nox->refused.row)
+        return;
+    const optionsNOX8 &image = *nox->opt;
+    if (!nox->refused.references.isEmpty() &&
+        m_database->updRefData(nox->dbIndex, &nox->refused.references, image.devType,
+                               image.devNumber, image.getDevName(true)))
+        nox->refused.references.clear();
     storeFirstSnapShot(nox);
 }
 
@@ -174,6 +203,8 @@ void InstrumentStore::storeFirstSnapShot(noxList::_nox *nox) const
     if (data.isEmpty() || nox->refused.row)
         return;
     const int count = m_database->getSnapShotCount(nox->dbIndex);
+    if (count < 0)
+        m_database->canStore(); // if not, it tells when it does
     if (count > 0 ||
         (count == 0 && m_database->setSnapShot(nox->dbIndex, &data, &refdata,
                                                noxList::tr("Заводская настройка"), 0) >= 1))

@@ -24,11 +24,9 @@ public:
     /** Finds the row of type and number, or adds one. While the database refuses that, `dbIndex` is
      *  -1, or the row that was known already. */
     void provide(noxList::_nox *nox) const;
-    /** The same, with the reference data in the row; nothing is changed while the database is
+    /** The same, with these reference data in the row; nothing is changed while the database is
      *  closed, and when a row that is there does not take them. */
-    void provideWithReferences(noxList::_nox *nox) const;
-    /** Notes when the row is not that of the instrument any more, as in another database. */
-    void noteLostRow(noxList::_nox *nox) const;
+    void provideWithReferences(noxList::_nox *nox, const ReferenceData &references) const;
 
     /** Brings the row up to the image. */
     void updateReferences(noxList::_nox *nox) const;
@@ -47,11 +45,15 @@ public:
      *  instrument is stored, if all of it has been read (`isComplete`). */
     void recogniseSnapShot(noxList::_nox *nox, bool isComplete) const;
 
-    /** Stores what the database has refused, once the row is known. */
+    /** Looks for the row again once the database can be asked, which may be another one by then;
+     *  whether it has yet to be provided. */
+    bool seekRow(noxList::_nox *nox) const;
+    /** Stores what the database has refused, if the row is known. */
     void storeRefused(noxList::_nox *nox) const;
 
 private:
     void noteRow(noxList::_nox *nox, int row) const;
+    void noteLostRow(noxList::_nox *nox) const;
     void storeProperties(noxList::_nox *nox) const;
     void storeFirstSnapShot(noxList::_nox *nox) const;
 

@@ -361,16 +361,10 @@ void noxList::noteRefused()
     const auto all = indices();
     for (const int index : all) {
         _nox *nox = getNoxByIndex(index);
-        if (nox && nox->opt->isIdentified())
-            m_store->noteLostRow(nox);
-        if (nox && nox->refused.row && nox->opt->isIdentified()) {
-            // data that have not been read must not take the place of those that are stored
-            if (!nox->opt->identValid && nox->held.referenceData())
-                m_store->provideWithReferences(nox);
+        if (nox && m_store->seekRow(nox))
             noteIdentity(index);
-            nox = getNoxByIndex(index); // a receiver of the identity may have removed it
-        }
-        if (nox)
+        nox = getNoxByIndex(index); // a receiver of the identity may have removed it
+        if (nox && nox->opt->isIdentified())
             m_store->storeRefused(nox);
     }
 }
@@ -418,7 +412,7 @@ void noxList::onDoneSendDevData(int devIndex, noxSerialPortDataItem data)
     if (!nox)
         return;
     nox->held.noteWritten(data.address, data.data);
-    if (data.address == optionsNOX8::txReferenceData && nox->dbIndex >= 1)
+    if (data.address == optionsNOX8::txReferenceData && (nox->dbIndex >= 1 || nox->awaitsRow()))
         m_store->noteWrittenReferences(nox);
     emit onHeldChange(nox->index);
 }

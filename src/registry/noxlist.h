@@ -37,7 +37,7 @@ public:
     /** What the database has not taken of an instrument so far. */
     struct Refused {
         bool row = false;                            ///< it could not tell the row, nor add it
-        bool references = false;                     ///< the row is not up to the image
+        QByteArray references;                       ///< that the row has not got
         QPair<QByteArray, QByteArray> firstSnapShot; ///< its blocks
         QMap<QString, QVariant> properties;          ///< that have no row yet
     };
@@ -69,6 +69,8 @@ public:
         HeldBlocks held;                       ///< what was last read from it or written to it
 
         bool isConnected() const { return devIndex >= 0; }
+        /** Whether it is known who it is, but the database has not taken it yet. */
+        bool awaitsRow() const { return refused.row && dbIndex < 1 && opt->isIdentified(); }
     };
 
     noxList(NOXSerialPort *serialPort, noxSql *database);

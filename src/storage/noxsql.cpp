@@ -382,10 +382,12 @@ QMap<QString, QVariant> noxSql::getDevProperty(int deviceId)
 noxSql::NamedProperties noxSql::inheritedProperties()
 {
     const int mainId = getAppProperty(QStringLiteral("main_device_id")).toInt();
+    if (mainId < 1) // those without a row have no look that others begin with
+        return {};
     auto properties =
         withUnwritten(mainId, instrumentProperties(mainId).value_or(NamedProperties()));
     for (const QString &key : properties.keys())
-        if (!key.startsWith(QLatin1String("qwt")))
+        if (!key.startsWith(QLatin1String("qwt"), Qt::CaseInsensitive))
             properties.remove(key);
     return properties;
 }

@@ -96,8 +96,8 @@ void PlotSettingsStore::store(int qwtIndex, const QString &key, const QVariant &
     noxList::_nox *nox = m_isApplying ? nullptr : m_registry->getNoxByQwtIndex(qwtIndex);
     if (!nox)
         return;
-    if (nox->dbIndex < 1 && nox->refused.row) {
-        nox->refused.properties.insert(key, value); // until there is a row
+    if (nox->awaitsRow()) {
+        nox->refused.properties.insert(key, value);
         return;
     }
     m_unwritten.insert({idOf(*nox), key}, value);
@@ -128,17 +128,20 @@ void PlotSettingsStore::flush()
         m_database->setDevProperties(std::exchange(m_unwritten, {}));
 }
 
-/** What is stored for an instrument, which takes over what it inherits: else its first own setting
- *  would end that, and leave it with this one alone. */
+/** What is stored for an instrument, or waits for its row. It takes over what it inherits: else its
+ *  first own setting would end that, and leave it with this one alone. */
 PlotSettingsStore::Settings PlotSettingsStore::settingsOf(const noxList::_nox &nox)
 {
     flush();
-    const Settings settings = m_database->getDevProperty(idOf(nox));
+    Settings settings = m_database->getDevProperty(idOf(nox));
     if (!m_database->hasDevProperty(idOf(nox))) {
         for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting)
             m_unwritten.insert({idOf(nox), setting.key()}, setting.value());
         flush();
     }
+    const Settings &awaiting = nox.refused.properties;
+    for (auto setting = awaiting.cbegin(); setting != awaiting.cend(); ++setting)
+        settings.insert(setting.key(), setting.value());
     return settings;
 }
 

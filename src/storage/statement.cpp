@@ -15,12 +15,13 @@ constexpr int patienceMs = 10;
 constexpr char heldProperty[] = "isHeldElsewhere";
 constexpr char rulesProperty[] = "hasOwnRules";
 
-/** What might never end: a view in place of a table, and all that is done at a change but by our
- *  triggers, which delete what has one id. */
+/** What might never end: a view or a module in place of a table, and all that is done at a change
+ *  but by our triggers, which delete what has one id. */
 constexpr auto foreignRules =
-    "SELECT count(*) FROM sqlite_master WHERE (type='view' AND lower(name) IN ('app_property',"
-    " 'device', 'device_property', 'device_snapshot', 'device_snapshot_property', 'feature'))"
-    " OR (type='trigger' AND (name NOT IN ('device_delete', 'device_snapshot_delete')"
+    "SELECT count(*) FROM sqlite_master WHERE (lower(type)='view' AND lower(name) IN"
+    " ('app_property', 'device', 'device_property', 'device_snapshot', 'device_snapshot_property',"
+    " 'feature')) OR (lower(type)='table' AND coalesce(rootpage, 0)=0)"
+    " OR (lower(type)='trigger' AND (name NOT IN ('device_delete', 'device_snapshot_delete')"
     " OR sql LIKE '%SELECT%' OR sql LIKE '%UPDATE%' OR lower(sql) GLOB '*[^a-z]in[^a-z]*'))";
 
 /** The connection as it is: closed, it stays closed. */
@@ -49,15 +50,17 @@ void noteHeld(const QSqlDatabase &database, bool held)
     QSqlQuery(database).exec(QStringLiteral("PRAGMA busy_timeout=%1").arg(held ? 0 : patienceMs));
 }
 
-/** Whether a change does what its statement says, and no more. */
+/** Whether a change is known to do what its statement says, and no more. */
 bool hasOwnRules(const QSqlDatabase &database)
 {
     const QVariant known = database.driver()->property(rulesProperty);
     if (known.isValid())
         return known.toBool();
     QSqlQuery query(database);
-    if (!query.exec(QString::fromLatin1(foreignRules)) || !query.next())
-        return true; // what does not let itself be asked refuses the statement, too
+    const bool isAnswered = query.exec(QString::fromLatin1(foreignRules)) && query.next();
+    noteHeld(database, !isAnswered && saysHeld(query.lastError()));
+    if (!isAnswered)
+        return false;
     const bool hasOwn = query.value(0).toInt() == 0;
     database.driver()->setProperty(rulesProperty, hasOwn);
     return hasOwn;

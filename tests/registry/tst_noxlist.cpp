@@ -294,10 +294,10 @@ private slots:
         noxList::_nox *const nox = identify(list().newNox(-1, false), typeB, 5);
         const InstrumentStore store(&bench->database);
         QVERIFY(QSqlQuery("PRAGMA query_only=1").isActive());
-        store.provideWithReferences(nox);
+        store.provideWithReferences(nox, *nox->opt);
         QCOMPARE(std::exchange(nox->dbIndex, 0), -1);
         QSqlDatabase::database().close();
-        store.provideWithReferences(nox);
+        store.provideWithReferences(nox, *nox->opt);
         QCOMPARE(nox->dbIndex, 0);
     }
 

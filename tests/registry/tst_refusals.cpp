@@ -1,65 +1,76 @@
+#include "registry/instrumentstore.h"
 #include "registrybench.h"
-
-#include <QSqlDatabase>
-#include <QSqlQuery>
-
-namespace
-{
-
-constexpr auto otherProgram = "other";
-
-/** Another program that holds the database while it lives. */
-class Holder
-{
-public:
-    explicit Holder(const QString &path)
-    {
-        auto other = QSqlDatabase::addDatabase("QSQLITE", otherProgram);
-        other.setDatabaseName(path);
-        m_holds = other.open() && QSqlQuery("BEGIN EXCLUSIVE", other).isActive();
-    }
-    ~Holder() { QSqlDatabase::removeDatabase(otherProgram); }
-    bool holds() const { return m_holds; }
-
-private:
-    bool m_holds = false;
-};
-
-} // namespace
+#include "support/databaseholder.h"
 
 /** What is learnt of an instrument while the database refuses to take it. */
 class TestRefusals : public QObject
 {
     Q_OBJECT
 private slots:
-    void rowAndFirstConfigurationAreStoredLater()
+    void allOfANewInstrumentIsStoredLater()
     {
         RegistryBench bench;
         QByteArray first;
+        QByteArray references;
         {
-            const Holder holder(bench.database.path());
+            const DatabaseHolder holder(bench.database.path());
             QVERIFY(holder.holds());
             optionsNOX8 &image = *identified(bench).opt;
-            QVERIFY(bench.isRead(0));
             QCOMPARE(nox(bench).dbIndex, -1);
             first = taken(image.getData());
+            references = taken(image.getRefAllData());
             image.setChOnOff(1, 0);
             QVERIFY(taken(image.getData()) != first);
+            image.refT0.value = 1.5F;
+            image.triggerRefChange();
+            QTRY_COMPARE(nox(bench).held.referenceData()->refT0.value, 1.5F); // it is written
         }
         QTRY_COMPARE(nox(bench).dbIndex, 1);
-        const QByteArray references = taken(nox(bench).opt->getRefAllData());
         const auto factory = bench.database.findSnapShot(&first, &references, 1);
         QVERIFY(factory.size() == 1 && factory.first().factory);
+        QCOMPARE(rowWith(bench, taken(nox(bench).opt->getRefAllData())), 1);
+    }
+
+    void olderOneIsStoredWithItsReferences()
+    {
+        RegistryBench bench;
+        bench.add("SIM1", "NOX B", 5, true);
+        optionsNOX8 &image = *bench.list.newNox(bench.port.addDev("SIM1"), true)->opt;
+        {
+            const DatabaseHolder holder(bench.database.path());
+            QVERIFY(holder.holds());
+            image.setDevType(typeB);
+            bench.list.getOptFromNox(0);
+            QVERIFY(bench.isRead(0));
+            image.setDevNumber(5); // as the operator knows it
+            QCOMPARE(nox(bench).dbIndex, -1);
+        }
+        QTRY_COMPARE(nox(bench).dbIndex, 1);
+        QCOMPARE(rowWith(bench, taken(image.getRefAllData())), 1);
+    }
+
+    void firstConfigurationThatOnlyIsRefusedIsStoredLater()
+    {
+        RegistryBench bench;
+        optionsNOX8 &image = *bench.list.newNox(-1, true)->opt;
+        image.setDevType(typeB);
+        image.setDevNumber(5);
+        QCOMPARE(nox(bench).dbIndex, 1);
+        {
+            const DatabaseHolder holder(bench.database.path());
+            QVERIFY(holder.holds());
+            InstrumentStore(&bench.database).recogniseSnapShot(&nox(bench), true);
+        }
+        QTRY_COMPARE(bench.database.getSnapShotCount(1), 1);
     }
 
     void firstConfigurationOfAnotherInstrumentIsForgotten()
     {
         RegistryBench bench;
         {
-            const Holder holder(bench.database.path());
+            const DatabaseHolder holder(bench.database.path());
             QVERIFY(holder.holds());
             identified(bench);
-            QVERIFY(bench.isRead(0));
             nox(bench).opt->setDevNumber(6);
         }
         QTRY_COMPARE(nox(bench).dbIndex, 1);
@@ -72,7 +83,7 @@ private slots:
         const QByteArray stored(referenceDataSize, '\1');
         QCOMPARE(bench.database.provideDev(&stored, typeB, 5, "B"), 1);
         {
-            const Holder holder(bench.database.path());
+            const DatabaseHolder holder(bench.database.path());
             QVERIFY(holder.holds());
             optionsNOX8 &image = *bench.list.newNox(-1, true)->opt;
             image.setDevType(typeB);
@@ -80,9 +91,7 @@ private slots:
             QCOMPARE(nox(bench).dbIndex, -1);
         }
         QTRY_COMPARE(nox(bench).dbIndex, 1);
-        quint32 type = 0;
-        quint32 number = 0;
-        QCOMPARE(bench.database.findDev(&stored, &type, &number), 1);
+        QCOMPARE(rowWith(bench, stored), 1);
     }
 
     void referencesThatWereRefusedAreStoredLater()
@@ -93,15 +102,11 @@ private slots:
         image.setDevNumber(5);
         QCOMPARE(nox(bench).dbIndex, 1);
         {
-            const Holder holder(bench.database.path());
+            const DatabaseHolder holder(bench.database.path());
             QVERIFY(holder.holds());
             image.triggerDevChange();
         }
-        const QByteArray references = taken(image.getRefAllData());
-        quint32 type = 0;
-        quint32 number = 0;
-        QTRY_COMPARE(bench.database.findDev(&references, &type, &number), 1);
-        QCOMPARE(number, quint32(5));
+        QTRY_COMPARE(rowWith(bench, taken(image.getRefAllData())), 1);
     }
 
     void rowIsFoundInAnotherDatabase()
@@ -112,14 +117,14 @@ private slots:
         const QString other = bench.folder.filePath("other.db");
         QVERIFY(provideDatabase(other));
         {
-            auto connection = QSqlDatabase::addDatabase("QSQLITE", otherProgram);
+            auto connection = QSqlDatabase::addDatabase("QSQLITE", "another");
             connection.setDatabaseName(other);
             QVERIFY(connection.open());
             QSqlQuery query("INSERT INTO device (device_type, device_number) VALUES (17, 9)",
                             connection);
             QVERIFY(query.isActive());
         }
-        QSqlDatabase::removeDatabase(otherProgram);
+        QSqlDatabase::removeDatabase("another");
         QVERIFY(QFile::remove(path) && QFile::rename(other, path));
         bench.database.setAppProperty("exit_query", true);
         QTRY_COMPARE(nox(bench).dbIndex, 2);
@@ -129,10 +134,14 @@ private slots:
     {
         RegistryBench bench;
         QCOMPARE(identified(bench).dbIndex, 1);
-        const Holder holder(bench.database.path());
+        const DatabaseHolder holder(bench.database.path());
         QVERIFY(holder.holds());
         emit nox(bench).opt->onIdentChange();
+        nox(bench).snapShotId = 7;
+        emit bench.database.storingChanged(true); // but it is held again
+        QCoreApplication::processEvents();
         QCOMPARE(nox(bench).dbIndex, 1);
+        QCOMPARE(nox(bench).snapShotId, 7);
         nox(bench).opt->setDevNumber(6); // another one, which cannot be found
         QCOMPARE(nox(bench).dbIndex, -1);
     }
@@ -149,6 +158,12 @@ private slots:
 
 private:
     static noxList::_nox &nox(RegistryBench &bench) { return *bench.list.getNoxByIndex(0); }
+    static int rowWith(RegistryBench &bench, const QByteArray &references)
+    {
+        quint32 type = 0;
+        quint32 number = 0;
+        return bench.database.findDev(&references, &type, &number);
+    }
     static noxList::_nox &identified(RegistryBench &bench)
     {
         bench.add("SIM1", "NOX B", 5);
@@ -156,6 +171,7 @@ private:
         image.setDevType(typeB);
         image.setDevNumber(5);
         bench.list.getOptFromNox(0);
+        bench.isRead(0); // no answer changes anything later
         return nox(bench);
     }
 };

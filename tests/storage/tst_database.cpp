@@ -1,5 +1,6 @@
 #include "storage/noxsql.h"
 #include "storage/storeditems.h"
+#include "support/databaseholder.h"
 #include "support/fulldisk.h"
 
 #include <QProcess>
@@ -257,6 +258,9 @@ private slots:
         QCOMPARE(rows(path(), "SELECT * FROM app_property; SELECT * FROM device_property"),
                  (QStringList{"1|autoconnect|1", "3|main_device_id|1", "1|1|qwt_scale|5",
                               "2|1|ch_0-dim|K", "3|2|qwt_scale|7"}));
+        QVERIFY(m_sql->setAppProperty("main_device_id", QVariant()));
+        m_sql->setDevProperty(0, "qwt_scale", 3); // of those without a row
+        QVERIFY(m_sql->getDevProperty(3).isEmpty());
     }
 
     void deletingAnInstrumentTakesWhatIsItsOwn()
@@ -371,9 +375,8 @@ private slots:
         QVERIFY(!m_sql->canStore() && !m_sql->provideDev(&otherReference, 0x11, 1, "A"));
         QVERIFY(QSqlQuery("PRAGMA query_only=0").isActive());
         {
-            auto other = QSqlDatabase::addDatabase("QSQLITE", "other");
-            other.setDatabaseName(path());
-            QVERIFY(other.open() && QSqlQuery("BEGIN EXCLUSIVE", other).isActive());
+            const DatabaseHolder holder(path());
+            QVERIFY(holder.holds());
             QElapsedTimer watch;
             watch.start();
             for (int round = 0; round < 50; ++round)
@@ -381,7 +384,6 @@ private slots:
             QVERIFY(watch.elapsed() < 5000);   // no statement but the first waits
             QVERIFY(m_sql->hasDevProperty(2)); // it cannot be told
         }
-        QSqlDatabase::removeDatabase("other");
         QCOMPARE(contents(path()), before);
         QCOMPARE(failed(*m_sql), QStringList());
     }

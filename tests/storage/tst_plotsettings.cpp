@@ -2,6 +2,7 @@
 #include "serial/noxserialport.h"
 #include "storage/noxsql.h"
 #include "storage/plotsettingsstore.h"
+#include "support/databaseholder.h"
 
 #include <QSignalSpy>
 #include <QSqlQuery>
@@ -176,11 +177,28 @@ private slots:
         m_program->plot.setChColor(Qt::white, 1, 5);
         m_program->nox(index).opt->setChMeasType(3, measTemperatureCustom, "м");
         const QVariantList look = m_program->look(1);
+        m_program->store.apply(index); // as when its plug returns
+        QCOMPARE(m_program->look(1), look);
         QTRY_COMPARE(m_program->nox(index).dbIndex, 2);
         QCOMPARE(m_program->look(1), look);
         restart();
         m_program->attach(2);
         QCOMPARE(m_program->look(0), look);
+        QCOMPARE(m_program->nox(0).opt->getChDimCust(3), QString("м"));
+    }
+
+    void unitOutlivesADatabaseThatIsHeld()
+    {
+        QCOMPARE(m_sql->addDev(typeB, 1, "NOX B"), 1);
+        m_sql->setDevProperty(1, "ch_3-dim", "м");
+        {
+            const DatabaseHolder holder(m_directory->filePath("nox8.db"));
+            QVERIFY(holder.holds());
+            m_program->attach(1);
+            QCOMPARE(m_program->nox(0).dbIndex, -1);
+            m_program->nox(0).opt->triggerChChange(3);
+        }
+        QTRY_COMPARE(m_program->nox(0).dbIndex, 1);
         QCOMPARE(m_program->nox(0).opt->getChDimCust(3), QString("м"));
     }
 
