@@ -52,9 +52,7 @@ private slots:
     void firstConfigurationThatOnlyIsRefusedIsStoredLater()
     {
         RegistryBench bench;
-        optionsNOX8 &image = *bench.list.newNox(-1, true)->opt;
-        image.setDevType(typeB);
-        image.setDevNumber(5);
+        described(bench);
         QCOMPARE(nox(bench).dbIndex, 1);
         {
             const DatabaseHolder holder(bench.database.path());
@@ -85,9 +83,7 @@ private slots:
         {
             const DatabaseHolder holder(bench.database.path());
             QVERIFY(holder.holds());
-            optionsNOX8 &image = *bench.list.newNox(-1, true)->opt;
-            image.setDevType(typeB);
-            image.setDevNumber(5);
+            described(bench);
             QCOMPARE(nox(bench).dbIndex, -1);
         }
         QTRY_COMPARE(nox(bench).dbIndex, 1);
@@ -97,9 +93,7 @@ private slots:
     void referencesThatWereRefusedAreStoredLater()
     {
         RegistryBench bench;
-        optionsNOX8 &image = *bench.list.newNox(-1, true)->opt;
-        image.setDevType(typeB);
-        image.setDevNumber(5);
+        optionsNOX8 &image = described(bench);
         QCOMPARE(nox(bench).dbIndex, 1);
         {
             const DatabaseHolder holder(bench.database.path());
@@ -158,6 +152,14 @@ private slots:
 
 private:
     static noxList::_nox &nox(RegistryBench &bench) { return *bench.list.getNoxByIndex(0); }
+    /** An instrument of which the operator has told who it is. */
+    static optionsNOX8 &described(RegistryBench &bench)
+    {
+        optionsNOX8 &image = *bench.list.newNox(-1, true)->opt;
+        image.setDevType(typeB);
+        image.setDevNumber(5);
+        return image;
+    }
     static int rowWith(RegistryBench &bench, const QByteArray &references)
     {
         quint32 type = 0;
