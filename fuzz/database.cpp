@@ -48,7 +48,7 @@ constexpr Table tables[] = {
 /** What may have happened to a table ("%1"). */
 struct Damage {
     const char *sql;
-    bool isOfNumbers; ///< only the numbers of rows are unusual: everything still works
+    bool isHarmless; ///< everything still works
 };
 
 constexpr Damage damages[] = {
@@ -153,7 +153,7 @@ bool prepare(const QString &path, FuzzInput &input)
             if (choice >= damageFrom) {
                 const Damage &damage = damages[input.byte() % damageCount];
                 run(database, QString(damage.sql).arg(table.name));
-                isWhole = isWhole && damage.isOfNumbers;
+                isWhole = isWhole && damage.isHarmless;
                 continue;
             }
             QVariantList values;

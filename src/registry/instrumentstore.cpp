@@ -7,6 +7,16 @@
 
 #include <utility>
 
+namespace
+{
+
+QPair<quint32, quint32> identityOf(const optionsNOX8 &image)
+{
+    return {image.devType, image.devNumber};
+}
+
+} // namespace
+
 QString unitKey(quint8 ch)
 {
     return QStringLiteral("ch_%1-dim").arg(ch);
@@ -18,8 +28,12 @@ void InstrumentStore::find(noxList::_nox *nox) const
 {
     if (nox->opt->identValid)
         nox->dbIndex = m_database->findDev(nox->opt->devType, nox->opt->devNumber);
-    else if (!recognise(nox))
+    else if (recognise(nox))
+        return; // whoever has heard of it may have removed the instrument
+    else
         nox->dbIndex = -1;
+    if (nox->dbIndex < 1)
+        m_database->canStore(); // if not, it tells when it can be asked again
 }
 
 bool InstrumentStore::recognise(noxList::_nox *nox) const
@@ -31,7 +45,7 @@ bool InstrumentStore::recognise(noxList::_nox *nox) const
     if (row < 1)
         return false;
     nox->dbIndex = row; // first: who hears of the identity asks for it
-    nox->rowIdentity = {type, number};
+    noteIdentity(nox, {type, number});
     const QPointer<optionsNOX8> image = nox->opt.get(); // ... and may remove the instrument
     image->setDevType(type);
     if (image)
@@ -52,23 +66,28 @@ void InstrumentStore::provideWithReferences(noxList::_nox *nox,
     const QByteArray refdata = encodeReferenceData(references, noStamp());
     if (const auto row = m_database->provideDev(&refdata, image.devType, image.devNumber,
                                                 image.getDevName(true)))
-        noteRow(nox, *row);
-    else
-        nox->refused.row = true;
+        return noteRow(nox, *row);
+    noteIdentity(nox, identityOf(image));
+    nox->refused.row = true;
+}
+
+/** Forgets what has been refused of another instrument; whether the row was of another one. */
+bool InstrumentStore::noteIdentity(noxList::_nox *nox, const QPair<quint32, quint32> &identity)
+{
+    const bool isOther = std::exchange(nox->rowIdentity, identity) != identity;
+    if (isOther)
+        nox->refused = {};
+    return isOther;
 }
 
 /** A row that cannot be told stays the one that it was, unless it is of another instrument. */
 void InstrumentStore::noteRow(noxList::_nox *nox, int row) const
 {
-    const QPair<quint32, quint32> identity(nox->opt->devType, nox->opt->devNumber);
-    const bool isOther = std::exchange(nox->rowIdentity, identity) != identity;
-    if (isOther)
-        nox->refused = {}; // it is of another instrument
+    const bool isOther = noteIdentity(nox, identityOf(*nox->opt));
     nox->refused.row = row < 1;
     if (nox->refused.row && !isOther)
         return;
     nox->dbIndex = row;
-    storeProperties(nox); // first: who hears of the identity asks for them
 }
 
 // What is learnt of it
@@ -145,7 +164,7 @@ bool InstrumentStore::seekRow(noxList::_nox *nox) const
 {
     const auto references = nox->held.referenceData();
     if (!nox->opt->isIdentified()) {
-        if (nox->dbIndex < 1 && references)
+        if (nox->dbIndex < 1 && references && !nox->opt->identValid)
             recognise(nox);
         return false;
     }
@@ -166,14 +185,16 @@ void InstrumentStore::noteLostRow(noxList::_nox *nox) const
     const int row = m_database->findDev(image.devType, image.devNumber);
     if (row == nox->dbIndex || (row < 1 && !m_database->canStore())) // which cannot tell it, either
         return;
+    nox->dbIndex = -1;
     nox->refused.row = true;
     nox->snapShotId = 0;
 }
 
 void InstrumentStore::storeRefused(noxList::_nox *nox) const
 {
-    if (nox->refused.row)
+    if (nox->refused.row || nox->dbIndex < 1 || !nox->opt->isIdentified())
         return;
+    storeProperties(nox);
     const optionsNOX8 &image = *nox->opt;
     if (!nox->refused.references.isEmpty() &&
         m_database->updRefData(nox->dbIndex, &nox->refused.references, image.devType,

@@ -24,8 +24,8 @@ public:
     /** Finds the row of type and number, or adds one. While the database refuses that, `dbIndex` is
      *  -1, or the row that was known already. */
     void provide(noxList::_nox *nox) const;
-    /** The same, with these reference data in the row; nothing is changed while the database is
-     *  closed, and when a row that is there does not take them. */
+    /** The same, with these reference data in the row. It is refused, too, while the database is
+     *  closed, and when a row that is there does not take them; `dbIndex` stays as it is then. */
     void provideWithReferences(noxList::_nox *nox, const ReferenceData &references) const;
 
     /** Brings the row up to the image. */
@@ -46,12 +46,13 @@ public:
     void recogniseSnapShot(noxList::_nox *nox, bool isComplete) const;
 
     /** Looks for the row again once the database can be asked, which may be another one by then;
-     *  whether it has yet to be provided. */
+     *  whether it was missing. */
     bool seekRow(noxList::_nox *nox) const;
-    /** Stores what the database has refused, if the row is known. */
+    /** Stores what the database has refused, if the instrument has its row by now. */
     void storeRefused(noxList::_nox *nox) const;
 
 private:
+    static bool noteIdentity(noxList::_nox *nox, const QPair<quint32, quint32> &identity);
     void noteRow(noxList::_nox *nox, int row) const;
     void noteLostRow(noxList::_nox *nox) const;
     void storeProperties(noxList::_nox *nox) const;

@@ -353,6 +353,13 @@ void noxList::noteIdentity(int index)
     if (nox->opt->isIdentified())
         m_store->provide(nox);
     emit onIdentChange(index);
+    storeRefused(index); // last: who hears of the identity looks at what has not been stored yet
+}
+
+void noxList::storeRefused(int index)
+{
+    if (_nox *nox = getNoxByIndex(index)) // a receiver of the identity may have removed it
+        m_store->storeRefused(nox);
 }
 
 /** Stores what the database could not take when it was learnt. */
@@ -363,9 +370,8 @@ void noxList::noteRefused()
         _nox *nox = getNoxByIndex(index);
         if (nox && m_store->seekRow(nox))
             noteIdentity(index);
-        nox = getNoxByIndex(index); // a receiver of the identity may have removed it
-        if (nox && nox->opt->isIdentified())
-            m_store->storeRefused(nox);
+        else
+            storeRefused(index);
     }
 }
 

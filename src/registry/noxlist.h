@@ -195,6 +195,7 @@ private:
     void keepUnit(int index, quint8 ch);
     void noteIdentity(int index);
     void noteRefused();
+    void storeRefused(int index);
 
     NOXSerialPort *m_serialPort; ///< not owned
     noxSql *m_database;          ///< not owned

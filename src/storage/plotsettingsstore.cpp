@@ -128,20 +128,17 @@ void PlotSettingsStore::flush()
         m_database->setDevProperties(std::exchange(m_unwritten, {}));
 }
 
-/** What is stored for an instrument, or waits for its row. It takes over what it inherits: else its
- *  first own setting would end that, and leave it with this one alone. */
+/** What is stored for an instrument, which takes over what it inherits: else its first own setting
+ *  would end that, and leave it with this one alone. */
 PlotSettingsStore::Settings PlotSettingsStore::settingsOf(const noxList::_nox &nox)
 {
     flush();
-    Settings settings = m_database->getDevProperty(idOf(nox));
+    const Settings settings = m_database->getDevProperty(idOf(nox));
     if (!m_database->hasDevProperty(idOf(nox))) {
         for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting)
             m_unwritten.insert({idOf(nox), setting.key()}, setting.value());
         flush();
     }
-    const Settings &awaiting = nox.refused.properties;
-    for (auto setting = awaiting.cbegin(); setting != awaiting.cend(); ++setting)
-        settings.insert(setting.key(), setting.value());
     return settings;
 }
 
@@ -164,7 +161,9 @@ void PlotSettingsStore::apply(int index)
     if (!nox)
         return;
     const int id = idOf(*nox);
-    const Settings settings = settingsOf(*nox);
+    Settings settings = settingsOf(*nox);
+    for (const QString &key : nox->refused.properties.keys())
+        settings.remove(key); // it looks so already
     if (id > 0)
         applyUnits(nox->opt.get(), settings);
 
@@ -188,7 +187,10 @@ void PlotSettingsStore::applyToNewChannel(int qwtIndex, uchar ch)
     const noxList::_nox *nox = m_registry->getNoxByQwtIndex(qwtIndex);
     if (!nox)
         return;
-    const Settings settings = settingsOf(*nox);
+    Settings settings = settingsOf(*nox);
+    const Settings &awaiting = nox->refused.properties;
+    for (auto setting = awaiting.cbegin(); setting != awaiting.cend(); ++setting)
+        settings.insert(setting.key(), setting.value());
     const QScopedValueRollback<bool> applying(m_isApplying, true);
     if (qwtIndex == m_plot->getDevMain())
         applyMainChannel(settings, qwtIndex);

@@ -16,12 +16,13 @@ constexpr char heldProperty[] = "isHeldElsewhere";
 constexpr char rulesProperty[] = "hasOwnRules";
 
 /** What might never end: a view or a module in place of a table, and all that is done at a change
- *  but by our triggers, which delete what has one id. */
+ *  but by our triggers, which delete what has one id. LIKE reads types and names as the database
+ *  does: in either case, and to the first zero. */
 constexpr auto foreignRules =
-    "SELECT count(*) FROM sqlite_master WHERE (lower(type)='view' AND lower(name) IN"
-    " ('app_property', 'device', 'device_property', 'device_snapshot', 'device_snapshot_property',"
-    " 'feature')) OR (lower(type)='table' AND coalesce(rootpage, 0)=0)"
-    " OR (lower(type)='trigger' AND (name NOT IN ('device_delete', 'device_snapshot_delete')"
+    "SELECT count(*) FROM sqlite_master WHERE (type LIKE 'view' AND (name LIKE 'app_property%'"
+    " OR name LIKE 'device%' OR name LIKE 'feature%'))"
+    " OR (type LIKE 'table' AND sql LIKE '%VIRTUAL%')"
+    " OR (type LIKE 'trigger' AND (name NOT IN ('device_delete', 'device_snapshot_delete')"
     " OR sql LIKE '%SELECT%' OR sql LIKE '%UPDATE%' OR lower(sql) GLOB '*[^a-z]in[^a-z]*'))";
 
 /** The connection as it is: closed, it stays closed. */

@@ -19,7 +19,7 @@ bool openConnection(QSqlDatabase &database);
 
 /**
  * Executes a statement with its values; nothing when the database is closed or refuses it, or has
- * views or triggers on its way that might never end.
+ * views, modules or triggers that might never end.
  *
  * One that another program holds is waited for, but for a moment only, because the window stands
  * still as long; and by the first statement alone: those after it fail at once, until one succeeds.

@@ -20,7 +20,7 @@ private slots:
             first = taken(image.getData());
             references = taken(image.getRefAllData());
             image.setChOnOff(1, 0);
-            QVERIFY(taken(image.getData()) != first);
+            QVERIFY(taken(image.getData()) != first && nox(bench).held.referenceData());
             image.refT0.value = 1.5F;
             image.triggerRefChange();
             QTRY_COMPARE(nox(bench).held.referenceData()->refT0.value, 1.5F); // it is written
@@ -45,8 +45,28 @@ private slots:
             image.setDevNumber(5); // as the operator knows it
             QCOMPARE(nox(bench).dbIndex, -1);
         }
+        const QByteArray references = taken(image.getRefAllData());
+        image.refT0.value = 1.5F; // which has not been written yet
         QTRY_COMPARE(nox(bench).dbIndex, 1);
-        QCOMPARE(rowWith(bench, taken(image.getRefAllData())), 1);
+        QCOMPARE(rowWith(bench, references), 1);
+    }
+
+    void onlyAnOlderOneIsKnownByItsReferences()
+    {
+        for (const bool isOlder : {true, false}) {
+            RegistryBench bench;
+            bench.add("SIM1", "NOX B", 0, isOlder);
+            optionsNOX8 &image = *bench.list.newNox(bench.port.addDev("SIM1"), true)->opt;
+            image.setDevType(typeB);
+            bench.list.getOptFromNox(0);
+            QVERIFY(bench.isRead(0));
+            QCOMPARE(image.identValid, !isOlder);
+            const QByteArray references = taken(image.getRefAllData());
+            QCOMPARE(bench.database.provideDev(&references, typeB, 100, "B"), 1);
+            emit bench.database.storingChanged(true);
+            QCoreApplication::processEvents();
+            QCOMPARE(int(image.devNumber), isOlder ? 100 : 0); // which would be written to it
+        }
     }
 
     void firstConfigurationThatOnlyIsRefusedIsStoredLater()
@@ -69,6 +89,7 @@ private slots:
             const DatabaseHolder holder(bench.database.path());
             QVERIFY(holder.holds());
             identified(bench);
+            QVERIFY(!nox(bench).refused.firstSnapShot.first.isEmpty());
             nox(bench).opt->setDevNumber(6);
         }
         QTRY_COMPARE(nox(bench).dbIndex, 1);
@@ -100,7 +121,9 @@ private slots:
             QVERIFY(holder.holds());
             image.triggerDevChange();
         }
-        QTRY_COMPARE(rowWith(bench, taken(image.getRefAllData())), 1);
+        const QByteArray references = taken(image.getRefAllData());
+        image.refT0.value = 1.5F; // later
+        QTRY_COMPARE(rowWith(bench, references), 1);
     }
 
     void rowIsFoundInAnotherDatabase()

@@ -296,7 +296,10 @@ private slots:
         const QString endless = "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n)"
                                 " SELECT i AS feature_id, i AS feature_name FROM n";
         const QMap<QString, QString> rules = {
-            {"view", "DROP TABLE feature; CREATE VIEW Feature AS " + endless},
+            {"view", "DROP TABLE feature; CREATE VIEW Feature AS " + endless +
+                         "; PRAGMA writable_schema=1; UPDATE sqlite_master SET type='View' WHERE"
+                         " name='Feature'"},
+            {"module", "CREATE VIRTUAL TABLE more USING fts5(text)"},
             {"trigger",
              "CREATE TRIGGER more AFTER INSERT ON feature BEGIN DELETE FROM device; END"},
             {"own trigger",
@@ -309,7 +312,7 @@ private slots:
             rows(file, rule.value());
         }
         for (const QString file : {"", ".", "none/nox8.db", "noise", "damaged", "empty", "view",
-                                   "trigger", "own trigger"}) {
+                                   "module", "trigger", "own trigger"}) {
             m_sql = std::make_unique<noxSql>(file.isEmpty() ? "" : m_directory->filePath(file));
             QCOMPARE(failed(*m_sql), namesOf(writing + reading));
             QVERIFY(!m_sql->canStore() && !m_sql->removeDev(1) && !removeStoredCharacteristic(1) &&
@@ -377,6 +380,8 @@ private slots:
         {
             const DatabaseHolder holder(path());
             QVERIFY(holder.holds());
+            m_sql.reset();
+            open();
             QElapsedTimer watch;
             watch.start();
             for (int round = 0; round < 50; ++round)

@@ -174,6 +174,8 @@ private slots:
         QVERIFY(QSqlQuery("PRAGMA query_only=1").isActive());
         const int index = m_program->attach(2);
         QCOMPARE(m_program->nox(index).dbIndex, -1);
+        m_program->plot.setDevMain(1);
+        m_program->plot.setChShow(true, 1, 4);
         m_program->plot.setChColor(Qt::white, 1, 5);
         m_program->nox(index).opt->setChMeasType(3, measTemperatureCustom, "м");
         const QVariantList look = m_program->look(1);
@@ -181,6 +183,7 @@ private slots:
         QCOMPARE(m_program->look(1), look);
         QTRY_COMPARE(m_program->nox(index).dbIndex, 2);
         QCOMPARE(m_program->look(1), look);
+        QVERIFY(m_program->plot.getChShow(1, 4));
         restart();
         m_program->attach(2);
         QCOMPARE(m_program->look(0), look);
