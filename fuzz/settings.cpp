@@ -67,7 +67,7 @@ void requireSaved(const optionsNOX8 &image)
     static optionsNOX8 again;
     renew(again);
     require(load(toWindows1251(lines.join("\r\n") + "\r\n"), again));
-    require(again.devType == image.devType && again.devName == image.devName);
+    require(again.devType == image.devType && again.getDevName(false) == image.getDevName(false));
     const auto &features = image.features;
     const bool isExactlyKept =
         std::all_of(features.begin(), features.end(),
