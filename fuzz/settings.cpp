@@ -109,6 +109,8 @@ extern "C" size_t LLVMFuzzerCustomMutator(uint8_t *data, size_t size, size_t max
     const size_t kept = qMin(lineSize, longestLine);
     std::copy_n(line, kept, changed.begin());
     const size_t most = qMin(longestLine, maxSize - (size - lineSize));
+    if (most == 0) // an empty line of a file that cannot grow: every mutation has a byte at least
+        return LLVMFuzzerMutate(data, size, maxSize);
     const size_t changedSize = LLVMFuzzerMutate(changed.data(), qMin(kept, most), most);
     std::replace(changed.begin(), changed.begin() + changedSize, uint8_t('\n'), uint8_t(' '));
     std::memmove(line + changedSize, lineEnd, size_t(end - lineEnd));
