@@ -33,7 +33,9 @@ OutageRig::OutageRig(Playground playground)
     m_window = std::make_unique<MainWindow>();
     m_window->resize(1280, 800);
     m_window->show();
-    m_window->serialPort()->setLinkTiming(shortTiming());
+    LinkTiming timing = shortTiming();
+    timing.attemptDelay = 2000; // longer than an instrument waits for the rest of a broken exchange
+    m_window->serialPort()->setLinkTiming(timing);
     m_window->registry()->setWriteDelay(writeDelayMs);
     listen();
 }
