@@ -94,8 +94,12 @@ void InstrumentStore::noteRow(noxList::_nox *nox, int row) const
 
 void InstrumentStore::updateReferences(noxList::_nox *nox) const
 {
+    storeReferences(nox, taken(nox->opt->getRefAllData()));
+}
+
+void InstrumentStore::storeReferences(noxList::_nox *nox, const QByteArray &refdata) const
+{
     const optionsNOX8 &image = *nox->opt;
-    const QByteArray refdata = taken(image.getRefAllData());
     const bool isStored = m_database->updRefData(nox->dbIndex, &refdata, image.devType,
                                                  image.devNumber, image.getDevName(true));
     nox->refused.references = isStored ? QByteArray() : refdata;
@@ -195,11 +199,8 @@ void InstrumentStore::storeRefused(noxList::_nox *nox) const
     if (nox->refused.row || nox->dbIndex < 1 || !nox->opt->isIdentified())
         return;
     storeProperties(nox);
-    const optionsNOX8 &image = *nox->opt;
-    if (!nox->refused.references.isEmpty() &&
-        m_database->updRefData(nox->dbIndex, &nox->refused.references, image.devType,
-                               image.devNumber, image.getDevName(true)))
-        nox->refused.references.clear();
+    if (!nox->refused.references.isEmpty())
+        storeReferences(nox, std::exchange(nox->refused.references, {}));
     storeFirstSnapShot(nox);
 }
 
@@ -208,13 +209,11 @@ void InstrumentStore::storeProperties(noxList::_nox *nox) const
     const auto refused = std::exchange(nox->refused.properties, {});
     if (refused.isEmpty())
         return;
-    // with those that it inherits: the first one of its own would end that
-    auto properties = m_database->getDevProperty(nox->dbIndex);
-    for (auto property = refused.cbegin(); property != refused.cend(); ++property)
-        properties.insert(property.key(), property.value());
     QMap<QPair<int, QString>, QVariant> ofRow;
-    for (auto property = properties.cbegin(); property != properties.cend(); ++property)
-        ofRow.insert({nox->dbIndex, property.key()}, property.value());
+    // with those that it inherits: the first one of its own would end that
+    for (const auto &properties : {m_database->getDevProperty(nox->dbIndex), refused})
+        for (auto property = properties.cbegin(); property != properties.cend(); ++property)
+            ofRow.insert({nox->dbIndex, property.key()}, property.value());
     m_database->setDevProperties(ofRow);
 }
 

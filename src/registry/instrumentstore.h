@@ -55,6 +55,7 @@ private:
     static bool noteIdentity(noxList::_nox *nox, const QPair<quint32, quint32> &identity);
     void noteRow(noxList::_nox *nox, int row) const;
     void noteLostRow(noxList::_nox *nox) const;
+    void storeReferences(noxList::_nox *nox, const QByteArray &refdata) const;
     void storeProperties(noxList::_nox *nox) const;
     void storeFirstSnapShot(noxList::_nox *nox) const;
 
