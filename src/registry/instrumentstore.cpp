@@ -28,12 +28,8 @@ void InstrumentStore::find(noxList::_nox *nox) const
 {
     if (nox->opt->identValid)
         nox->dbIndex = m_database->findDev(nox->opt->devType, nox->opt->devNumber);
-    else if (recognise(nox))
-        return; // whoever has heard of it may have removed the instrument
-    else
+    else if (!recognise(nox))
         nox->dbIndex = -1;
-    if (nox->dbIndex < 1)
-        m_database->canStore(); // if not, it tells when it can be asked again
 }
 
 bool InstrumentStore::recognise(noxList::_nox *nox) const
@@ -223,8 +219,6 @@ void InstrumentStore::storeFirstSnapShot(noxList::_nox *nox) const
     if (data.isEmpty() || nox->refused.row)
         return;
     const int count = m_database->getSnapShotCount(nox->dbIndex);
-    if (count < 0)
-        m_database->canStore(); // if not, it tells when it does
     if (count > 0 ||
         (count == 0 && m_database->setSnapShot(nox->dbIndex, &data, &refdata,
                                                noxList::tr("Заводская настройка"), 0) >= 1))

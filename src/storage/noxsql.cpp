@@ -127,6 +127,15 @@ int noxSql::noted(int id)
     return id;
 }
 
+/** An id or a count that was asked for: who asks while another program holds the file is to hear
+ *  when it is free, as who changes it is. */
+int noxSql::asked(int answer)
+{
+    if (answer == failure && isHeldElsewhere())
+        noteChange(false);
+    return answer;
+}
+
 void noxSql::tryAgain()
 {
     // one that is held is the right one; any other may have been removed, replaced or opened up
@@ -235,7 +244,7 @@ int noxSql::findDev(const QByteArray *refdata, quint32 *type, quint32 *number)
                                 " WHERE device_refdata=:device_refdata",
                                 {{":device_refdata", *refdata}});
     if (!row)
-        return failure;
+        return asked(failure);
     *type = row->value(1).toUInt();
     *number = row->value(2).toUInt();
     return idOf(row->value(0));
@@ -244,7 +253,7 @@ int noxSql::findDev(const QByteArray *refdata, quint32 *type, quint32 *number)
 int noxSql::findDev(quint32 type, quint32 number)
 {
     const auto row = selectOnly(selectDevice, {{":device_type", type}, {":device_number", number}});
-    return row ? idOf(row->value(0)) : failure;
+    return row ? idOf(row->value(0)) : asked(failure);
 }
 
 bool noxSql::removeDev(int deviceId)
@@ -262,7 +271,7 @@ bool noxSql::removeDev(int deviceId)
 
 int noxSql::getSnapShotCount(int deviceId)
 {
-    return snapshotCount(deviceId);
+    return asked(snapshotCount(deviceId));
 }
 
 QString noxSql::getSnapShotInfo(int snapshotId)

@@ -145,6 +145,7 @@ private:
     NamedProperties withUnwritten(int deviceId, NamedProperties properties) const;
     void noteChange(bool isStored);
     int noted(int id);
+    int asked(int answer);
     void storeAtEnd();
     bool takesChanges();
     void tryAgain();
